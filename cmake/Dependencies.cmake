@@ -1,0 +1,29 @@
+# The libraries that Habitra calls, all from Debian's packages (cmake/packages names them).
+find_package(absl REQUIRED)
+find_package(fmt REQUIRED)
+find_package(spdlog REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(Threads REQUIRED)
+find_package(Boost 1.74 REQUIRED)
+
+# libcsv and xxHash bring no CMake package.
+find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
+find_library(CSV_LIBRARY csv REQUIRED)
+add_library(CSV::CSV UNKNOWN IMPORTED)
+set_target_properties(CSV::CSV PROPERTIES
+  IMPORTED_LOCATION ${CSV_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${CSV_INCLUDE_DIR})
+
+find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
+add_library(xxHash::xxHash INTERFACE IMPORTED) # used header-only: XXH_INLINE_ALL
+set_target_properties(xxHash::xxHash PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${XXHASH_INCLUDE_DIR})
+
+if(HABITRA_TESTS)
+  find_package(GTest REQUIRED)
+  find_package(rapidcheck REQUIRED)
+endif()
+if(HABITRA_BENCHMARKS)
+  find_package(benchmark REQUIRED)
+endif()
