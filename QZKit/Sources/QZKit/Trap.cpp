@@ -1,9 +1,9 @@
 #include <QZKit/Trap.h>
 
+#include <unistd.h>
 #include <array>
 #include <charconv>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace qz {
 namespace {

@@ -1,12 +1,12 @@
 #include <QZLog/Log.h>
 
 #include <fcntl.h>
-#include <memory>
-#include <mutex>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <unistd.h>
+#include <memory>
+#include <mutex>
 
 namespace qz::log {
 namespace {
@@ -72,13 +72,15 @@ class Log {
     if (file_) return file_;
     try {
       // Created here and not by the library, so that nobody else can read it whatever the umask.
-      const int descriptor = ::open(configuration_.file->c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0600);
+      const int descriptor =
+          ::open(configuration_.file->c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0600);
       if (descriptor < 0) {
         fileFailed_ = true;
         return nullptr;
       }
       ::close(descriptor);
-      file_ = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(configuration_.file->string(), fileSize, olderFiles);
+      file_ =
+          std::make_shared<spdlog::sinks::rotating_file_sink_mt>(configuration_.file->string(), fileSize, olderFiles);
       file_->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %P %l %v");
     } catch (const spdlog::spdlog_ex&) {
       fileFailed_ = true;

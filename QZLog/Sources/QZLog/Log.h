@@ -1,7 +1,7 @@
 #pragma once
 
-#include <filesystem>
 #include <fmt/core.h>
+#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <utility>

@@ -1,0 +1,67 @@
+#include <QZLog/Log.h>
+#include <Support/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+namespace log = qz::log;
+
+std::string contents(const std::filesystem::path& path) {
+  std::ifstream stream(path);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class Log : public testing::Test {
+ protected:
+  ~Log() override { log::configure({}); }
+  TemporaryFolder folder_;
+};
+
+TEST_F(Log, OpensItsFileAtTheFirstWarningAndForTheOwnerOnly) {
+  const auto path = folder_ / "habitra.log";
+  const mode_t before = ::umask(0);
+  log::configure({.file = path});
+  log::info("Processing tasks");
+  EXPECT_FALSE(std::filesystem::exists(path));
+  log::warning("Unable to find task with ID {}", 7);
+  ::umask(before);
+  const std::string text = contents(path);
+  EXPECT_NE(text.find("warning Unable to find task with ID 7\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("Processing"), std::string::npos);
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0600});
+}
+
+TEST_F(Log, VerboseWritesEveryMessageToStandardError) {
+  log::configure({.verbose = true});
+  testing::internal::CaptureStderr();
+  log::debug("Found existing entry with ID={}", "A");
+  log::error("no");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "habitra: debug: Found existing entry with ID=A\nhabitra: error: no\n");
+}
+
+TEST_F(Log, RotatesAndKeepsThreeFiles) {
+  log::configure({.file = folder_ / "habitra.log"});
+  const std::string line(100'000, 'x');
+  for (int i = 0; i < 50; ++i) log::warning("{}", line);
+  int files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+    EXPECT_LE(entry.file_size(), 1'200'000u);
+    ++files;
+  }
+  EXPECT_EQ(files, 3);
+}
+
+TEST_F(Log, GivesUpAFileThatCannotBeWritten) {
+  std::filesystem::create_symlink(folder_ / "elsewhere", folder_ / "habitra.log");
+  log::configure({.file = folder_ / "habitra.log"});
+  log::error("lost");
+  EXPECT_FALSE(log::isKept(log::Level::error));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
+}
+
+}  // namespace
