@@ -1,0 +1,114 @@
+#pragma once
+
+#include <HabitraApp/HabitSummary.h>
+#include <HabitraBackup/ImportReport.h>
+#include <QZDateTime/TimeZone.h>
+#include <QZDateTime/YYYYMMDD.h>
+#include <QZKit/Clock.h>
+#include <QZKit/UniqueID.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace habitra {
+
+/// What an application works on and with.
+struct ApplicationSettings {
+  std::filesystem::path home;              ///< the Habitra home; made when something is first written
+  std::shared_ptr<const qz::Clock> clock;  ///< where "now" comes from
+  qz::TimeZone timeZone;                   ///< the device's zone: days of tasks without a zone of their own
+};
+
+/// What became of one habit that a person marked.
+struct Marked {
+  enum class Outcome {
+    recorded,  ///< an entry was written
+    already,   ///< the day already stood as asked for; nothing was written
+  };
+  Outcome outcome;
+  HabitSummary habit;  ///< as it stands afterwards
+};
+
+/// What a pass over the habits did.
+struct ProcessReport {
+  std::size_t tasks = 0;     ///< active habits looked at
+  std::size_t changed = 0;   ///< of these, the ones whose stored figures or log changed
+  std::size_t filledIn = 0;  ///< automatic skips and misses added for days that are over
+  std::size_t removed = 0;   ///< entries dated after today that were deleted
+};
+
+/// What was brought in, and the pass that followed.
+struct ImportOutcome {
+  ImportReport report;
+  ProcessReport processed;
+};
+
+struct ExportOutcome {
+  std::size_t tasks = 0;
+  std::size_t rows = 0;
+};
+
+/// Everything a front end can ask and do. A front end parses, asks here, prints, and decides nothing, so that no two of
+/// them disagree.
+///
+/// A call that records takes the writers' turn, brings the habits it touches up to date before and after, and saves
+/// once: when it returns, what it says is on disk; when it throws, nothing was changed. Calls that only look never
+/// write and work the days since the last pass out in memory. Failures are qz::Error with a message fit to be shown; a
+/// name that is not one habit's is a TaskNameError (TaskLookup.h).
+///
+/// Belongs to one thread.
+class Application {
+ public:
+  explicit Application(ApplicationSettings settings);
+  ~Application();
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  /// All active habits by page and place on it. Empty when nothing was ever stored; nothing is made then.
+  [[nodiscard]] std::vector<HabitSummary> list();
+
+  /// The day that "now" belongs to, in the device's zone.
+  [[nodiscard]] qz::YYYYMMDD today() const;
+
+  /// A new habit: every day, one completion, to do, on the first page.
+  /// Throws qz::Error for a title that is empty, longer than 500 bytes, not UTF-8 or has control characters.
+  HabitSummary add(std::string_view title);
+
+  /// Marks the current period of these habits done. Names are all looked up before anything is recorded.
+  std::vector<Marked> done(const std::vector<std::string>& names);
+
+  /// Marks the current period of these habits skipped: it then neither adds to a streak nor breaks it.
+  std::vector<Marked> skip(const std::vector<std::string>& names);
+
+  /// Takes back what stands in the log of one habit for `day` (none: its today).
+  /// Throws qz::Error when nothing that a person or an import recorded stands there, or the day lies in the future.
+  HabitSummary undo(std::string_view name, std::optional<qz::YYYYMMDD> day);
+
+  /// Brings every active habit up to date: fills in the days that are over, stores the figures.
+  ProcessReport process();
+
+  /// The same after a call that only looked, when the day has changed since the last pass. Never throws: what could not
+  /// be done now is done next time.
+  void processIfDue() noexcept;
+
+  /// Reads a nine-column history from `stream`, merges it into the store and brings the habits up to date. `name` is
+  /// what errors call the stream. All or nothing.
+  ImportOutcome importHistory(std::istream& stream, std::string_view name);
+  ImportOutcome importHistory(const std::filesystem::path& file);
+
+  /// Writes the history of every habit as nine columns. A file is replaced in one step, or left as it was.
+  ExportOutcome exportHistory(std::ostream& stream);
+  ExportOutcome exportHistory(const std::filesystem::path& file);
+
+ private:
+  class Rooms;
+  std::unique_ptr<Rooms> rooms_;
+};
+
+}  // namespace habitra

@@ -1,0 +1,146 @@
+#include <HabitraApp/TaskLookup.h>
+
+#include <fmt/format.h>
+#include <algorithm>
+#include <clocale>
+#include <cwctype>
+#include <memory>
+#include <numeric>
+#include <optional>
+
+namespace habitra {
+namespace {
+
+/// Folds the case of UTF-8 text by the rules of C.UTF-8, whatever locale the program runs in. Bytes that are not UTF-8
+/// stand for themselves.
+class CaseFolding {
+ public:
+  CaseFolding() : locale_(::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {}
+  ~CaseFolding() {
+    if (locale_ != nullptr) ::freelocale(locale_);
+  }
+  CaseFolding(const CaseFolding&) = delete;
+  CaseFolding& operator=(const CaseFolding&) = delete;
+
+  [[nodiscard]] std::u32string fold(std::string_view text) const {
+    std::u32string folded;
+    for (std::size_t i = 0; i < text.size();) folded.push_back(lower(decode(text, i)));
+    return folded;
+  }
+
+ private:
+  static char32_t decode(std::string_view text, std::size_t& i) {
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    const unsigned char lead = byte(i++);
+    const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
+    if (more == 0 || i + static_cast<std::size_t>(more) > text.size()) return lead;
+    char32_t point = lead & (0x3Fu >> more);
+    for (int k = 0; k < more; ++k) point = point << 6 | (byte(i++) & 0x3Fu);
+    return point;
+  }
+
+  [[nodiscard]] char32_t lower(char32_t point) const {
+    if (point < 0x80) return point >= U'A' && point <= U'Z' ? point + 32 : point;
+    return locale_ == nullptr ? point : static_cast<char32_t>(::towlower_l(static_cast<wint_t>(point), locale_));
+  }
+
+  locale_t locale_;
+};
+
+/// Insertions, deletions, replacements and swaps of neighbours that turn one text into the other.
+std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
+  std::vector<std::size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
+  std::iota(last.begin(), last.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t replaced = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+      row[j] = std::min({last[j] + 1, row[j - 1] + 1, replaced});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+        row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+    }
+    beforeLast = last;
+    std::swap(last, row);
+  }
+  return last[b.size()];
+}
+
+std::vector<std::size_t> placesWhere(std::span<const TaskName> tasks, auto&& holds) {
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < tasks.size(); ++i) {
+    if (holds(tasks[i])) places.push_back(i);
+  }
+  return places;
+}
+
+TaskNameError ambiguous(std::span<const TaskName> tasks, const std::vector<std::size_t>& places,
+                        std::string_view name) {
+  std::string candidates;
+  for (const std::size_t place : places) {
+    candidates +=
+        fmt::format("{}'{}' ({})", candidates.empty() ? "" : ", ", tasks[place].title, tasks[place].uniqueId.text());
+  }
+  return TaskNameError(fmt::format("'{}' can mean {} habits: {}", name, places.size(), candidates));
+}
+
+TaskNameError unknown(std::span<const TaskName> tasks, std::string_view name) {
+  std::vector<std::string> titles;
+  for (const TaskName& task : tasks) titles.push_back(task.title);
+  std::string message = fmt::format("no habit is called '{}'", name);
+  const std::vector<std::string> near = nearestMatches(name, titles);
+  for (std::size_t i = 0; i < near.size(); ++i)
+    message += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
+  return TaskNameError(message);
+}
+
+}  // namespace
+
+std::size_t lookUpTask(std::span<const TaskName> tasks, std::string_view name) {
+  const auto decided = [&](const std::vector<std::size_t>& places) -> std::optional<std::size_t> {
+    if (places.size() > 1) throw ambiguous(tasks, places, name);
+    return places.empty() ? std::nullopt : std::optional(places.front());
+  };
+
+  if (const auto id = qz::UniqueID::fromText(name)) {
+    if (const auto place = decided(placesWhere(tasks, [&](const TaskName& task) { return task.uniqueId == *id; })))
+      return *place;
+  }
+  if (const auto place = decided(placesWhere(tasks, [&](const TaskName& task) { return task.title == name; })))
+    return *place;
+
+  const CaseFolding folding;
+  const std::u32string wanted = folding.fold(name);
+  if (const auto place =
+          decided(placesWhere(tasks, [&](const TaskName& task) { return folding.fold(task.title) == wanted; })))
+    return *place;
+  if (!wanted.empty()) {
+    if (const auto place = decided(
+            placesWhere(tasks, [&](const TaskName& task) { return folding.fold(task.title).starts_with(wanted); })))
+      return *place;
+  }
+  throw unknown(tasks, name);
+}
+
+std::vector<std::string> nearestMatches(std::string_view word, std::span<const std::string> words, std::size_t count) {
+  const CaseFolding folding;
+  const std::u32string wanted = folding.fold(word);
+  std::vector<std::pair<std::size_t, std::string>> near;
+  for (const std::string& candidate : words) {
+    const std::u32string folded = folding.fold(candidate);
+    const std::size_t distance = editDistance(wanted, folded);
+    const bool contains = wanted.size() >= 3 && folded.find(wanted) != std::u32string::npos;
+    // A third of the letters wrong is a slip of the finger; more is another word.
+    const std::size_t allowed = std::max<std::size_t>(1, std::max(wanted.size(), folded.size()) / 3);
+    if (distance <= allowed || contains)
+      near.emplace_back(contains ? std::min<std::size_t>(distance, allowed) : distance, candidate);
+  }
+  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> result;
+  for (auto& [distance, candidate] : near) {
+    if (result.size() == count) break;
+    if (std::find(result.begin(), result.end(), candidate) == result.end()) result.push_back(std::move(candidate));
+  }
+  return result;
+}
+
+}  // namespace habitra
