@@ -1,0 +1,137 @@
+#pragma once
+
+#include <HabitraCore/CompletionStatus.h>
+#include <HabitraCore/HistoryCheckpoint.h>
+#include <HabitraCore/LoggedEntry.h>
+#include <HabitraCore/StreakStatus.h>
+#include <HabitraCore/TaskFrequencyPeriod.h>
+#include <HabitraCore/TaskRecentHistory.h>
+#include <HabitraCore/TaskRules.h>
+#include <QZDateTime/YYYYMMDD.h>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// The walk over a task's history: from its first day to today, period by period, each with the status that its
+/// entries give it and the streak after it. Every figure that a front end shows about the past comes from here.
+///
+/// Which periods there are: an entry counts for the period that is stored with it, and the days that no stored period
+/// covers are cut into periods by the frequency of today. So a changed frequency does not regroup the past. Where
+/// stored periods overlap, the one that begins first stands (of two that begin together the longer), and the entries of
+/// the others count for it. An entry without a usable period counts for that of its day; one made for a day that the
+/// calendar does not have, or after today, counts for nothing.
+///
+/// How a period is judged: its entries are applied in order of creation, by the tables of CompletionStatus. A period of
+/// a task to avoid that was kept clean gains its one when it closes. A closed period that no full entry decided gets
+/// the entry that the rules give it (see FillIn), and is judged as if that stood in the log.
+namespace habitra {
+
+/// The days between which a history is walked.
+struct HistoryScope {
+  /// The first day: the earlier of the day the task was created on and the earliest entryDate of an entry that
+  /// marksHistory(). A day after `today` counts as today.
+  qz::YYYYMMDD created{};
+  /// The last day; the period that holds it is open.
+  qz::YYYYMMDD today{};
+  /// Closed periods that end on this day or later are filled in: the last processed day, or `created` the first time.
+  qz::YYYYMMDD fillFrom{};
+  /// The day as of which a checkpoint is wanted. More than a month before today it can be resumed from.
+  std::optional<qz::YYYYMMDD> checkpointDay;
+};
+
+/// An entry that has to be written for a closed period that no full entry decided. To do: nothing where its partial
+/// entries completed it, a miss where it was due, else a skip. To avoid: a miss where partial misses failed it,
+/// whatever the allowance, else a skip where it was not due, else nothing.
+struct FillIn {
+  TaskFrequencyPeriod period;
+  TaskLogEntryType entryType{};
+
+  friend bool operator==(const FillIn&, const FillIn&) = default;
+};
+
+/// A period as the walk passes it. Valid during the visit; the larger values are built when they are asked for.
+struct WalkedPeriod {
+  std::int32_t from = 0;         ///< first day, integer form
+  std::int32_t to = 0;           ///< last day
+  std::int32_t progressDay = 0;  ///< the last day, in the open period today
+  TaskFrequencyPeriodType periodType{};
+  qz::DayOfWeek firstDayOfWeek{};
+  CompletionStatus::Status status = CompletionStatus::Status::positiveSkip();
+  std::int64_t numUnits = 0;       ///< partial entries' worth of progress
+  std::int64_t expectedUnits = 1;  ///< how many the period needs
+  StreakStatus streak;             ///< after this period
+  bool isDue = false;
+  bool isOpen = false;         ///< it holds today
+  bool missIsAllowed = false;  ///< to avoid: a failure of this period is one within the allowance
+  std::optional<TaskLogEntryType> fillIn;
+
+  [[nodiscard]] TaskFrequencyPeriod period() const;
+  [[nodiscard]] CompletionStatus completionStatus() const;
+};
+
+using PeriodVisitor = std::function<void(const WalkedPeriod&)>;
+
+/// What a history comes to.
+struct TaskFigures {
+  StreakStatus streak;
+  /// Status, with progress, and bounds of the period that holds today.
+  CompletionStatus completionStatus;
+  TaskFrequencyPeriod period;
+  bool isDueToday = false;
+  bool missIsAllowed = false;  ///< to avoid: a failure of this period would lie within the allowance
+  /// The day of the entry that completed or failed the newest such period (of a clean one its last day; allowed misses
+  /// are neither), and the day of the newest skip.
+  std::optional<qz::YYYYMMDD> lastCompleted;
+  std::optional<qz::YYYYMMDD> lastMissed;
+  std::optional<qz::YYYYMMDD> lastSkipped;
+  TaskRecentHistory::PreviousDaysSuccess shortTerm;
+  TaskRecentHistory::PreviousDaysSuccess longTerm;
+  /// Share of the current period that is done, and the day as of which that is.
+  double progress = 0.0;
+  qz::YYYYMMDD progressDate{};
+  /// Whether that share is worth keeping: the period needs more than one entry.
+  bool isProgressTracked = false;
+
+  friend bool operator==(const TaskFigures&, const TaskFigures&) = default;
+};
+
+struct HistoryResult {
+  TaskFigures figures;
+  std::vector<FillIn> fillIns;  ///< in order of days
+  /// The state after the last period that ended on `checkpointDay` or before; none where there is no such period. A
+  /// resumed walk that has none either gives back the one it was resumed from.
+  std::optional<HistoryCheckpoint> checkpoint;
+};
+
+/// Immutable; may be used from any thread at the same time. One pass: the work for a day does not depend on the length
+/// of the history, and nothing is allocated for it but the list of entries to fill in.
+class HistoryWalk {
+ public:
+  /// Whether histories of this frequency can be judged: those whose due days the calendar alone gives. The task of
+  /// another one is shown and logged, and left alone.
+  [[nodiscard]] static bool supports(const TaskFrequency& frequency);
+
+  /// REQUIRES: supports(rules.frequency). Stops the program when a day of `scope` does not fit 32 bits.
+  HistoryWalk(const TaskRules& rules, const HistoryScope& scope);
+
+  /// Whether `checkpoint` was made under these rules and lies so far back (before the days to fill in, and more than 30
+  /// days before today) that going on from it gives what a whole walk gives.
+  [[nodiscard]] bool canResume(const HistoryCheckpoint& checkpoint) const;
+
+  /// Walks the whole history. `entries` is the task's log in order of entryDate, then of creation.
+  [[nodiscard]] HistoryResult walk(std::span<const LoggedEntry> entries, const PeriodVisitor& visit = {}) const;
+
+  /// Walks on from a checkpoint; needs of `entries` only those whose period begins after its `closedThrough`, and
+  /// visits only periods after it. REQUIRES: canResume(checkpoint).
+  [[nodiscard]] HistoryResult resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
+                                     const PeriodVisitor& visit = {}) const;
+
+ private:
+  TaskRules rules_;
+  HistoryScope scope_;
+};
+
+}  // namespace habitra

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <HabitraCore/TaskFrequencyPeriodType.h>
+#include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/YYYYMMDD.h>
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+
+namespace habitra {
+
+/// A span of days that is judged as one: both ends are days of it. Coded with the keys "periodType", "startDate",
+/// "finishDate" and "firstDayOfWeek".
+struct TaskFrequencyPeriod {
+  TaskFrequencyPeriodType periodType{};
+  qz::YYYYMMDD startDate{};
+  qz::YYYYMMDD finishDate{};
+  /// The weekday on which the weeks begin that the period was formed with.
+  qz::DayOfWeek firstDayOfWeek{};
+
+  [[nodiscard]] bool contains(qz::YYYYMMDD date) const { return startDate <= date && date <= finishDate; }
+
+  friend bool operator==(const TaskFrequencyPeriod&, const TaskFrequencyPeriod&) = default;
+};
+
+/// A day together with the period that holds it. Coded with the keys "date" and "period".
+struct DatedPeriod {
+  qz::YYYYMMDD date{};
+  TaskFrequencyPeriod period;
+
+  DatedPeriod() = default;
+  DatedPeriod(qz::YYYYMMDD theDate, const TaskFrequencyPeriod& thePeriod) : date(theDate), period(thePeriod) {}
+  /// The period of this type that holds `date`; see firstDate() for `referenceDate`.
+  DatedPeriod(qz::YYYYMMDD date, TaskFrequencyPeriodType periodType, qz::DayOfWeek firstDayOfWeek,
+              std::optional<qz::YYYYMMDD> referenceDate = std::nullopt);
+
+  /// Whether the day is the last of its period.
+  [[nodiscard]] bool isLastDay() const { return date == period.finishDate; }
+
+  friend bool operator==(const DatedPeriod&, const DatedPeriod&) = default;
+};
+
+void to_json(nlohmann::json& json, const TaskFrequencyPeriod& period);
+void from_json(const nlohmann::json& json, TaskFrequencyPeriod& period);
+void to_json(nlohmann::json& json, const DatedPeriod& period);
+void from_json(const nlohmann::json& json, DatedPeriod& period);
+
+}  // namespace habitra
