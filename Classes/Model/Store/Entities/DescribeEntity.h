@@ -1,0 +1,80 @@
+#pragma once
+
+#include <HabitraModel/Store/EntityDescription.h>
+#include <HabitraModel/Store/StoredValues.h>
+
+#include <string>
+#include <type_traits>
+
+/// How an entity's source file writes its description: one row per attribute, made from a pointer to the member.
+namespace habitra {
+
+namespace describe {
+
+template <typename T>
+struct Unwrapped {
+  using Type = T;
+  static constexpr bool isOptional = false;
+};
+template <typename T>
+struct Unwrapped<std::optional<T>> {
+  using Type = T;
+  static constexpr bool isOptional = true;
+};
+
+template <typename T>
+consteval StoredType storedType() {
+  if constexpr (std::is_same_v<T, bool>) return StoredType::boolean;
+  if constexpr (std::is_same_v<T, std::int16_t>) return StoredType::int16;
+  if constexpr (std::is_same_v<T, std::int32_t>) return StoredType::int32;
+  if constexpr (std::is_same_v<T, std::int64_t>) return StoredType::int64;
+  if constexpr (std::is_same_v<T, double>) return StoredType::real;
+  if constexpr (std::is_same_v<T, std::string>) return StoredType::text;
+  if constexpr (std::is_same_v<T, Bytes>) return StoredType::bytes;
+  if constexpr (std::is_same_v<T, qz::Moment>) return StoredType::moment;
+  if constexpr (std::is_same_v<T, ObjectID>) return StoredType::reference;
+}
+
+template <auto Member>
+struct MemberOf;
+template <typename Object, typename Field, Field Object::*Member>
+struct MemberOf<Member> {
+  using FieldType = Field;
+  static void* field(void* object) { return &(static_cast<Object*>(object)->*Member); }
+};
+
+}  // namespace describe
+
+template <auto Member>
+consteval AttributeDescription attribute(std::string_view name) {
+  using Unwrapped = describe::Unwrapped<typename describe::MemberOf<Member>::FieldType>;
+  return {name,
+          describe::storedType<typename Unwrapped::Type>(),
+          Unwrapped::isOptional,
+          &describe::MemberOf<Member>::field,
+          {}};
+}
+
+/// A to-one relationship to `Target`, which knows this side as `inverse`.
+template <auto Member, typename Target>
+consteval AttributeDescription relationship(std::string_view name, std::string_view inverse, bool inverseIsToMany,
+                                            DeleteRule whenTargetIsRemoved) {
+  AttributeDescription description = attribute<Member>(name);
+  description.relationship = {&Target::description, inverse, inverseIsToMany, whenTargetIsRemoved};
+  return description;
+}
+
+template <typename Object>
+consteval EntityDescription describeEntity(EntityNumber number, std::string_view name, Layout layout,
+                                           std::span<const AttributeDescription> attributes) {
+  EntityDescription description{number, name, layout, attributes};
+  description.create = []() -> void* { return new Object; };
+  description.destroy = [](void* object) { delete static_cast<Object*>(object); };
+  description.assign = [](void* object, const void* from) {
+    *static_cast<Object*>(object) = *static_cast<const Object*>(from);
+  };
+  description.objectID = [](void* object) -> ObjectID& { return static_cast<Object*>(object)->objectID; };
+  return description;
+}
+
+}  // namespace habitra

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <HabitraModel/Store/ObjectID.h>
+#include <HabitraModel/Store/StoreError.h>
+#include <QZKit/Clock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace habitra {
+
+class Connection;
+class WritersTurn;
+
+/// A store of tasks: one SQLite file in a home folder, or memory alone.
+///
+/// Opening makes the home 0700 and the files 0600 whatever the umask is, follows no link inside the home, refuses a
+/// home that belongs to somebody else, and leaves alone a file that is no store or was made by a newer version.
+///
+/// May be shared by any threads; each reads and writes through a StoreContext of its own.
+class Store : public std::enable_shared_from_this<Store> {
+ public:
+  /// The version of the layout that this program reads and writes; kept in the file as SQLite's user_version.
+  static constexpr int schemaVersion = 1;
+  /// "Hbtr", kept in the file as SQLite's application_id.
+  static constexpr std::int32_t applicationID = 0x48627472;
+
+  /// Opens the store at `file`, making it, its home and whatever folder is missing above. Throws StoreError.
+  /// A file, or its folder, that may not be written opens for reading alone.
+  [[nodiscard]] static std::shared_ptr<Store> open(const std::filesystem::path& file,
+                                                   std::shared_ptr<const qz::Clock> clock);
+
+  /// Opens the store at `file`, or gives null and makes nothing when there is none. Throws StoreError.
+  [[nodiscard]] static std::shared_ptr<Store> openForReading(const std::filesystem::path& file,
+                                                             std::shared_ptr<const qz::Clock> clock);
+
+  /// A store in memory that lives as long as this object. It takes no file locks; its contexts keep no view of the
+  /// store between two reads.
+  [[nodiscard]] static std::shared_ptr<Store> inMemory(std::shared_ptr<const qz::Clock> clock);
+
+  ~Store();
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  /// Empty for a store in memory.
+  [[nodiscard]] const std::filesystem::path& file() const { return file_; }
+  [[nodiscard]] bool isInMemory() const { return file_.empty(); }
+  [[nodiscard]] bool isReadOnly() const { return isReadOnly_; }
+  [[nodiscard]] const qz::Clock& clock() const { return *clock_; }
+
+  /// Names this object among all that write to the file; kept with each transaction.
+  [[nodiscard]] const std::string& writer() const { return writer_; }
+
+ private:
+  friend class StoreContext;
+  friend class StoreUnit;
+
+  Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock);
+
+  /// The connection that opening made, once; a new one after that.
+  [[nodiscard]] std::unique_ptr<Connection> connect();
+  [[nodiscard]] std::unique_ptr<Connection> makeConnection() const;
+  [[nodiscard]] std::unique_ptr<WritersTurn> makeTurn() const;
+  void prepare();
+  /// Numbers that were given to a row that was rolled back are not given again.
+  [[nodiscard]] ObjectID nextObjectID(ObjectID newestStored);
+
+  std::filesystem::path file_;
+  std::string address_;  // what SQLite is asked to open
+  std::shared_ptr<const qz::Clock> clock_;
+  std::string writer_;
+  bool isReadOnly_ = false;
+  std::atomic<std::int64_t> newestGivenID_{0};
+  std::unique_ptr<Connection> keeper_;                 // keeps a store in memory alive
+  std::atomic<Connection*> firstConnection_{nullptr};  // owned
+};
+
+}  // namespace habitra
