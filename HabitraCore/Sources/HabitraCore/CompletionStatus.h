@@ -119,7 +119,7 @@ struct RawValueTable<CompletionStatus::Status::Kind> {
 };
 
 /// A status is coded as {"positiveIncomplete": {"_0": "mwi"}}, one without skip mode as {"positiveComplete": {}}.
-/// Decoding anything else throws qz::Error.
+/// Decoding anything else throws qz::DecodingError.
 void to_json(nlohmann::json& json, const CompletionStatus& status);
 void from_json(const nlohmann::json& json, CompletionStatus& status);
 

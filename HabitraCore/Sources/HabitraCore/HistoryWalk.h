@@ -33,11 +33,11 @@ namespace habitra {
 struct HistoryScope {
   /// The first day: the earlier of the day the task was created on and the earliest entryDate of an entry that
   /// marksHistory(). A day after `today` counts as today.
-  qz::YYYYMMDD created{};
+  qz::YYYYMMDD created;
   /// The last day; the period that holds it is open.
-  qz::YYYYMMDD today{};
+  qz::YYYYMMDD today;
   /// Closed periods that end on this day or later are filled in: the last processed day, or `created` the first time.
-  qz::YYYYMMDD fillFrom{};
+  qz::YYYYMMDD fillFrom;
   /// The day as of which a checkpoint is wanted. More than a month before today it can be resumed from.
   std::optional<qz::YYYYMMDD> checkpointDay;
 };
@@ -58,7 +58,7 @@ struct WalkedPeriod {
   std::int32_t to = 0;           ///< last day
   std::int32_t progressDay = 0;  ///< the last day, in the open period today
   TaskFrequencyPeriodType periodType{};
-  qz::DayOfWeek firstDayOfWeek{};
+  qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
   CompletionStatus::Status status = CompletionStatus::Status::positiveSkip();
   std::int64_t numUnits = 0;       ///< partial entries' worth of progress
   std::int64_t expectedUnits = 1;  ///< how many the period needs
@@ -91,7 +91,7 @@ struct TaskFigures {
   TaskRecentHistory::PreviousDaysSuccess longTerm;
   /// Share of the current period that is done, and the day as of which that is.
   double progress = 0.0;
-  qz::YYYYMMDD progressDate{};
+  qz::YYYYMMDD progressDate;
   /// Whether that share is worth keeping: the period needs more than one entry.
   bool isProgressTracked = false;
 

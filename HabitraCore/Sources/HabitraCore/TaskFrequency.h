@@ -5,6 +5,7 @@
 #include <HabitraCore/TaskFrequencyPeriod.h>
 #include <HabitraCore/TaskFrequencyPeriodType.h>
 #include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/DaysOfWeek.h>
 #include <QZDateTime/HHMMSS.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
@@ -53,7 +54,7 @@ struct TaskFrequency {
 
   DayMode dayMode = DayMode::specificDaysOfWeek;
   /// The weekdays on which the task is due, for specificDaysOfWeek.
-  qz::DaysOfWeek days{};
+  qz::DaysOfWeek days;
   /// The days of the month on which the task is due, for specificDaysOfMonth.
   DaysOfMonth daysOfMonth;
   /// How many partial completions make one completion. Below 1 counts as 1.
@@ -76,19 +77,19 @@ struct TaskFrequency {
   [[nodiscard]] std::int64_t numPartialCompletionsPerPeriod() const;
 
   /// The measured period that holds a day. See firstDate() for `referenceDate`.
-  [[nodiscard]] DatedPeriod period(qz::YYYYMMDD date, qz::DayOfWeek firstDayOfWeek,
-                                   std::optional<qz::YYYYMMDD> referenceDate = std::nullopt) const;
+  [[nodiscard]] DatedPeriod period(const qz::YYYYMMDD& date, qz::DayOfWeek firstDayOfWeek,
+                                   const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt) const;
   /// The same for the day of a moment.
   [[nodiscard]] DatedPeriod period(qz::HHMMSS startOfDay, qz::Moment date, qz::DayOfWeek firstDayOfWeek,
                                    const qz::TimeZone& timeZone,
-                                   std::optional<qz::YYYYMMDD> referenceDate = std::nullopt) const;
+                                   const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt) const;
   /// The measured period that holds the day of `now`.
   [[nodiscard]] DatedPeriod currentPeriod(qz::HHMMSS startOfDay, qz::DayOfWeek firstDayOfWeek,
                                           const qz::TimeZone& timeZone, qz::Moment now,
-                                          std::optional<qz::YYYYMMDD> referenceDate = std::nullopt) const;
+                                          const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt) const;
   /// The first day of the measured period that holds a day.
-  [[nodiscard]] qz::YYYYMMDD startOfPeriod(qz::YYYYMMDD date, qz::DayOfWeek firstDayOfWeek,
-                                           std::optional<qz::YYYYMMDD> referenceDate = std::nullopt) const;
+  [[nodiscard]] qz::YYYYMMDD startOfPeriod(const qz::YYYYMMDD& date, qz::DayOfWeek firstDayOfWeek,
+                                           const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt) const;
 
   friend bool operator==(const TaskFrequency&, const TaskFrequency&) = default;
 };

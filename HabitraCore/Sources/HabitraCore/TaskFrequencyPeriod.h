@@ -13,26 +13,26 @@ namespace habitra {
 /// "finishDate" and "firstDayOfWeek".
 struct TaskFrequencyPeriod {
   TaskFrequencyPeriodType periodType{};
-  qz::YYYYMMDD startDate{};
-  qz::YYYYMMDD finishDate{};
+  qz::YYYYMMDD startDate;
+  qz::YYYYMMDD finishDate;
   /// The weekday on which the weeks begin that the period was formed with.
-  qz::DayOfWeek firstDayOfWeek{};
+  qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
 
-  [[nodiscard]] bool contains(qz::YYYYMMDD date) const { return startDate <= date && date <= finishDate; }
+  [[nodiscard]] bool contains(const qz::YYYYMMDD& date) const { return startDate <= date && date <= finishDate; }
 
   friend bool operator==(const TaskFrequencyPeriod&, const TaskFrequencyPeriod&) = default;
 };
 
 /// A day together with the period that holds it. Coded with the keys "date" and "period".
 struct DatedPeriod {
-  qz::YYYYMMDD date{};
+  qz::YYYYMMDD date;
   TaskFrequencyPeriod period;
 
   DatedPeriod() = default;
-  DatedPeriod(qz::YYYYMMDD theDate, const TaskFrequencyPeriod& thePeriod) : date(theDate), period(thePeriod) {}
-  /// The period of this type that holds `date`; see firstDate() for `referenceDate`.
-  DatedPeriod(qz::YYYYMMDD date, TaskFrequencyPeriodType periodType, qz::DayOfWeek firstDayOfWeek,
-              std::optional<qz::YYYYMMDD> referenceDate = std::nullopt);
+  DatedPeriod(const qz::YYYYMMDD& theDate, const TaskFrequencyPeriod& thePeriod) : date(theDate), period(thePeriod) {}
+  /// The period of this type that holds the day; see firstDate() for `referenceDate`.
+  DatedPeriod(const qz::YYYYMMDD& theDate, TaskFrequencyPeriodType periodType, qz::DayOfWeek firstDayOfWeek,
+              const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt);
 
   /// Whether the day is the last of its period.
   [[nodiscard]] bool isLastDay() const { return date == period.finishDate; }

@@ -30,13 +30,15 @@ struct RawValueTable<TaskFrequencyPeriodType> {
 /// The first day of the period of this type that holds `date`. Fortnights are blocks of two whole weeks; one block
 /// begins at the start of the week that holds `referenceDate` (without one: that of 1 January 2000), and they extend
 /// backwards from it in the same way.
-[[nodiscard]] qz::YYYYMMDD firstDate(TaskFrequencyPeriodType type, qz::YYYYMMDD date, qz::DayOfWeek firstDayOfWeek,
-                                     std::optional<qz::YYYYMMDD> referenceDate = std::nullopt);
+[[nodiscard]] qz::YYYYMMDD firstDate(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date,
+                                     qz::DayOfWeek firstDayOfWeek,
+                                     const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt);
 /// The last day of the same period, inclusive.
-[[nodiscard]] qz::YYYYMMDD lastDate(TaskFrequencyPeriodType type, qz::YYYYMMDD date, qz::DayOfWeek firstDayOfWeek,
-                                    std::optional<qz::YYYYMMDD> referenceDate = std::nullopt);
+[[nodiscard]] qz::YYYYMMDD lastDate(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date,
+                                    qz::DayOfWeek firstDayOfWeek,
+                                    const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt);
 
-/// Coded as the letter. Decoding another text throws qz::Error.
+/// Coded as the letter. Decoding another text throws qz::DecodingError.
 void to_json(nlohmann::json& json, TaskFrequencyPeriodType type);
 void from_json(const nlohmann::json& json, TaskFrequencyPeriodType& type);
 

@@ -12,9 +12,9 @@ namespace habitra {
 /// with the keys "type", "from", "to" and "date".
 struct TaskLogEntryPeriod {
   TaskFrequencyPeriodType type{};
-  qz::YYYYMMDD from{};
-  qz::YYYYMMDD to{};
-  qz::YYYYMMDD date{};
+  qz::YYYYMMDD from;
+  qz::YYYYMMDD to;
+  qz::YYYYMMDD date;
 
   TaskLogEntryPeriod() = default;
   explicit TaskLogEntryPeriod(const DatedPeriod& period)

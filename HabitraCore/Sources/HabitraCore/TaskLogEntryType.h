@@ -135,7 +135,7 @@ inline constexpr TaskLogEntryTypes allAllowableMissTypes{TaskLogEntryType::allow
 /// full or partial, do; an undo, a timer run and health data do not. Only such entries move the first day of a history.
 [[nodiscard]] constexpr bool marksHistory(TaskLogEntryType type) { return isFull(type) || isPartial(type); }
 
-/// Coded as the raw value. Decoding an unknown one throws qz::Error.
+/// Coded as the raw value. Decoding an unknown one throws qz::DecodingError.
 void to_json(nlohmann::json& json, TaskLogEntryType type);
 void from_json(const nlohmann::json& json, TaskLogEntryType& type);
 

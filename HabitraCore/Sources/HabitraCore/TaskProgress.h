@@ -68,7 +68,7 @@ struct TaskProgressDiscrete {
 using TaskProgress = std::variant<TaskProgressSimple, TaskProgressDiscrete>;
 
 /// A progress record that travels with its kind. Coded with the keys "type" (TaskProgressType) and "base" (the record
-/// with its own field names as keys); decoding a "type" that is not one of the records throws qz::Error.
+/// with its own field names as keys); decoding a "type" that is not one of the records throws qz::DecodingError.
 struct TaskProgressCodable {
   TaskProgress base;
 

@@ -1,0 +1,86 @@
+#include <HabitraCore/CompletionStatus.h>
+#include <HabitraCore/EntryTables.h>
+#include <HabitraCore/RawValueCoding.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace habitra {
+
+CompletionStatus CompletionStatus::unchecked(const TaskProgressCodable& progress, TaskFrequency::SkipMode mode) {
+  return {Status::positiveIncomplete(mode), progress};
+}
+
+CompletionStatus CompletionStatus::completed(const TaskProgressCodable& progress) {
+  return {Status::positiveComplete(), progress};
+}
+
+StreakedCompletionStatus CompletionStatus::applyEntryType(const StreakStatus& streak, TaskLogEntryType type) const {
+  StreakedCompletionStatus result{*this, streak};
+  if (isNegative()) {
+    applyToNegative(result.completionStatus.status, result.completionStatus.codableProgress, result.streak, type);
+  } else {
+    applyToPositive(result.completionStatus.status, result.completionStatus.codableProgress, result.streak, type);
+  }
+  return result;
+}
+
+StreakedCompletionStatus CompletionStatus::next(const StreakStatus& streak, bool isPartial,
+                                                const TapRules& rules) const {
+  const TaskLogEntryType type = nextEntryType(*this, isPartial, rules.missIsAllowed);
+  CompletionStatus start = *this;
+  if (!habitra::isPartial(type)) {
+    start.status = isNegative() ? Status::negativeComplete(rules.skipMode) : Status::positiveIncomplete(rules.skipMode);
+    start.codableProgress.empty();
+  }
+  return start.applyEntryType(streak, type);
+}
+
+StreakedCompletionStatus CompletionStatus::next(const StreakStatus& streak, bool isPartial) const {
+  return next(streak, isPartial, TapRules());
+}
+
+namespace {
+
+nlohmann::json encodeStatus(const CompletionStatus::Status& status) {
+  nlohmann::json payload = nlohmann::json::object();
+  if (const auto mode = status.skipMode()) payload["_0"] = rawValue(*mode);
+  return {{std::string(caseName(status.kind())), payload}};
+}
+
+CompletionStatus::Status decodeStatus(const nlohmann::json& json) {
+  using Status = CompletionStatus::Status;
+  using Kind = Status::Kind;
+  if (!json.is_object() || json.size() != 1)
+    throw qz::DecodingError("Unable to create CompletionStatus from " + json.dump());
+  const auto member = json.begin();
+  const auto kind = fromCaseName<Kind>(member.key());
+  if (!kind) throw qz::DecodingError("Unable to create CompletionStatus from " + json.dump());
+  const auto skipMode = [&] {
+    return decodeRawValue<TaskFrequency::SkipMode>(member.value().at("_0"), "TaskFrequency.SkipMode");
+  };
+  switch (*kind) {
+    case Kind::positiveIncomplete: return Status::positiveIncomplete(skipMode());
+    case Kind::negativeComplete: return Status::negativeComplete(skipMode());
+    case Kind::positiveComplete: return Status::positiveComplete();
+    case Kind::positiveMiss: return Status::positiveMiss();
+    case Kind::positiveSkip: return Status::positiveSkip();
+    case Kind::negativeMiss: return Status::negativeMiss();
+    case Kind::negativeAllowedMiss: break;
+  }
+  return Status::negativeAllowedMiss();
+}
+
+}  // namespace
+
+void to_json(nlohmann::json& json, const CompletionStatus& status) {
+  json = {{"status", encodeStatus(status.status)}, {"codableProgress", status.codableProgress}};
+}
+
+void from_json(const nlohmann::json& json, CompletionStatus& status) {
+  status.status = decodeStatus(json.at("status"));
+  json.at("codableProgress").get_to(status.codableProgress);
+}
+
+}  // namespace habitra

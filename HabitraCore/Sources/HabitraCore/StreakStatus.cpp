@@ -1,0 +1,41 @@
+#include <HabitraCore/StreakStatus.h>
+#include <QZKit/Checked.h>
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+
+namespace habitra {
+
+void StreakStatus::increment() {
+  current = qz::checkedAdd(current, std::int64_t{1});
+  best = std::max(best, current);
+}
+
+void StreakStatus::reset() {
+  current = 0;
+  best = std::max(best, std::int64_t{0});
+}
+
+std::optional<StreakStatus::Milestone> StreakStatus::currentMilestone() const {
+  static constexpr std::array<std::int64_t, 10> steps{7, 14, 30, 60, 100, 150, 200, 250, 300, 365};
+  std::int64_t step = 100;
+  if (current <= 399) {
+    const auto above = std::upper_bound(steps.begin(), steps.end(), current);
+    if (above == steps.begin()) return std::nullopt;
+    step = *std::prev(above);
+  }
+  const std::int64_t value = current - current % step;
+  return value == current ? Milestone::exact(value) : Milestone::mostRecent(value);
+}
+
+void to_json(nlohmann::json& json, const StreakStatus& streak) {
+  json = {{"current", streak.current}, {"best", streak.best}};
+}
+
+void from_json(const nlohmann::json& json, StreakStatus& streak) {
+  json.at("current").get_to(streak.current);
+  json.at("best").get_to(streak.best);
+}
+
+}  // namespace habitra
