@@ -1,0 +1,22 @@
+#pragma once
+
+#include <HabitraCLI/Command.h>
+
+#include <span>
+
+namespace habitra {
+
+extern const Command todayCommand;
+extern const Command doneCommand;
+extern const Command skipCommand;
+extern const Command undoCommand;
+extern const Command addCommand;
+extern const Command listCommand;
+extern const Command importCommand;
+extern const Command exportCommand;
+extern const Command processCommand;
+
+/// Every verb, those first that a person uses most.
+[[nodiscard]] std::span<const Command* const> allCommands();
+
+}  // namespace habitra

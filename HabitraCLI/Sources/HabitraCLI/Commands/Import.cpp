@@ -1,0 +1,28 @@
+#include <HabitraCLI/Commands/Commands.h>
+#include <HabitraCLI/Session.h>
+
+#include <iostream>
+
+namespace habitra {
+namespace {
+
+constexpr std::string_view examples[] = {"habitra import history.csv", "habitra import - < history.csv"};
+
+void run(Session& session, const Arguments& arguments) {
+  const std::string& file = arguments.words.front();
+  Application& application = session.application();
+  session.answer(ImportedHistory{file == "-" ? application.importHistory(std::cin, "standard input")
+                                             : application.importHistory(std::filesystem::path(file))});
+}
+
+}  // namespace
+
+constinit const Command importCommand{
+    .verb = "import",
+    .summary = "Bring in a history from a CSV file; importing it twice changes nothing",
+    .words = {WordsTaken::Number::one, "FILE", "the file, or - for standard input"},
+    .options = {},
+    .examples = examples,
+    .run = run};
+
+}  // namespace habitra

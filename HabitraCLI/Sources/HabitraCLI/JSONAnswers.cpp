@@ -1,0 +1,48 @@
+#include <HabitraCLI/Answers.h>
+
+#include <nlohmann/json.hpp>
+
+namespace habitra {
+namespace {
+
+using nlohmann::json;
+
+std::string text(const json& value) { return value.dump(2, ' ', false, json::error_handler_t::replace) + "\n"; }
+
+json figures(const ProcessReport& report) {
+  return {
+      {"tasks", report.tasks}, {"changed", report.changed}, {"filledIn", report.filledIn}, {"removed", report.removed}};
+}
+
+}  // namespace
+
+std::string asJSON(const HabitList& answer) { return text(answer.habits); }
+
+std::string asJSON(const TodayList& answer) {
+  json habits = json::array();
+  for (const auto* group : {&answer.open, &answer.done, &answer.others}) {
+    for (const HabitSummary& habit : *group) habits.push_back(habit);
+  }
+  return text(habits);
+}
+
+std::string asJSON(const AddedHabit& answer) { return text(answer.habit); }
+
+std::string asJSON(const MarkedHabits& answer) {
+  json habits = json::array();
+  for (const Marked& marked : answer.habits) {
+    const bool already = marked.outcome == Marked::Outcome::already;
+    habits.push_back({{"outcome", already ? "already" : "recorded"}, {"habit", marked.habit}});
+  }
+  return text(habits);
+}
+
+std::string asJSON(const UndoneHabit& answer) { return text(answer.habit); }
+
+std::string asJSON(const ProcessReport& answer) { return text(figures(answer)); }
+
+std::string asJSON(const ExportedHistory& answer) {
+  return text({{"tasks", answer.outcome.tasks}, {"rows", answer.outcome.rows}});
+}
+
+}  // namespace habitra

@@ -1,0 +1,171 @@
+#include <HabitraCLI/Answers.h>
+#include <HabitraCLI/DisplayText.h>
+#include <HabitraCLI/HabitTable.h>
+
+#include <fmt/format.h>
+#include <algorithm>
+#include <span>
+
+namespace habitra {
+namespace {
+
+using Kind = CompletionStatus::Status::Kind;
+
+constexpr std::string_view emptyStore =
+    "No habits yet.\n"
+    "Add your first one:   habitra add Read ten pages\n"
+    "Or bring a history:   habitra import history.csv\n";
+
+constexpr std::string_view weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+
+/// "1 habit", "2 habits"; `plural` for words that do not just take an s.
+std::string counted(std::size_t count, std::string_view singular, std::string_view plural = {}) {
+  if (count == 1) return fmt::format("1 {}", singular);
+  return plural.empty() ? fmt::format("{} {}s", count, singular) : fmt::format("{} {}", count, plural);
+}
+
+bool has(const HabitSummary& habit, Kind kind) { return habit.status && habit.status->status.kind() == kind; }
+
+template <typename Holds>
+std::size_t countIf(std::span<const HabitSummary* const> habits, const Holds& holds) {
+  return static_cast<std::size_t>(
+      std::count_if(habits.begin(), habits.end(), [&](const auto* h) { return holds(*h); }));
+}
+
+/// Adds the habits, under headings of their pages when there are more than one.
+void addByPage(HabitTable& table, const std::vector<HabitSummary>& habits, bool withHeadings) {
+  const HabitSummary* before = nullptr;
+  for (const HabitSummary& habit : habits) {
+    if (withHeadings && (before == nullptr || before->page != habit.page))
+      table.addHeading(fmt::format("Page {}", habit.page));
+    table.add(habit);
+    before = &habit;
+  }
+}
+
+bool haveSeveralPages(std::span<const HabitSummary> habits) {
+  return std::any_of(habits.begin(), habits.end(), [&](const auto& h) { return h.page != habits.front().page; });
+}
+
+/// "[x] Read ten pages: "
+std::string lead(const HabitSummary& habit, const Terminal& terminal) {
+  const StatusMark mark = StatusMark::of(habit);
+  return fmt::format("{} {}: ", terminal.paint(mark.colour, mark.mark), displayable(habit.title));
+}
+
+std::string streak(const HabitSummary& habit) {
+  return fmt::format("streak {} (best {})", habit.streak.current, habit.streak.best);
+}
+
+/// "today", or "this week" for a habit that is measured by weeks.
+std::string currentPeriod(const HabitSummary& habit) {
+  const bool isDay = !habit.period || habit.period->periodType == TaskFrequencyPeriodType::day;
+  return isDay ? "today" : fmt::format("this {}", caseName(habit.period->periodType));
+}
+
+std::string nowHolds(const HabitSummary& habit) {
+  return has(habit, Kind::positiveIncomplete) ? "counted, still open" : std::string(StatusMark::of(habit).word);
+}
+
+/// "Wed 2024-01-31: 2 of 5 done, 1 skipped, 1 of 1 clean"
+std::string dayLine(const TodayList& today) {
+  std::vector<const HabitSummary*> toDo;
+  std::vector<const HabitSummary*> toAvoid;
+  for (const auto* group : {&today.open, &today.done, &today.others}) {
+    for (const HabitSummary& habit : *group) {
+      if (habit.due) (habit.isNegative ? toAvoid : toDo).push_back(&habit);
+    }
+  }
+  const auto number = [](const auto& habits, Kind kind) {
+    return countIf(habits, [&](const HabitSummary& habit) { return has(habit, kind); });
+  };
+  std::string text = fmt::format("{} {}: ", weekdays[today.day.dayOfWeek().rawValue()], today.day.debugDescription());
+  text +=
+      toDo.empty() ? "nothing to do" : fmt::format("{} of {} done", number(toDo, Kind::positiveComplete), toDo.size());
+  if (const std::size_t skipped = number(toDo, Kind::positiveSkip); skipped > 0)
+    text += fmt::format(", {} skipped", skipped);
+  if (!toAvoid.empty())
+    text += fmt::format(", {} of {} clean", number(toAvoid, Kind::negativeComplete), toAvoid.size());
+  return text;
+}
+
+}  // namespace
+
+TodayList TodayList::of(qz::YYYYMMDD day, std::vector<HabitSummary> habits) {
+  TodayList today{.day = day, .open = {}, .done = {}, .others = {}};
+  for (HabitSummary& habit : habits) {
+    const bool isClean = habit.due && has(habit, Kind::negativeComplete);
+    if (habit.due && has(habit, Kind::positiveIncomplete))
+      today.open.push_back(std::move(habit));
+    else if (isClean || has(habit, Kind::positiveComplete))
+      today.done.push_back(std::move(habit));
+    else
+      today.others.push_back(std::move(habit));
+  }
+  return today;
+}
+
+std::string asText(const HabitList& answer, const Terminal& terminal) {
+  if (answer.habits.empty()) return std::string(emptyStore);
+  HabitTable table(HabitTable::LastCompleted::shown);
+  addByPage(table, answer.habits, haveSeveralPages(answer.habits));
+  return table.text(terminal);
+}
+
+std::string asText(const TodayList& answer, const Terminal& terminal) {
+  if (answer.open.empty() && answer.done.empty() && answer.others.empty()) return std::string(emptyStore);
+  HabitTable table(HabitTable::LastCompleted::hidden);
+  table.addHeading(dayLine(answer));
+  const bool severalPages = haveSeveralPages(answer.open);
+  if (!answer.open.empty() && !severalPages) table.addEmptyLine();
+  addByPage(table, answer.open, severalPages);
+  for (const auto* group : {&answer.done, &answer.others}) {
+    if (!group->empty()) table.addEmptyLine();
+    addByPage(table, *group, false);
+  }
+  return table.text(terminal);
+}
+
+std::string asText(const AddedHabit& answer, const Terminal& terminal) {
+  return lead(answer.habit, terminal) + "added\n";
+}
+
+std::string asText(const MarkedHabits& answer, const Terminal& terminal) {
+  std::string text;
+  for (const Marked& marked : answer.habits) {
+    text += lead(marked.habit, terminal);
+    if (marked.outcome == Marked::Outcome::already)
+      text += fmt::format("was already {} {}, {}\n", StatusMark::of(marked.habit).word, currentPeriod(marked.habit),
+                          streak(marked.habit));
+    else
+      text += fmt::format("{}, {}\n", nowHolds(marked.habit), streak(marked.habit));
+  }
+  return text;
+}
+
+std::string asText(const UndoneHabit& answer, const Terminal& terminal) {
+  const std::string what = answer.day ? fmt::format("taken back for {}", answer.day->debugDescription())
+                                      : fmt::format("{} again", StatusMark::of(answer.habit).word);
+  return fmt::format("{}{}, {}\n", lead(answer.habit, terminal), what, streak(answer.habit));
+}
+
+std::string asText(const ProcessReport& answer, const Terminal&) {
+  std::string text = counted(answer.tasks, "habit") + " up to date";
+  std::string_view separator = ": ";
+  const auto add = [&](std::size_t count, const std::string& part) {
+    if (count == 0) return;
+    text.append(separator).append(part);
+    separator = ", ";
+  };
+  add(answer.changed, fmt::format("{} changed", answer.changed));
+  add(answer.filledIn, counted(answer.filledIn, "day") + " filled in");
+  add(answer.removed, counted(answer.removed, "entry", "entries") + " dated in the future removed");
+  return text + "\n";
+}
+
+std::string asText(const ExportedHistory& answer, const Terminal&) {
+  return fmt::format("{}: {} of {} written\n", displayable(answer.file), counted(answer.outcome.rows, "row"),
+                     counted(answer.outcome.tasks, "habit"));
+}
+
+}  // namespace habitra

@@ -1,0 +1,201 @@
+#include "Program.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace {
+
+using nlohmann::json;
+
+/// Each verb as a small story, told by the real program.
+class VerbTests : public Program {
+ protected:
+  json runJSON(std::vector<std::string> words) {
+    words.push_back("--json");
+    const Outcome outcome = run(words);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    return json::parse(outcome.out);
+  }
+
+  void add(const std::string& title) { ASSERT_EQ(run({"add", title}).exitCode, 0); }
+};
+
+constexpr const char* history =
+    "task_id,title,icon,entry_type,entry_date,entry_timestamp,quantity,page,notes\n"
+    "946D21F1-5D7C-5E6A-A309-E01FAC24628A,\"Walk, 8,000 steps\",ic_walk,completed_manually,20240128,"
+    "2024-01-28T20:00:00Z,1,2,\n"
+    "946D21F1-5D7C-5E6A-A309-E01FAC24628A,\"Walk, 8,000 steps\",ic_walk,completed_manually,20240129,"
+    "2024-01-29T20:00:00Z,1,2,\n"
+    "946D21F1-5D7C-5E6A-A309-E01FAC24628A,\"Walk, 8,000 steps\",ic_walk,completed_manually,20240130,"
+    "2024-01-30T20:00:00Z,1.5,2,windy\n"
+    "3E9B0C52-7D0E-4B5C-9A53-2C1B5D3F6A77,\"Say \"\"hello\"\"\",,completed_manually,20240129,"
+    "2024-01-29T07:00:00Z,,1,\n";
+
+TEST_F(VerbTests, emptyStoreSaysHowToBeginAndStaysEmpty) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{}, {"today"}, {"list"}}) {
+    const Outcome outcome = run(words);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 3) << outcome;
+    EXPECT_NE(outcome.out.find("habitra add"), std::string::npos);
+    EXPECT_NE(outcome.out.find("habitra import"), std::string::npos);
+    EXPECT_EQ(outcome.err, "");
+  }
+  EXPECT_EQ(runJSON({"list"}), json::array());
+  EXPECT_FALSE(std::filesystem::exists(home_));
+}
+
+TEST_F(VerbTests, addAndDone) {
+  EXPECT_EQ(run({"add", "Read", "ten", "pages"}), says("[ ] Read ten pages: added\n"));
+  EXPECT_EQ(run({"add", "Run"}), says("[ ] Run: added\n"));
+  EXPECT_EQ(run({"done", "read", "run"}),
+            says("[x] Read ten pages: done, streak 1 (best 1)\n[x] Run: done, streak 1 (best 1)\n"));
+  EXPECT_EQ(run({"done", "Read"}), says("[x] Read ten pages: was already done today, streak 1 (best 1)\n"));
+  now_ = "2024-02-01T22:59:59Z";  // the last second of 1 February in Berlin
+  EXPECT_EQ(run({"done", "Read"}), says("[x] Read ten pages: done, streak 2 (best 2)\n"));
+  now_ = "2024-02-01T23:00:00Z";
+  const json marked = runJSON({"done", "Read"});
+  ASSERT_EQ(marked.size(), 1u);
+  EXPECT_EQ(marked[0]["outcome"], "recorded");
+  EXPECT_EQ(marked[0]["habit"]["streak"], (json{{"current", 3}, {"best", 3}}));
+  EXPECT_EQ(marked[0]["habit"]["lastCompleted"], 20240202);
+  EXPECT_EQ(runJSON({"done", "Read"})[0]["outcome"], "already");
+}
+
+TEST_F(VerbTests, doneOfSeveralIsAllOrNothing) {
+  add("Read");
+  const auto before = homeContents();
+  EXPECT_EQ(run({"done", "Read", "Nothing like it"}).exitCode, 2);
+  EXPECT_EQ(homeContents(), before);
+}
+
+TEST_F(VerbTests, skip) {
+  add("Read");
+  ASSERT_EQ(run({"done", "Read"}).exitCode, 0);
+  now_ = "2024-02-01T10:00:00Z";
+  EXPECT_EQ(run({"skip", "Read"}), says("[-] Read: skipped, streak 1 (best 1)\n"));
+  EXPECT_EQ(run({"skip", "Read"}), says("[-] Read: was already skipped today, streak 1 (best 1)\n"));
+  now_ = "2024-02-02T10:00:00Z";
+  EXPECT_EQ(run({"done", "Read"}), says("[x] Read: done, streak 2 (best 2)\n"));
+}
+
+TEST_F(VerbTests, undo) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  ASSERT_EQ(run({"done", "Walk"}), says("[x] Walk, 8,000 steps: done, streak 4 (best 4)\n"));
+  EXPECT_EQ(run({"undo", "Walk"}), says("[ ] Walk, 8,000 steps: open again, streak 3 (best 3)\n"));
+  EXPECT_EQ(run({"undo", "--date", "-2", "Walk"}),
+            says("[ ] Walk, 8,000 steps: taken back for 2024-01-29, streak 1 (best 1)\n"));
+  const json habit = runJSON({"undo", "Walk", "--date", "yesterday"});
+  EXPECT_EQ(habit["streak"], (json{{"current", 0}, {"best", 1}}));
+  EXPECT_EQ(habit["lastCompleted"], 20240128);
+}
+
+TEST_F(VerbTests, today) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  add("Stretch");
+  ASSERT_EQ(run({"skip", "Stretch"}).exitCode, 0);
+  const std::string expected =
+      "Wed 2024-01-31: 0 of 3 done, 1 skipped\n"
+      "\n"
+      "Page 1\n"
+      "[ ] Say \"hello\"       streak 0  best 1\n"
+      "\n"
+      "Page 2\n"
+      "[ ] Walk, 8,000 steps  streak 3  best 3\n"
+      "\n"
+      "[-] Stretch            streak 0  best 0\n";
+  EXPECT_EQ(run({"today"}), says(expected));
+  EXPECT_EQ(run({}), says(expected));
+  ASSERT_EQ(run({"done", "Walk"}).exitCode, 0);
+  EXPECT_EQ(run({}), says("Wed 2024-01-31: 1 of 3 done, 1 skipped\n"
+                          "\n"
+                          "[ ] Say \"hello\"       streak 0  best 1\n"
+                          "\n"
+                          "[x] Walk, 8,000 steps  streak 4  best 4\n"
+                          "\n"
+                          "[-] Stretch            streak 0  best 0\n"));
+  const json habits = runJSON({});
+  ASSERT_EQ(habits.size(), 3u);
+  EXPECT_EQ(habits[1]["title"], "Walk, 8,000 steps");
+}
+
+TEST_F(VerbTests, list) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  EXPECT_EQ(run({"list"}), says("Page 1\n"
+                                "[ ] Say \"hello\"       streak 0  best 1  last done 2024-01-29\n"
+                                "\n"
+                                "Page 2\n"
+                                "[ ] Walk, 8,000 steps  streak 3  best 3  last done 2024-01-30\n"));
+  const json habits = runJSON({"list"});
+  ASSERT_EQ(habits.size(), 2u);
+  const json& walk = habits[1];
+  EXPECT_EQ(walk["uniqueId"], "946D21F1-5D7C-5E6A-A309-E01FAC24628A");
+  EXPECT_EQ(walk["page"], 2);
+  EXPECT_EQ(walk["isNegative"], false);
+  EXPECT_EQ(walk["due"], true);
+  EXPECT_EQ(walk["frequency"]["dayMode"], 0);
+  EXPECT_EQ(walk["period"], (json{{"type", "d"}, {"from", 20240131}, {"to", 20240131}}));
+  EXPECT_TRUE(walk["status"]["status"].contains("positiveIncomplete"));
+  EXPECT_EQ(walk["streak"], (json{{"current", 3}, {"best", 3}}));
+  EXPECT_EQ(walk["lastCompleted"], 20240130);
+  EXPECT_FALSE(walk.contains("lastMissed"));
+  EXPECT_FALSE(walk.contains("lastSkipped"));
+  EXPECT_EQ(habits[0]["lastMissed"], 20240130);
+  // Looking at another day leaves no trace.
+  const auto before = homeContents();
+  now_ = "2024-02-05";
+  EXPECT_EQ(runJSON({"list"})[1]["streak"], (json{{"current", 0}, {"best", 3}}));
+  EXPECT_EQ(homeContents(), before);
+}
+
+TEST_F(VerbTests, process) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  EXPECT_EQ(run({"process"}), says("2 habits up to date\n"));
+  now_ = "2024-02-02T10:00:00Z";
+  EXPECT_EQ(runJSON({"process"}), (json{{"tasks", 2}, {"changed", 2}, {"filledIn", 4}, {"removed", 0}}));
+  EXPECT_EQ(run({"process"}), says("2 habits up to date\n"));
+}
+
+TEST_F(VerbTests, exportAndImportAgreeByteForByte) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  add("Without any entry");
+  const Outcome first = run({"export", "-"});
+  EXPECT_EQ(first.exitCode, 0) << first;
+  EXPECT_EQ(first.err, "");
+  home_ = folder_ / "second";
+  input_ = first.out;
+  ASSERT_EQ(run({"import", "-"}).exitCode, 0);
+  EXPECT_EQ(run({"export", "-"}), first);
+  const auto before = run({"list"});
+  ASSERT_EQ(run({"import", "-"}).exitCode, 0) << "a second time";
+  EXPECT_EQ(run({"export", "-"}), first);
+  EXPECT_EQ(run({"list"}), before);
+
+  const std::string file = folder_ / "out.csv";
+  const Outcome written = run({"export", file});
+  EXPECT_EQ(written.exitCode, 0) << written;
+  EXPECT_TRUE(written.out.starts_with(file + ": ")) << written;
+  EXPECT_EQ(bytesOf(file), first.out);
+}
+
+TEST_F(VerbTests, helpAndVersionTouchNothing) {
+  const Outcome general = runBare({"--help"});
+  EXPECT_EQ(general.exitCode, 0);
+  for (const std::string verb : {"today", "done", "skip", "undo", "add", "list", "import", "export", "process"}) {
+    EXPECT_NE(general.out.find("\n  " + verb + " "), std::string::npos) << verb;
+    const Outcome help = runBare({verb, "--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_TRUE(help.out.starts_with("Usage: habitra " + verb)) << help;
+    EXPECT_NE(help.out.find("\n  habitra"), std::string::npos) << "an example of " << verb;
+    EXPECT_EQ(runBare({"--help", verb}), help);
+  }
+  EXPECT_TRUE(runBare({"--version"}).out.starts_with("habitra "));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / ".local"));
+}
+
+TEST_F(VerbTests, homeIsFoundInThePersonsFolder) {
+  EXPECT_EQ(runBare({"add", "Read"}), says("[ ] Read: added\n"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / ".local/share/habitra"));
+  EXPECT_EQ(runBare({"done", "Read", "--json", "--verbose"}).exitCode, 0);
+}
+
+}  // namespace
