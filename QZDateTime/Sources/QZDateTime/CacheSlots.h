@@ -4,9 +4,9 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
-#include <type_traits>
 
 /// The two forms of a small, forgetful cache. Both may be used from any thread without a lock, both forget an entry
 /// when another takes its slot, and both can be emptied at any time: a miss only means that the value is computed
@@ -21,43 +21,30 @@ class WordCache {
 
  public:
   /// The key that no entry may have: what an empty slot holds.
-  static constexpr std::int32_t noKey = INT32_MIN;
-
-  constexpr WordCache() { evict(); }
+  static constexpr std::int32_t noKey = std::numeric_limits<std::int32_t>::min();
 
   [[nodiscard]] std::optional<std::uint32_t> find(std::int32_t key) const {
-    const std::uint64_t word = slotOf(key).load(std::memory_order_relaxed);
-    if (static_cast<std::int32_t>(word >> 32) != key) return std::nullopt;
+    const std::uint64_t word = slots_[indexOf(key)].load(std::memory_order_relaxed);
+    if (word >> 32 != keyBits(key)) return std::nullopt;
     return static_cast<std::uint32_t>(word);
   }
 
   /// REQUIRES: key != noKey.
   void store(std::int32_t key, std::uint32_t value) {
-    slotOf(key).store(wordOf(key, value), std::memory_order_relaxed);
+    slots_[indexOf(key)].store(keyBits(key) << 32 | value, std::memory_order_relaxed);
   }
 
-  constexpr void evict() {
-    for (std::atomic<std::uint64_t>& slot : slots_) {
-      if (std::is_constant_evaluated()) {
-        std::construct_at(&slot, wordOf(noKey, 0));
-      } else {
-        slot.store(wordOf(noKey, 0), std::memory_order_relaxed);
-      }
-    }
+  void evict() {
+    for (std::atomic<std::uint64_t>& slot : slots_) slot.store(0, std::memory_order_relaxed);
   }
 
  private:
-  static constexpr std::uint64_t wordOf(std::int32_t key, std::uint32_t value) {
-    return std::uint64_t{static_cast<std::uint32_t>(key)} << 32 | value;
-  }
+  // noKey becomes 0, so that fresh slots are empty and cost no room in the program's file.
+  static constexpr std::uint64_t keyBits(std::int32_t key) { return static_cast<std::uint32_t>(key) ^ 0x8000'0000u; }
   // Neighbouring keys take neighbouring slots, which suits runs of days and months.
-  [[nodiscard]] static std::size_t indexOf(std::int32_t key) {
-    return static_cast<std::uint32_t>(key) & (slotCount - 1);
-  }
-  [[nodiscard]] const std::atomic<std::uint64_t>& slotOf(std::int32_t key) const { return slots_[indexOf(key)]; }
-  [[nodiscard]] std::atomic<std::uint64_t>& slotOf(std::int32_t key) { return slots_[indexOf(key)]; }
+  static constexpr std::size_t indexOf(std::int32_t key) { return static_cast<std::uint32_t>(key) & (slotCount - 1); }
 
-  std::array<std::atomic<std::uint64_t>, slotCount> slots_;
+  std::array<std::atomic<std::uint64_t>, slotCount> slots_{};
 };
 
 /// For keys and values of any size: every thread has slots of its own, made at its first store and freed with it.
@@ -70,7 +57,7 @@ class ThreadCache {
   /// This thread's slot for a hash; none until something was stored in it since the last eviction. The caller compares
   /// the whole key. Valid until this thread stores or looks up again.
   [[nodiscard]] const Entry* find(std::size_t hash) const {
-    const Slots* slots = slots_.get();
+    const Slots* slots = slots_;
     if (slots == nullptr || slots->generation != generation_.load(std::memory_order_relaxed)) return nullptr;
     const std::optional<Entry>& entry = slots->entries[hash & (slotCount - 1)];
     return entry ? &*entry : nullptr;
@@ -78,10 +65,7 @@ class ThreadCache {
 
   void store(std::size_t hash, const Entry& entry) {
     const std::uint64_t generation = generation_.load(std::memory_order_relaxed);
-    if (!slots_ || slots_->generation != generation) {
-      slots_ = std::make_unique<Slots>();
-      slots_->generation = generation;
-    }
+    if (slots_ == nullptr || slots_->generation != generation) makeSlots(generation);
     slots_->entries[hash & (slotCount - 1)] = entry;
   }
 
@@ -92,8 +76,20 @@ class ThreadCache {
     std::uint64_t generation = 0;
     std::array<std::optional<Entry>, slotCount> entries;
   };
+  struct Owner {
+    std::unique_ptr<Slots> slots;
+    ~Owner() { slots_ = nullptr; }
+  };
 
-  inline static thread_local std::unique_ptr<Slots> slots_;
+  static void makeSlots(std::uint64_t generation) {
+    static thread_local Owner owner;
+    owner.slots = std::make_unique<Slots>();
+    owner.slots->generation = generation;
+    slots_ = owner.slots.get();
+  }
+
+  // A plain pointer beside its owner: a look-up then needs no check whether the thread has set it up.
+  inline static constinit thread_local Slots* slots_ = nullptr;
   std::atomic<std::uint64_t> generation_ = 0;
 };
 

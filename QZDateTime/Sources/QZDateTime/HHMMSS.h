@@ -38,7 +38,7 @@ class HHMMSS {
 
   /// REQUIRES: 0 <= h <= 23, 0 <= m <= 59, 0 <= s <= 59; traps otherwise.
   constexpr HHMMSS(std::int64_t h, std::int64_t m, std::int64_t s = 0) : h_(h), m_(m), s_(s) {
-    if (!isTimeOfDay(h, m, s)) trap("not a time of day", {});
+    if (!isTimeOfDay(h, m, s)) trap("not a time of day", h);
   }
 
   /// Whether h:m:s is a time of day; for readers, who are told of times by files.
@@ -67,7 +67,7 @@ class HHMMSS {
 
   /// Whether this time lies at most that many hours (less, when not `inclusive`) before or after another, the short way
   /// round the clock: 23:30 is within one hour of 00:15. Traps when `hours` in seconds overflows.
-  [[nodiscard]] bool isWithin(std::int64_t hours, HHMMSS of, bool inclusive) const;
+  [[nodiscard]] bool isWithin(std::int64_t hours, const HHMMSS& of, bool inclusive) const;
 
   /// The nearest whole multiple of `duration` since midnight; half-way goes up. What comes to 24:00 is midnight.
   /// REQUIRES: duration >= 1 s.

@@ -15,8 +15,8 @@
 namespace qz {
 
 /// The moment that `text` spells, and none for anything else: a day the calendar does not have, 24:00, a missing or
-/// impossible offset, blanks around it. Digits of a fraction beyond the sixth are dropped. A leap second, ":60", is the
-/// second after ":59".
+/// impossible offset, blanks around it. Digits of a fraction beyond the sixth are dropped. A leap second, ":60" at the
+/// end of a UTC day, is the second after ":59".
 [[nodiscard]] std::optional<Moment> momentFromISO8601(std::string_view text);
 
 /// In UTC, with as many digits of the fraction as are needed: "2024-01-31T08:15:00Z", "2024-01-31T08:15:00.25Z". A year

@@ -36,7 +36,7 @@ class QZDateTimeCache {
  public:
   struct DayEntry {
     YYYYMMDD day;
-    std::int64_t dayOfWeek;
+    DayOfWeek dayOfWeek;
   };
   struct DistanceEntry {
     YYYYMMDD day;
@@ -58,8 +58,16 @@ class QZDateTimeCache {
     YYYYMMDDContainer container;
   };
 
+  /// From `from` on and before `until` the zone's clocks are ahead of UTC by `offset` seconds.
+  struct OffsetEntry {
+    TimeZone timeZone;
+    Moment from;
+    Moment until;
+    std::int64_t offset;
+  };
+
   /// The one object of the process.
-  [[nodiscard]] static QZDateTimeCache& shared();
+  [[nodiscard]] static QZDateTimeCache& shared() { return shared_; }
 
   QZDateTimeCache(const QZDateTimeCache&) = delete;
   QZDateTimeCache& operator=(const QZDateTimeCache&) = delete;
@@ -99,6 +107,9 @@ class QZDateTimeCache {
   /// The day of a moment, keyed by the moment; one entry serves every moment between two changes of day or of clocks.
   ThreadCache<FromDateEntry, 1024, struct FromDateTag> yyyymmddFromDate;
 
+  /// Beside them: the spans between two changes of a zone's clocks, so that a day that is new costs no zone rules.
+  ThreadCache<OffsetEntry, 256, struct OffsetTag> zoneOffsetCache;
+
   /// Lists of all weekdays, keyed by the first. A table of 49 bytes laid down by the compiler, the cheapest cache of
   /// all: always full, nothing to evict.
   class EveryDayCache {
@@ -120,6 +131,8 @@ class QZDateTimeCache {
 
  private:
   constexpr QZDateTimeCache() = default;
+
+  static QZDateTimeCache shared_;
 };
 
 }  // namespace qz

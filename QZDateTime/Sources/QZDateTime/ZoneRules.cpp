@@ -1,0 +1,40 @@
+#include <QZDateTime/ZoneRules.h>
+#include <QZKit/Checked.h>
+#include <QZKit/Trap.h>
+
+#include <absl/time/civil_time.h>
+
+namespace qz {
+namespace {
+
+absl::Time timeOf(Moment date) { return absl::FromUnixMicros(date.time_since_epoch().count()); }
+
+Moment momentOf(absl::Time time) { return Moment(std::chrono::microseconds(absl::ToUnixMicros(time))); }
+
+/// Days of which a Moment can tell every second in any zone: 2^63 microseconds, less two days for offsets.
+constexpr std::int64_t momentDays = std::chrono::duration_cast<std::chrono::days>(Moment::duration::max()).count() - 2;
+
+}  // namespace
+
+std::int64_t ZoneRules::offset(Moment date) const { return zone_.At(timeOf(date)).offset; }
+
+QZDateTimeCache::OffsetEntry ZoneRules::offsetSpan(const TimeZone& timeZone, Moment date) const {
+  const absl::Time time = timeOf(date);
+  QZDateTimeCache::OffsetEntry entry{timeZone, Moment::min(), Moment::max(), zone_.At(time).offset};
+  absl::TimeZone::CivilTransition change;
+  if (zone_.NextTransition(time, &change)) entry.until = momentOf(zone_.At(change.to).trans);
+  // PrevTransition looks strictly before, and a change at this very moment begins the span.
+  if (zone_.PrevTransition(time + absl::Microseconds(1), &change)) entry.from = momentOf(zone_.At(change.to).trans);
+  return entry;
+}
+
+Moment ZoneRules::date(const YYYYMMDD& day, const HHMMSS& time) const {
+  const std::int64_t number = day.dayNumber();
+  if (number < -momentDays || number > momentDays) trap("day outside the range of a moment", number);
+  const YYYYMMDD date = YYYYMMDD::fromDayNumber(number);
+  const absl::CivilSecond civil(date.y(), date.m(), date.d(), time.h(), time.m(), time.s());
+  const absl::TimeZone::TimeInfo info = zone_.At(civil);
+  return momentOf(info.kind == absl::TimeZone::TimeInfo::SKIPPED ? info.trans : info.pre);
+}
+
+}  // namespace qz
