@@ -56,8 +56,8 @@ TEST(DisplayTests, alignsColumnsByWidthAndCutsOnlyOnATerminal) {
             "[?] Read                        streak 10  best  12\n");
   EXPECT_EQ(table.text({.hasColour = false, .columns = 40}),
             "Page 1\n"
-            "[?] \xF0\x9F\x8F\x83 Läufe vor …  streak  5  best 120\n"
-            "[?] Read            streak 10  best  12\n");
+            "[?] \xF0\x9F\x8F\x83 Läufe vor d…  streak  5  best 120\n"
+            "[?] Read             streak 10  best  12\n");
   EXPECT_EQ(table.text({.hasColour = true, .columns = 10}),
             "\x1b[1mPage 1\x1b[0m\n"
             "\x1b[2m[?]\x1b[0m \xF0\x9F\x8F\x83 Läuf…  streak  5  best 120\n"

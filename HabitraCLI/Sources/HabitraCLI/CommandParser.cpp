@@ -16,7 +16,7 @@ std::string didYouMean(std::string_view word, const std::vector<std::string>& kn
   const std::vector<std::string> near = nearestMatches(word, known, nearestShown);
   for (std::size_t i = 0; i < near.size(); ++i)
     text += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
-  return text;
+  return near.empty() ? text : text + "?";
 }
 
 /// The library's tree over the descriptions. Only what the library is good at is left to it: telling verbs, options,

@@ -20,9 +20,9 @@ struct GlobalOptions {
 };
 
 inline constexpr std::array<Option, 7> globalOptions{{
-    {"--home", "DIR", "where the habits are kept (else $HABITRA_HOME, else ~/.local/share/habitra)"},
-    {"--now", "ISO8601", "answer and record as if it were this moment, or the midday of this day"},
-    {"--time-zone", "ZONE", "whose days they are, as in Europe/Berlin (else this device's)"},
+    {"--home", "DIR", "the folder they are kept in (~/.local/share/habitra)"},
+    {"--now", "ISO8601", "act as if it were this moment, or midday of this day"},
+    {"--time-zone", "ZONE", "days are those of this zone, as Europe/Berlin"},
     {"--json", "", "answer in JSON"},
     {"--verbose", "", "say on standard error what is being done"},
     {"--version", "", "the version of the program"},

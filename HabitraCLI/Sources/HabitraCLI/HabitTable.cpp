@@ -37,8 +37,12 @@ StatusMark StatusMark::of(const HabitSummary& habit) {
 
 void HabitTable::add(const HabitSummary& habit) {
   const bool showsLast = lastCompleted_ == LastCompleted::shown;
+  const std::string_view word = habit.isNegative ? "clean" : "done";
   std::string last;
-  if (showsLast) last = habit.lastCompleted ? "last done " + habit.lastCompleted->debugDescription() : "never done";
+  if (showsLast && habit.lastCompleted)
+    last = fmt::format("last {} {}", word, habit.lastCompleted->debugDescription());
+  else if (showsLast)
+    last = fmt::format("never {}", word);
   lines_.push_back({.kind = Kind::habit,
                     .status = StatusMark::of(habit),
                     .title = displayable(habit.title),

@@ -46,6 +46,7 @@ std::string generalHelp(std::span<const Command* const> commands) {
       "Usage: habitra [OPTION...] [VERB] [ARGUMENT...]\n\n"
       "Verbs (without one: today)\n{}\n"
       "Options, before or after the verb\n{}\n"
+      "HABITRA_HOME in the environment stands for --home, NO_COLOR switches colours off.\n"
       "'habitra VERB --help' says more about a verb.\n",
       columns(verbs), columns(rowsOf(globalOptions)));
 }

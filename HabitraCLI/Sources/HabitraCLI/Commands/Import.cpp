@@ -11,18 +11,18 @@ constexpr std::string_view examples[] = {"habitra import history.csv", "habitra 
 void run(Session& session, const Arguments& arguments) {
   const std::string& file = arguments.words.front();
   Application& application = session.application();
+  std::ios::sync_with_stdio(false);  // in step with stdio, a failing read would look like the end of the input
   session.answer(ImportedHistory{file == "-" ? application.importHistory(std::cin, "standard input")
                                              : application.importHistory(std::filesystem::path(file))});
 }
 
 }  // namespace
 
-constinit const Command importCommand{
-    .verb = "import",
-    .summary = "Bring in a history from a CSV file; importing it twice changes nothing",
-    .words = {WordsTaken::Number::one, "FILE", "the file, or - for standard input"},
-    .options = {},
-    .examples = examples,
-    .run = run};
+constinit const Command importCommand{.verb = "import",
+                                      .summary = "Bring in a history from a CSV file; twice is harmless",
+                                      .words = {WordsTaken::Number::one, "FILE", "the file, or - for standard input"},
+                                      .options = {},
+                                      .examples = examples,
+                                      .run = run};
 
 }  // namespace habitra

@@ -10,12 +10,11 @@ void run(Session& session, const Arguments&) { session.answer(session.applicatio
 
 }  // namespace
 
-constinit const Command processCommand{
-    .verb = "process",
-    .summary = "Bring every habit up to date; other verbs do it by themselves when it is due",
-    .words = {},
-    .options = {},
-    .examples = examples,
-    .run = run};
+constinit const Command processCommand{.verb = "process",
+                                       .summary = "Bring every habit up to date now, and say what changed",
+                                       .words = {},
+                                       .options = {},
+                                       .examples = examples,
+                                       .run = run};
 
 }  // namespace habitra
