@@ -14,6 +14,23 @@ json figures(const ProcessReport& report) {
       {"tasks", report.tasks}, {"changed", report.changed}, {"filledIn", report.filledIn}, {"removed", report.removed}};
 }
 
+json figures(const ImportReport::Entries& entries) {
+  return {{"added", entries.added},
+          {"changed", entries.changed},
+          {"removed", entries.removed},
+          {"left", entries.left},
+          {"afterToday", entries.afterToday}};
+}
+
+std::string_view name(ImportReport::Outcome outcome) {
+  switch (outcome) {
+    case ImportReport::Outcome::added: return "added";
+    case ImportReport::Outcome::changed: return "changed";
+    case ImportReport::Outcome::left: return "left";
+  }
+  return "unknown";
+}
+
 }  // namespace
 
 std::string asJSON(const HabitList& answer) { return text(answer.habits); }
@@ -40,6 +57,19 @@ std::string asJSON(const MarkedHabits& answer) {
 std::string asJSON(const UndoneHabit& answer) { return text(answer.habit); }
 
 std::string asJSON(const ProcessReport& answer) { return text(figures(answer)); }
+
+std::string asJSON(const ImportedHistory& answer) {
+  json tasks = json::array();
+  for (const ImportReport::Task& task : answer.outcome.report.tasks) {
+    tasks.push_back({{"title", task.title},
+                     {"uniqueId", task.uniqueId},
+                     {"outcome", name(task.outcome)},
+                     {"entries", figures(task.entries)}});
+  }
+  return text({{"tasks", tasks},
+               {"entries", figures(answer.outcome.report.entries())},
+               {"processed", figures(answer.outcome.processed)}});
+}
 
 std::string asJSON(const ExportedHistory& answer) {
   return text({{"tasks", answer.outcome.tasks}, {"rows", answer.outcome.rows}});

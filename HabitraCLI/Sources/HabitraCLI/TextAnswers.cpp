@@ -4,7 +4,9 @@
 
 #include <fmt/format.h>
 #include <algorithm>
+#include <initializer_list>
 #include <span>
+#include <utility>
 
 namespace habitra {
 namespace {
@@ -22,6 +24,17 @@ constexpr std::string_view weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri
 std::string counted(std::size_t count, std::string_view singular, std::string_view plural = {}) {
   if (count == 1) return fmt::format("1 {}", singular);
   return plural.empty() ? fmt::format("{} {}s", count, singular) : fmt::format("{} {}", count, plural);
+}
+
+/// "3 habits: 1 added, 2 changed", and a line feed; parts of which there are none are left out.
+std::string withParts(std::string text, std::initializer_list<std::pair<std::size_t, std::string_view>> parts) {
+  std::string_view separator = ": ";
+  for (const auto& [count, what] : parts) {
+    if (count == 0) continue;
+    text += fmt::format("{}{} {}", separator, count, what);
+    separator = ", ";
+  }
+  return text + "\n";
 }
 
 bool has(const HabitSummary& habit, Kind kind) { return habit.status && habit.status->status.kind() == kind; }
@@ -150,17 +163,29 @@ std::string asText(const UndoneHabit& answer, const Terminal& terminal) {
 }
 
 std::string asText(const ProcessReport& answer, const Terminal&) {
-  std::string text = counted(answer.tasks, "habit") + " up to date";
-  std::string_view separator = ": ";
-  const auto add = [&](std::size_t count, const std::string& part) {
-    if (count == 0) return;
-    text.append(separator).append(part);
-    separator = ", ";
-  };
-  add(answer.changed, fmt::format("{} changed", answer.changed));
-  add(answer.filledIn, counted(answer.filledIn, "day") + " filled in");
-  add(answer.removed, counted(answer.removed, "entry", "entries") + " dated in the future removed");
-  return text + "\n";
+  return withParts(
+      counted(answer.tasks, "habit") + " up to date",
+      {{answer.changed, "changed"},
+       {answer.filledIn, answer.filledIn == 1 ? "day filled in" : "days filled in"},
+       {answer.removed, answer.removed == 1 ? "entry of the future removed" : "entries of the future removed"}});
+}
+
+std::string asText(const ImportedHistory& answer, const Terminal&) {
+  const ImportReport& report = answer.outcome.report;
+  const ImportReport::Entries entries = report.entries();
+  const ProcessReport& processed = answer.outcome.processed;
+  std::string text =
+      withParts(counted(report.tasks.size(), "habit"), {{report.count(ImportReport::Outcome::added), "added"},
+                                                        {report.count(ImportReport::Outcome::changed), "changed"},
+                                                        {report.count(ImportReport::Outcome::left), "already there"}});
+  text += withParts(counted(entries.added + entries.changed + entries.left, "entry", "entries"),
+                    {{entries.added, "added"},
+                     {entries.changed, "changed"},
+                     {entries.left, "already there"},
+                     {entries.removed, "replaced"},
+                     {entries.afterToday, "dated after today"}});
+  if (processed.filledIn > 0) text += counted(processed.filledIn, "day") + " filled in\n";
+  return text;
 }
 
 std::string asText(const ExportedHistory& answer, const Terminal&) {
