@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "SampleHabit.h"
+
 namespace {
 
 using habitra::cutToWidth;
@@ -31,25 +33,11 @@ TEST(DisplayTests, letsNothingThroughThatMovesTheCursor) {
   EXPECT_EQ(displayable("Läufe \xF0\x9F\x8F\x83"), "Läufe \xF0\x9F\x8F\x83");
 }
 
-habitra::HabitSummary habit(const std::string& title, std::int64_t streak, std::int64_t best) {
-  return {.uniqueId = qz::UniqueID(qz::UniqueID::Bytes{}),
-          .title = title,
-          .page = 1,
-          .isNegative = false,
-          .frequency = {},
-          .period = {},
-          .status = {},
-          .streak = {.current = streak, .best = best},
-          .lastCompleted = {},
-          .lastMissed = {},
-          .lastSkipped = {}};
-}
-
 TEST(DisplayTests, alignsColumnsByWidthAndCutsOnlyOnATerminal) {
   habitra::HabitTable table(habitra::HabitTable::LastCompleted::hidden);
   table.addHeading("Page 1");
-  table.add(habit("\xF0\x9F\x8F\x83 Läufe vor dem Frühstück", 5, 120));
-  table.add(habit("Read", 10, 12));
+  table.add(sampleHabit("\xF0\x9F\x8F\x83 Läufe vor dem Frühstück", 5, 120));
+  table.add(sampleHabit("Read", 10, 12));
   EXPECT_EQ(table.text({}),
             "Page 1\n"
             "[?] \xF0\x9F\x8F\x83 Läufe vor dem Frühstück  streak  5  best 120\n"

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+#include <HabitraCLI/Answers.h>
+
+#include "SampleHabit.h"
+
+namespace {
+
+using habitra::asText;
+using habitra::HabitSummary;
+using Status = habitra::CompletionStatus::Status;
+constexpr auto willMiss = habitra::TaskFrequency::SkipMode::willMissWithoutIndicator;
+
+HabitSummary withStatus(const std::string& title, Status status, bool due = true) {
+  HabitSummary habit = sampleHabit(title, 2, 3);
+  habit.isNegative = status.isNegative();
+  habit.status = habitra::CompletionStatus{.status = status, .codableProgress = {}};
+  habit.due = due;
+  return habit;
+}
+
+TEST(AnswersTests, todayCountsWhatIsDueAndKeepsHabitsToAvoidApart) {
+  const auto today = habitra::TodayList::of(
+      {2024, 2, 29},
+      {withStatus("Smoke", Status::negativeAllowedMiss()), withStatus("Bite", Status::negativeMiss()),
+       withStatus("Sweets", Status::negativeComplete(willMiss)), withStatus("Swim", Status::positiveComplete(), false),
+       withStatus("Gym", Status::positiveIncomplete(willMiss), false),
+       withStatus("Walk", Status::positiveIncomplete(willMiss)), sampleHabit("Odd", 0, 0),
+       withStatus("Read", Status::positiveComplete()), withStatus("Write", Status::positiveMiss())});
+  EXPECT_EQ(asText(today, {}),
+            "Thu 2024-02-29: 1 of 4 done, 1 of 3 clean\n"
+            "\n"
+            "[ ] Walk    streak 2  best 3\n"
+            "\n"
+            "[o] Sweets  streak 2  best 3\n"
+            "[x] Swim    streak 2  best 3\n"
+            "[x] Read    streak 2  best 3\n"
+            "\n"
+            "[~] Smoke   streak 2  best 3\n"
+            "[!] Bite    streak 2  best 3\n"
+            "[ ] Gym     streak 2  best 3\n"
+            "[?] Odd     streak 0  best 0\n"
+            "[!] Write   streak 2  best 3\n");
+}
+
+TEST(AnswersTests, saysWhatHoldsNow) {
+  using habitra::Marked;
+  HabitSummary weekly = withStatus("Swim", Status::positiveComplete());
+  weekly.period = habitra::TaskFrequencyPeriod{.periodType = habitra::TaskFrequencyPeriodType::week};
+  EXPECT_EQ(asText(
+                habitra::MarkedHabits{
+                    {{Marked::Outcome::already, weekly},
+                     {Marked::Outcome::recorded, withStatus("Push-ups", Status::positiveIncomplete(willMiss))},
+                     {Marked::Outcome::recorded, withStatus("Sweets", Status::negativeComplete(willMiss))}}},
+                {}),
+            "[x] Swim: was already done this week, streak 2 (best 3)\n"
+            "[ ] Push-ups: counted, still open, streak 2 (best 3)\n"
+            "[o] Sweets: clean, streak 2 (best 3)\n");
+  EXPECT_EQ(asText(habitra::ProcessReport{.tasks = 1, .changed = 1, .filledIn = 1, .removed = 2}, {}),
+            "1 habit up to date: 1 changed, 1 day filled in, 2 entries of the future removed\n");
+  const habitra::ImportReport report{.tasks = {{.title = "Walk", .uniqueId = {}, .entries = {.left = 1}}}};
+  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = {.filledIn = 12}}}, {}),
+            "1 habit: 1 already there\n1 entry: 1 already there\n12 days filled in\n");
+  EXPECT_EQ(asText(habitra::ExportedHistory{{.tasks = 2, .rows = 1}, "a.csv"}, {}),
+            "a.csv: 1 row of 2 habits written\n");
+}
+
+}  // namespace
