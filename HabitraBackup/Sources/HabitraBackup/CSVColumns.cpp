@@ -1,0 +1,78 @@
+#include <fmt/core.h>
+#include <fmt/ranges.h>
+#include <HabitraBackup/CSVColumns.h>
+#include <HabitraBackup/CSVError.h>
+#include <HabitraBackup/UTF8.h>
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace habitra {
+
+namespace {
+
+// So many changes, insertions and deletions of single characters make a slip of the pen.
+constexpr std::size_t slip = 2;
+// A message lists at most so many of the names that a header holds.
+constexpr std::size_t mostNamesListed = 9;
+
+std::size_t editDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t changed = diagonal + (a[i] == b[j] ? 0U : 1U);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+    }
+  }
+  return row.back();
+}
+
+bool isSlip(std::string_view name, std::string_view known) {
+  return name.size() <= known.size() + slip && editDistance(name, known) <= slip;
+}
+
+std::string listed(std::span<const std::string_view> names) {
+  std::vector<std::string> texts;
+  for (const std::string_view name : names.first(std::min(names.size(), mostNamesListed))) {
+    texts.push_back(utf8::quoted(name));
+  }
+  if (names.size() > mostNamesListed) texts.emplace_back("...");
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+}  // namespace
+
+CSVColumns::CSVColumns(std::size_t line, std::span<const std::string_view> names) {
+  std::vector<std::string_view> unknown;
+  for (std::size_t position = 0; position < names.size(); ++position) {
+    const auto* known = std::ranges::find(csvColumnHeaders, names[position]);
+    if (known == csvColumnHeaders.end()) {
+      unknown.push_back(names[position]);
+      continue;
+    }
+    auto& found = positions_[static_cast<std::size_t>(known - csvColumnHeaders.begin())];
+    if (found) throw CSVError(line, *known, "the header names this column twice");
+    found = position;
+  }
+  for (std::size_t index = 0; index < csvColumnHeaders.size(); ++index) {
+    if (positions_[index]) continue;
+    for (const std::string_view name : unknown) {
+      if (!isSlip(name, csvColumnHeaders[index])) continue;
+      throw CSVError(
+          line, {},
+          fmt::format("unknown column {}, did you mean \"{}\"?", utf8::quoted(name), csvColumnHeaders[index]));
+    }
+  }
+  const std::size_t title = 1;
+  if (!positions_[title]) {
+    throw CSVError(line, {},
+                   fmt::format("no column \"title\" in the header {}; expected {}", listed(names),
+                               fmt::join(csvColumnHeaders, ",")));
+  }
+}
+
+}  // namespace habitra

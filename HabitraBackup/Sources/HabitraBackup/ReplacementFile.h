@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace habitra {
+
+/// A file that takes another's place as a whole or not at all: it is written beside the target, flushed to the disk
+/// and given the target's name. Until then, and after any failure, the target is as it was and nothing else is left
+/// beside it. A link is followed to the file it names. A target that is no plain file (a terminal, a pipe) is written
+/// to as it comes. Failures throw qz::Error that names the target. One object belongs to one thread.
+class ReplacementFile {
+ public:
+  explicit ReplacementFile(const std::filesystem::path& target);
+  ~ReplacementFile();
+  ReplacementFile(const ReplacementFile&) = delete;
+  ReplacementFile& operator=(const ReplacementFile&) = delete;
+
+  void write(std::string_view bytes);
+  /// Gives the written file the target's name. REQUIRES: called once, after the last write.
+  void replace();
+
+ private:
+  void openBeside();
+  [[noreturn]] void fail(std::string_view step, int errorNumber) const;
+
+  std::filesystem::path name_;    // as the caller gave it, for messages
+  std::filesystem::path target_;  // with links followed
+  std::string temporary_;         // empty when the target is written to directly, and once it is replaced
+  int descriptor_ = -1;
+};
+
+}  // namespace habitra
