@@ -72,7 +72,7 @@ struct Judging {
   std::int32_t skippedOn = 0;
 };
 
-/// One pass. Templates on the task's sign are the two families of statuses.
+/// One pass. What is a template on the task's sign differs between the two families of statuses.
 class Walker {
  public:
   Walker(const TaskRules& rules, const HistoryScope& scope, const PeriodVisitor& visit)
@@ -279,7 +279,7 @@ void Walker::report(const Judging& judging, bool isOpen, std::optional<TaskLogEn
                             .streak = state_.streak,
                             .isDue = judging.isDue,
                             .isOpen = isOpen,
-                            .missIsAllowed = rules_.isNegative && !judging.isDue,
+                            .missIsAllowed = rules_.isNegative && !judging.isDue && !judging.isCut,
                             .fillIn = fillIn};
   if (fillIn) result_.fillIns.push_back({.period = walked.period(), .entryType = *fillIn});
   if (isOpen) current_ = walked;
