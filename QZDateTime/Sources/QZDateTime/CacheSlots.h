@@ -63,10 +63,11 @@ class ThreadCache {
     return entry ? &*entry : nullptr;
   }
 
-  void store(std::size_t hash, const Entry& entry) {
+  /// Gives the entry as kept; like a found one it is valid until this thread stores or looks up again.
+  const Entry& store(std::size_t hash, const Entry& entry) {
     const std::uint64_t generation = generation_.load(std::memory_order_relaxed);
     if (slots_ == nullptr || slots_->generation != generation) makeSlots(generation);
-    slots_->entries[hash & (slotCount - 1)] = entry;
+    return slots_->entries[hash & (slotCount - 1)].emplace(entry);
   }
 
   void evict() { generation_.fetch_add(1, std::memory_order_relaxed); }

@@ -33,8 +33,7 @@ const QZDateTimeCache::OffsetEntry& offsetEntry(const TimeZone& timeZone, Moment
   const std::size_t hash = slotHash(timeZone, 0, date.time_since_epoch().count() >> 43);
   const auto* entry = cache.find(hash);
   if (entry != nullptr && entry->timeZone == timeZone && entry->from <= date && date < entry->until) return *entry;
-  cache.store(hash, ZoneRules::of(timeZone).offsetSpan(timeZone, date));
-  return *cache.find(hash);
+  return cache.store(hash, ZoneRules::of(timeZone).offsetSpan(timeZone, date));
 }
 
 /// The day of a moment with all moments around it that share it until clocks or the day change.
@@ -54,7 +53,7 @@ QZDateTimeCache::FromDateEntry dayWithSpan(const HHMMSS& startOfDay, Moment date
 
 /// Whether the days around a moment can be counted in microseconds: all but the outermost of its 292,000 years.
 bool hasRoomAround(Moment date) {
-  return date - Moment::min() > std::chrono::days(4) && Moment::max() - date > std::chrono::days(4);
+  return date > Moment::min() + std::chrono::days(4) && date < Moment::max() - std::chrono::days(4);
 }
 
 }  // namespace

@@ -23,8 +23,8 @@ QZDateTimeCache::OffsetEntry ZoneRules::offsetSpan(const TimeZone& timeZone, Mom
   QZDateTimeCache::OffsetEntry entry{timeZone, Moment::min(), Moment::max(), zone_.At(time).offset};
   absl::TimeZone::CivilTransition change;
   if (zone_.NextTransition(time, &change)) entry.until = momentOf(zone_.At(change.to).trans);
-  // PrevTransition looks strictly before, and a change at this very moment begins the span.
-  if (zone_.PrevTransition(time + absl::Microseconds(1), &change)) entry.from = momentOf(zone_.At(change.to).trans);
+  // PrevTransition looks strictly before, at whole seconds, and a change at this very second begins the span.
+  if (zone_.PrevTransition(time + absl::Seconds(1), &change)) entry.from = momentOf(zone_.At(change.to).trans);
   return entry;
 }
 
