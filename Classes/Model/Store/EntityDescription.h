@@ -47,6 +47,7 @@ struct AttributeDescription {
   std::string_view name;  ///< of the attribute and of its column
   StoredType type = StoredType::int64;
   bool isOptional = false;
+  bool isIndexed = false;                  ///< rows are looked up by it
   void* (*field)(void* object) = nullptr;  ///< the member that holds it
   RelationshipDescription relationship;    ///< for type `reference` only
 };

@@ -7,6 +7,8 @@
 #include <atomic>
 #include <filesystem>
 #include <memory>
+#include <mutex>
+#include <semaphore>
 #include <string>
 
 namespace habitra {
@@ -54,17 +56,20 @@ class Store : public std::enable_shared_from_this<Store> {
   [[nodiscard]] const std::string& writer() const { return writer_; }
 
  private:
-  friend class StoreContext;
   friend class StoreUnit;
 
   Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock);
 
-  /// The connection that opening made, once; a new one after that.
-  [[nodiscard]] std::unique_ptr<Connection> connect();
+  /// Whether there is a store in the file; makes one in an empty file when it may.
+  [[nodiscard]] bool prepare(bool mayMake);
+  void makeSchema(Connection& connection) const;
   [[nodiscard]] std::unique_ptr<Connection> makeConnection() const;
+
+  // For contexts.
+  /// The connection that opening made, the first time; a new one after that.
+  [[nodiscard]] std::unique_ptr<Connection> connect();
   [[nodiscard]] std::unique_ptr<WritersTurn> makeTurn() const;
-  void prepare();
-  /// Numbers that were given to a row that was rolled back are not given again.
+  /// The number after `newestStored`, or after a greater one that was given to a row that was rolled back.
   [[nodiscard]] ObjectID nextObjectID(ObjectID newestStored);
 
   std::filesystem::path file_;
@@ -73,8 +78,10 @@ class Store : public std::enable_shared_from_this<Store> {
   std::string writer_;
   bool isReadOnly_ = false;
   std::atomic<std::int64_t> newestGivenID_{0};
-  std::unique_ptr<Connection> keeper_;                 // keeps a store in memory alive
-  std::atomic<Connection*> firstConnection_{nullptr};  // owned
+  std::shared_ptr<std::binary_semaphore> memoryTurn_;  // in memory only
+  std::unique_ptr<Connection> keeper_;                 // in memory only: keeps the content alive
+  std::mutex firstConnectionMutex_;
+  std::unique_ptr<Connection> firstConnection_;
 };
 
 }  // namespace habitra

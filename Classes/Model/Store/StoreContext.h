@@ -243,6 +243,7 @@ class StoreContext {
   std::vector<void*> fetchObjects(const EntityDescription& entity, std::string_view attribute, ObjectID target,
                                   std::string_view text, bool onlyFirst);
   void removeObject(const EntityDescription& entity, void* object);
+  void applyDeleteRule(const EntityDescription& other, const AttributeDescription& relationship, ObjectID target);
   [[nodiscard]] AttributeSet changedAttributesOf(const EntityDescription& entity, const void* object) const;
   [[nodiscard]] bool isFieldChanged(const EntityDescription& entity, const void* object, const void* field) const;
 

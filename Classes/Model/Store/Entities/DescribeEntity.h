@@ -51,15 +51,24 @@ consteval AttributeDescription attribute(std::string_view name) {
   return {name,
           describe::storedType<typename Unwrapped::Type>(),
           Unwrapped::isOptional,
+          false,
           &describe::MemberOf<Member>::field,
           {}};
+}
+
+/// An attribute that rows are looked up by.
+template <auto Member>
+consteval AttributeDescription indexedAttribute(std::string_view name) {
+  AttributeDescription description = attribute<Member>(name);
+  description.isIndexed = true;
+  return description;
 }
 
 /// A to-one relationship to `Target`, which knows this side as `inverse`.
 template <auto Member, typename Target>
 consteval AttributeDescription relationship(std::string_view name, std::string_view inverse, bool inverseIsToMany,
                                             DeleteRule whenTargetIsRemoved) {
-  AttributeDescription description = attribute<Member>(name);
+  AttributeDescription description = indexedAttribute<Member>(name);
   description.relationship = {&Target::description, inverse, inverseIsToMany, whenTargetIsRemoved};
   return description;
 }

@@ -1,0 +1,43 @@
+#include <HabitraModel/Store/CheckpointTable.h>
+
+#include <algorithm>
+
+namespace habitra {
+
+CheckpointTable::CheckpointTable(Connection& connection)
+    : drop_(connection, "DELETE FROM habitra_checkpoint WHERE task=? AND closedThrough>=?"),
+      read_(connection, "SELECT closedThrough, fingerprint, content FROM habitra_checkpoint WHERE task=?"),
+      write_(connection, "INSERT OR REPLACE INTO habitra_checkpoint VALUES (?, ?, ?, ?)") {}
+
+void CheckpointTable::noteChange(ObjectID task, std::int32_t day) {
+  const auto [noted, isFirst] = changedFrom_.try_emplace(task, day);
+  if (!isFirst) noted->second = std::min(noted->second, day);
+}
+
+void CheckpointTable::applyChanges() {
+  for (const auto& [task, day] : changedFrom_) {
+    auto statement = drop_.use();
+    statement->bind(1, rawValue(task));
+    statement->bind(2, std::int64_t{day});
+    statement->step();
+  }
+  changedFrom_.clear();
+}
+
+std::optional<Checkpoint> CheckpointTable::read(ObjectID task) {
+  auto statement = read_.use();
+  statement->bind(1, rawValue(task));
+  if (!statement->step()) return std::nullopt;
+  return Checkpoint{static_cast<std::int32_t>(statement->integer(0)), statement->integer(1), statement->bytes(2)};
+}
+
+void CheckpointTable::write(ObjectID task, const Checkpoint& checkpoint) {
+  auto statement = write_.use();
+  statement->bind(1, rawValue(task));
+  statement->bind(2, std::int64_t{checkpoint.closedThrough});
+  statement->bind(3, checkpoint.fingerprint);
+  statement->bind(4, checkpoint.content);
+  statement->step();
+}
+
+}  // namespace habitra

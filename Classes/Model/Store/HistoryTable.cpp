@@ -1,0 +1,185 @@
+#include <HabitraModel/Store/HistoryTable.h>
+#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/StoreError.h>
+
+#include <utility>
+
+namespace habitra {
+
+namespace {
+
+StoredChange describe(std::int64_t sequence, const EntityTable& table, const void* object, ChangeKind kind) {
+  const LogKey key = table.key(object);
+  return {.sequence = sequence,
+          .entity = table.entity().number,
+          .object = key.objectID,
+          .kind = kind,
+          .task = key.task,
+          .day = key.entryDate};
+}
+
+template <typename T>
+void bindOptional(Statement& statement, int parameter, const std::optional<T>& value) {
+  if (value)
+    statement.bind(parameter, *value);
+  else
+    statement.bindNull(parameter);
+}
+
+/// An object as it was when the transaction began: `later`, an object after an earlier change of it in the same
+/// transaction, with that change taken back.
+OwnedObject asItBegan(const EntityDescription& entity, const StoredChange& earlier, const void* later) {
+  OwnedObject object(entity, later);
+  restoreBefore(earlier, entity, object.get());
+  return object;
+}
+
+}  // namespace
+
+HistoryTable::HistoryTable(Connection& connection)
+    : insertTransaction_(connection, "INSERT INTO habitra_transaction VALUES (?, ?, ?, ?, ?, ?, ?)"),
+      dropBefore_(connection, "UPDATE habitra_change SET before=NULL WHERE sequence=? AND before IS NOT NULL"),
+      transactions_(connection,
+                    "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
+                    "WHERE sequence>? ORDER BY sequence"),
+      changes_(connection,
+               "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
+               "WHERE sequence=? ORDER BY entity, object"),
+      change_(connection,
+              "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
+              "WHERE sequence=? AND entity=? AND object=?"),
+      writeChange_(connection, "INSERT OR REPLACE INTO habitra_change VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
+      eraseChange_(connection, "DELETE FROM habitra_change WHERE sequence=? AND entity=? AND object=?") {}
+
+void HistoryTable::recordInsertion(std::int64_t sequence, const EntityTable& table, const void* object) {
+  StoredChange change = describe(sequence, table, object, ChangeKind::insertion);
+  change.attributes = attributesWithValues(table.entity(), object);
+  write(change);
+}
+
+void HistoryTable::recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before, const void* object,
+                                AttributeSet changed) {
+  StoredChange change = describe(sequence, table, object, ChangeKind::update);
+  change.attributes = changed;
+  const auto earlier = find(sequence, change.entity, change.object);
+  if (earlier && earlier->kind == ChangeKind::insertion) return recordInsertion(sequence, table, object);
+  Bytes encoded;
+  if (earlier) {
+    change.attributes = change.attributes | earlier->attributes;
+    encodeAttributes(table.entity(), asItBegan(table.entity(), *earlier, before).get(), change.attributes, encoded);
+  } else {
+    encodeAttributes(table.entity(), before, change.attributes, encoded);
+  }
+  change.before = std::move(encoded);
+  write(change);
+}
+
+void HistoryTable::recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before) {
+  StoredChange change = describe(sequence, table, before, ChangeKind::removal);
+  const auto earlier = find(sequence, change.entity, change.object);
+  // What came and went within one transaction was never there for anybody.
+  if (earlier && earlier->kind == ChangeKind::insertion) return erase(*earlier);
+  const AttributeSet all = allAttributes(table.entity());
+  Bytes encoded;
+  change.attributes =
+      earlier ? encodeAttributes(table.entity(), asItBegan(table.entity(), *earlier, before).get(), all, encoded)
+              : encodeAttributes(table.entity(), before, all, encoded);
+  change.before = std::move(encoded);
+  write(change);
+}
+
+void HistoryTable::writeTransaction(const StoredTransaction& transaction) {
+  auto statement = insertTransaction_.use();
+  statement->bind(1, transaction.sequence);
+  statement->bind(2, transaction.author);
+  statement->bind(3, transaction.writer);
+  statement->bind(4, std::int64_t{transaction.moment.time_since_epoch().count()});
+  bindOptional(*statement, 5, transaction.command);
+  bindOptional(*statement, 6, transaction.undoes);
+  bindOptional(*statement, 7, transaction.backup);
+  statement->step();
+}
+
+void HistoryTable::dropBefore(std::int64_t sequence) {
+  auto statement = dropBefore_.use();
+  statement->bind(1, sequence);
+  statement->step();
+}
+
+void HistoryTable::readTransactions(std::int64_t afterSequence,
+                                    const std::function<void(const StoredTransaction&)>& sink) {
+  auto statement = transactions_.use();
+  statement->bind(1, afterSequence);
+  const auto text = [&statement](int column) -> std::optional<std::string> {
+    if (statement->isNull(column)) return std::nullopt;
+    return std::string(statement->text(column));
+  };
+  while (statement->step()) {
+    sink({.sequence = statement->integer(0),
+          .author = std::string(statement->text(1)),
+          .writer = std::string(statement->text(2)),
+          .moment = qz::Moment(std::chrono::microseconds(statement->integer(3))),
+          .command = text(4),
+          .undoes = statement->isNull(5) ? std::nullopt : std::optional(statement->integer(5)),
+          .backup = text(6)});
+  }
+}
+
+void HistoryTable::readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink) {
+  auto statement = changes_.use();
+  statement->bind(1, sequence);
+  while (statement->step()) sink(load(*statement));
+}
+
+std::optional<StoredChange> HistoryTable::find(std::int64_t sequence, EntityNumber entity, ObjectID object) {
+  auto statement = change_.use();
+  statement->bind(1, sequence);
+  statement->bind(2, static_cast<std::int64_t>(entity));
+  statement->bind(3, rawValue(object));
+  if (!statement->step()) return std::nullopt;
+  return load(*statement);
+}
+
+StoredChange HistoryTable::load(Statement& statement) {
+  StoredChange change{.sequence = statement.integer(0),
+                      .entity = static_cast<EntityNumber>(statement.integer(1)),
+                      .object = ObjectID{statement.integer(2)},
+                      .kind = static_cast<ChangeKind>(statement.integer(3)),
+                      .attributes = AttributeSet(static_cast<std::uint64_t>(statement.integer(4))),
+                      .task = ObjectID{statement.integer(5)},
+                      .day = static_cast<std::int32_t>(statement.integer(6))};
+  if (!statement.isNull(7)) change.before = statement.bytes(7);
+  return change;
+}
+
+void HistoryTable::write(const StoredChange& change) {
+  auto statement = writeChange_.use();
+  statement->bind(1, change.sequence);
+  statement->bind(2, static_cast<std::int64_t>(change.entity));
+  statement->bind(3, rawValue(change.object));
+  statement->bind(4, static_cast<std::int64_t>(change.kind));
+  statement->bind(5, static_cast<std::int64_t>(change.attributes.bits()));
+  statement->bind(6, rawValue(change.task));
+  statement->bind(7, std::int64_t{change.day});
+  bindOptional(*statement, 8, change.before);
+  statement->step();
+}
+
+void HistoryTable::erase(const StoredChange& change) {
+  auto statement = eraseChange_.use();
+  statement->bind(1, change.sequence);
+  statement->bind(2, static_cast<std::int64_t>(change.entity));
+  statement->bind(3, rawValue(change.object));
+  statement->step();
+}
+
+bool restoreBefore(const StoredChange& change, const EntityDescription& entity, void* object) {
+  if (!change.before || change.kind == ChangeKind::insertion) return false;
+  entity.objectID(object) = change.object;
+  const AttributeSet which = change.kind == ChangeKind::removal ? allAttributes(entity) : change.attributes;
+  if (!decodeAttributes(entity, *change.before, which, object))
+    throw StoreError(StoreError::Kind::damaged, "the history of the store is damaged");
+  return true;
+}
+
+}  // namespace habitra

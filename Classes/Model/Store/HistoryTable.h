@@ -1,0 +1,45 @@
+#pragma once
+
+#include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/EntityTable.h>
+#include <HabitraModel/Store/History.h>
+
+#include <functional>
+
+namespace habitra {
+
+/// The rows of the store's history. A transaction has one change per object: what happens to an object again within a
+/// transaction is joined with what it was before.
+class HistoryTable {
+ public:
+  explicit HistoryTable(Connection& connection);
+
+  /// `before`: the object as it was, for an update or a removal; `changed`: the attributes that an update changes.
+  void recordInsertion(std::int64_t sequence, const EntityTable& table, const void* object);
+  void recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before, const void* object,
+                    AttributeSet changed);
+  void recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before);
+
+  void writeTransaction(const StoredTransaction& transaction);
+  /// Drops the values before; for saves that no person's command asked for.
+  void dropBefore(std::int64_t sequence);
+
+  void readTransactions(std::int64_t afterSequence, const std::function<void(const StoredTransaction&)>& sink);
+  void readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink);
+
+ private:
+  [[nodiscard]] std::optional<StoredChange> find(std::int64_t sequence, EntityNumber entity, ObjectID object);
+  [[nodiscard]] static StoredChange load(Statement& statement);
+  void write(const StoredChange& change);
+  void erase(const StoredChange& change);
+
+  Query insertTransaction_;
+  Query dropBefore_;
+  Query transactions_;
+  Query changes_;
+  Query change_;
+  Query writeChange_;
+  Query eraseChange_;
+};
+
+}  // namespace habitra

@@ -1,0 +1,90 @@
+#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/StoreError.h>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace habitra {
+
+namespace {
+
+using Kind = StoreError::Kind;
+
+[[noreturn]] void failWithErrno(const char* what, const std::filesystem::path& path) {
+  const int error = errno;
+  const Kind kind = error == ENOSPC || error == EDQUOT ? Kind::diskFull
+                    : error == EROFS                   ? Kind::readOnly
+                                                       : Kind::failed;
+  throw StoreError(kind, fmt::format("{} {}: {}", what, path.string(), std::generic_category().message(error)));
+}
+
+/// mkdir obeys the umask, so the mode is set once more; a folder that is there keeps its own.
+void makeFolders(const std::filesystem::path& folder) {
+  struct stat status {};
+  if (folder.empty() || ::stat(folder.c_str(), &status) == 0) return;
+  makeFolders(folder.parent_path());
+  if (::mkdir(folder.c_str(), 0700) == 0) {
+    if (::chmod(folder.c_str(), 0700) != 0) failWithErrno("cannot protect", folder);
+  } else if (errno != EEXIST) {
+    failWithErrno("cannot make the folder", folder);
+  }
+}
+
+}  // namespace
+
+std::filesystem::path existingHomeFolder(const std::filesystem::path& folder) {
+  struct stat status {};
+  if (::stat(folder.c_str(), &status) != 0) {
+    if (errno == ENOENT) return {};
+    failWithErrno("cannot look into", folder);
+  }
+  if (!S_ISDIR(status.st_mode))
+    throw StoreError(Kind::insecurePath, fmt::format("{} is not a folder", folder.string()));
+  if (status.st_uid != ::geteuid())
+    throw StoreError(Kind::foreignOwner, fmt::format("the folder {} belongs to another user", folder.string()));
+  std::error_code error;
+  std::filesystem::path real = std::filesystem::canonical(folder, error);
+  if (error) throw StoreError(Kind::failed, fmt::format("cannot look into {}: {}", folder.string(), error.message()));
+  return real;
+}
+
+std::filesystem::path makeHomeFolder(const std::filesystem::path& folder) {
+  makeFolders(std::filesystem::absolute(folder).lexically_normal());
+  const std::filesystem::path real = existingHomeFolder(folder);
+  if (real.empty()) throw StoreError(Kind::insecurePath, fmt::format("{} leads nowhere", folder.string()));
+  return real;
+}
+
+bool isPrivateFile(const std::filesystem::path& file) {
+  struct stat status {};
+  if (::lstat(file.c_str(), &status) != 0) {
+    if (errno == ENOENT) return false;
+    failWithErrno("cannot look at", file);
+  }
+  if (S_ISDIR(status.st_mode))
+    throw StoreError(Kind::notAStore, fmt::format("{} is a folder, not a Habitra store", file.string()));
+  if (S_ISLNK(status.st_mode))
+    throw StoreError(Kind::insecurePath, fmt::format("{} is a link; a store must be a plain file", file.string()));
+  if (!S_ISREG(status.st_mode)) throw StoreError(Kind::notAStore, fmt::format("{} is not a plain file", file.string()));
+  if (status.st_uid != ::geteuid())
+    throw StoreError(Kind::foreignOwner, fmt::format("{} belongs to another user", file.string()));
+  return true;
+}
+
+void makePrivateFile(const std::filesystem::path& file) {
+  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+  if (descriptor < 0) {
+    if (errno == EEXIST) return;
+    failWithErrno("cannot make", file);
+  }
+  const bool isProtected = ::fchmod(descriptor, 0600) == 0;
+  ::close(descriptor);
+  if (!isProtected) failWithErrno("cannot protect", file);
+}
+
+}  // namespace habitra

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+
+/// The folder that a store lies in, and the files in it. Everything made here is the owner's alone whatever the umask
+/// is, and no link inside the folder is followed; the folder itself may be one.
+namespace habitra {
+
+/// Makes `folder` and what is missing above it, and gives its path without links. Throws StoreError when it is no
+/// folder or belongs to somebody else.
+[[nodiscard]] std::filesystem::path makeHomeFolder(const std::filesystem::path& folder);
+
+/// The path without links of a folder that is there, checked in the same way; empty when there is none.
+[[nodiscard]] std::filesystem::path existingHomeFolder(const std::filesystem::path& folder);
+
+/// Whether there is a file of our own at `file`. Throws StoreError when something else is: a link, a folder, a file of
+/// somebody else. Never opens it: closing a file would end the locks that SQLite holds on it in this process.
+[[nodiscard]] bool isPrivateFile(const std::filesystem::path& file);
+
+/// Makes an empty file, 0600. Does nothing when there is one.
+void makePrivateFile(const std::filesystem::path& file);
+
+}  // namespace habitra

@@ -1,0 +1,134 @@
+#include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Schema.h>
+#include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/WritersTurn.h>
+#include <QZKit/UniqueID.h>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <system_error>
+
+namespace habitra {
+
+namespace {
+
+bool mayWrite(const std::filesystem::path& path) { return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0; }
+
+bool hasWriteAheadLog(const std::filesystem::path& file) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file.string() + "-wal", error);
+  return !error && size > 0;
+}
+
+/// A path as the engine's address of a file that nobody can be changing.
+std::string immutableAddress(const std::filesystem::path& file) {
+  std::string address = "file:";
+  for (const char c : file.string()) {
+    if (c == '?' || c == '#' || c == '%')
+      address += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    else
+      address += c;
+  }
+  return address + "?immutable=1";
+}
+
+}  // namespace
+
+Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock)
+    : file_(std::move(file)),
+      address_(file_.string()),
+      clock_(std::move(clock)),
+      writer_(qz::UniqueID::generate(clock_->now()).text()) {}
+
+Store::~Store() = default;
+
+std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock) {
+  const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(file).parent_path());
+  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  if (!isPrivateFile(store->file_)) makePrivateFile(store->file_);
+  if (!store->prepare(true))
+    throw StoreError(StoreError::Kind::readOnly, fmt::format("{} can be read but not written", store->file_.string()));
+  return store;
+}
+
+std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file,
+                                             std::shared_ptr<const qz::Clock> clock) {
+  const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(file).parent_path());
+  if (home.empty() || !isPrivateFile(home / file.filename())) return nullptr;
+  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  return store->prepare(false) ? store : nullptr;
+}
+
+std::shared_ptr<Store> Store::inMemory(std::shared_ptr<const qz::Clock> clock) {
+  static std::atomic<int> count{0};
+  std::shared_ptr<Store> store(new Store({}, std::move(clock)));
+  store->address_ = fmt::format("file:/habitra-{}?vfs=memdb", ++count);
+  store->memoryTurn_ = std::make_shared<std::binary_semaphore>(1);
+  store->keeper_ = store->makeConnection();
+  store->makeSchema(*store->keeper_);
+  return store;
+}
+
+std::unique_ptr<Connection> Store::makeConnection() const {
+  const Connection::Access access = isInMemory()  ? Connection::Access::memory
+                                    : isReadOnly_ ? Connection::Access::readOnly
+                                                  : Connection::Access::readWrite;
+  return std::make_unique<Connection>(address_, file_, access);
+}
+
+bool Store::prepare(bool mayMake) {
+  isReadOnly_ = !mayWrite(file_) || !mayWrite(file_.parent_path());
+  // Without a log to read, the file is all there is; the engine then needs no files of its own beside it.
+  if (isReadOnly_ && !hasWriteAheadLog(file_)) address_ = immutableAddress(file_);
+  firstConnection_ = makeConnection();
+  const std::int64_t owner = firstConnection_->integer("PRAGMA application_id");
+  const std::int64_t version = firstConnection_->integer("PRAGMA user_version");
+  if (owner == applicationID && version == schemaVersion) return true;
+  if (owner == applicationID && version > schemaVersion)
+    throw StoreError(StoreError::Kind::newerVersion,
+                     fmt::format("{} was made by a newer version of Habitra", file_.string()));
+  if (owner != 0 || version != 0 || firstConnection_->integer("SELECT count(*) FROM sqlite_schema") != 0)
+    throw StoreError(StoreError::Kind::notAStore, fmt::format("{} is not a Habitra store", file_.string()));
+  if (!mayMake || isReadOnly_) return false;
+  makeSchema(*firstConnection_);
+  return true;
+}
+
+void Store::makeSchema(Connection& connection) const {
+  const std::unique_ptr<WritersTurn> turn = makeTurn();
+  turn->take();
+  // Another program may have been quicker.
+  if (connection.integer("PRAGMA application_id") == applicationID) return;
+  if (!isInMemory()) connection.execute("PRAGMA journal_mode=WAL");
+  const std::string identifier = qz::UniqueID::generate(clock_->now()).text();
+  try {
+    connection.execute(("BEGIN IMMEDIATE;\n" + schemaDefinition(identifier) + "COMMIT").c_str());
+  } catch (...) {
+    connection.rollback();
+    throw;
+  }
+}
+
+std::unique_ptr<Connection> Store::connect() {
+  {
+    const std::scoped_lock lock(firstConnectionMutex_);
+    if (firstConnection_ != nullptr) return std::move(firstConnection_);
+  }
+  return makeConnection();
+}
+
+std::unique_ptr<WritersTurn> Store::makeTurn() const {
+  if (isInMemory()) return std::make_unique<WritersTurn>(memoryTurn_);
+  return std::make_unique<WritersTurn>(file_.parent_path());
+}
+
+ObjectID Store::nextObjectID(ObjectID newestStored) {
+  // Only the writer whose turn it is comes here.
+  newestGivenID_ = std::max(newestGivenID_.load(), rawValue(newestStored)) + 1;
+  return ObjectID{newestGivenID_.load()};
+}
+
+}  // namespace habitra

@@ -1,0 +1,168 @@
+#include <HabitraModel/Store/Field.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Store/StoreContextParts.h>
+#include <QZKit/Trap.h>
+#include <QZKit/UniqueID.h>
+
+namespace habitra {
+
+StoreContext::StoreContext(std::shared_ptr<Store> store) : parts_(std::make_unique<Parts>(std::move(store))) {}
+
+StoreContext::~StoreContext() = default;
+
+Store& StoreContext::store() const { return parts_->unit.store(); }
+
+void StoreContext::beginUnit() {
+  try {
+    parts_->beginUnit();
+  } catch (...) {
+    parts_->rollback();
+    throw;
+  }
+}
+
+bool StoreContext::isInUnit() const { return parts_->unit.isWriting(); }
+
+bool StoreContext::hasChanges() const { return parts_->hasWritten() || parts_->hasPendingObjects(); }
+
+SaveResult StoreContext::save(const SaveRequest& request) {
+  if (!hasChanges()) {
+    parts_->beginView();
+    const SaveResult nothing{.sequence = parts_->unit.sequence()};
+    parts_->unit.rollback();
+    return nothing;
+  }
+  return parts_->writing([&] {
+    parts_->flush();
+    parts_->checkpoints.applyChanges();
+    SaveResult result = std::exchange(parts_->counts, {});
+    std::optional<StoredTransaction> transaction;
+    if (result.inserted + result.updated + result.removed > 0) {
+      transaction = {.sequence = parts_->unit.nextSequence(),
+                     .author = std::string(rawValue(request.author)),
+                     .writer = store().writer(),
+                     .moment = store().clock().now(),
+                     .command = request.command,
+                     .undoes = request.undoes,
+                     .backup = request.backup};
+      parts_->history.writeTransaction(*transaction);
+      if (parts_->keepsBefore && !request.command) parts_->history.dropBefore(transaction->sequence);
+    }
+    parts_->unit.commit(transaction);
+    parts_->registry.commit();
+    parts_->hasCheckpoints = parts_->keepsBefore = false;
+    result.sequence = parts_->unit.sequence();
+    return result;
+  });
+}
+
+void StoreContext::rollback() { parts_->rollback(); }
+
+void StoreContext::flush() {
+  if (parts_->hasPendingObjects()) parts_->writing([&] { parts_->flush(); });
+}
+
+void StoreContext::refresh() { parts_->unit.endView(); }
+
+void StoreContext::forgetObjects() { parts_->registry.forgetUnchanged(); }
+
+std::int64_t StoreContext::sequence() {
+  parts_->beginView();
+  return parts_->unit.sequence();
+}
+
+std::optional<qz::Moment> StoreContext::newestTransactionMoment() {
+  parts_->beginView();
+  return parts_->unit.newestMoment();
+}
+
+std::string StoreContext::storeIdentifier() { return parts_->unit.storeIdentifier(); }
+
+void* StoreContext::insertObject(const EntityDescription& entity, const void* values) {
+  qz::require(entity.layout == Layout::byObject, "an entry of the log is inserted as an object");
+  return parts_->writing([&] {
+    ObjectRegistry::Entry& entry = parts_->registry.insert(entity, parts_->unit.nextObjectID(), values);
+    if (const auto position = entity.position("uniqueId")) {
+      auto& uniqueId = *static_cast<std::optional<std::string>*>(entity.attributes[*position].field(entry.live.get()));
+      if (!uniqueId) uniqueId = qz::UniqueID::generate(store().clock().now()).text();
+    }
+    return entry.live.get();
+  });
+}
+
+void* StoreContext::findObject(const EntityDescription& entity, ObjectID id) {
+  qz::require(entity.layout == Layout::byObject, "an entry of the log is fetched as an object");
+  parts_->beginView();
+  if (ObjectRegistry::Entry* known = parts_->registry.find(id))
+    return known->isGone || known->entity != &entity ? nullptr : known->live.get();
+  ObjectRegistry::Entry loaded(entity);
+  const auto checksum = parts_->table(entity).find({.objectID = id}, loaded.live.get());
+  if (!checksum) return nullptr;
+  loaded.checksum = *checksum;
+  loaded.stored.assign(loaded.live.get());
+  return parts_->registry.entries().try_emplace(id, std::move(loaded)).first->second.live.get();
+}
+
+std::vector<void*> StoreContext::fetchObjects(const EntityDescription& entity, std::string_view attribute,
+                                              ObjectID target, std::string_view text, bool onlyFirst) {
+  qz::require(entity.layout == Layout::byObject, "entries of the log are fetched as objects");
+  if (parts_->unit.isWriting())
+    flush();  // the engine searches what is written
+  else
+    parts_->beginView();
+  EntityTable& table = parts_->table(entity);
+  auto rows = attribute.empty() ? table.all().use() : table.where(attribute).use();
+  if (target != ObjectID::none)
+    rows->bind(1, rawValue(target));
+  else if (!attribute.empty())
+    rows->bind(1, text);
+  std::vector<void*> objects;
+  while (rows->step()) {
+    const ObjectRegistry::Entry& entry = parts_->registry.adopt(table, *rows);
+    if (entry.isGone) continue;
+    objects.push_back(entry.live.get());
+    if (onlyFirst) break;
+  }
+  return objects;
+}
+
+void StoreContext::removeObject(const EntityDescription& entity, void* object) {
+  parts_->writing([&] {
+    parts_->flush();
+    ObjectRegistry::Entry& entry = parts_->registry.entry(entity, object);
+    if (entry.isGone) return;
+    for (const EntityDescription* other : allEntities())
+      for (const AttributeDescription& attribute : other->attributes)
+        if (attribute.type == StoredType::reference && &attribute.relationship.target() == &entity)
+          applyDeleteRule(*other, attribute, entry.live.objectID());
+    parts_->writeRemoval(entry);
+  });
+}
+
+void StoreContext::applyDeleteRule(const EntityDescription& other, const AttributeDescription& relationship,
+                                   ObjectID target) {
+  if (other.layout == Layout::byTaskAndDay) {
+    for (const TaskLogEntryEntity& entry : fetchLogEntries(target)) parts_->removeLogEntry(entry.key());
+    return;
+  }
+  for (void* related : fetchObjects(other, relationship.name, target, {}, false)) {
+    if (relationship.relationship.whenTargetIsRemoved == DeleteRule::cascade)
+      removeObject(other, related);
+    else
+      *static_cast<ObjectID*>(relationship.field(related)) = ObjectID::none;
+  }
+  parts_->flush();
+}
+
+AttributeSet StoreContext::changedAttributesOf(const EntityDescription& entity, const void* object) const {
+  return std::as_const(parts_->registry).entry(entity, object).changes();
+}
+
+bool StoreContext::isFieldChanged(const EntityDescription& entity, const void* object, const void* field) const {
+  const AttributeSet changes = changedAttributesOf(entity, object);
+  for (std::size_t i = 0; i < entity.attributes.size(); ++i)
+    if (entity.attributes[i].field(const_cast<void*>(object)) == field) return changes.contains(i);
+  qz::trap("a member that is no attribute", entity.name);
+}
+
+}  // namespace habitra

@@ -1,0 +1,180 @@
+#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Store/StoreContextParts.h>
+#include <QZKit/Trap.h>
+#include <QZKit/UniqueID.h>
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+// The log, its checkpoints and the history: what a context reads and writes as values.
+namespace habitra {
+
+namespace {
+
+/// Counts the reads that are under way.
+class Reading {
+ public:
+  explicit Reading(int& count) : count_(count) { ++count_; }
+  ~Reading() { --count_; }
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+
+ private:
+  int& count_;
+};
+
+void bindDays(Statement& statement, ObjectID task, std::int32_t from, std::int32_t to) {
+  statement.bind(1, rawValue(task));
+  statement.bind(2, std::int64_t{from});
+  statement.bind(3, std::int64_t{to});
+}
+
+std::optional<std::int32_t> onlyDay(Query& query, ObjectID task) {
+  auto statement = query.use();
+  statement->bind(1, rawValue(task));
+  if (!statement->step()) return std::nullopt;
+  return static_cast<std::int32_t>(statement->integer(0));
+}
+
+}  // namespace
+
+void StoreContext::readLog(ObjectID task, std::int32_t from, std::int32_t to, RowSink<LogRow> row) {
+  parts_->beginView();
+  const Reading reading(parts_->readingLog);
+  auto statement = parts_->light.use();
+  bindDays(*statement, task, from, to);
+  // Straight from the engine: whoever rebuilds years of figures waits for nothing else.
+  sqlite3_stmt* const handle = statement->handle();
+  const auto integer32 = [handle](int column) { return sqlite3_column_int(handle, column); };
+  while (statement->step()) {
+    const auto* letters = reinterpret_cast<const char*>(sqlite3_column_text(handle, 4));
+    const auto count = letters == nullptr ? 0U : static_cast<std::size_t>(sqlite3_column_bytes(handle, 4));
+    row({.objectID = ObjectID{sqlite3_column_int64(handle, 0)},
+         .entryDate = integer32(1),
+         .entryPeriodFrom = integer32(2),
+         .entryPeriodTo = integer32(3),
+         .entryPeriodType = std::string_view(letters == nullptr ? "" : letters, count),
+         .entryType = static_cast<std::int16_t>(integer32(5)),
+         .progress = sqlite3_column_double(handle, 6),
+         .progressTotal = sqlite3_column_double(handle, 7)});
+  }
+}
+
+void StoreContext::readLogEntries(ObjectID task, std::int32_t from, std::int32_t to,
+                                  RowSink<TaskLogEntryEntity> entry) {
+  parts_->beginView();
+  const Reading reading(parts_->readingLog);
+  EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+  auto statement = table.betweenDays().use();
+  bindDays(*statement, task, from, to);
+  TaskLogEntryEntity row;
+  while (statement->step()) {
+    table.load(*statement, &row);
+    entry(row);
+  }
+}
+
+std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std::int32_t from, std::int32_t to) {
+  std::vector<TaskLogEntryEntity> entries;
+  readLogEntries(task, from, to, [&entries](const TaskLogEntryEntity& entry) { entries.push_back(entry); });
+  return entries;
+}
+
+std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(std::string_view uniqueId) {
+  parts_->beginView();
+  EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+  auto statement = table.where("uniqueId").use();
+  statement->bind(1, uniqueId);
+  if (!statement->step()) return std::nullopt;
+  std::optional<TaskLogEntryEntity> entry(std::in_place);
+  table.load(*statement, &*entry);
+  return entry;
+}
+
+std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(const LogKey& key) {
+  parts_->beginView();
+  std::optional<TaskLogEntryEntity> entry(std::in_place);
+  if (!parts_->table(TaskLogEntryEntity::description()).find(key, &*entry)) entry.reset();
+  return entry;
+}
+
+std::optional<std::int32_t> StoreContext::earliestEntryDay(ObjectID task) {
+  parts_->beginView();
+  return onlyDay(parts_->earliest, task);
+}
+
+std::optional<std::int32_t> StoreContext::newestEntryDay(ObjectID task) {
+  parts_->beginView();
+  return onlyDay(parts_->newest, task);
+}
+
+ObjectID StoreContext::insertLogEntry(const TaskLogEntryEntity& entry) {
+  return parts_->writing([&] {
+    qz::require(parts_->readingLog == 0, "the log is changed while it is read");
+    parts_->flushInsertions();
+    TaskLogEntryEntity& added = parts_->newEntry;
+    added = entry;
+    added.objectID = parts_->unit.nextObjectID();
+    if (!added.uniqueId) added.uniqueId = qz::UniqueID::generate(store().clock().now()).text();
+    EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+    table.insert(&added, rowChecksum(table.entity(), &added));
+    parts_->history.recordInsertion(parts_->unit.nextSequence(), table, &added);
+    parts_->checkpoints.noteChange(added.task, added.entryDate);
+    ++parts_->counts.inserted;
+    return added.objectID;
+  });
+}
+
+void StoreContext::updateLogEntry(const LogKey& key, const TaskLogEntryEntity& entry) {
+  parts_->writing([&] {
+    const std::int64_t checksum = parts_->findStoredLogEntry(key);
+    parts_->flushInsertions();
+    EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+    const TaskLogEntryEntity& stored = parts_->logBuffer;
+    TaskLogEntryEntity& updated = parts_->newEntry;
+    updated = entry;
+    updated.objectID = key.objectID;
+    const AttributeSet changes = differences(table.entity(), &stored, &updated);
+    if (changes.isEmpty()) return;
+    // Damage that was there stays visible, as with objects.
+    const std::int64_t damage = checksum ^ rowChecksum(table.entity(), &stored);
+    table.update(key, changes, &updated, rowChecksum(table.entity(), &updated) ^ damage);
+    parts_->history.recordUpdate(parts_->unit.nextSequence(), table, &stored, &updated, changes);
+    parts_->keepsBefore = true;
+    parts_->checkpoints.noteChange(stored.task, stored.entryDate);
+    parts_->checkpoints.noteChange(updated.task, updated.entryDate);
+    ++parts_->counts.updated;
+  });
+}
+
+void StoreContext::removeLogEntry(const LogKey& key) {
+  parts_->writing([&] { parts_->removeLogEntry(key); });
+}
+
+std::optional<Checkpoint> StoreContext::checkpoint(ObjectID task) {
+  parts_->beginView();
+  if (parts_->unit.isWriting()) parts_->checkpoints.applyChanges();
+  return parts_->checkpoints.read(task);
+}
+
+void StoreContext::setCheckpoint(ObjectID task, const Checkpoint& checkpoint) {
+  parts_->writing([&] {
+    parts_->flushInsertions();
+    parts_->checkpoints.applyChanges();
+    parts_->checkpoints.write(task, checkpoint);
+    parts_->hasCheckpoints = true;
+  });
+}
+
+void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction) {
+  parts_->beginView();
+  parts_->history.readTransactions(afterSequence, transaction);
+}
+
+void StoreContext::readChanges(std::int64_t sequence, RowSink<StoredChange> change) {
+  parts_->beginView();
+  parts_->history.readChanges(sequence, change);
+}
+
+}  // namespace habitra

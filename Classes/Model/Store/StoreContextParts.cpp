@@ -1,0 +1,128 @@
+#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/StoreContextParts.h>
+#include <QZKit/Trap.h>
+
+#include <fmt/format.h>
+
+namespace habitra {
+
+StoreContext::Parts::Parts(std::shared_ptr<Store> store)
+    : unit(std::move(store)),
+      history(unit.connection()),
+      checkpoints(unit.connection()),
+      light(unit.connection(),
+            "SELECT objectID, entryDate, entryPeriodFrom, entryPeriodTo, entryPeriodType, entryType, progress, "
+            "progressTotal FROM TaskLogEntryEntity WHERE task=? AND entryDate BETWEEN ? AND ? "
+            "ORDER BY entryDate, objectID"),
+      earliest(unit.connection(),
+               "SELECT entryDate FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 ORDER BY entryDate LIMIT 1"),
+      newest(unit.connection(),
+             "SELECT entryDate FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 ORDER BY entryDate DESC LIMIT 1") {}
+
+EntityTable& StoreContext::Parts::table(const EntityDescription& entity) {
+  const auto found = tables.find(entity.number);
+  if (found != tables.end()) return found->second;
+  return tables.try_emplace(entity.number, unit.connection(), entity).first->second;
+}
+
+void StoreContext::Parts::beginView() {
+  if (unit.beginView())
+    registry.refresh([this](const EntityDescription& entity) -> EntityTable& { return table(entity); });
+}
+
+void StoreContext::Parts::beginUnit() {
+  if (unit.isWriting()) return;
+  counts = {};
+  if (unit.begin()) registry.refresh([this](const EntityDescription& entity) -> EntityTable& { return table(entity); });
+}
+
+void StoreContext::Parts::rollback() {
+  unit.rollback();
+  registry.rollback();
+  checkpoints.forgetChanges();
+  counts = {};
+  hasCheckpoints = false;
+  keepsBefore = false;
+}
+
+bool StoreContext::Parts::hasPendingObjects() {
+  if (registry.hasUnwritten()) return true;
+  for (auto& [id, entry] : registry.entries())
+    if (!entry.changes().isEmpty()) return true;
+  return false;
+}
+
+void StoreContext::Parts::flush() {
+  for (auto& [id, entry] : registry.entries()) {
+    if (!entry.isWritten) {
+      writeInsertion(entry);
+    } else if (const AttributeSet changes = entry.changes(); !changes.isEmpty()) {
+      if (entry.hasConflict)
+        throw StoreError(StoreError::Kind::conflict,
+                         fmt::format("row {} of {} was changed by another program at the same time; try again",
+                                     rawValue(id), entry.entity->name));
+      writeUpdate(entry, changes);
+    }
+  }
+}
+
+void StoreContext::Parts::flushInsertions() {
+  if (!registry.hasUnwritten()) return;
+  for (auto& [id, entry] : registry.entries())
+    if (!entry.isWritten) writeInsertion(entry);
+}
+
+void StoreContext::Parts::writeInsertion(ObjectRegistry::Entry& entry) {
+  EntityTable& rows = table(*entry.entity);
+  entry.checksum = rowChecksum(*entry.entity, entry.live.get());
+  rows.insert(entry.live.get(), entry.checksum);
+  history.recordInsertion(unit.nextSequence(), rows, entry.live.get());
+  entry.stored.assign(entry.live.get());
+  entry.isWritten = true;
+  registry.noteWritten();
+  ++counts.inserted;
+}
+
+void StoreContext::Parts::writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes) {
+  EntityTable& rows = table(*entry.entity);
+  entry.rememberBegun();
+  // A row that did not match its checksum before must not match it now: writing does not heal what it has not seen.
+  const std::int64_t damage = entry.checksum ^ rowChecksum(*entry.entity, entry.stored.get());
+  entry.checksum = rowChecksum(*entry.entity, entry.live.get()) ^ damage;
+  rows.update(rows.key(entry.stored.get()), changes, entry.live.get(), entry.checksum);
+  history.recordUpdate(unit.nextSequence(), rows, entry.stored.get(), entry.live.get(), changes);
+  keepsBefore = true;
+  entry.stored.assign(entry.live.get());
+  ++counts.updated;
+}
+
+void StoreContext::Parts::writeRemoval(ObjectRegistry::Entry& entry) {
+  EntityTable& rows = table(*entry.entity);
+  entry.rememberBegun();
+  rows.erase(rows.key(entry.stored.get()));
+  history.recordRemoval(unit.nextSequence(), rows, entry.stored.get());
+  keepsBefore = true;
+  entry.isGone = true;
+  ++counts.removed;
+}
+
+std::int64_t StoreContext::Parts::findStoredLogEntry(const LogKey& key) {
+  qz::require(readingLog == 0, "the log is changed while it is read");
+  const auto checksum = table(TaskLogEntryEntity::description()).find(key, &logBuffer);
+  if (!checksum)
+    throw StoreError(StoreError::Kind::conflict,
+                     fmt::format("entry {} of the log has been moved or removed", rawValue(key.objectID)));
+  return *checksum;
+}
+
+void StoreContext::Parts::removeLogEntry(const LogKey& key) {
+  findStoredLogEntry(key);
+  EntityTable& rows = table(TaskLogEntryEntity::description());
+  rows.erase(key);
+  history.recordRemoval(unit.nextSequence(), rows, &logBuffer);
+  keepsBefore = true;
+  checkpoints.noteChange(key.task, key.entryDate);
+  ++counts.removed;
+}
+
+}  // namespace habitra

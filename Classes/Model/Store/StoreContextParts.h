@@ -1,0 +1,74 @@
+#pragma once
+
+#include <HabitraModel/Store/CheckpointTable.h>
+#include <HabitraModel/Store/EntityTable.h>
+#include <HabitraModel/Store/HistoryTable.h>
+#include <HabitraModel/Store/ObjectRegistry.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Store/StoreUnit.h>
+
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace habitra {
+
+/// What a context is made of, and the steps that its operations share.
+struct StoreContext::Parts {
+  explicit Parts(std::shared_ptr<Store> store);
+
+  /// The table of an entity, made at its first use.
+  EntityTable& table(const EntityDescription& entity);
+
+  /// Begins a view if there is neither view nor unit; objects take over what others have stored.
+  void beginView();
+  void beginUnit();
+  /// Writes pending changes of objects. REQUIRES: a unit, unless nothing is pending.
+  void flush();
+  /// Writes inserted objects, so that rows may lead to them.
+  void flushInsertions();
+  /// Rolls everything back.
+  void rollback();
+
+  /// Runs a step that writes; when it fails, the unit is rolled back.
+  template <typename Step>
+  auto writing(Step&& step) {
+    try {
+      beginUnit();
+      return std::forward<Step>(step)();
+    } catch (...) {
+      rollback();
+      throw;
+    }
+  }
+
+  [[nodiscard]] bool hasPendingObjects();
+  [[nodiscard]] bool hasWritten() const {
+    return hasCheckpoints || counts.inserted + counts.updated + counts.removed > 0;
+  }
+
+  void writeInsertion(ObjectRegistry::Entry& entry);
+  void writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes);
+  void writeRemoval(ObjectRegistry::Entry& entry);
+
+  /// The entry at `key` into `logBuffer`; gives its checksum. Throws a conflict when it is not there.
+  std::int64_t findStoredLogEntry(const LogKey& key);
+  void removeLogEntry(const LogKey& key);
+
+  StoreUnit unit;
+  HistoryTable history;
+  CheckpointTable checkpoints;
+  ObjectRegistry registry;
+  Query light;     ///< a task's log, only what the rules need
+  Query earliest;  ///< first day of a task's log
+  Query newest;    ///< last day
+  std::map<EntityNumber, EntityTable> tables;
+  TaskLogEntryEntity logBuffer;  ///< an entry as it is stored
+  TaskLogEntryEntity newEntry;   ///< an entry on its way in
+  SaveResult counts;             ///< what the unit has written
+  bool hasCheckpoints = false;   ///< the unit has written checkpoints
+  bool keepsBefore = false;      ///< the unit's history holds values before
+  int readingLog = 0;            ///< reads of the log that are under way
+};
+
+}  // namespace habitra

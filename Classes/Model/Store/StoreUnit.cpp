@@ -1,0 +1,113 @@
+#include <HabitraModel/Store/StoreUnit.h>
+#include <QZKit/Trap.h>
+#include <QZLog/Log.h>
+
+#include <fmt/format.h>
+
+namespace habitra {
+
+namespace {
+
+// Some 1 MiB: what the next opening has to read again, in a millisecond or less.
+constexpr int longLogPages = 256;
+
+}  // namespace
+
+StoreUnit::StoreUnit(std::shared_ptr<Store> store)
+    : store_(std::move(store)),
+      connection_(store_->connect()),
+      turn_(store_->makeTurn()),
+      readNewest_(*connection_, "SELECT newestSequence, newestObjectID, newestMoment FROM habitra_meta"),
+      writeNewest_(*connection_, "UPDATE habitra_meta SET newestSequence=?, newestObjectID=?, newestMoment=?") {}
+
+StoreUnit::~StoreUnit() { rollback(); }
+
+bool StoreUnit::beginView() {
+  if (state_ != State::idle) return false;
+  if (store_->isInMemory()) return readNewest();  // a view would keep writers from committing
+  connection_->execute("BEGIN");
+  state_ = State::viewing;
+  return readNewest();
+}
+
+void StoreUnit::endView() noexcept {
+  if (state_ != State::viewing) return;
+  connection_->rollback();
+  state_ = State::idle;
+}
+
+bool StoreUnit::begin() {
+  qz::require(state_ != State::writing, "a unit is begun within a unit");
+  if (store_->isReadOnly())
+    throw StoreError(StoreError::Kind::readOnly,
+                     fmt::format("{} can be read but not written", store_->file().string()));
+  endView();
+  turn_->take();
+  try {
+    connection_->execute("BEGIN IMMEDIATE");
+    state_ = State::writing;
+    const bool hasMoved = readNewest();
+    newestGiven_ = newest_.object;
+    return hasMoved;
+  } catch (...) {
+    rollback();
+    throw;
+  }
+}
+
+void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
+  try {
+    if (transaction) writeNewest(*transaction);
+    connection_->execute("COMMIT");
+  } catch (...) {
+    rollback();
+    throw;
+  }
+  state_ = State::idle;
+  if (transaction) newest_ = {transaction->sequence, newestGiven_, transaction->moment};
+  if (connection_->pagesInLog() > longLogPages && !connection_->checkpoint())
+    qz::log::warning("Could not shorten the write-ahead log of {}", store_->file().string());
+  turn_->release();
+}
+
+void StoreUnit::rollback() noexcept {
+  connection_->rollback();
+  state_ = State::idle;
+  turn_->release();
+}
+
+bool StoreUnit::readNewest() {
+  auto statement = readNewest_.use();
+  if (!statement->step())
+    throw StoreError(StoreError::Kind::damaged,
+                     fmt::format("{} is damaged: a row of its own is missing", store_->file().string()));
+  const Newest newest{statement->integer(0), ObjectID{statement->integer(1)},
+                      statement->isNull(2)
+                          ? std::nullopt
+                          : std::optional(qz::Moment(std::chrono::microseconds(statement->integer(2))))};
+  const bool hasMoved = hasSeenStore_ && newest.sequence != newest_.sequence;
+  hasSeenStore_ = true;
+  newest_ = newest;
+  return hasMoved;
+}
+
+void StoreUnit::writeNewest(const StoredTransaction& transaction) {
+  auto statement = writeNewest_.use();
+  statement->bind(1, transaction.sequence);
+  statement->bind(2, rawValue(newestGiven_));
+  statement->bind(3, std::int64_t{transaction.moment.time_since_epoch().count()});
+  statement->step();
+}
+
+std::string StoreUnit::storeIdentifier() {
+  Statement statement(*connection_, "SELECT storeIdentifier FROM habitra_meta");
+  return statement.step() ? std::string(statement.text(0)) : std::string();
+}
+
+ObjectID StoreUnit::nextObjectID() {
+  qz::require(isWriting(), "a row is numbered outside a unit");
+  newestGiven_ = store_->nextObjectID(newestGiven_);
+  return newestGiven_;
+}
+
+}  // namespace habitra
