@@ -2,6 +2,7 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraBackup/ImportReport.h>
+#include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Clock.h>
@@ -17,6 +18,8 @@
 #include <vector>
 
 namespace habitra {
+
+struct HabitraJSONBackup;
 
 /// What an application works on and with.
 struct ApplicationSettings {
@@ -108,6 +111,12 @@ class Application {
 
  private:
   class Rooms;
+
+  /// Records one entry of this type for the current period of each habit that does not have it yet.
+  std::vector<Marked> mark(std::string_view verb, TaskLogEntryType type, const std::vector<std::string>& names);
+
+  ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name);
+
   std::unique_ptr<Rooms> rooms_;
 };
 

@@ -1,0 +1,57 @@
+#include <HabitraApp/Rooms.h>
+
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+#include <exception>
+#include <tuple>
+#include <utility>
+
+namespace habitra {
+
+Application::Application(ApplicationSettings settings) : rooms_(std::make_unique<Rooms>(settings)) {}
+
+Application::~Application() = default;
+
+qz::YYYYMMDD Application::today() const { return rooms_->calendars.ofDevice().day(rooms_->now()); }
+
+std::vector<HabitSummary> Application::list() {
+  const auto context = rooms_->manager.contextForReading();
+  if (!context) return {};
+  struct Place {
+    std::int64_t page;
+    std::int16_t displayOrder;
+    std::size_t creation;
+    auto operator<=>(const Place&) const = default;
+  };
+  std::vector<std::pair<Place, HabitSummary>> placed;
+  for (const TaskEntity* task : TaskProcessor::activeTasks(*context)) {
+    HabitSummary habit = rooms_->summarize(*context, *task);
+    placed.emplace_back(Place{habit.page, task->displayOrder, placed.size()}, std::move(habit));
+  }
+  std::sort(placed.begin(), placed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<HabitSummary> habits;
+  habits.reserve(placed.size());
+  for (auto& [place, habit] : placed) habits.push_back(std::move(habit));
+  return habits;
+}
+
+ProcessReport Application::process() {
+  const auto context = rooms_->manager.contextForReading();
+  if (!context) return {};
+  const TaskProcessor::Report report = rooms_->processor.processAllTasks(*context, rooms_->now());
+  return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
+}
+
+void Application::processIfDue() noexcept {
+  try {
+    const auto context = rooms_->manager.contextForReading();
+    if (context && !context->store().isReadOnly() && rooms_->processor.isDue(*context, rooms_->now()))
+      rooms_->processor.processAllTasks(*context, rooms_->now());
+  } catch (const std::exception& error) {
+    qz::log::warning("The pass after the answer could not be made: {}", error.what());
+  }
+}
+
+}  // namespace habitra

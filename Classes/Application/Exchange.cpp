@@ -1,0 +1,59 @@
+#include <HabitraApp/Rooms.h>
+
+#include <HabitraBackup/HabitraBackup.h>
+#include <HabitraBackup/TaskDataExporter.h>
+#include <HabitraBackup/TaskDataImporter.h>
+#include <QZDateTime/DayOfWeek.h>
+
+#include <fmt/format.h>
+#include <ostream>
+
+namespace habitra {
+
+ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name) {
+  const auto context = rooms_->manager.context();
+  TaskDataImporter importer(
+      *context,
+      {.calendars = rooms_->calendars, .firstDayOfWeek = qz::DayOfWeek::defaultFirst(), .now = rooms_->now()});
+  ImportOutcome outcome;
+  outcome.report = importer.importBackup(document, ImportStrategy::merge,
+                                         {.author = Author::app, .command = fmt::format("import '{}'", name)});
+  outcome.processed = process();
+  return outcome;
+}
+
+ImportOutcome Application::importHistory(std::istream& stream, std::string_view name) {
+  return importDocument(HabitraBackup::loadCsv(stream, name, rooms_->now()), name);
+}
+
+ImportOutcome Application::importHistory(const std::filesystem::path& file) {
+  return importDocument(HabitraBackup::loadCsv(file, rooms_->now()), file.filename().string());
+}
+
+ExportOutcome Application::exportHistory(std::ostream& stream) {
+  const ByteSink sink = [&stream](std::string_view bytes) {
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!stream) throw qz::Error("the output cannot be written");
+  };
+  const auto context = rooms_->manager.contextForReading();
+  if (!context) {
+    sink(HabitraJSONBackup{}.csvString());
+    return {};
+  }
+  const TaskDataExporter exporter(*context);
+  const std::vector<ObjectID> tasks = exporter.allTasks();
+  return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, sink)};
+}
+
+ExportOutcome Application::exportHistory(const std::filesystem::path& file) {
+  const auto context = rooms_->manager.contextForReading();
+  if (!context) {
+    HabitraJSONBackup{}.write(file, HabitraBackupFormat::csv);
+    return {};
+  }
+  const TaskDataExporter exporter(*context);
+  const std::vector<ObjectID> tasks = exporter.allTasks();
+  return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, file)};
+}
+
+}  // namespace habitra

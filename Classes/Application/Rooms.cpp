@@ -1,0 +1,81 @@
+#include <HabitraApp/Rooms.h>
+
+#include <HabitraApp/TaskLookup.h>
+#include <HabitraBackup/StoredPages.h>
+#include <HabitraModel/Tasks/TaskAssessment.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+
+#include <exception>
+
+namespace habitra {
+namespace {
+
+qz::UniqueID identifierOf(const TaskEntity& task) {
+  // A row that came without one gets it at the next pass; until then it bears the nil identifier.
+  const auto id = task.uniqueId ? qz::UniqueID::fromText(*task.uniqueId) : std::nullopt;
+  return id.value_or(qz::UniqueID(qz::UniqueID::Bytes{}));
+}
+
+}  // namespace
+
+Application::Rooms::Rooms(const ApplicationSettings& settings)
+    : manager(DataManager::storeLocation(settings.home), settings.clock),
+      calendars(settings.timeZone, qz::HHMMSS::midnight),
+      recorder(calendars, mainQueue),
+      processor(calendars, recorder) {}
+
+HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEntity& task) {
+  const TaskAssessment assessment = assess(context, task, calendars, now());
+  HabitSummary habit{.uniqueId = identifierOf(task),
+                     .title = task.title.value_or(""),
+                     .page = pageOf(task, context).rawValue(),
+                     .isNegative = task.isNegative,
+                     .frequency = frequencyOf(task)};
+  if (!assessment.history) return habit;
+  const TaskFigures& figures = assessment.history->figures;
+  habit.period = figures.period;
+  habit.status = figures.completionStatus;
+  habit.due = figures.isDueToday;
+  habit.streak = figures.streak;
+  habit.lastCompleted = figures.lastCompleted;
+  habit.lastMissed = figures.lastMissed;
+  habit.lastSkipped = figures.lastSkipped;
+  return habit;
+}
+
+TaskEntity& Application::Rooms::lookUp(StoreContext& context, std::string_view name) {
+  const std::vector<TaskEntity*> tasks = TaskProcessor::activeTasks(context);
+  std::vector<TaskName> names;
+  names.reserve(tasks.size());
+  for (const TaskEntity* task : tasks) names.push_back({identifierOf(*task), task->title.value_or("")});
+  return *tasks[lookUpTask(names, name)];
+}
+
+void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLogEntryType type,
+                                const DatedPeriod& period, qz::Moment startDate) {
+  const qz::Moment moment = now();
+  const double share = isCompletedFull(type) ? 1.0 : 0.0;
+  TaskLogRecorder::Request request{.managedObjectContext = context,
+                                   .context = TaskModifyContext::userInitiatedFromMainApp,
+                                   .saveContext = false,
+                                   .logEntries = {{.uniqueId = qz::UniqueID::generate(moment),
+                                                   .type = type,
+                                                   .period = period,
+                                                   .startDate = startDate,
+                                                   .endDate = startDate,
+                                                   .progressPct = share}},
+                                   .createdTimestamp = moment,
+                                   .createdTimeZone = calendars.of(task).timeZone};
+  std::exception_ptr failure;
+  recorder.record(task, request, [&failure](std::exception_ptr error) { failure = std::move(error); });
+  mainQueue.drain();
+  if (failure) std::rethrow_exception(failure);
+}
+
+DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day) {
+  if (const auto rules = rulesOf(task))
+    return rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate);
+  return DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
+}
+
+}  // namespace habitra

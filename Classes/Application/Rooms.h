@@ -1,0 +1,43 @@
+#pragma once
+
+#include <HabitraApp/Application.h>
+#include <HabitraModel/DataManager.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskProcessor.h>
+#include <QZKit/MainQueue.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace habitra {
+
+/// What an application keeps for its whole life: the rooms below it, wired together once.
+class Application::Rooms {
+ public:
+  explicit Rooms(const ApplicationSettings& settings);
+
+  [[nodiscard]] qz::Moment now() const { return manager.clock().now(); }
+
+  /// A habit as it stands now, worked out in memory.
+  [[nodiscard]] HabitSummary summarize(StoreContext& context, const TaskEntity& task);
+
+  /// The active habit that `name` means. Throws TaskNameError.
+  [[nodiscard]] TaskEntity& lookUp(StoreContext& context, std::string_view name);
+
+  /// Hands one entry of a person to the recorder, unsaved, and waits for its completion. Throws what it failed with.
+  void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
+              qz::Moment startDate);
+
+  DataManager manager;
+  TaskCalendars calendars;
+  qz::MainQueue mainQueue;
+  TaskLogRecorder recorder;
+  TaskProcessor processor;
+};
+
+/// The period of the habit that holds a day: by its frequency, or the day itself where that cannot be read.
+[[nodiscard]] DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day);
+
+}  // namespace habitra

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <HabitraCore/HistoryWalk.h>
+#include <HabitraCore/TaskRules.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <QZDateTime/YYYYMMDD.h>
+#include <QZKit/Clock.h>
+
+#include <optional>
+#include <vector>
+
+namespace habitra {
+
+/// How a task stands at a moment, worked out from its log without writing anything: what a pass would store, and what a
+/// list shows.
+struct TaskAssessment {
+  TaskCalendar calendar;
+  qz::YYYYMMDD today;  ///< the task's, at the moment asked about
+  /// Entries dated after today that were not recorded in time (by somebody who since flew west). They count for
+  /// nothing.
+  std::vector<LogKey> futureEntries;
+  /// None when the frequency cannot be read, or is one that the walk does not judge: the task is shown and left alone.
+  std::optional<TaskRules> rules;
+  std::optional<HistoryResult> history;  ///< present when `rules` are
+  /// Whether the walk could not start from a kept checkpoint, or only from one that lies far back, so that keeping the
+  /// one in `history` is worth a write.
+  bool checkpointIsStale = false;
+};
+
+/// Reads the task's log, from the last checkpoint on where that still holds, and walks it as of `now`.
+[[nodiscard]] TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
+                                    qz::Moment now);
+
+/// The row of a checkpoint, for StoreContext::setCheckpoint.
+[[nodiscard]] Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint);
+
+}  // namespace habitra

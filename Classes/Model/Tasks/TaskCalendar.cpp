@@ -1,0 +1,26 @@
+#include <HabitraModel/Store/Entities/TaskEntity.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <QZLog/Log.h>
+
+#include <utility>
+
+namespace habitra {
+
+TaskCalendars::TaskCalendars(qz::TimeZone deviceTimeZone, qz::HHMMSS startOfDay)
+    : device_{startOfDay, std::move(deviceTimeZone)} {}
+
+TaskCalendar TaskCalendars::of(const TaskEntity& task) const {
+  constexpr std::int32_t secondsPerDay = 86'400;
+  TaskCalendar calendar = device_;
+  if (task.startOfDayValue > 0)
+    calendar.startOfDay = qz::HHMMSS::fromRawValue(task.startOfDayValue % secondsPerDay).value();
+  if (task.currentTimeZoneOverride) {
+    if (auto zone = qz::TimeZone::fromIdentifier(*task.currentTimeZoneOverride))
+      calendar.timeZone = *std::move(zone);
+    else
+      qz::log::warning("Unknown time zone {}, using {}", *task.currentTimeZoneOverride, device_.timeZone.identifier());
+  }
+  return calendar;
+}
+
+}  // namespace habitra

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QZDateTime/HHMMSS.h>
+#include <QZDateTime/TimeZone.h>
+#include <QZDateTime/YYYYMMDD.h>
+#include <QZKit/Clock.h>
+
+namespace habitra {
+
+struct TaskEntity;
+
+/// When the days of one task begin: its zone and its start of day.
+struct TaskCalendar {
+  qz::HHMMSS startOfDay;
+  qz::TimeZone timeZone;
+
+  /// The day that a moment belongs to.
+  [[nodiscard]] qz::YYYYMMDD day(qz::Moment moment) const { return {startOfDay, moment, timeZone}; }
+  /// The first moment of a day.
+  [[nodiscard]] qz::Moment beginning(qz::YYYYMMDD day) const { return day.beginning(startOfDay, timeZone); }
+};
+
+/// Tells the calendar of each task. A value; safe from any thread.
+class TaskCalendars {
+ public:
+  /// `deviceTimeZone` and `startOfDay` (the app-wide one) count where a task says nothing of its own.
+  TaskCalendars(qz::TimeZone deviceTimeZone, qz::HHMMSS startOfDay);
+
+  /// A task's `startOfDayValue` above zero counts modulo a day; its `currentTimeZoneOverride` counts when it names a
+  /// zone (an unknown one is logged).
+  [[nodiscard]] TaskCalendar of(const TaskEntity& task) const;
+
+  [[nodiscard]] const TaskCalendar& ofDevice() const { return device_; }
+
+ private:
+  TaskCalendar device_;
+};
+
+}  // namespace habitra

@@ -1,0 +1,137 @@
+#include <HabitraCore/RawValue.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskTemporalData.h>
+#include <QZDateTime/ISO8601.h>
+#include <QZLog/Log.h>
+
+#include <fmt/format.h>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+std::string message(TaskLogRecorder::Error::Reason reason) {
+  switch (reason) {
+    case TaskLogRecorder::Error::Reason::noLogEntryData: return "No log entry data";
+    case TaskLogRecorder::Error::Reason::invalidTask: return "Invalid task";
+  }
+  return {};
+}
+
+std::string description(const TaskFrequencyPeriod& period) {
+  return fmt::format("{} to {}", period.startDate.debugDescription(), period.finishDate.debugDescription());
+}
+
+/// Whether a row of the log counts for the period: it is the one stored with the row, or the row has none and its day
+/// lies in it.
+bool countsFor(const TaskLogEntryEntity& row, const TaskFrequencyPeriod& period) {
+  const auto from = dayFromStored(row.entryPeriodFrom);
+  const auto to = dayFromStored(row.entryPeriodTo);
+  return !from || !to || (*from == period.startDate && *to == period.finishDate);
+}
+
+/// Deletes the rows of the period that an entry of `type` takes the place of, but for `kept`.
+void removeSuperseded(StoreContext& context, const TaskEntity& task, const TaskFrequencyPeriod& period,
+                      TaskLogEntryType type, ObjectID kept) {
+  for (const TaskLogEntryEntity& row :
+       context.fetchLogEntries(task.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
+    const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (existing && row.objectID != kept && countsFor(row, period) && supersedes(type, *existing))
+      context.removeLogEntry(row.key());
+  }
+}
+
+/// A change by a person for a day that was processed already lets the next pass begin before that day again.
+void moveLastProcessedDateBack(TaskEntity& task, TaskLogEntryType type, qz::YYYYMMDD day,
+                               const TaskCalendar& calendar) {
+  if (isAutomatic(type) || !task.lastProcessedDate || calendar.day(*task.lastProcessedDate) <= day) return;
+  task.lastProcessedDate = calendar.beginning(day.previousDay());
+}
+
+}  // namespace
+
+std::string TaskLogRecorder::LogEntryData::debugDescription() const {
+  return fmt::format("<LogEntryData unique={}, period={}, startDate={}, endDate={}>", uniqueId.text(),
+                     description(period.period), qz::iso8601(startDate), qz::iso8601(endDate));
+}
+
+std::string TaskLogRecorder::Request::debugDescription() const {
+  std::string entries;
+  for (const LogEntryData& entry : logEntries) entries += (entries.empty() ? "" : ", ") + entry.debugDescription();
+  return fmt::format("<Request context={}, logEntries=[{}]>", caseName(context), entries);
+}
+
+TaskLogRecorder::Error::Error(Reason reason) : qz::Error(message(reason)), reason_(reason) {}
+
+TaskLogRecorder::RecordTaskError::RecordTaskError() : qz::Error("Task not found") {}
+
+TaskLogRecorder::TaskLogRecorder(const TaskCalendars& calendars, qz::MainQueue& mainQueue)
+    : calendars_(calendars), mainQueue_(mainQueue) {}
+
+void TaskLogRecorder::record(TaskEntity& task, const Request& request, Completion completion) {
+  try {
+    _record(task, request);
+    complete(std::move(completion), nullptr);
+  } catch (const qz::Error& error) {
+    qz::log::error("Unable to record: {}", error.what());
+    complete(std::move(completion), std::current_exception());
+  }
+}
+
+void TaskLogRecorder::record(const qz::UniqueID& taskId, const Request& request, Completion completion) {
+  try {
+    auto* task = request.managedObjectContext.find<TaskEntity>("uniqueId", taskId.text());
+    if (task == nullptr) throw RecordTaskError();
+    record(*task, request, std::move(completion));
+  } catch (const qz::Error&) {
+    complete(std::move(completion), std::current_exception());
+  }
+}
+
+void TaskLogRecorder::_record(TaskEntity& task, const Request& request) {
+  if (request.logEntries.empty()) throw Error(Error::Reason::noLogEntryData);
+  if (task.objectID == ObjectID::none || !isActive(task)) throw Error(Error::Reason::invalidTask);
+
+  StoreContext& context = request.managedObjectContext;
+  context.beginUnit();
+  const TaskCalendar calendar = calendars_.of(task);
+  TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(context, task);
+
+  for (const LogEntryData& entry : request.logEntries) {
+    const qz::YYYYMMDD day = calendar.day(entry.startDate);
+    const auto existing = context.findLogEntry(entry.uniqueId.text());
+    if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
+    removeSuperseded(context, task, entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+
+    TaskLogEntryEntity row = existing.value_or(TaskLogEntryEntity{});
+    row.uniqueId = entry.uniqueId.text();
+    if (!existing || entry.createdTimestamp)
+      row.createdTimestamp = entry.createdTimestamp.value_or(request.createdTimestamp);
+    if (!existing) row.createdTimeZone = request.createdTimeZone.identifier();
+    row.entryDate = storedDay(day);
+    row.task = task.objectID;
+    row.progressTotal = entry.progressValue.value_or(0.0);
+    row.progress = entry.progressPct.value_or(0.0);
+    row.entryPeriodFrom = storedDay(entry.period.period.startDate);
+    row.entryPeriodTo = storedDay(entry.period.period.finishDate);
+    row.entryPeriodType = rawValue(entry.period.period.periodType);
+    row.entryType = rawValue(entry.type);
+    if (existing)
+      context.updateLogEntry(existing->key(), row);
+    else
+      context.insertLogEntry(row);
+
+    moveLastProcessedDateBack(task, entry.type, day, calendar);
+    temporalData.progress = row.progress;
+    temporalData.progressDate = row.entryDate;
+  }
+  if (request.saveContext && context.hasChanges()) context.save({.author = Author::app});
+}
+
+void TaskLogRecorder::complete(Completion completion, std::exception_ptr error) {
+  mainQueue_.async([completion = std::move(completion), error = std::move(error)] { completion(error); });
+}
+
+}  // namespace habitra

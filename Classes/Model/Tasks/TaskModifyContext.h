@@ -1,0 +1,35 @@
+#pragma once
+
+#include <HabitraCore/RawValue.h>
+
+#include <array>
+#include <cstdint>
+
+namespace habitra {
+
+/// Who asked for a change to a task's log. The position is its stored value.
+enum class TaskModifyContext : std::int16_t {
+  userInitiatedFromMainApp = 0,
+  userInitiatedFromAppleWatchApp = 1,
+  userInitiatedFromNotification = 2,
+  userInitiatedFromDeepLink = 3,
+  userInitiatedPopulateInitialStreak = 4,
+  userInitiatedFromShortcut = 5,
+  systemInitiatedFromDeviceActivityExtension = 6,  ///< also the context of what processing records by itself
+};
+
+template <>
+struct RawValueTable<TaskModifyContext> {
+  using T = TaskModifyContext;
+  static constexpr std::array<RawValueRow<T, std::int16_t>, 7> rows{{
+      {T::userInitiatedFromMainApp, 0, "userInitiatedFromMainApp"},
+      {T::userInitiatedFromAppleWatchApp, 1, "userInitiatedFromAppleWatchApp"},
+      {T::userInitiatedFromNotification, 2, "userInitiatedFromNotification"},
+      {T::userInitiatedFromDeepLink, 3, "userInitiatedFromDeepLink"},
+      {T::userInitiatedPopulateInitialStreak, 4, "userInitiatedPopulateInitialStreak"},
+      {T::userInitiatedFromShortcut, 5, "userInitiatedFromShortcut"},
+      {T::systemInitiatedFromDeviceActivityExtension, 6, "systemInitiatedFromDeviceActivityExtension"},
+  }};
+};
+
+}  // namespace habitra

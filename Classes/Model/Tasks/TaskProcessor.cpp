@@ -1,0 +1,55 @@
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskProcessor.h>
+#include <QZDateTime/ISO8601.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace habitra {
+
+TaskProcessor::TaskProcessor(const TaskCalendars& calendars, TaskLogRecorder& recorder)
+    : calendars_(calendars), recorder_(recorder) {}
+
+auto TaskProcessor::processAllTasks(StoreContext& context, qz::Moment now) -> Report {
+  Report report;
+  if (!clockCanBeRight(context, now)) return report;
+  qz::log::info("Processing tasks");
+  for (TaskEntity* task : activeTasks(context)) {
+    const auto result = TaskProcessorSingleTaskOperation(context, *task, calendars_, recorder_, now).run();
+    ++report.tasks;
+    if (result.taskWasUpdated) ++report.changed;
+    report.filledIn += result.filledIn;
+    report.removed += result.removed;
+  }
+  return report;
+}
+
+void TaskProcessor::process(StoreContext& context, TaskEntity& task, qz::Moment now) {
+  if (clockCanBeRight(context, now))
+    TaskProcessorSingleTaskOperation(context, task, calendars_, recorder_, now).runInUnit();
+}
+
+bool TaskProcessor::isDue(StoreContext& context, qz::Moment now) const {
+  const auto tasks = activeTasks(context);
+  return std::any_of(tasks.begin(), tasks.end(), [&](const TaskEntity* task) {
+    const TaskCalendar calendar = calendars_.of(*task);
+    return !task->lastProcessedDate || calendar.day(*task->lastProcessedDate) != calendar.day(now);
+  });
+}
+
+std::vector<TaskEntity*> TaskProcessor::activeTasks(StoreContext& context) {
+  auto tasks = context.fetchAll<TaskEntity>();
+  std::erase_if(tasks, [](const TaskEntity* task) { return !isActive(*task); });
+  return tasks;
+}
+
+bool TaskProcessor::clockCanBeRight(StoreContext& context, qz::Moment now) {
+  const auto newest = context.newestTransactionMoment();
+  if (!newest || now >= *newest - std::chrono::days(1)) return true;
+  qz::log::warning("The clock says {}, but the store was last written at {}; nothing is filled in", qz::iso8601(now),
+                   qz::iso8601(*newest));
+  return false;
+}
+
+}  // namespace habitra

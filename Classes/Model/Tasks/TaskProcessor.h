@@ -1,0 +1,54 @@
+#pragma once
+
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
+#include <QZKit/Clock.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace habitra {
+
+/// Keeps the derived state of every task current as days pass: fills in skips and misses and stores streaks, last days
+/// and recent success. The rules themselves belong to HabitraCore.
+///
+/// Works on the queue of the context that it is given.
+class TaskProcessor {
+ public:
+  /// What a pass did.
+  struct Report {
+    std::size_t tasks = 0;     ///< active tasks looked at
+    std::size_t changed = 0;   ///< of these, the ones that something was written for
+    std::size_t filledIn = 0;  ///< automatic entries added
+    std::size_t removed = 0;   ///< entries of the future deleted
+  };
+
+  /// Both must live longer than the processor.
+  TaskProcessor(const TaskCalendars& calendars, TaskLogRecorder& recorder);
+
+  /// A full pass: every active task in a transaction of its own. With a clock that cannot be right nothing is filled in
+  /// or deleted; a warning says so.
+  Report processAllTasks(StoreContext& context, qz::Moment now);
+
+  /// Brings one task up to date inside the caller's unit, which the caller saves. With a clock that cannot be right
+  /// nothing is done.
+  void process(StoreContext& context, TaskEntity& task, qz::Moment now);
+
+  /// Whether a pass would look at a new day: some active task was last processed on another day than its today.
+  [[nodiscard]] bool isDue(StoreContext& context, qz::Moment now) const;
+
+  /// The active tasks, in order of creation.
+  [[nodiscard]] static std::vector<TaskEntity*> activeTasks(StoreContext& context);
+
+ private:
+  /// A clock that is more than a day behind the newest transaction is wrong: filling in or deleting by it could cost
+  /// what a person recorded.
+  [[nodiscard]] static bool clockCanBeRight(StoreContext& context, qz::Moment now);
+
+  const TaskCalendars& calendars_;
+  TaskLogRecorder& recorder_;
+};
+
+}  // namespace habitra

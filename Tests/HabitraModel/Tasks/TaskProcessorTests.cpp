@@ -1,0 +1,183 @@
+#include "TaskWorld.h"
+
+namespace habitra {
+namespace {
+
+using Type = TaskLogEntryType;
+using qz::YYYYMMDD;
+constexpr YYYYMMDD firstDay(2024, 1, 31);
+
+class Processor : public TaskWorld {
+ protected:
+  void liveUntil(std::string_view moment) { clock_->set(at(moment)); }
+};
+
+TEST_F(Processor, FillsInTheDaysThatAreOverAndNothingElse) {
+  TaskEntity& task = addTask();
+  process();
+  EXPECT_TRUE(log(task).empty());  // its first day is not over
+  record(task, Type::completedManuallyFull, firstDay);
+  liveUntil("2024-02-03T08:00:00Z");
+  EXPECT_EQ(process().filledIn, 2u);
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240131 completedManuallyFull", "20240201 missedAutomaticallyFull",
+                                                 "20240202 missedAutomaticallyFull"}));
+  EXPECT_EQ(figures(task).activeStreak, 0);
+  EXPECT_EQ(figures(task).bestStreak, 1);
+  EXPECT_EQ(figures(task).lastCompleted, 20240131);
+  EXPECT_EQ(figures(task).lastMissed, 20240202);
+  EXPECT_EQ(figures(task).recentShortTermNumSamples, 3);
+  EXPECT_NEAR(figures(task).recentShortTermPct, 1.0 / 3, 1e-12);
+}
+
+TEST_F(Processor, APassThatFindsNothingNewWritesNothing) {
+  TaskEntity& task = addTask();
+  record(task, Type::completedManuallyFull, firstDay);
+  EXPECT_TRUE(processor_.isDue(*context_, clock_->now()));
+  EXPECT_EQ(process().changed, 1u);
+  EXPECT_FALSE(processor_.isDue(*context_, clock_->now()));
+  const auto sequence = context_->sequence();
+  const auto lastUpdated = figures(task).lastUpdated;
+  clock_->advance(std::chrono::hours(5));
+  EXPECT_EQ(process().changed, 0u);
+  EXPECT_EQ(context_->sequence(), sequence);
+  EXPECT_EQ(figures(task).lastUpdated, lastUpdated);
+}
+
+TEST_F(Processor, ATaskToAvoidIsNotFilledInWhenClean) {
+  TaskEntity& task = addTask();
+  task.isNegative = true;
+  context_->save({});
+  liveUntil("2024-02-04T08:00:00Z");
+  EXPECT_EQ(process().filledIn, 0u);
+  EXPECT_EQ(figures(task).activeStreak, 4);
+  EXPECT_EQ(figures(task).lastCompleted, 20240203);
+}
+
+TEST_F(Processor, AnUndoOfAnOldDayIsFilledInAgain) {
+  TaskEntity& task = addTask();
+  for (int day = 0; day < 4; ++day) {
+    record(task, Type::completedManuallyFull, firstDay.add(day));
+    clock_->advance(std::chrono::hours(24));
+    process();
+  }
+  EXPECT_EQ(figures(task).activeStreak, 4);
+  record(task, Type::unknown, firstDay.add(1));
+  process();
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240131 completedManuallyFull", "20240201 unknown",
+                                                 "20240201 missedAutomaticallyFull", "20240202 completedManuallyFull",
+                                                 "20240203 completedManuallyFull"}));
+  EXPECT_EQ(figures(task).activeStreak, 2);
+  record(task, Type::completedManuallyFull, firstDay.add(1));
+  process();
+  EXPECT_EQ(figures(task).activeStreak, 4);
+}
+
+TEST_F(Processor, EntriesOfTheFutureAreDeletedUnlessTheyWereRecordedInTime) {
+  TaskEntity& task = addTask();
+  auto fromTheEast = entry(task, Type::completedManuallyFull, firstDay.nextDay());
+  auto invented = entry(task, Type::completedManuallyFull, firstDay.add(2));
+  record(task, {fromTheEast, invented});
+  auto row = *context_->findLogEntry(fromTheEast.uniqueId.text());
+  row.createdTimestamp = at("2024-01-31T11:00:00Z");
+  row.createdTimeZone = "Pacific/Kiritimati";  // there it was 1 February already
+  context_->updateLogEntry(row.key(), row);
+  context_->save({});
+  EXPECT_EQ(process().removed, 1u);
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240201 completedManuallyFull"}));
+  EXPECT_EQ(figures(task).activeStreak, 0);
+  liveUntil("2024-02-01T12:00:00Z");
+  process();
+  EXPECT_EQ(figures(task).activeStreak, 1);
+}
+
+TEST_F(Processor, AClockThatCannotBeRightCostsNothing) {
+  TaskEntity& task = addTask();
+  record(task, Type::completedManuallyFull, firstDay);
+  process();
+  const auto sequence = context_->sequence();
+  liveUntil("1970-01-01T00:00:00Z");
+  EXPECT_EQ(process().tasks, 0u);
+  EXPECT_EQ(context_->sequence(), sequence);
+  EXPECT_EQ(log(task).size(), 1u);
+  liveUntil("2024-02-01T12:00:00Z");
+  process();
+  EXPECT_EQ(figures(task).activeStreak, 1);
+}
+
+TEST_F(Processor, DaysFollowTheTasksOwnZoneAndStartOfDay) {
+  TaskEntity& task = addTask();
+  task.startOfDayValue = 90'000;  // a day and an hour: 01:00
+  task.currentTimeZoneOverride = "Asia/Tokyo";
+  EXPECT_EQ(calendars_.of(task).day(at("2024-01-31T15:59:59Z")), YYYYMMDD(2024, 1, 31));
+  EXPECT_EQ(calendars_.of(task).day(at("2024-01-31T16:00:00Z")), YYYYMMDD(2024, 2, 1));
+  task.currentTimeZoneOverride = "Nowhere/Atlantis";
+  EXPECT_EQ(calendars_.of(task).day(at("2024-01-31T00:59:59Z")), YYYYMMDD(2024, 1, 30));
+  task.startOfDayValue = 0;
+  EXPECT_EQ(calendars_.of(task).day(at("2024-01-31T00:00:00Z")), YYYYMMDD(2024, 1, 31));
+}
+
+TEST_F(Processor, AnUnreadableFrequencyIsLeftAloneAndStopsNobody) {
+  TaskEntity& odd = addTask("Odd");
+  odd.daysMode = 99;
+  TaskEntity& plain = addTask("Plain");
+  context_->save({});
+  liveUntil("2024-02-02T08:00:00Z");
+  EXPECT_EQ(process().filledIn, 2u);
+  EXPECT_TRUE(log(odd).empty());
+  EXPECT_EQ(log(plain).size(), 2u);
+}
+
+TEST_F(Processor, RepairsWhatARowCannotDoWithoutAndTakesOverTheDifficulty) {
+  TaskEntity values = newlyMadeTask("Old", qz::DayOfWeek::monday, clock_->now(), "UTC");
+  values.created = std::nullopt;
+  values.statusDate = std::nullopt;
+  values.lastChangedDifficulty = at("2023-05-01T00:00:00Z");
+  values.lastChangedDifficultyStatus = "harder_no";
+  TaskEntity& task = context_->insert(values);
+  context_->save({});
+  process();
+  EXPECT_EQ(task.created, clock_->now());
+  EXPECT_EQ(task.statusDate, clock_->now());
+  EXPECT_EQ(figures(task).lastChangedDifficulty, at("2023-05-01T00:00:00Z"));
+  EXPECT_EQ(figures(task).lastChangedDifficultyStatus, "harder_no");
+}
+
+/// A long life lived day by day, with corrections of recent and of old days, ends as one pass over its log would.
+TEST_F(Processor, CheckpointsNeverChangeAFigure) {
+  TaskEntity& task = addTask();
+  bool resumed = false;
+  for (int day = 0; day < 200; ++day) {
+    const YYYYMMDD today = firstDay.add(day);
+    if (day % 7 != 3) record(task, Type::completedManuallyFull, today);
+    if (day % 31 == 30) record(task, Type::skippedManuallyFull, today.add(-3));
+    if (day % 67 == 66) record(task, Type::unknown, today.add(-60));
+    process();
+    resumed = resumed || context_->checkpoint(task.objectID).has_value();
+
+    const TaskAssessment whole = [&] {
+      TaskAssessment assessment = assess(*context_, task, calendars_, clock_->now());
+      std::vector<LoggedEntry> entries;
+      context_->readLog(task.objectID, StoreContext::firstDay, storedDay(today), [&](const LogRow& row) {
+        entries.push_back({.entryDate = row.entryDate,
+                           .periodFrom = row.entryPeriodFrom,
+                           .periodTo = row.entryPeriodTo,
+                           .entryType = fromRawValue<Type>(row.entryType).value(),
+                           .periodType = TaskFrequencyPeriodType::day});
+      });
+      assessment.history =
+          HistoryWalk(*assessment.rules, {.created = firstDay, .today = today, .fillFrom = today}).walk(entries);
+      return assessment;
+    }();
+    const TaskFigures& expected = whole.history->figures;
+    ASSERT_EQ(figures(task).activeStreak, expected.streak.current) << today.debugDescription();
+    ASSERT_EQ(figures(task).bestStreak, expected.streak.best) << today.debugDescription();
+    ASSERT_EQ(figures(task).lastMissed, storedDay(expected.lastMissed)) << today.debugDescription();
+    ASSERT_EQ(figures(task).lastSkipped, storedDay(expected.lastSkipped)) << today.debugDescription();
+    ASSERT_EQ(figures(task).recentLongTermPct, expected.longTerm.successPct) << today.debugDescription();
+    clock_->advance(std::chrono::hours(24));
+  }
+  EXPECT_TRUE(resumed);
+}
+
+}  // namespace
+}  // namespace habitra
