@@ -204,7 +204,7 @@ void Walker::judge(Judging& judging, std::span<const LoggedEntry> entries) {
 
 template <bool isNegative>
 void Walker::apply(Judging& judging, TaskLogEntryType type, std::int32_t day) {
-  const Status before = judging.status;
+  const Status::Kind before = judging.status.kind();
   const std::int64_t streakBefore = state_.streak.current;
   if constexpr (isNegative) {
     applyToNegative(judging.status, judging.progress, state_.streak, type);
@@ -213,7 +213,7 @@ void Walker::apply(Judging& judging, TaskLogEntryType type, std::int32_t day) {
   } else {
     applyToPositive(judging.status, judging.progress, state_.streak, type);
   }
-  if (judging.status != before) judging.decidedOn = day;
+  if (judging.status.kind() != before) judging.decidedOn = day;
   judging.hasFull |= isFull(type);
   if (isSkipped(type)) {
     judging.hasSkip = true;

@@ -1,21 +1,10 @@
 #include <HabitraCore/StreakStatus.h>
-#include <QZKit/Checked.h>
 
 #include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 
 namespace habitra {
-
-void StreakStatus::increment() {
-  current = qz::checkedAdd(current, std::int64_t{1});
-  best = std::max(best, current);
-}
-
-void StreakStatus::reset() {
-  current = 0;
-  best = std::max(best, std::int64_t{0});
-}
 
 std::optional<StreakStatus::Milestone> StreakStatus::currentMilestone() const {
   static constexpr std::array<std::int64_t, 10> steps{7, 14, 30, 60, 100, 150, 200, 250, 300, 365};

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <compare>
+#include <QZKit/Checked.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
@@ -30,9 +32,15 @@ struct StreakStatus {
   std::int64_t best = 0;
 
   /// One more. Stops the program on overflow.
-  void increment();
+  constexpr void increment() {
+    current = qz::checkedAdd(current, std::int64_t{1});
+    best = std::max(best, current);
+  }
   /// Back to 0; the best stays, and is never below 0.
-  void reset();
+  constexpr void reset() {
+    current = 0;
+    best = std::max(best, std::int64_t{0});
+  }
 
   [[nodiscard]] constexpr bool isBest() const { return current >= best; }
   [[nodiscard]] constexpr bool nearlyBest() const { return best > INT64_MIN && current == best - 1; }
