@@ -88,7 +88,7 @@ TEST(TaskDataImporterTests, ANewTaskIsANewlyMadeOneOnItsPage) {
   EXPECT_EQ(page->displayOrder, 1);
   EXPECT_EQ(page->title, "Page 2");
   EXPECT_EQ(home.task("C").userProfile, a.userProfile);
-  EXPECT_EQ(home.task("C").displayOrder, a.displayOrder + 1);
+  EXPECT_EQ(a.displayOrder, home.task("C").displayOrder + 1) << "tasks with an identifier come after those without";
   EXPECT_EQ(home.task("B").userProfile, ObjectID::none);
 
   const auto entries = home.context.fetchLogEntries(a.objectID);
@@ -200,7 +200,7 @@ TEST(TaskDataImporterTests, AFullEntryReplacesAutomaticOnesOfItsPeriodAndNothing
                                   std::string(",W,,completed_auto_partial,20240528,,,,\n"));  // stays: the file has it
   EXPECT_EQ(report.entries(), (ImportReport::Entries{.added = 1, .removed = 1, .left = 1}));
   EXPECT_EQ(home.log("W"),
-            (Log{"20240526 5", "20240528 3", "20240528 10", "20240528 12", "20240529 6", "20240530 1", "20240603 4"}));
+            (Log{"20240526 5", "20240528 10", "20240528 12", "20240528 3", "20240529 6", "20240530 1", "20240603 4"}));
   const auto week = home.context.fetchLogEntries(home.task("W").objectID, 20240530, 20240530).at(0);
   EXPECT_EQ(week.entryPeriodFrom, 20240527) << "the period of the task's frequency";
   EXPECT_EQ(week.entryPeriodTo, 20240602);
