@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -91,11 +92,13 @@ std::filesystem::path Program::write(const std::string& name, const std::string&
   return folder_ / name;
 }
 
-std::map<std::string, std::string> Program::homeContents() const {
-  std::map<std::string, std::string> contents;
+std::map<std::string, std::pair<std::size_t, std::size_t>> Program::homeContents() const {
+  std::map<std::string, std::pair<std::size_t, std::size_t>> contents;
   if (!std::filesystem::exists(home_)) return contents;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(home_)) {
-    if (entry.is_regular_file()) contents.emplace(entry.path().filename(), bytesOf(entry.path()));
+    if (!entry.is_regular_file() || entry.path().string().ends_with("-shm")) continue;
+    const std::string bytes = bytesOf(entry.path());
+    contents.emplace(entry.path().filename(), std::pair(bytes.size(), std::hash<std::string>()(bytes)));
   }
   return contents;
 }

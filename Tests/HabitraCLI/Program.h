@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What a run of the program came to.
@@ -36,8 +37,9 @@ class Program : public testing::Test {
   Outcome runBare(const std::vector<std::string>& words);
 
   [[nodiscard]] std::filesystem::path write(const std::string& name, const std::string& text) const;
-  /// Every file below the home with its bytes.
-  [[nodiscard]] std::map<std::string, std::string> homeContents() const;
+  /// Every file below the home with its size and a hash of its bytes. The index that the engine keeps beside its log is
+  /// left out: readers write to it, and it holds nothing.
+  [[nodiscard]] std::map<std::string, std::pair<std::size_t, std::size_t>> homeContents() const;
 
   TemporaryFolder folder_;
   std::filesystem::path home_ = folder_ / "home";

@@ -97,7 +97,7 @@ TEST_F(VerbTests, today) {
       "Wed 2024-01-31: 0 of 3 done, 1 skipped\n"
       "\n"
       "Page 1\n"
-      "[ ] Say \"hello\"       streak 0  best 1\n"
+      "[ ] Say \"hello\"        streak 0  best 1\n"
       "\n"
       "Page 2\n"
       "[ ] Walk, 8,000 steps  streak 3  best 3\n"
@@ -108,7 +108,7 @@ TEST_F(VerbTests, today) {
   ASSERT_EQ(run({"done", "Walk"}).exitCode, 0);
   EXPECT_EQ(run({}), says("Wed 2024-01-31: 1 of 3 done, 1 skipped\n"
                           "\n"
-                          "[ ] Say \"hello\"       streak 0  best 1\n"
+                          "[ ] Say \"hello\"        streak 0  best 1\n"
                           "\n"
                           "[x] Walk, 8,000 steps  streak 4  best 4\n"
                           "\n"
@@ -121,7 +121,7 @@ TEST_F(VerbTests, today) {
 TEST_F(VerbTests, list) {
   ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
   EXPECT_EQ(run({"list"}), says("Page 1\n"
-                                "[ ] Say \"hello\"       streak 0  best 1  last done 2024-01-29\n"
+                                "[ ] Say \"hello\"        streak 0  best 1  last done 2024-01-29\n"
                                 "\n"
                                 "Page 2\n"
                                 "[ ] Walk, 8,000 steps  streak 3  best 3  last done 2024-01-30\n"));
