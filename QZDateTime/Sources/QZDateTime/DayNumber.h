@@ -70,7 +70,8 @@ inline constexpr std::int64_t dayShift = yearShift / 400 * daysPerEra + 719'468;
   // Years begin in March, so that the leap day is the last; the months' starts then lie on a straight line
   // (979 m - 2919) / 32. Method: Neri and Schneider, "Euclidean affine functions and their application to calendar
   // algorithms", 2022.
-  const auto early = static_cast<std::uint64_t>(m <= 2 ? 1 : 0);
+  // A sign bit stands for m <= 2: a branch would be mispredicted on days in no order.
+  const std::uint64_t early = static_cast<std::uint64_t>(m - 3) >> 63;
   const std::uint64_t year = static_cast<std::uint64_t>(y + detail::yearShift) - early;
   const std::uint64_t month = static_cast<std::uint64_t>(m) + 12 * early;
   const std::uint64_t century = year / 100;
@@ -86,7 +87,8 @@ inline constexpr std::int64_t dayShift = yearShift / 400 * daysPerEra + 719'468;
   const std::uint64_t product = 2'939'745 * (quarters % 146'097 | 3);
   const std::uint64_t dayOfYear = (product & 0xffff'ffff) / 2'939'745 / 4;  // since 1 March
   const std::uint64_t line = 2141 * dayOfYear + 197'913;
-  const std::uint64_t late = dayOfYear >= 306 ? 1 : 0;  // January and February belong to the next year
+  // January and February, from the 306th day on, belong to the next year; 718 lifts 306 to 1024.
+  const std::uint64_t late = (dayOfYear + 718) >> 10;
   return {static_cast<std::int64_t>(100 * century + (product >> 32) + late) - detail::yearShift,
           static_cast<std::int64_t>((line >> 16) - 12 * late), static_cast<std::int64_t>((line & 0xffff) / 2141 + 1)};
 }

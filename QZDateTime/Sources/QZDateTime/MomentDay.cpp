@@ -20,40 +20,42 @@ std::int64_t shiftOf(const HHMMSS& startOfDay) {
   return startOfDay > HHMMSS::midday ? seconds - HHMMSS::secondsPerDay : seconds;
 }
 
-/// Mixes what tells apart keys of different zones and starts of day into the hash of a moment or a day.
-std::size_t slotHash(const TimeZone& timeZone, std::int64_t seconds, std::int64_t value) {
-  return static_cast<std::size_t>(value) + (std::hash<TimeZone>()(timeZone) >> 4) * 0x9e37'79b1 +
-         static_cast<std::size_t>(seconds) * 0x85eb'ca6b;
+std::size_t slotHash(const TimeZone& timeZone, std::int64_t value) {
+  return static_cast<std::size_t>(value) + (std::hash<TimeZone>()(timeZone) >> 4) * 0x9e37'79b1;
 }
 
-/// The span between two changes of the zone's clocks that holds a moment.
-const QZDateTimeCache::OffsetEntry& offsetEntry(const TimeZone& timeZone, Moment date) {
-  auto& cache = QZDateTimeCache::shared().zoneOffsetCache;
-  // One slot for 2^43 microseconds, about 100 days: clocks change about twice a year.
-  const std::size_t hash = slotHash(timeZone, 0, date.time_since_epoch().count() >> 43);
-  const auto* entry = cache.find(hash);
-  if (entry != nullptr && entry->timeZone == timeZone && entry->from <= date && date < entry->until) return *entry;
-  return cache.store(hash, ZoneRules::of(timeZone).offsetSpan(timeZone, date));
+/// How far around a moment an entry reaches at most, so that no sum of its moments leaves their range.
+constexpr std::chrono::days longestReach(36'525);
+
+bool hasRoomAround(Moment date) {
+  return date > Moment::min() + 2 * longestReach && date < Moment::max() - 2 * longestReach;
 }
 
-/// The day of a moment with all moments around it that share it until clocks or the day change.
-QZDateTimeCache::FromDateEntry dayWithSpan(const HHMMSS& startOfDay, Moment date, const TimeZone& timeZone) {
-  const QZDateTimeCache::OffsetEntry& clocks = offsetEntry(timeZone, date);
-  const std::int64_t shift = (clocks.offset - shiftOf(startOfDay)) * microsecondsPerSecond;
-  const std::int64_t number =
-      day_number::floorDivide(checkedAdd(date.time_since_epoch().count(), shift), microsecondsPerDay);
-  const Moment begins(std::chrono::microseconds(checkedSubtract(checkedMultiply(number, microsecondsPerDay), shift)));
-  const Moment ends = begins + std::chrono::microseconds(microsecondsPerDay);
+QZDateTimeCache::FromDateEntry entryAround(Moment date, const TimeZone& timeZone) {
+  const ZoneRules::Span span = ZoneRules::of(timeZone).span(date);
+  const std::int64_t shift = span.offset * microsecondsPerSecond;
+  const std::int64_t number = day_number::floorDivide(date.time_since_epoch().count() + shift, microsecondsPerDay);
   return {timeZone,
-          startOfDay.intValue(),
-          std::max(begins, clocks.from),
-          std::min(ends, clocks.until),
+          std::max<Moment>(span.from, date - longestReach),
+          std::min<Moment>(span.until, date + longestReach),
+          Moment(std::chrono::microseconds(number * microsecondsPerDay - shift)),
           {YYYYMMDD::fromDayNumber(number)}};
 }
 
-/// Whether the days around a moment can be counted in microseconds: all but the outermost of its 292,000 years.
-bool hasRoomAround(Moment date) {
-  return date > Moment::min() + std::chrono::days(4) && date < Moment::max() - std::chrono::days(4);
+/// The entry that serves a moment, from the cache or new. REQUIRES: hasRoomAround(date).
+const QZDateTimeCache::FromDateEntry& entryFor(Moment date, const TimeZone& timeZone) {
+  auto& cache = QZDateTimeCache::shared().yyyymmddFromDate;
+  // Two slots for 2^43 microseconds, about 100 days: one for the span that reaches into them and one for the span that
+  // begins within, so that moments before and after a change of clocks do not push each other out.
+  const std::int64_t block = date.time_since_epoch().count() >> 43;
+  const std::size_t hash = slotHash(timeZone, 2 * block);
+  for (const std::size_t slot : {hash, hash + 1}) {
+    const auto* entry = cache.find(slot);
+    if (entry != nullptr && entry->from <= date && date < entry->until && entry->timeZone == timeZone) return *entry;
+  }
+  const QZDateTimeCache::FromDateEntry entry = entryAround(date, timeZone);
+  const bool beginsWithin = entry.from.time_since_epoch().count() >> 43 == block;
+  return cache.store(beginsWithin ? hash + 1 : hash, entry);
 }
 
 }  // namespace
@@ -65,23 +67,17 @@ YYYYMMDD YYYYMMDD::calculateUncached(const HHMMSS& startOfDay, Moment date, cons
 }
 
 YYYYMMDD YYYYMMDD::calculateCached(const HHMMSS& startOfDay, Moment date, const TimeZone& timeZone) {
-  auto& cache = QZDateTimeCache::shared().yyyymmddFromDate;
-  // One slot for 2^34 microseconds, 4.8 hours: most lie within one day, and neighbours do not push each other out.
-  const std::size_t hash = slotHash(timeZone, startOfDay.intValue(), date.time_since_epoch().count() >> 34);
-  const auto* entry = cache.find(hash);
-  if (entry != nullptr && entry->from <= date && date < entry->until && entry->timeZone == timeZone &&
-      entry->startOfDay == startOfDay.intValue())
-    return entry->container.yyyymmdd;
   if (!hasRoomAround(date)) return calculateUncached(startOfDay, date, timeZone);
-  const QZDateTimeCache::FromDateEntry found = dayWithSpan(startOfDay, date, timeZone);
-  cache.store(hash, found);
-  return found.container.yyyymmdd;
+  const QZDateTimeCache::FromDateEntry& entry = entryFor(date, timeZone);
+  const std::int64_t sinceDayBegan = (date - entry.midnight).count() - shiftOf(startOfDay) * microsecondsPerSecond;
+  const YYYYMMDD& day = entry.container.yyyymmdd;
+  return fromDayNumber(day.dayNumber() + day_number::floorDivide(sinceDayBegan, microsecondsPerDay));
 }
 
 Moment YYYYMMDD::dateAt(const HHMMSS& startOfDay, const TimeZone& timeZone) const {
   auto& cache = QZDateTimeCache::shared().yyyymmddDateAtCache;
   const std::int64_t time = startOfDay.intValue();
-  const std::size_t hash = slotHash(timeZone, time, number_);
+  const std::size_t hash = slotHash(timeZone, number_ + time * 31);
   const auto* entry = cache.find(hash);
   if (entry != nullptr && entry->day == *this && entry->time == time && entry->timeZone == timeZone) return entry->date;
   const Moment date = Calendar(timeZone).date(*this, startOfDay);

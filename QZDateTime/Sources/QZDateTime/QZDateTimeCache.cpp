@@ -13,7 +13,6 @@ void QZDateTimeCache::evictAll() {
   yyyymmddDateAtCache.evict();
   yyyymmddAddCache.evict();
   yyyymmddFromDate.evict();
-  zoneOffsetCache.evict();
 }
 
 const DateFormatter& QZDateTimeCache::titleWithYearFormatter() {

@@ -49,21 +49,14 @@ class QZDateTimeCache {
     std::int64_t time;  ///< seconds since midnight
     Moment date;
   };
-  /// All moments with from <= moment < until have that day.
+  /// While clocks stand still: from <= moment < until. The container's day, counted from midnight to midnight, begins
+  /// at `midnight`; the days of all other moments of the span follow from it by counting, whatever the start of day.
   struct FromDateEntry {
     TimeZone timeZone;
-    std::int64_t startOfDay;  ///< seconds since midnight
     Moment from;
     Moment until;
+    Moment midnight;
     YYYYMMDDContainer container;
-  };
-
-  /// From `from` on and before `until` the zone's clocks are ahead of UTC by `offset` seconds.
-  struct OffsetEntry {
-    TimeZone timeZone;
-    Moment from;
-    Moment until;
-    std::int64_t offset;
   };
 
   /// The one object of the process.
@@ -98,17 +91,16 @@ class QZDateTimeCache {
   ThreadCache<DayEntry, 64, struct DayOfWeekTag> yyyymmddDayOfWeekCache;
   /// The day before the first of a month, keyed by its own number.
   WordCache<1024> yyyymmddPrevDateCache;
-  /// The day after the 28th to 31st of a month, keyed by its own number.
+  /// The day after the last of a month, keyed by its own number.
   WordCache<1024> yyyymmddNextDateCache;
   /// The moment at which a date shows a time of day in a zone.
   ThreadCache<DateAtEntry, 1024, struct DateAtTag> yyyymmddDateAtCache;
   /// A day plus a number of days, keyed by the number of the day reached: all sums that lead to a day share its slot.
   WordCache<8192> yyyymmddAddCache;
-  /// The day of a moment, keyed by the moment; one entry serves every moment between two changes of day or of clocks.
-  ThreadCache<FromDateEntry, 1024, struct FromDateTag> yyyymmddFromDate;
-
-  /// Beside them: the spans between two changes of a zone's clocks, so that a day that is new costs no zone rules.
-  ThreadCache<OffsetEntry, 256, struct OffsetTag> zoneOffsetCache;
+  /// The day of a moment, keyed by zone and moment. One entry serves all moments between two changes of a zone's
+  /// clocks, about half a year: finding a day from there costs less than keeping every day, which would also wear out
+  /// the processor's own caches.
+  ThreadCache<FromDateEntry, 256, struct FromDateTag> yyyymmddFromDate;
 
   /// Lists of all weekdays, keyed by the first. A table of 49 bytes laid down by the compiler, the cheapest cache of
   /// all: always full, nothing to evict.

@@ -115,14 +115,14 @@ class YYYYMMDD {
   [[nodiscard]] constexpr YYYYMM yyyymm() const { return YYYYMM(y_, m_); }
 
   [[nodiscard]] YYYYMMDD nextDay() const {
-    if (number_ != noNumber && d_ < 28) [[likely]]
+    if (number_ != noNumber && (d_ < 28 || d_ < day_number::lengthOfMonth(y_, m_))) [[likely]]
       return YYYYMMDD(y_, m_, d_ + 1, number_ + 1);
-    return nextDayBeyondMonth();
+    return YYYYMMDD(*this).nextDayBeyondMonth();  // on a copy, so that a loop can keep its day in registers
   }
   [[nodiscard]] YYYYMMDD previousDay() const {
     if (number_ != noNumber && d_ > 1) [[likely]]
       return YYYYMMDD(y_, m_, d_ - 1, number_ - 1);
-    return previousDayBeyondMonth();
+    return YYYYMMDD(*this).previousDayBeyondMonth();
   }
 
   /// The day that many days later, earlier when negative: whole days of the calendar, whatever clocks do.
@@ -131,7 +131,7 @@ class YYYYMMDD {
     const std::uint64_t d = static_cast<std::uint64_t>(d_) + static_cast<std::uint64_t>(numDays);
     if (number_ != noNumber && d - 1 < 28) [[likely]]
       return YYYYMMDD(y_, m_, static_cast<std::int64_t>(d), number_ + static_cast<std::int32_t>(numDays));
-    return addBeyondMonth(numDays);
+    return YYYYMMDD(*this).addBeyondMonth(numDays);
   }
 
   /// nextDay and add without the shared cache.

@@ -18,14 +18,14 @@ constexpr std::int64_t momentDays = std::chrono::duration_cast<std::chrono::days
 
 std::int64_t ZoneRules::offset(Moment date) const { return zone_.At(timeOf(date)).offset; }
 
-QZDateTimeCache::OffsetEntry ZoneRules::offsetSpan(const TimeZone& timeZone, Moment date) const {
+ZoneRules::Span ZoneRules::span(Moment date) const {
   const absl::Time time = timeOf(date);
-  QZDateTimeCache::OffsetEntry entry{timeZone, Moment::min(), Moment::max(), zone_.At(time).offset};
+  Span result{Moment::min(), Moment::max(), zone_.At(time).offset};
   absl::TimeZone::CivilTransition change;
-  if (zone_.NextTransition(time, &change)) entry.until = momentOf(zone_.At(change.to).trans);
+  if (zone_.NextTransition(time, &change)) result.until = momentOf(zone_.At(change.to).trans);
   // PrevTransition looks strictly before, at whole seconds, and a change at this very second begins the span.
-  if (zone_.PrevTransition(time + absl::Seconds(1), &change)) entry.from = momentOf(zone_.At(change.to).trans);
-  return entry;
+  if (zone_.PrevTransition(time + absl::Seconds(1), &change)) result.from = momentOf(zone_.At(change.to).trans);
+  return result;
 }
 
 Moment ZoneRules::date(const YYYYMMDD& day, const HHMMSS& time) const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QZDateTime/HHMMSS.h>
-#include <QZDateTime/QZDateTimeCache.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Clock.h>
@@ -26,8 +25,13 @@ class ZoneRules {
   /// Seconds ahead of UTC.
   [[nodiscard]] std::int64_t offset(Moment date) const;
 
-  /// The span around a moment in which the offset stays. `timeZone` is the one these rules stand behind.
-  [[nodiscard]] QZDateTimeCache::OffsetEntry offsetSpan(const TimeZone& timeZone, Moment date) const;
+  /// The span around a moment in which the offset stays: from <= date < until.
+  struct Span {
+    Moment from;
+    Moment until;
+    std::int64_t offset;
+  };
+  [[nodiscard]] Span span(Moment date) const;
 
   /// The moment at which clocks show that date and time: the first after a jump over it, the first of two.
   [[nodiscard]] Moment date(const YYYYMMDD& day, const HHMMSS& time) const;
