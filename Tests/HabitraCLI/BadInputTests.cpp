@@ -39,7 +39,7 @@ TEST_F(BadInputTests, isRefusedInOneLineAndChangesNothing) {
   expectRefused({"undo", "Read the", "--date", "soon"}, 2, {"'soon'"});
   expectRefused({"done"}, 2, {"TASK", "habitra done --help"});
   expectRefused({"done", "read t"}, 2, {"'Read ten pages'", "'Read the news'"});
-  expectRefused({"done", "Raed ten pages"}, 2, {"'Raed ten pages'", "'Read ten pages'"});
+  expectRefused({"done", "Raed ten pages"}, 2, {"'Raed ten pages'", "'Read ten pages'", "habitra done --help"});
   expectRefused({"done", "Read the", "a\nb\x1b[2J"}, 2, {"a\uFFFDb\uFFFD[2J"});
 
   // What cannot be done: 1.

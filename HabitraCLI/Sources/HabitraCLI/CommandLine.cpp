@@ -57,6 +57,8 @@ void answer(const ParsedLine& line, StandardOutput& output) {
       command.run(session, line.arguments);
     } catch (const UsageError& error) {
       throw UsageError(error.what(), command.verb);
+    } catch (const TaskNameError& error) {
+      throw UsageError(error.what(), command.verb);
     }
   }
   output.flush();
@@ -73,9 +75,6 @@ int runCommandLine(const std::vector<std::string>& words) {
     return succeeded;
   } catch (const UsageError& error) {
     complain(error);
-    return misunderstood;
-  } catch (const TaskNameError& error) {
-    complain(error.what());
     return misunderstood;
   } catch (const std::exception& error) {
     if (output.readerIsGone()) return succeeded;
