@@ -4,7 +4,7 @@
 namespace habitra {
 namespace {
 
-constexpr std::string_view examples[] = {R"(habitra skip Run)"};
+constexpr std::string_view examples[] = {"habitra skip Run"};
 
 void run(Session& session, const Arguments& arguments) {
   session.answer(MarkedHabits{session.application().skip(arguments.words)});
