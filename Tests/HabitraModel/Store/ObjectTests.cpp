@@ -1,0 +1,217 @@
+#include <HabitraModel/Store/StoreVerification.h>
+
+#include "SampleRows.h"
+#include "StoreFixture.h"
+
+namespace habitra {
+namespace {
+
+using ObjectTest = StoreTest;
+
+template <typename T>
+T stored(StoreContext& context, const T& values) {
+  return context.insert(values);
+}
+
+TEST_F(ObjectTest, EveryAttributeOfEveryEntityComesBack) {
+  TaskEntity task;
+  TaskTemporalDataEntity data;
+  UserProfileEntity profile;
+  SettingEntity setting;
+  TaskLogEntryEntity entry = sample<TaskLogEntryEntity>(5);
+  {
+    const auto context = open();
+    profile = stored(*context, sample<UserProfileEntity>(1));
+    task = sample<TaskEntity>(2);
+    task.userProfile = profile.objectID;
+    task = stored(*context, task);
+    data = sample<TaskTemporalDataEntity>(3);
+    data.task = entry.task = task.objectID;
+    data = stored(*context, data);
+    setting = stored(*context, sample<SettingEntity>(4));
+    entry.objectID = context->insertLogEntry(entry);
+    stored(*context, TaskEntity{});
+    context->save({});
+  }
+  const auto context = open();
+  EXPECT_EQ(*context->find<TaskEntity>(task.objectID), task);
+  EXPECT_EQ(*context->find<UserProfileEntity>("uniqueId", *profile.uniqueId), profile);
+  EXPECT_EQ(*context->find<SettingEntity>("settingKey", *setting.settingKey), setting);
+  EXPECT_EQ(*context->fetchRelated<TaskTemporalDataEntity>("task", task.objectID).at(0), data);
+  EXPECT_EQ(context->findLogEntry(*entry.uniqueId), entry);
+  EXPECT_EQ(context->findLogEntry(entry.key()), entry);
+  TaskEntity bare = *context->fetchAll<TaskEntity>().at(1);
+  EXPECT_TRUE(bare.uniqueId.has_value()) << "an identifier is filled in";
+  bare.uniqueId.reset();
+  EXPECT_EQ(bare, TaskEntity{.objectID = bare.objectID});
+  EXPECT_TRUE(StoreVerification::verifyChecksums(*context).empty());
+  EXPECT_EQ(runSQL(file(), "PRAGMA integrity_check; PRAGMA foreign_key_check"), std::vector<std::string>{"ok"});
+}
+
+TEST_F(ObjectTest, ARowIsOneObjectThatKnowsItsChanges) {
+  const ObjectID id = makeTask();
+  const auto context = open();
+  TaskEntity& task = *context->find<TaskEntity>(id);
+  EXPECT_EQ(context->find<TaskEntity>("title", "Walk"), &task);
+  EXPECT_EQ(context->fetchAll<TaskEntity>().at(0), &task);
+  EXPECT_FALSE(context->hasChanges());
+
+  task.bestStreak = 7;
+  task.created = testMoment;
+  EXPECT_TRUE(context->isChanged(task, &TaskEntity::bestStreak));
+  EXPECT_FALSE(context->isChanged(task, &TaskEntity::title));
+  EXPECT_TRUE(context->hasChanges());
+  task.bestStreak = 0;
+  task.created.reset();
+  EXPECT_FALSE(context->hasChanges()) << "what is as stored again is no change";
+  const std::int64_t before = context->sequence();
+  EXPECT_EQ(context->save({}).sequence, before) << "nothing to write, nothing written";
+
+  task.bestStreak = 8;
+  EXPECT_EQ(context->save({}).updated, 1);
+  EXPECT_EQ(open()->find<TaskEntity>(id)->bestStreak, 8);
+  EXPECT_EQ(context->find<TaskEntity>(id), &task);
+}
+
+TEST_F(ObjectTest, RollbackTakesEverythingBack) {
+  const ObjectID id = makeTask();
+  const auto context = open();
+  TaskEntity& task = *context->find<TaskEntity>(id);
+  const TaskEntity asStored = task;
+  context->beginUnit();
+  task.title = "Run";
+  const ObjectID lost = context->insert(titled("Swim")).objectID;
+  const LogKey key{id, 20240101, context->insertLogEntry(entryOn(id, 20240101))};
+  context->flush();
+  task.title = "Jump";
+  context->rollback();
+
+  EXPECT_FALSE(context->hasChanges());
+  EXPECT_EQ(task, asStored);
+  EXPECT_EQ(context->find<TaskEntity>(lost), nullptr);
+  EXPECT_FALSE(context->findLogEntry(key).has_value());
+  context->remove(task);
+  context->rollback();
+  EXPECT_EQ(context->find<TaskEntity>(id), &task);
+  EXPECT_EQ(context->fetchAll<TaskEntity>().size(), 1U);
+}
+
+TEST_F(ObjectTest, NumbersAscendAndAreNeverGivenTwice) {
+  const ObjectID first = makeTask();
+  const auto context = open();
+  const ObjectID removed = context->insert(TaskEntity{}).objectID;
+  context->save({});
+  context->remove(*context->find<TaskEntity>(removed));
+  context->save({});
+  const ObjectID lost = context->insert(TaskEntity{}).objectID;
+  context->rollback();
+  const ObjectID next = context->insertLogEntry(entryOn(first, 20240101));
+  context->save({});
+  EXPECT_LT(first, removed);
+  EXPECT_LT(removed, lost);
+  EXPECT_LT(lost, next);
+  EXPECT_LT(next, open()->insert(TaskEntity{}).objectID);
+}
+
+TEST_F(ObjectTest, RemovalFollowsTheDeleteRules) {
+  const auto context = open();
+  UserProfileEntity& page = context->insert(UserProfileEntity{.title = "Health"});
+  TaskEntity& task = context->insert(titled("Walk"));
+  TaskEntity& other = context->insert(titled("Read"));
+  task.userProfile = other.userProfile = page.objectID;
+  context->insert(TaskTemporalDataEntity{.task = task.objectID});
+  context->insert(TaskTemporalDataEntity{.task = other.objectID});
+  for (std::int32_t day = 20240101; day <= 20240105; ++day) context->insertLogEntry(entryOn(task.objectID, day));
+  context->insertLogEntry(entryOn(other.objectID, 20240101));
+  context->setCheckpoint(task.objectID, {.closedThrough = 20240110});
+  context->save({});
+
+  context->remove(task);
+  EXPECT_EQ(context->fetchAll<TaskEntity>().size(), 1U);
+  EXPECT_TRUE(context->fetchRelated<TaskTemporalDataEntity>("task", task.objectID).empty());
+  EXPECT_EQ(context->save({}).removed, 7) << "a task, its figures, its five entries";
+  context->remove(page);
+  context->save({});
+  EXPECT_EQ(other.userProfile, ObjectID::none);
+  EXPECT_EQ(runSQL(file(),
+                   "SELECT count(*) FROM TaskLogEntryEntity; SELECT count(*) FROM TaskTemporalDataEntity;"
+                   "SELECT userProfile IS NULL FROM TaskEntity; SELECT count(*) FROM habitra_checkpoint;"
+                   "PRAGMA foreign_key_check"),
+            (std::vector<std::string>{"1", "1", "1", "0"}));
+}
+
+TEST_F(ObjectTest, AViewStaysUntilItIsRefreshed) {
+  const ObjectID id = makeTask();
+  const auto reader = open();
+  TaskEntity& task = *reader->find<TaskEntity>(id);
+  const std::int64_t sequence = reader->sequence();
+  const auto writer = open();
+  writer->find<TaskEntity>(id)->title = "Run";
+  writer->insert(titled("Swim"));
+  writer->save({});
+
+  EXPECT_EQ(reader->sequence(), sequence);
+  EXPECT_EQ(reader->fetchAll<TaskEntity>().size(), 1U);
+  EXPECT_EQ(task.title, "Walk");
+  reader->refresh();
+  EXPECT_EQ(reader->sequence(), sequence + 1);
+  EXPECT_EQ(reader->fetchAll<TaskEntity>().size(), 2U);
+  EXPECT_EQ(task.title, "Run") << "the object takes over what was stored";
+}
+
+TEST_F(ObjectTest, ChangesOfTwoProgramsJoinOrCollide) {
+  const ObjectID id = makeTask();
+  const auto mine = open();
+  const auto theirs = open();
+  TaskEntity& task = *mine->find<TaskEntity>(id);
+  task.bestStreak = 5;
+  theirs->find<TaskEntity>(id)->title = "Run";
+  theirs->save({});
+  mine->save({});
+  EXPECT_EQ(task.title, "Run");
+  EXPECT_EQ(open()->find<TaskEntity>(id)->bestStreak, 5);
+
+  task.bestStreak = 6;
+  theirs->refresh();
+  theirs->find<TaskEntity>(id)->bestStreak = 7;
+  theirs->save({});
+  EXPECT_EQ(errorKind([&] { mine->save({}); }), StoreError::Kind::conflict);
+  EXPECT_FALSE(mine->isInUnit());
+  EXPECT_EQ(mine->find<TaskEntity>(id)->bestStreak, 7) << "nothing of the failed unit is left";
+}
+
+TEST_F(ObjectTest, ContextsOfAStoreInMemoryShareIt) {
+  const auto store = Store::inMemory(clock_);
+  StoreContext reader(store);
+  EXPECT_TRUE(reader.fetchAll<TaskEntity>().empty());
+  StoreContext writer(store);
+  const ObjectID id = writer.insert(titled("Walk")).objectID;
+  writer.insertLogEntry(entryOn(id, 20240101));
+  writer.save({});
+  EXPECT_EQ(reader.find<TaskEntity>(id)->title, "Walk");
+  EXPECT_EQ(reader.newestEntryDay(id), 20240101);
+  StoreContext other(Store::inMemory(clock_));
+  EXPECT_TRUE(other.fetchAll<TaskEntity>().empty());
+}
+
+TEST_F(ObjectTest, ALinkToARowThatIsNotThereIsRefused) {
+  const auto context = open();
+  context->insert(TaskTemporalDataEntity{.task = ObjectID{77}});
+  EXPECT_EQ(errorKind([&] { context->save({}); }), StoreError::Kind::failed);
+  EXPECT_FALSE(context->hasChanges());
+  EXPECT_EQ(errorKind([&] { context->insertLogEntry(entryOn(ObjectID{77}, 20240101)); }), StoreError::Kind::failed);
+  EXPECT_EQ(context->sequence(), 0);
+}
+
+TEST_F(ObjectTest, MisuseStopsTheProgram) {
+  const ObjectID id = makeTask();
+  const auto context = open();
+  TaskEntity foreign = *context->find<TaskEntity>(id);
+  EXPECT_DEATH((void)context->changedAttributes(foreign), "an object of another context");
+  TaskEntity& task = *context->find<TaskEntity>(id);
+  task.last7Pct = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_DEATH(context->save({}), "not finite");
+}
+
+}  // namespace
+}  // namespace habitra

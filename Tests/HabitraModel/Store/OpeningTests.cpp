@@ -1,0 +1,174 @@
+#include <HabitraModel/DataManager.h>
+#include <HabitraModel/Store/WritersTurn.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+
+#include "StoreFixture.h"
+
+namespace habitra {
+namespace {
+
+using OpeningTest = StoreTest;
+using std::filesystem::path;
+
+/// Empty for what is no plain file.
+std::string content(const path& file) {
+  if (!std::filesystem::is_regular_file(file)) return {};
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+mode_t mode(const path& file) {
+  struct stat status {};
+  EXPECT_EQ(::stat(file.c_str(), &status), 0) << file;
+  return status.st_mode & 0777;
+}
+
+TEST_F(OpeningTest, EverythingIsTheOwnersAloneWhateverTheUmask) {
+  for (const mode_t mask : {0000U, 0377U}) {
+    const path home = folder_ / ("data-" + std::to_string(mask)) / "habitra";
+    const mode_t before = ::umask(mask);
+    {
+      StoreContext context(Store::open(home / "s.sqlite", clock_));
+      context.insert(TaskEntity{});
+      context.save({});
+      ::umask(before);
+      EXPECT_EQ(mode(home), 0700U);
+      EXPECT_EQ(mode(home.parent_path()), 0700U);
+      for (const auto& item : std::filesystem::directory_iterator(home)) EXPECT_EQ(mode(item), 0600U) << item;
+    }
+    EXPECT_TRUE(std::filesystem::exists(home / "Habitra.lock"));
+  }
+}
+
+TEST_F(OpeningTest, ReadingMakesNothing) {
+  EXPECT_EQ(Store::openForReading(file(), clock_), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(file().parent_path()));
+  makeTask();
+  EXPECT_NE(Store::openForReading(file(), clock_), nullptr);
+}
+
+TEST_F(OpeningTest, WhatIsNoStoreIsRefusedAndLeftAlone) {
+  const path home = folder_ / "home";
+  std::filesystem::create_directories(home / "folder.sqlite");
+  std::ofstream(home / "text.sqlite") << "task_id,title\n1,Walk\n";
+  runSQL(home / "foreign.sqlite", "CREATE TABLE notes (content)");
+  runSQL(home / "tagged.sqlite", "PRAGMA application_id=7");
+  std::filesystem::create_symlink(home / "elsewhere.sqlite", home / "link.sqlite");
+  makeTask();
+  runSQL(file(), "PRAGMA journal_mode=DELETE; PRAGMA user_version=2");
+  using Kind = StoreError::Kind;
+  const std::map<std::string, Kind> expected{
+      {"folder.sqlite", Kind::notAStore},  {"text.sqlite", Kind::notAStore},
+      {"foreign.sqlite", Kind::notAStore}, {"tagged.sqlite", Kind::notAStore},
+      {"link.sqlite", Kind::insecurePath}, {"Habitra-Local.sqlite", Kind::newerVersion}};
+  for (const auto& [name, kind] : expected) {
+    const std::string before = content(home / name);
+    for (const auto openStore : {&Store::open, &Store::openForReading}) {
+      try {
+        (void)openStore(home / name, clock_);
+        ADD_FAILURE() << name << " was opened";
+      } catch (const StoreError& error) {
+        EXPECT_EQ(error.kind(), kind) << error.what();
+        EXPECT_NE(std::string(error.what()).find(home / name), std::string::npos) << error.what();
+        EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
+      }
+    }
+    EXPECT_EQ(content(home / name), before);
+  }
+  EXPECT_FALSE(std::filesystem::exists(home / "elsewhere.sqlite"));
+}
+
+TEST_F(OpeningTest, ADamagedStoreIsAnError) {
+  makeTask();
+  runSQL(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
+  {
+    std::fstream damage(file(), std::ios::in | std::ios::out | std::ios::binary);
+    damage.seekp(100);
+    damage << std::string(3000, '\xFF');
+  }
+  EXPECT_EQ(errorKind([&] { (void)open(); }), StoreError::Kind::damaged);
+}
+
+TEST_F(OpeningTest, TheHomeItselfMayBeALink) {
+  std::filesystem::create_directories(folder_ / "real");
+  std::filesystem::create_symlink(folder_ / "real", folder_ / "home");
+  makeTask();
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "real" / "Habitra-Local.sqlite"));
+}
+
+TEST_F(OpeningTest, AHomeOfSomebodyElseIsRefused) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
+  std::filesystem::create_directories(file().parent_path());
+  ASSERT_EQ(::chown(file().parent_path().c_str(), 12345, 12345), 0);
+  EXPECT_EQ(errorKind([&] { (void)open(); }), StoreError::Kind::foreignOwner);
+  EXPECT_TRUE(std::filesystem::is_empty(file().parent_path()));
+}
+
+TEST_F(OpeningTest, AnEmptyFileBecomesAStore) {
+  std::filesystem::create_directories(file().parent_path());
+  std::ofstream(file()).close();
+  EXPECT_EQ(Store::openForReading(file(), clock_), nullptr);
+  makeTask();
+  EXPECT_EQ(open()->fetchAll<TaskEntity>().size(), 1U);
+}
+
+TEST_F(OpeningTest, WhoWaitsTooLongForTheTurnIsTold) {
+  const ObjectID id = makeTask();
+  const auto context = open();
+  context->beginUnit();
+  WritersTurn other(file().parent_path(), std::chrono::milliseconds(0));
+  EXPECT_EQ(errorKind([&] { other.take(); }), StoreError::Kind::busy);
+  EXPECT_NE(open()->find<TaskEntity>(id), nullptr) << "who reads does not wait";
+  context->rollback();
+  other.take();
+  EXPECT_TRUE(other.isHeld());
+}
+
+TEST_F(OpeningTest, ALongWriteAheadLogIsShortened) {
+  const ObjectID task = makeTask();
+  const auto context = open();
+  for (int i = 0; i < 20000; ++i) context->insertLogEntry(entryOn(task, 20240101 + i % 28));
+  context->save({});
+  EXPECT_GT(std::filesystem::file_size(file()), 1'000'000U) << "the rows are in the file itself";
+  context->find<TaskEntity>(task)->bestStreak = 1;
+  context->save({});
+  EXPECT_LE(std::filesystem::file_size(file().string() + "-wal"), 4U << 20);
+}
+
+TEST(DataManagerTest, FindsTheHomeByTheEnvironment) {
+  using Variables = std::map<std::string, std::string>;
+  const auto home = [](const Variables& variables) {
+    return DataManager::homeDirectory([&variables](const std::string& name) -> std::optional<std::string> {
+      const auto found = variables.find(name);
+      return found == variables.end() ? std::nullopt : std::optional(found->second);
+    });
+  };
+  EXPECT_EQ(home({{"HABITRA_HOME", "/a"}, {"XDG_DATA_HOME", "/b"}, {"HOME", "/c"}}), "/a");
+  EXPECT_EQ(home({{"HABITRA_HOME", ""}, {"XDG_DATA_HOME", "/b"}, {"HOME", "/c"}}), "/b/habitra");
+  EXPECT_EQ(home({{"XDG_DATA_HOME", "relative"}, {"HOME", "/c"}}), "/c/.local/share/habitra");
+  EXPECT_THROW((void)home({}), qz::Error);
+  EXPECT_EQ(DataManager::storeLocation("/a").file(), path("/a/Habitra-Local.sqlite"));
+}
+
+TEST_F(OpeningTest, TheDataManagerGivesOutContextsAndIdentifiers) {
+  DataManager manager(DataManager::ContainerLocation::url(file()), clock_);
+  EXPECT_EQ(manager.contextForReading(), nullptr);
+  const auto context = manager.context();
+  const qz::UniqueID requested = qz::UniqueID::generate(testMoment);
+  EXPECT_EQ(manager.generateUniqueTaskId(*context, requested), requested);
+  context->insert(TaskEntity{.uniqueId = requested.text()});
+  EXPECT_NE(manager.generateUniqueTaskId(*context, requested), requested) << "an unsaved task counts";
+  context->save({.author = DataManager::Author::siriUI});
+  EXPECT_NE(manager.contextForReading(), nullptr);
+  EXPECT_EQ(manager.home(), file().parent_path());
+  for (const Author author : allAuthors) EXPECT_EQ(authorFromRawValue(rawValue(author)), author);
+}
+
+}  // namespace
+}  // namespace habitra
