@@ -1,12 +1,40 @@
 #include <csv.h>
 #include <HabitraBackup/CSVWriter.h>
 #include <HabitraBackup/UTF8.h>
+#include <array>
+#include <cstdint>
 
 namespace habitra {
 
 namespace {
 
 constexpr std::size_t enoughToHandOn = std::size_t{1} << 16U;
+
+// What a byte asks of the field that it stands in.
+enum class Care : std::uint8_t { none, quotes, check };
+
+constexpr auto careOfByte = [] {
+  std::array<Care, 256> table{};
+  for (const char byte : {',', '"', '\r', '\n'}) table[static_cast<unsigned char>(byte)] = Care::quotes;
+  table[0] = Care::check;
+  for (std::size_t byte = 0x80; byte < table.size(); ++byte) table[byte] = Care::check;
+  return table;
+}();
+
+struct Needs {
+  bool quotes = false;
+  bool check = false;
+};
+
+Needs needsOf(std::string_view text) {
+  Needs needs;
+  for (const char byte : text) {
+    const Care care = careOfByte[static_cast<unsigned char>(byte)];
+    needs.quotes |= care == Care::quotes;
+    needs.check |= care == Care::check;
+  }
+  return needs;
+}
 
 bool isWritable(std::string_view text) {
   return text.find('\0') == std::string_view::npos && !utf8::firstInvalidByte(text);
@@ -21,13 +49,14 @@ void appendQuoted(std::string& buffer, std::string_view text) {
 }  // namespace
 
 void CSVWriter::field(std::string_view text) {
-  if (!isWritable(text)) {
+  const Needs needs = needsOf(text);
+  if (needs.check && !isWritable(text)) {
     field(utf8::repaired(text));
     return;
   }
   if (isRowBegun_) buffer_ += ',';
   isRowBegun_ = true;
-  if (text.find_first_of(",\"\r\n") != std::string_view::npos) {
+  if (needs.quotes) {
     appendQuoted(buffer_, text);
   } else {
     buffer_ += text;

@@ -17,7 +17,6 @@ std::optional<HabitraJSONBackupDay> storedDay(std::int32_t value) {
 
 HabitraJSONBackupTaskEntry entry(const TaskLogEntryEntity& stored) {
   HabitraJSONBackupTaskEntry entry;
-  if (stored.uniqueId) entry.uniqueId = qz::UniqueID::fromText(*stored.uniqueId);
   entry.entryType = fromRawValue<TaskLogEntryType>(stored.entryType).value_or(TaskLogEntryType::unknown);
   entry.entryDate = storedDay(stored.entryDate).value_or(HabitraJSONBackupDay());
   entry.progress = stored.progress;
@@ -48,7 +47,9 @@ std::vector<ObjectID> TaskDataExporter::tasksOfPage(TaskPageNumber page) const {
   return ids;
 }
 
-HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const {
+HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const { return read(id, EntryIdentifiers::read); }
+
+HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, EntryIdentifiers identifiers) const {
   const auto* stored = context_.find<TaskEntity>(id);
   if (stored == nullptr || !isExported(*stored)) {
     throw Error(Error::taskDataMissing, "a habit that was to be exported is not there any more");
@@ -62,7 +63,11 @@ HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const {
   task.pageNumber = pageOf(*stored, context_);
   auto& log = task.log.emplace();
   context_.readLogEntries(id, StoreContext::firstDay, StoreContext::lastDay,
-                          [&log](const TaskLogEntryEntity& storedEntry) { log.push_back(entry(storedEntry)); });
+                          [&log, identifiers](const TaskLogEntryEntity& storedEntry) {
+                            log.push_back(entry(storedEntry));
+                            if (identifiers == EntryIdentifiers::leftOut || !storedEntry.uniqueId) return;
+                            log.back().uniqueId = qz::UniqueID::fromText(*storedEntry.uniqueId);
+                          });
   return task;
 }
 
@@ -83,7 +88,7 @@ std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const By
           ++count;
           onRow(row);
         };
-        for (const ObjectID id : tasks) forEachRow(task(id), counted);
+        for (const ObjectID id : tasks) forEachRow(read(id, EntryIdentifiers::leftOut), counted);
       },
       sink);
   return count;
