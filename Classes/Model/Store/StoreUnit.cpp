@@ -17,6 +17,9 @@ StoreUnit::StoreUnit(std::shared_ptr<Store> store)
     : store_(std::move(store)),
       connection_(store_->connect()),
       turn_(store_->makeTurn()),
+      beginView_(*connection_, "BEGIN"),
+      beginUnit_(*connection_, "BEGIN IMMEDIATE"),
+      commit_(*connection_, "COMMIT"),
       readNewest_(*connection_, "SELECT newestSequence, newestObjectID, newestMoment FROM habitra_meta"),
       writeNewest_(*connection_, "UPDATE habitra_meta SET newestSequence=?, newestObjectID=?, newestMoment=?") {}
 
@@ -25,7 +28,7 @@ StoreUnit::~StoreUnit() { rollback(); }
 bool StoreUnit::beginView() {
   if (state_ != State::idle) return false;
   if (store_->isInMemory()) return readNewest();  // a view would keep writers from committing
-  connection_->execute("BEGIN");
+  beginView_.use()->step();
   state_ = State::viewing;
   return readNewest();
 }
@@ -44,7 +47,7 @@ bool StoreUnit::begin() {
   endView();
   turn_->take();
   try {
-    connection_->execute("BEGIN IMMEDIATE");
+    beginUnit_.use()->step();
     state_ = State::writing;
     const bool hasMoved = readNewest();
     newestGiven_ = newest_.object;
@@ -58,7 +61,7 @@ bool StoreUnit::begin() {
 void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
   try {
     if (transaction) writeNewest(*transaction);
-    connection_->execute("COMMIT");
+    commit_.use()->step();
   } catch (...) {
     rollback();
     throw;

@@ -59,6 +59,9 @@ class StoreUnit {
   std::shared_ptr<Store> store_;
   std::unique_ptr<Connection> connection_;
   std::unique_ptr<WritersTurn> turn_;
+  Query beginView_;
+  Query beginUnit_;
+  Query commit_;
   Query readNewest_;
   Query writeNewest_;
   State state_ = State::idle;

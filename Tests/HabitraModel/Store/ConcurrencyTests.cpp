@@ -1,8 +1,10 @@
 #include <HabitraModel/Store/StoreVerification.h>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <thread>
 
 #include "StoreFixture.h"
@@ -91,6 +93,31 @@ TEST_F(ConcurrencyTest, AWriterThatDiesLeavesNothingHalfDone) {
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   addUp(*open(), task, 1);
   expectAll(task, 1);
+}
+
+TEST_F(ConcurrencyTest, AFileThatCannotGrowFailsTheWholeUnit) {
+  const ObjectID task = makeTask();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{.rlim_cur = 300'000, .rlim_max = 300'000};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const auto context = open();
+    std::string message;
+    try {
+      for (int i = 0; i < 20000; ++i) context->insertLogEntry(entryOn(task, 20240101));
+      context->save({});
+    } catch (const StoreError& error) {
+      message = error.what();
+    }
+    const bool isAsBefore = !context->hasChanges() && !context->isInUnit() && !context->newestEntryDay(task);
+    ::_exit(message.find(file()) != std::string::npos && isAsBefore ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  addUp(*open(), task, 2);
+  expectAll(task, 2);
 }
 
 }  // namespace
