@@ -1,6 +1,7 @@
 #include "QZDateTime/RatioReport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 
@@ -29,6 +30,7 @@ bool RatioReport::print(const std::vector<Ratio>& ratios) const {
   for (const Ratio& ratio : ratios) {
     const double ours = median(ratio.ours);
     const double yardstick = median(ratio.yardstick);
+    if (std::isnan(ours) || std::isnan(yardstick)) continue;  // filtered out of this run
     const bool ok = ours / yardstick <= ratio.bound;
     holds = holds && ok;
     std::printf("%-46s %9.2f %10.2f %7.3f %7.3f  %s\n", ratio.figure.c_str(), ours, yardstick, ours / yardstick,

@@ -35,11 +35,14 @@ TEST(Cache, SlotsCompareWholeKeys) {
   EXPECT_EQ(entries.find(1), nullptr);
 }
 
-TEST(Cache, PacksEveryDayThatCarriesANumber) {
-  for (const YYYYMMDD& day : {YYYYMMDD(2024, 2, 29), YYYYMMDD(-3'900'000, 1, 1), YYYYMMDD(3'900'000, 12, 31)}) {
+TEST(Cache, PacksTheDaysThatFitAWord) {
+  for (const YYYYMMDD& day : {YYYYMMDD(2024, 2, 29), YYYYMMDD(-65'536, 1, 1), YYYYMMDD(65'535, 12, 31)}) {
+    ASSERT_TRUE(QZDateTimeCache::fitsWord(day)) << day;
     const auto number = static_cast<std::int32_t>(day.dayNumber());
     EXPECT_EQ(QZDateTimeCache::unpacked(QZDateTimeCache::packed(day), number).yyyymmdd, day);
   }
+  for (const YYYYMMDD& day : {YYYYMMDD(65'536, 1, 1), YYYYMMDD(-65'537, 12, 31), YYYYMMDD(2023, 2, 30)})
+    EXPECT_FALSE(QZDateTimeCache::fitsWord(day)) << day;
 }
 
 /// Everything that goes through the cache, over some years that share slots, against the same without it.

@@ -81,6 +81,8 @@ TEST(DayArithmetic, AgreesWithACalendarThatIsWalkedDayByDay) {
   walk(40'000, 5);
   walk(1'000'000, 5);
   // Where days stop carrying their number, and sums stop fitting a word of the cache.
+  walk(65'530, 10);
+  walk(-65'540, 10);
   walk(3'997'800, 20);
   walk(3'999'999, 4);
   walk(-4'000'001, 4);

@@ -19,7 +19,7 @@ struct Civil {
 };
 
 /// How far the near road reaches from year 0, to either side; a multiple of 400, so that a shift by it keeps the
-/// calendar, and small enough for 23 bits with a sign.
+/// calendar, and far more than a Moment's 292,000 years.
 inline constexpr std::int64_t nearYears = 4'000'000;
 
 /// Days in 400 years, after which the calendar repeats.

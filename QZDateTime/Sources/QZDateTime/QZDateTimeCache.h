@@ -28,15 +28,21 @@ struct DayOfWeekContainer {
 /// themselves. Nothing in it is ever needed: it may be emptied at any moment, and results are the same without it. All
 /// of it may be used from any thread, without locks.
 ///
-/// What is *not* asked of it: a look-up costs about as much as ten additions, and a usual day (one the calendar has,
-/// within four million years) carries its number. Its weekday, its distance to another such day, and steps inside a
-/// month are cheaper than any look-up and never come here. The fields serve what is left: steps out of a month, days
-/// beyond those years or that no calendar has, and above all the way between moments and days, which reads zone rules.
+/// What is *not* asked of it: a usual day (one the calendar has, within four million years) carries its number. Its
+/// weekday, its neighbours, its distance to another and sums inside its month cost between one and five cycles, and
+/// every look-up costs more, hash and comparison alone. So these never come here, and the fields serve what is left:
+/// sums that leave their month, days beyond those years or that no calendar has, Februaries, and above all the way
+/// between moments and days, which reads zone rules.
 class QZDateTimeCache {
  public:
-  struct DayEntry {
+  struct DayOfWeekEntry {
     YYYYMMDD day;
     DayOfWeek dayOfWeek;
+  };
+  /// A day and the one beside it.
+  struct StepEntry {
+    YYYYMMDD day;
+    YYYYMMDDContainer container;
   };
   struct DistanceEntry {
     YYYYMMDD day;
@@ -74,13 +80,19 @@ class QZDateTimeCache {
   [[nodiscard]] static const DateFormatter& localizedYearFormatter();
   [[nodiscard]] static const DateFormatter& symbolsFormatter();
 
-  /// A day as 32 bits: the year shifted into 23 of them, 4 for the month, 5 for the day. REQUIRES: a day that carries
-  /// its number.
-  [[nodiscard]] static constexpr std::uint32_t packed(const YYYYMMDD& day) {
-    return static_cast<std::uint32_t>((day.y_ + day_number::nearYears) << 9 | day.m_ << 5 | day.d_);
+  /// Whether packed() takes a day: one that carries its number, of years that fit 17 bits.
+  [[nodiscard]] static constexpr bool fitsWord(const YYYYMMDD& day) {
+    return day.carriesNumber() && day.y_ >= -packedYears && day.y_ < packedYears;
   }
+  /// A day as 32 bits: 17 of the year, 4 of the month, 5 of the day, 5 of the days left in its month. REQUIRES:
+  /// fitsWord(day).
+  [[nodiscard]] static constexpr std::uint32_t packed(const YYYYMMDD& day) {
+    return static_cast<std::uint32_t>((day.y_ + packedYears) << 14 | day.m_ << 10 | day.d_ << 5 | day.left_);
+  }
+  /// The day of that word and number.
   [[nodiscard]] static constexpr YYYYMMDDContainer unpacked(std::uint32_t word, std::int32_t number) {
-    return {YYYYMMDD(std::int64_t{word >> 9} - day_number::nearYears, word >> 5 & 15, word & 31, number)};
+    return {YYYYMMDD(std::int64_t{word >> 14} - packedYears, word >> 10 & 15, word >> 5 & 31, number,
+                     static_cast<std::int32_t>(word & 31))};
   }
 
   /// Days of a February, keyed by the month's integer form; other months are a matter of one bit.
@@ -88,11 +100,10 @@ class QZDateTimeCache {
   /// Distance between two days of which one carries no number, keyed by both.
   ThreadCache<DistanceEntry, 64, struct DistanceTag> yyyymmddDistanceCache;
   /// Weekday of a day that carries no number.
-  ThreadCache<DayEntry, 64, struct DayOfWeekTag> yyyymmddDayOfWeekCache;
-  /// The day before the first of a month, keyed by its own number.
-  WordCache<1024> yyyymmddPrevDateCache;
-  /// The day after the last of a month, keyed by its own number.
-  WordCache<1024> yyyymmddNextDateCache;
+  ThreadCache<DayOfWeekEntry, 64, struct DayOfWeekTag> yyyymmddDayOfWeekCache;
+  /// The days before and after a day that carries no number.
+  ThreadCache<StepEntry, 64, struct PrevDateTag> yyyymmddPrevDateCache;
+  ThreadCache<StepEntry, 64, struct NextDateTag> yyyymmddNextDateCache;
   /// The moment at which a date shows a time of day in a zone.
   ThreadCache<DateAtEntry, 1024, struct DateAtTag> yyyymmddDateAtCache;
   /// A day plus a number of days, keyed by the number of the day reached: all sums that lead to a day share its slot.
@@ -122,6 +133,8 @@ class QZDateTimeCache {
   EveryDayCache everyDayCache;
 
  private:
+  static constexpr std::int64_t packedYears = 1 << 16;
+
   constexpr QZDateTimeCache() = default;
 
   static QZDateTimeCache shared_;

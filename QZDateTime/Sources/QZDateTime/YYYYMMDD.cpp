@@ -16,7 +16,8 @@ std::size_t slotHash(const YYYYMMDD& day) { return std::hash<YYYYMMDD>()(day) * 
 YYYYMMDD YYYYMMDD::fromDayNumber(std::int64_t number) {
   if (day_number::isNearNumber(number)) {
     const day_number::Civil civil = day_number::nearCivil(number);
-    return YYYYMMDD(civil.y, civil.m, civil.d, static_cast<std::int32_t>(number));
+    const std::int64_t left = day_number::lengthOfMonth(civil.y, civil.m) - civil.d;
+    return YYYYMMDD(civil.y, civil.m, civil.d, static_cast<std::int32_t>(number), static_cast<std::int32_t>(left));
   }
   const day_number::Civil civil = day_number::anyCivil(number);
   return YYYYMMDD(civil.y, civil.m, civil.d);
@@ -28,22 +29,21 @@ YYYYMMDD YYYYMMDD::addUsingCalendar(const Calendar& calendar, std::int64_t numDa
   return calendar.add(*this, numDays);
 }
 
-YYYYMMDD YYYYMMDD::nextDayBeyondMonth() const {
-  if (number_ == noNumber) return nextDayUsingCalendar();
+YYYYMMDD YYYYMMDD::farNextDay() const {
   auto& cache = QZDateTimeCache::shared().yyyymmddNextDateCache;
-  if (const auto word = cache.find(number_)) return QZDateTimeCache::unpacked(*word, number_ + 1).yyyymmdd;
-  const YYYYMMDD day = nextDayUsingCalendar();
-  if (day.number_ != noNumber) cache.store(number_, QZDateTimeCache::packed(day));
-  return day;
+  const std::size_t hash = slotHash(*this);
+  const auto* entry = cache.find(hash);
+  if (entry != nullptr && entry->day == *this) return entry->container.yyyymmdd;
+  return cache.store(hash, {*this, {nextDayUsingCalendar()}}).container.yyyymmdd;
 }
 
-YYYYMMDD YYYYMMDD::previousDayBeyondMonth() const {
-  if (number_ == noNumber) return fromDayNumber(checkedSubtract<std::int64_t>(dayNumber(), 1));
+YYYYMMDD YYYYMMDD::farPreviousDay() const {
   auto& cache = QZDateTimeCache::shared().yyyymmddPrevDateCache;
-  if (const auto word = cache.find(number_)) return QZDateTimeCache::unpacked(*word, number_ - 1).yyyymmdd;
-  const YYYYMMDD day = fromDayNumber(std::int64_t{number_} - 1);
-  if (day.number_ != noNumber) cache.store(number_, QZDateTimeCache::packed(day));
-  return day;
+  const std::size_t hash = slotHash(*this);
+  const auto* entry = cache.find(hash);
+  if (entry != nullptr && entry->day == *this) return entry->container.yyyymmdd;
+  const YYYYMMDD day = fromDayNumber(checkedSubtract<std::int64_t>(dayNumber(), 1));
+  return cache.store(hash, {*this, {day}}).container.yyyymmdd;
 }
 
 YYYYMMDD YYYYMMDD::addBeyondMonth(std::int64_t numDays) const {
@@ -53,7 +53,7 @@ YYYYMMDD YYYYMMDD::addBeyondMonth(std::int64_t numDays) const {
   auto& cache = QZDateTimeCache::shared().yyyymmddAddCache;
   if (const auto word = cache.find(number)) return QZDateTimeCache::unpacked(*word, number).yyyymmdd;
   const YYYYMMDD day = fromDayNumber(sum);
-  cache.store(number, QZDateTimeCache::packed(day));
+  if (QZDateTimeCache::fitsWord(day)) cache.store(number, QZDateTimeCache::packed(day));
   return day;
 }
 
@@ -63,8 +63,7 @@ DayOfWeek YYYYMMDD::farDayOfWeek() const {
   const auto* entry = cache.find(hash);
   if (entry != nullptr && entry->day == *this) return entry->dayOfWeek;
   const DayOfWeek dayOfWeek = DayOfWeek(DayOfWeek::thursday).add(dayNumber());  // 1970-01-01 was a Thursday
-  cache.store(hash, {*this, dayOfWeek});
-  return dayOfWeek;
+  return cache.store(hash, {*this, dayOfWeek}).dayOfWeek;
 }
 
 std::int64_t YYYYMMDD::farDistance(const YYYYMMDD& to) const {
@@ -73,8 +72,7 @@ std::int64_t YYYYMMDD::farDistance(const YYYYMMDD& to) const {
   const auto* entry = cache.find(hash);
   if (entry != nullptr && entry->day == *this && entry->to == to) return entry->distance;
   const std::int64_t distance = checkedSubtract(to.dayNumber(), dayNumber());
-  cache.store(hash, {*this, to, distance});
-  return distance;
+  return cache.store(hash, {*this, to, distance}).distance;
 }
 
 YYYYMMDD YYYYMMDD::startOfWeek(DayOfWeek firstDay) const {

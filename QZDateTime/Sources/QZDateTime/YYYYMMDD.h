@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -59,7 +58,13 @@ class YYYYMMDD {
   }
 
   constexpr YYYYMMDD() = default;
-  constexpr YYYYMMDD(std::int64_t y, std::int64_t m, std::int64_t d) : y_(y), m_(m), d_(d), number_(carried(y, m, d)) {}
+  constexpr YYYYMMDD(std::int64_t y, std::int64_t m, std::int64_t d) : y_(y), m_(m), d_(d) {
+    if (!day_number::isNearYear(y) || m < 1 || m > 12 || d < 1) return;
+    const std::int64_t left = day_number::lengthOfMonth(y, m) - d;
+    if (left < 0) return;
+    left_ = static_cast<std::int32_t>(left);
+    number_ = static_cast<std::int32_t>(day_number::ofNear(y, m, d));
+  }
   /// The day on which a moment falls; the cached form.
   YYYYMMDD(const HHMMSS& startOfDay, Moment date, const TimeZone& timeZone)
       : YYYYMMDD(calculateCached(startOfDay, date, timeZone)) {}
@@ -87,10 +92,10 @@ class YYYYMMDD {
   [[nodiscard]] constexpr std::int64_t rawValue() const { return intValue(); }
 
   /// Whether the calendar has this day.
-  [[nodiscard]] constexpr bool exists() const { return number_ != noNumber || day_number::exists(y_, m_, d_); }
+  [[nodiscard]] constexpr bool exists() const { return carriesNumber() || day_number::exists(y_, m_, d_); }
 
   /// Days since 1970-01-01, negative before; traps on overflow.
-  [[nodiscard]] std::int64_t dayNumber() const { return number_ != noNumber ? number_ : day_number::ofAny(y_, m_, d_); }
+  [[nodiscard]] std::int64_t dayNumber() const { return carriesNumber() ? number_ : day_number::ofAny(y_, m_, d_); }
 
   /// Midnight at which the day begins: dateAt(HHMMSS::midnight, timeZone).
   [[nodiscard]] Moment startOfDay(const TimeZone& timeZone) const { return dateAt(HHMMSS::midnight, timeZone); }
@@ -105,32 +110,35 @@ class YYYYMMDD {
   [[nodiscard]] Moment beginning(const HHMMSS& startOfDay, const TimeZone& timeZone) const;
 
   [[nodiscard]] DayOfWeek dayOfWeek() const {
-    if (number_ != noNumber) [[likely]] {
-      // 1970-01-01 was a Thursday. Numbers carried are above -2^31 + 3, so the sum is a small unsigned one.
+    if (carriesNumber()) [[likely]] {
+      // 1970-01-01 was a Thursday; the shift makes every number that is carried positive.
       return static_cast<DayOfWeek::Case>((static_cast<std::uint32_t>(number_) + weekdayShift) % 7);
     }
-    return farDayOfWeek();
+    return YYYYMMDD(*this).farDayOfWeek();
   }
 
   [[nodiscard]] constexpr YYYYMM yyyymm() const { return YYYYMM(y_, m_); }
 
   [[nodiscard]] YYYYMMDD nextDay() const {
-    if (number_ != noNumber && (d_ < 28 || d_ < day_number::lengthOfMonth(y_, m_))) [[likely]]
-      return YYYYMMDD(y_, m_, d_ + 1, number_ + 1);
-    return YYYYMMDD(*this).nextDayBeyondMonth();  // on a copy, so that a loop can keep its day in registers
+    if (left_ > 0) [[likely]]
+      return YYYYMMDD(y_, m_, d_ + 1, number_ + 1, left_ - 1);
+    if (carriesNumber()) return m_ == 12 ? YYYYMMDD(y_ + 1, 1, 1) : YYYYMMDD(y_, m_ + 1, 1);
+    return YYYYMMDD(*this).farNextDay();  // of a copy, so that a loop can keep its day in registers
   }
   [[nodiscard]] YYYYMMDD previousDay() const {
-    if (number_ != noNumber && d_ > 1) [[likely]]
-      return YYYYMMDD(y_, m_, d_ - 1, number_ - 1);
-    return YYYYMMDD(*this).previousDayBeyondMonth();
+    if (carriesNumber() && d_ > 1) [[likely]]
+      return YYYYMMDD(y_, m_, d_ - 1, number_ - 1, left_ + 1);
+    if (carriesNumber())
+      return m_ == 1 ? YYYYMMDD(y_ - 1, 12, 31) : YYYYMMDD(y_, m_ - 1, day_number::lengthOfMonth(y_, m_ - 1));
+    return YYYYMMDD(*this).farPreviousDay();
   }
 
   /// The day that many days later, earlier when negative: whole days of the calendar, whatever clocks do.
   [[nodiscard]] YYYYMMDD add(std::int64_t numDays) const {
-    // Unsigned, so that a sum below 1 or beyond 64 bits is a large number.
-    const std::uint64_t d = static_cast<std::uint64_t>(d_) + static_cast<std::uint64_t>(numDays);
-    if (number_ != noNumber && d - 1 < 28) [[likely]]
-      return YYYYMMDD(y_, m_, static_cast<std::int64_t>(d), number_ + static_cast<std::int32_t>(numDays));
+    if (carriesNumber() && numDays <= left_ && numDays > -d_) [[likely]] {
+      const auto days = static_cast<std::int32_t>(numDays);
+      return YYYYMMDD(y_, m_, d_ + numDays, number_ + days, left_ - days);
+    }
     return YYYYMMDD(*this).addBeyondMonth(numDays);
   }
 
@@ -142,9 +150,9 @@ class YYYYMMDD {
   /// count: Monday to Wednesday is 2, and 3 with both.
   [[nodiscard]] std::int64_t distance(const YYYYMMDD& to, bool includeThisDay = false) const {
     const std::int64_t extra = includeThisDay ? 1 : 0;
-    if (number_ != noNumber && to.number_ != noNumber) [[likely]]
+    if ((left_ | to.left_) >= 0) [[likely]]  // both carry their number
       return std::int64_t{to.number_} - number_ + extra;
-    return checkedAdd(farDistance(to), extra);
+    return checkedAdd(YYYYMMDD(*this).farDistance(YYYYMMDD(to)), extra);
   }
 
   /// The same as add; with distance it makes days a sequence to stride over.
@@ -182,19 +190,15 @@ class YYYYMMDD {
  private:
   friend class QZDateTimeCache;
 
-  static constexpr std::int32_t noNumber = std::numeric_limits<std::int32_t>::min();
   static constexpr std::uint32_t weekdayShift = 0x8000'0000u + 2;  // 2^31 is 2 more than a multiple of 7, Thursday is 4
 
-  constexpr YYYYMMDD(std::int64_t y, std::int64_t m, std::int64_t d, std::int32_t number)
-      : y_(y), m_(m), d_(d), number_(number) {}
+  constexpr YYYYMMDD(std::int64_t y, std::int64_t m, std::int64_t d, std::int32_t number, std::int32_t left)
+      : y_(y), m_(m), d_(d), number_(number), left_(left) {}
 
-  [[nodiscard]] static constexpr std::int32_t carried(std::int64_t y, std::int64_t m, std::int64_t d) {
-    if (!day_number::isNearYear(y) || !day_number::exists(y, m, d)) return noNumber;
-    return static_cast<std::int32_t>(day_number::ofNear(y, m, d));
-  }
+  [[nodiscard]] constexpr bool carriesNumber() const { return left_ >= 0; }
 
-  [[nodiscard]] YYYYMMDD nextDayBeyondMonth() const;
-  [[nodiscard]] YYYYMMDD previousDayBeyondMonth() const;
+  [[nodiscard]] YYYYMMDD farNextDay() const;
+  [[nodiscard]] YYYYMMDD farPreviousDay() const;
   [[nodiscard]] YYYYMMDD addBeyondMonth(std::int64_t numDays) const;
   [[nodiscard]] DayOfWeek farDayOfWeek() const;
   [[nodiscard]] std::int64_t farDistance(const YYYYMMDD& to) const;
@@ -202,9 +206,11 @@ class YYYYMMDD {
   std::int64_t y_ = 0;
   std::int64_t m_ = 0;
   std::int64_t d_ = 0;
-  // The day's number, carried along because weekday, distance and stepping by it cost less than any look-up. Only a day
-  // that the calendar has, within day_number::nearYears, carries one.
-  std::int32_t number_ = noNumber;
+  // The day's number and the days left in its month, carried along because weekday, distance and stepping by them cost
+  // less than any look-up. Only a day that the calendar has, within day_number::nearYears, carries them; of others the
+  // second is negative.
+  std::int32_t number_ = 0;
+  std::int32_t left_ = -1;
 };
 
 inline constexpr YYYYMMDD YYYYMMDD::emptyValue{};
