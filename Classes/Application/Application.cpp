@@ -17,8 +17,8 @@ Application::~Application() = default;
 qz::YYYYMMDD Application::today() const { return rooms_->calendars.ofDevice().day(rooms_->now()); }
 
 std::vector<HabitSummary> Application::list() {
-  const auto context = rooms_->manager.contextForReading();
-  if (!context) return {};
+  StoreContext* context = rooms_->readingContext();
+  if (context == nullptr) return {};
   struct Place {
     std::int64_t page;
     std::int16_t displayOrder;
@@ -38,16 +38,16 @@ std::vector<HabitSummary> Application::list() {
 }
 
 ProcessReport Application::process() {
-  const auto context = rooms_->manager.contextForReading();
-  if (!context) return {};
+  StoreContext* context = rooms_->readingContext();
+  if (context == nullptr) return {};
   const TaskProcessor::Report report = rooms_->processor.processAllTasks(*context, rooms_->now());
   return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
 }
 
 void Application::processIfDue() noexcept {
   try {
-    const auto context = rooms_->manager.contextForReading();
-    if (context && !context->store().isReadOnly() && rooms_->processor.isDue(*context, rooms_->now()))
+    StoreContext* context = rooms_->readingContext();
+    if (context != nullptr && !context->store().isReadOnly() && rooms_->processor.isDue(*context, rooms_->now()))
       rooms_->processor.processAllTasks(*context, rooms_->now());
   } catch (const std::exception& error) {
     qz::log::warning("The pass after the answer could not be made: {}", error.what());

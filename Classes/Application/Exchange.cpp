@@ -35,8 +35,8 @@ ExportOutcome Application::exportHistory(std::ostream& stream) {
     stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     if (!stream) throw qz::Error("the output cannot be written");
   };
-  const auto context = rooms_->manager.contextForReading();
-  if (!context) {
+  StoreContext* context = rooms_->readingContext();
+  if (context == nullptr) {
     sink(HabitraJSONBackup{}.csvString());
     return {};
   }
@@ -46,8 +46,8 @@ ExportOutcome Application::exportHistory(std::ostream& stream) {
 }
 
 ExportOutcome Application::exportHistory(const std::filesystem::path& file) {
-  const auto context = rooms_->manager.contextForReading();
-  if (!context) {
+  StoreContext* context = rooms_->readingContext();
+  if (context == nullptr) {
     HabitraJSONBackup{}.write(file, HabitraBackupFormat::csv);
     return {};
   }

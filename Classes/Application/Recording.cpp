@@ -1,8 +1,8 @@
 #include <HabitraApp/Rooms.h>
 
-#include <HabitraBackup/StoredPages.h>
-#include <HabitraBackup/UTF8.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZKit/UTF8.h>
 
 #include <fmt/format.h>
 #include <algorithm>
@@ -25,7 +25,7 @@ void checkTitle(const std::string& title) {
   if (title.empty()) throw qz::Error("a habit needs a title");
   if (title.size() > longestTitle)
     throw qz::Error(fmt::format("a title has at most {} bytes, this one {}", longestTitle, title.size()));
-  if (utf8::firstInvalidByte(title)) throw qz::Error("the title is not UTF-8 text");
+  if (qz::utf8::firstInvalidByte(title)) throw qz::Error("the title is not UTF-8 text");
   if (std::any_of(title.begin(), title.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }))
     throw qz::Error("a title is one line without control characters");
 }
@@ -75,8 +75,8 @@ HabitSummary Application::add(std::string_view title) {
 
 std::vector<Marked> Application::mark(std::string_view verb, TaskLogEntryType type,
                                       const std::vector<std::string>& names) {
-  const auto context = rooms_->manager.context();
-  context->beginUnit();
+  if (names.empty()) return {};
+  const auto context = rooms_->contextToChange(names.front());
   std::vector<TaskEntity*> tasks;
   for (const std::string& name : names) {
     TaskEntity& task = rooms_->lookUp(*context, name);
@@ -109,8 +109,7 @@ std::vector<Marked> Application::skip(const std::vector<std::string>& names) {
 }
 
 HabitSummary Application::undo(std::string_view name, std::optional<qz::YYYYMMDD> day) {
-  const auto context = rooms_->manager.context();
-  context->beginUnit();
+  const auto context = rooms_->contextToChange(name);
   TaskEntity& task = rooms_->lookUp(*context, name);
   const qz::Moment now = rooms_->now();
   const TaskCalendar calendar = rooms_->calendars.of(task);

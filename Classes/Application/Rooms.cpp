@@ -1,7 +1,7 @@
 #include <HabitraApp/Rooms.h>
 
 #include <HabitraApp/TaskLookup.h>
-#include <HabitraBackup/StoredPages.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
@@ -23,6 +23,21 @@ Application::Rooms::Rooms(const ApplicationSettings& settings)
       calendars(settings.timeZone, qz::HHMMSS::midnight),
       recorder(calendars, mainQueue),
       processor(calendars, recorder) {}
+
+StoreContext* Application::Rooms::readingContext() {
+  if (!readingContext_)
+    readingContext_ = manager.contextForReading();
+  else
+    readingContext_->refresh();
+  return readingContext_.get();
+}
+
+std::unique_ptr<StoreContext> Application::Rooms::contextToChange(std::string_view name) {
+  auto context = manager.contextForReading();
+  if (!context) (void)lookUpTask({}, name);  // throws
+  context->beginUnit();
+  return context;
+}
 
 HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEntity& task) {
   const TaskAssessment assessment = assess(context, task, calendars, now());

@@ -20,6 +20,14 @@ class Application::Rooms {
 
   [[nodiscard]] qz::Moment now() const { return manager.clock().now(); }
 
+  /// The context of calls that look, kept from one to the next so that a command opens the store once; null when there
+  /// is no store yet.
+  [[nodiscard]] StoreContext* readingContext();
+
+  /// A context to change stored habits in, with the writers' turn taken. Throws TaskNameError for `name` when there is
+  /// no store, since it can then be nobody's.
+  [[nodiscard]] std::unique_ptr<StoreContext> contextToChange(std::string_view name);
+
   /// A habit as it stands now, worked out in memory.
   [[nodiscard]] HabitSummary summarize(StoreContext& context, const TaskEntity& task);
 
@@ -35,6 +43,9 @@ class Application::Rooms {
   qz::MainQueue mainQueue;
   TaskLogRecorder recorder;
   TaskProcessor processor;
+
+ private:
+  std::unique_ptr<StoreContext> readingContext_;
 };
 
 /// The period of the habit that holds a day: by its frequency, or the day itself where that cannot be read.

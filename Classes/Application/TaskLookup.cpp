@@ -1,4 +1,5 @@
 #include <HabitraApp/TaskLookup.h>
+#include <QZKit/UTF8.h>
 
 #include <fmt/format.h>
 #include <algorithm>
@@ -24,21 +25,15 @@ class CaseFolding {
 
   [[nodiscard]] std::u32string fold(std::string_view text) const {
     std::u32string folded;
-    for (std::size_t i = 0; i < text.size();) folded.push_back(lower(decode(text, i)));
+    while (!text.empty()) {
+      const auto next = qz::utf8::firstCharacter(text);
+      folded.push_back(lower(next ? next->value : static_cast<unsigned char>(text.front())));
+      text.remove_prefix(next ? next->length : 1);
+    }
     return folded;
   }
 
  private:
-  static char32_t decode(std::string_view text, std::size_t& i) {
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const unsigned char lead = byte(i++);
-    const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-    if (more == 0 || i + static_cast<std::size_t>(more) > text.size()) return lead;
-    char32_t point = lead & (0x3Fu >> more);
-    for (int k = 0; k < more; ++k) point = point << 6 | (byte(i++) & 0x3Fu);
-    return point;
-  }
-
   [[nodiscard]] char32_t lower(char32_t point) const {
     if (point < 0x80) return point >= U'A' && point <= U'Z' ? point + 32 : point;
     return locale_ == nullptr ? point : static_cast<char32_t>(::towlower_l(static_cast<wint_t>(point), locale_));
@@ -90,6 +85,7 @@ TaskNameError unknown(std::span<const TaskName> tasks, std::string_view name) {
   const std::vector<std::string> near = nearestMatches(name, titles);
   for (std::size_t i = 0; i < near.size(); ++i)
     message += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
+  if (!near.empty()) message += "?";
   return TaskNameError(message);
 }
 

@@ -2,7 +2,7 @@
 #include <fmt/ranges.h>
 #include <HabitraBackup/CSVColumns.h>
 #include <HabitraBackup/CSVError.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <algorithm>
 #include <numeric>
 #include <string>
@@ -38,7 +38,7 @@ bool isSlip(std::string_view name, std::string_view known) {
 std::string listed(std::span<const std::string_view> names) {
   std::vector<std::string> texts;
   for (const std::string_view name : names.first(std::min(names.size(), mostNamesListed))) {
-    texts.push_back(utf8::quoted(name));
+    texts.push_back(qz::utf8::quoted(name));
   }
   if (names.size() > mostNamesListed) texts.emplace_back("...");
   return fmt::format("{}", fmt::join(texts, ", "));
@@ -64,7 +64,7 @@ CSVColumns::CSVColumns(std::size_t line, std::span<const std::string_view> names
       if (!isSlip(name, csvColumnHeaders[index])) continue;
       throw CSVError(
           line, {},
-          fmt::format("unknown column {}, did you mean \"{}\"?", utf8::quoted(name), csvColumnHeaders[index]));
+          fmt::format("unknown column {}, did you mean \"{}\"?", qz::utf8::quoted(name), csvColumnHeaders[index]));
     }
   }
   const std::size_t title = 1;

@@ -3,7 +3,7 @@
 #include <fmt/core.h>
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/CSVReader.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <exception>
 #include <new>
 #include <optional>
@@ -113,7 +113,7 @@ class CSVReader::Parser {
     if (isAfterCR_) refuseLoneCR();
     if (firstEmptyLine_) throw CSVError(*firstEmptyLine_, {}, "the line is empty, which only the end of a file may be");
     unfinished_ = 0;
-    if (const auto bad = utf8::firstInvalidByte(text)) refuse(notText(text[*bad]));
+    if (const auto bad = qz::utf8::firstInvalidByte(text)) refuse(notText(text[*bad]));
     for (const char c : text) lineFeedsInRow_ += c == '\n' ? 1U : 0U;
     text_ += text;
     ends_.push_back(text_.size());
@@ -160,7 +160,7 @@ class CSVReader::Parser {
   // The column that is being read, as a message names it.
   [[nodiscard]] std::string column() const {
     const std::size_t index = ends_.size();
-    if (index < columns_.size() && !columns_[index].empty()) return utf8::printable(columns_[index]);
+    if (index < columns_.size() && !columns_[index].empty()) return qz::utf8::printable(columns_[index]);
     return fmt::format("column {}", index + 1);
   }
 
@@ -169,7 +169,7 @@ class CSVReader::Parser {
   [[noreturn]] void refuseQuoting(char found) const {
     if (csv_error(&csv_) != CSV_EPARSE) throw std::bad_alloc();
     refuse(found == '"' ? "a quote inside a field that does not begin with one"
-                        : utf8::quoted({&found, 1}) + " after the quote that closes the field");
+                        : qz::utf8::quoted({&found, 1}) + " after the quote that closes the field");
   }
 
   [[noreturn]] void refuseLoneCR() const {

@@ -1,6 +1,6 @@
 #include <csv.h>
 #include <HabitraBackup/CSVWriter.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <array>
 #include <cstdint>
 
@@ -37,7 +37,7 @@ Needs needsOf(std::string_view text) {
 }
 
 bool isWritable(std::string_view text) {
-  return text.find('\0') == std::string_view::npos && !utf8::firstInvalidByte(text);
+  return text.find('\0') == std::string_view::npos && !qz::utf8::firstInvalidByte(text);
 }
 
 void appendQuoted(std::string& buffer, std::string_view text) {
@@ -51,7 +51,7 @@ void appendQuoted(std::string& buffer, std::string_view text) {
 void CSVWriter::field(std::string_view text) {
   const Needs needs = needsOf(text);
   if (needs.check && !isWritable(text)) {
-    field(utf8::repaired(text));
+    field(qz::utf8::repaired(text));
     return;
   }
   if (isRowBegun_) buffer_ += ',';

@@ -4,7 +4,7 @@
 #include <HabitraBackup/HabitraBackup.h>
 #include <HabitraBackup/HabitraCSVImport.h>
 #include <HabitraBackup/TaskDataExchangeError.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
@@ -32,7 +32,7 @@ HabitraJSONBackup load(const ByteSource& source, const std::string& name, qz::Mo
 
 std::string shown(std::string_view name) {
   constexpr std::size_t longestPath = 4096;  // the system's own limit: a name that can be opened is shown whole
-  return utf8::printable(name, longestPath);
+  return qz::utf8::printable(name, longestPath);
 }
 
 class InputFile {

@@ -2,7 +2,7 @@
 
 #include <HabitraBackup/HabitraCSVBackupEntryType.h>
 #include <HabitraBackup/HabitraJSONBackupVisualRepresentation.h>
-#include <HabitraBackup/TaskPageNumber.h>
+#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Clock.h>
 

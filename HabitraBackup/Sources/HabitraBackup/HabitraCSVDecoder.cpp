@@ -2,7 +2,7 @@
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/CSVReader.h>
 #include <HabitraBackup/HabitraCSVCoder.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <QZDateTime/ISO8601.h>
 #include <algorithm>
 #include <charconv>
@@ -73,7 +73,7 @@ class RowDecoder final : public CSVReader::Handler {
   }
 
   [[noreturn]] void refuse(std::size_t column, std::string_view problem) const {
-    throw CSVError(line_, csvColumnHeaders[column], utf8::quoted(field(column)) + std::string(problem));
+    throw CSVError(line_, csvColumnHeaders[column], qz::utf8::quoted(field(column)) + std::string(problem));
   }
 
   [[nodiscard]] std::optional<HabitraCSVBackupEntryType> entryType(std::size_t column) const {

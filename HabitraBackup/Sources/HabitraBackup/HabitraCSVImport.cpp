@@ -1,7 +1,7 @@
 #include <fmt/core.h>
 #include <fmt/ranges.h>
 #include <HabitraBackup/HabitraCSVImport.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <map>
 #include <utility>
 
@@ -20,7 +20,7 @@ std::shared_ptr<HabitraCSVImportTask> firstSeen(const HabitraCSVBackupRow& row) 
 
 std::string described(const HabitraCSVImport::Tasks& tasks) {
   std::map<std::string, std::size_t> sorted;
-  for (const auto& [key, task] : tasks) sorted.emplace(utf8::quoted(key), task->entries.size());
+  for (const auto& [key, task] : tasks) sorted.emplace(qz::utf8::quoted(key), task->entries.size());
   std::vector<std::string> texts;
   for (const auto& [key, count] : sorted) texts.push_back(fmt::format("{}: {} entries", key, count));
   return fmt::format("[{}]", fmt::join(texts, ", "));

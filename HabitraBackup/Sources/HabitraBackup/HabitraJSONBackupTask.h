@@ -1,7 +1,7 @@
 #pragma once
 
 #include <HabitraBackup/HabitraJSONBackupVisualRepresentation.h>
-#include <HabitraBackup/TaskPageNumber.h>
+#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <HabitraCore/TaskFrequencyPeriodType.h>
 #include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/YYYYMMDD.h>

@@ -1,5 +1,5 @@
 #include <HabitraBackup/ReplacementFile.h>
-#include <HabitraBackup/StoredPages.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraBackup/TaskDataExporter.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

@@ -1,5 +1,5 @@
 #include <HabitraBackup/LogImport.h>
-#include <HabitraBackup/StoredPages.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraBackup/TaskDataImporter.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

@@ -1,12 +1,14 @@
+#include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
+#include <unistd.h>
 #include <algorithm>
 #include <atomic>
-#include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/string_generator.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <cstring>
+#include <random>
 #include <stdexcept>
 
 namespace qz {
@@ -25,6 +27,17 @@ std::uint64_t nextTick(Moment now) {
   return tick;
 }
 
+/// An engine per thread, seeded once by the system: an import draws a million times, a command once.
+std::uint64_t randomBits() {
+  thread_local std::mt19937_64 engine = [] {
+    std::array<std::uint32_t, 8> entropy{};
+    require(::getentropy(entropy.data(), sizeof entropy) == 0, "the system gives random bits");
+    std::seed_seq seed(entropy.begin(), entropy.end());
+    return std::mt19937_64(seed);
+  }();
+  return engine();
+}
+
 /// The places of the hyphens in the text form. The library's parser takes other forms, too (braces, no hyphens).
 bool hasTheTextForm(std::string_view text) {
   return text.size() == UniqueID::textLength && text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-';
@@ -39,13 +52,15 @@ UniqueID::Bytes bytesOf(const boost::uuids::uuid& uuid) {
 }  // namespace
 
 UniqueID UniqueID::generate(Moment now) {
-  // Random bits come from a generator per thread, seeded by the system; version 4 already sets the variant.
-  thread_local boost::uuids::random_generator_mt19937 random;
-  Bytes bytes = bytesOf(random());
-  // RFC 9562, version 7: 48 bits of milliseconds, 4 bits of version, 12 bits of count, then the random rest.
+  // RFC 9562, version 7: 48 bits of milliseconds, 4 bits of version, 12 bits of count, 2 bits of variant, 62 random.
   const std::uint64_t tick = nextTick(now);
   const std::uint64_t high = ((tick >> 12) << 16) | 0x7000u | (tick & 0xFFFu);
-  for (std::size_t i = 0; i < 8; ++i) bytes[i] = static_cast<std::uint8_t>(high >> (56 - 8 * i));
+  const std::uint64_t low = (randomBits() & 0x3FFF'FFFF'FFFF'FFFFu) | 0x8000'0000'0000'0000u;
+  Bytes bytes{};
+  for (std::size_t i = 0; i < 8; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(high >> (56 - 8 * i));
+    bytes[8 + i] = static_cast<std::uint8_t>(low >> (56 - 8 * i));
+  }
   return UniqueID(bytes);
 }
 

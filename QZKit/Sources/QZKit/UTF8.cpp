@@ -1,10 +1,10 @@
 #include <fmt/core.h>
-#include <HabitraBackup/UTF8.h>
+#include <QZKit/UTF8.h>
 #include <array>
 #include <cstdint>
 #include <cstring>
 
-namespace habitra::utf8 {
+namespace qz::utf8 {
 
 namespace {
 
@@ -103,4 +103,4 @@ std::string printable(std::string_view text, std::size_t longest) {
 
 std::string quoted(std::string_view text) { return "\"" + printable(text) + "\""; }
 
-}  // namespace habitra::utf8
+}  // namespace qz::utf8

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/TaskPageNumber.h>
+#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <HabitraModel/Store/ObjectID.h>
 
 #include <cstdint>

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// The little that the exchange formats need to know about UTF-8. Pure functions, safe from any thread.
-namespace habitra::utf8 {
+/// The little that has to be known about UTF-8 where text comes in or is shown. Pure functions, safe from any thread.
+namespace qz::utf8 {
 
 /// One character of a text.
 struct Character {
@@ -31,4 +31,4 @@ struct Character {
 /// The same in double quotes.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-}  // namespace habitra::utf8
+}  // namespace qz::utf8

@@ -1,5 +1,5 @@
 #include <fmt/core.h>
-#include <HabitraBackup/StoredPages.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <algorithm>
 #include <limits>
