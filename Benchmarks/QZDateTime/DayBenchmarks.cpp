@@ -181,23 +181,61 @@ void addWeeksWideUncached(benchmark::State& state) {
   addWide(state, [&](const YYYYMMDD& day) { return day.addUsingCalendar(calendar, 7); });
 }
 
-template <typename Length>
-void lengths(benchmark::State& state, Length lengthOf) {
+/// Days that no calendar has, as stored integers may hold them: these do go through the cache.
+const std::vector<YYYYMMDD>& oddDays() {
+  static const std::vector<YYYYMMDD> result = [] {
+    std::vector<YYYYMMDD> list;
+    for (std::int64_t y = 2001; y <= 2020; ++y) list.emplace_back(y, 2, 30);
+    return list;
+  }();
+  return result;
+}
+
+template <typename Call>
+void eachOddDay(benchmark::State& state, Call call) {
+  const auto& list = oddDays();
   for (auto _ : state)
-    for (std::int64_t y = 1990; y < 2040; ++y)
-      for (std::int64_t m = 1; m <= 12; ++m) keep(lengthOf(YYYYMM(y, m)));
-  finish(state, 50 * 12);
+    for (const YYYYMMDD& day : list) keep(call(day));
+  finish(state, static_cast<std::int64_t>(list.size()));
 }
 
-void daysInMonth(benchmark::State& state) {
-  lengths(state, [](const YYYYMM& month) { return month.numberOfDays(); });
+void oddNextDay(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) { return day.nextDay(); });
 }
 
-void daysInMonthUncached(benchmark::State& state) {
-  lengths(state, [](const YYYYMM& month) {
-    return day_number::ofNear(month.y() + month.m() / 12, month.m() % 12 + 1, 1) -
-           day_number::ofNear(month.y(), month.m(), 1);
+void oddNextDayUncached(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) { return day.nextDayUsingCalendar(); });
+}
+
+void oddWeekday(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) { return day.dayOfWeek().rawValue(); });
+}
+
+void oddWeekdayUncached(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) {
+    return DayOfWeek(DayOfWeek::thursday).add(day_number::ofAny(day.y(), day.m(), day.d())).rawValue();
   });
+}
+
+void oddDistance(benchmark::State& state) {
+  const YYYYMMDD& first = oddDays().front();
+  eachOddDay(state, [&](const YYYYMMDD& day) { return first.distance(day); });
+}
+
+void oddDistanceUncached(benchmark::State& state) {
+  const YYYYMMDD& first = oddDays().front();
+  eachOddDay(state, [&](const YYYYMMDD& day) {
+    return checkedSubtract(day_number::ofAny(day.y(), day.m(), day.d()),
+                           day_number::ofAny(first.y(), first.m(), first.d()));
+  });
+}
+
+void oddDaysInMonth(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) { return YYYYMM(day.y(), day.m() + 12).numberOfDays(); });
+}
+
+void oddDaysInMonthUncached(benchmark::State& state) {
+  eachOddDay(state, [](const YYYYMMDD& day) { return YYYYMM(day.y(), day.m() + 12).add(0).numberOfDays(); });
 }
 
 BENCHMARK(stepNumbers);
@@ -215,8 +253,14 @@ BENCHMARK(addDays);
 BENCHMARK(addDaysUncached);
 BENCHMARK(addWeeksWide);
 BENCHMARK(addWeeksWideUncached);
-BENCHMARK(daysInMonth);
-BENCHMARK(daysInMonthUncached);
+BENCHMARK(oddNextDay);
+BENCHMARK(oddNextDayUncached);
+BENCHMARK(oddWeekday);
+BENCHMARK(oddWeekdayUncached);
+BENCHMARK(oddDistance);
+BENCHMARK(oddDistanceUncached);
+BENCHMARK(oddDaysInMonth);
+BENCHMARK(oddDaysInMonthUncached);
 
 }  // namespace
 }  // namespace qz

@@ -145,7 +145,10 @@ const std::vector<Ratio>& ratios() {
       {"distance / uncached", "distance", "distanceUncached", 1},
       {"adding days / uncached", "addDays", "addDaysUncached", 1},
       {"adding weeks through 400 years / uncached", "addWeeksWide", "addWeeksWideUncached", 1},
-      {"days of a month / uncached", "daysInMonth", "daysInMonthUncached", 1},
+      {"day after an odd day / uncached", "oddNextDay", "oddNextDayUncached", 1},
+      {"weekday of an odd day / uncached", "oddWeekday", "oddWeekdayUncached", 1},
+      {"distance of odd days / uncached", "oddDistance", "oddDistanceUncached", 1},
+      {"days of an odd month / uncached", "oddDaysInMonth", "oddDaysInMonthUncached", 1},
       {"moment of a day / uncached", "dateAt", "dateAtUncached", 1},
   };
   return result;

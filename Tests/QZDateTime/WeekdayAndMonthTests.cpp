@@ -94,6 +94,11 @@ TEST(Months, EdgesOfTheIntegerForm) {
     EXPECT_FALSE(YYYYMM::fromRawValue(none));
   EXPECT_EQ(YYYYMM(1900, 2).numberOfDays(), 28);
   EXPECT_EQ(YYYYMM(2000, 2).numberOfDays(), 29);
+  for (int pass = 0; pass < 2; ++pass) {  // computed, then remembered; two months of the same integer form apart
+    EXPECT_EQ(YYYYMM(2023, 14).numberOfDays(), 29);
+    EXPECT_EQ(YYYYMM(2022, 114).numberOfDays(), 30);
+    EXPECT_EQ(YYYYMM(2024, -10).numberOfDays(), 28);
+  }
   EXPECT_EQ(YYYYMM(2023, 14).lastDay(), YYYYMMDD(2024, 2, 29));
   EXPECT_EQ(YYYYMM(2024, 0).firstDay(), YYYYMMDD(2023, 12, 1));
   EXPECT_EQ(YYYYMM(33, 4).debugDescription(), "0033-04");

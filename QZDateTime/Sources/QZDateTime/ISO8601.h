@@ -8,8 +8,10 @@
 
 /// Moments as text: "2024-01-31T08:15:00Z".
 ///
-///   date-time = YYYY "-" MM "-" DD ("T" / "t" / " ") hh ":" mm ":" ss ["." 1*DIGIT] ("Z" / "z" / ("+" / "-") hh ":"
-///   mm)
+///   date-time = date ("T" / "t" / " ") time offset
+///   date      = YYYY "-" MM "-" DD
+///   time      = hh ":" mm ":" ss ["." 1*DIGIT]
+///   offset    = "Z" / "z" / ("+" / "-") hh ":" mm
 ///
 /// Any date-time of RFC 3339 is read. All functions are pure and safe from any thread.
 namespace qz {

@@ -31,8 +31,8 @@ struct DayOfWeekContainer {
 /// What is *not* asked of it: a usual day (one the calendar has, within four million years) carries its number. Its
 /// weekday, its neighbours, its distance to another and sums inside its month cost between one and five cycles, and
 /// every look-up costs more, hash and comparison alone. So these never come here, and the fields serve what is left:
-/// sums that leave their month, days beyond those years or that no calendar has, Februaries, and above all the way
-/// between moments and days, which reads zone rules.
+/// sums that leave their month, days beyond those years or that no calendar has, months outside 1 to 12, and above all
+/// the way between moments and days, which reads zone rules.
 class QZDateTimeCache {
  public:
   struct DayOfWeekEntry {
@@ -95,7 +95,8 @@ class QZDateTimeCache {
                      static_cast<std::int32_t>(word & 31))};
   }
 
-  /// Days of a February, keyed by the month's integer form; other months are a matter of one bit.
+  /// Days of a month outside 1 to 12, as a stored integer may hold it, keyed by its integer form. Those of a usual month
+  /// are a matter of some bits.
   WordCache<256> yyyymmDaysInMonthCache;
   /// Distance between two days of which one carries no number, keyed by both.
   ThreadCache<DistanceEntry, 64, struct DistanceTag> yyyymmddDistanceCache;

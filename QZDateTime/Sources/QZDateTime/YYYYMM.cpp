@@ -23,17 +23,6 @@ YYYYMM rolledOver(const YYYYMM& month) {
   return month.m() >= 1 && month.m() <= 12 ? month : ofMonthNumber(monthNumber(month));
 }
 
-std::int64_t lengthOfFebruary(std::int64_t y) {
-  if ((y & 3) != 0) return 28;
-  if (!day_number::isNearYear(y)) return day_number::lengthOfMonth(y, 2);
-  auto& cache = QZDateTimeCache::shared().yyyymmDaysInMonthCache;
-  const auto key = static_cast<std::int32_t>(y * 100 + 2);
-  if (const auto days = cache.find(key)) return *days;
-  const std::int64_t days = day_number::lengthOfMonth(y, 2);
-  cache.store(key, static_cast<std::uint32_t>(days));
-  return days;
-}
-
 }  // namespace
 
 std::optional<YYYYMM> YYYYMM::fromRawValue(std::int64_t rawValue) {
@@ -54,9 +43,15 @@ YYYYMMDD YYYYMM::lastDay() const {
   return YYYYMMDD(month.y_, month.m_, month.numberOfDays());
 }
 
-std::int64_t YYYYMM::numberOfDays() const {
-  const YYYYMM month = rolledOver(*this);
-  return month.m_ == 2 ? lengthOfFebruary(month.y_) : day_number::lengthOfMonth(month.y_, month.m_);
+std::int64_t YYYYMM::numberOfDaysRolledOver() const {
+  // The integer form is a month's own only below 100, and fits 32 bits only for some millions of years.
+  const bool fitsWord = m_ >= 0 && m_ < 100 && day_number::isNearYear(y_);
+  auto& cache = QZDateTimeCache::shared().yyyymmDaysInMonthCache;
+  const auto key = fitsWord ? static_cast<std::int32_t>(intValue()) : cache.noKey;
+  if (const auto days = cache.find(key); days && fitsWord) return *days;
+  const std::int64_t days = rolledOver(*this).numberOfDays();
+  if (fitsWord) cache.store(key, static_cast<std::uint32_t>(days));
+  return days;
 }
 
 YYYYMM YYYYMM::add(std::int64_t numMonths) const { return ofMonthNumber(checkedAdd(monthNumber(*this), numMonths)); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QZDateTime/DayNumber.h>
 #include <QZDateTime/DayOfWeek.h>
 
 #include <compare>
@@ -36,7 +37,11 @@ class YYYYMM {
   [[nodiscard]] YYYYMMDD firstDay() const;
   [[nodiscard]] YYYYMMDD lastDay() const;
   /// 28 to 31.
-  [[nodiscard]] std::int64_t numberOfDays() const;
+  [[nodiscard]] std::int64_t numberOfDays() const {
+    if (m_ >= 1 && m_ <= 12) [[likely]]
+      return day_number::lengthOfMonth(y_, m_);
+    return numberOfDaysRolledOver();
+  }
 
   [[nodiscard]] YYYYMM add(std::int64_t numMonths) const;
   [[nodiscard]] YYYYMM nextMonth() const { return add(1); }
@@ -66,6 +71,8 @@ class YYYYMM {
   friend auto operator<=>(const YYYYMM&, const YYYYMM&) = default;
 
  private:
+  [[nodiscard]] std::int64_t numberOfDaysRolledOver() const;
+
   std::int64_t y_;
   std::int64_t m_;
 };
