@@ -95,8 +95,8 @@ class QZDateTimeCache {
                      static_cast<std::int32_t>(word & 31))};
   }
 
-  /// Days of a month outside 1 to 12, as a stored integer may hold it, keyed by its integer form. Those of a usual month
-  /// are a matter of some bits.
+  /// Days of a month outside 1 to 12, as a stored integer may hold it, keyed by its integer form. Those of a usual
+  /// month are a matter of some bits.
   WordCache<256> yyyymmDaysInMonthCache;
   /// Distance between two days of which one carries no number, keyed by both.
   ThreadCache<DistanceEntry, 64, struct DistanceTag> yyyymmddDistanceCache;
