@@ -21,8 +21,8 @@ class MainQueue {
   /// Appends a task and returns at once.
   void async(Task task);
 
-  /// Runs what is queued, and what that queues in turn, until nothing is left. An exception of a task reaches the caller;
-  /// the tasks behind it stay queued.
+  /// Runs what is queued, and what that queues in turn, until nothing is left. An exception of a task reaches the
+  /// caller; the tasks behind it stay queued.
   void drain();
 
  private:

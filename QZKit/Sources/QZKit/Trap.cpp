@@ -34,7 +34,7 @@ class Line {
 
 }  // namespace
 
-void trap(std::string_view what, std::string_view value, std::source_location place) noexcept {
+void trap(std::string_view what, std::string_view value, Place place) noexcept {
   Line line;
   line.append("habitra: stopped: ");
   line.append(what);
@@ -43,16 +43,16 @@ void trap(std::string_view what, std::string_view value, std::source_location pl
     line.append(value);
     line.append(")");
   }
-  const std::string_view path = place.file_name();
+  const std::string_view path = place.file;
   line.append(" at ");
   line.append(path.substr(path.rfind('/') + 1));
   line.append(":");
-  line.append(std::uint64_t{place.line()});
+  line.append(std::uint64_t{place.line});
   line.writeToStandardError();
   std::abort();
 }
 
-void trap(std::string_view what, std::int64_t value, std::source_location place) noexcept {
+void trap(std::string_view what, std::int64_t value, Place place) noexcept {
   std::array<char, 24> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
   trap(what, std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())), place);
