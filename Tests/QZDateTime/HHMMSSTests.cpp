@@ -91,6 +91,21 @@ TEST(HHMMSS, OccurrencesFallOnceOnEveryDateThatAZoneHas) {
             (std::vector<std::string>{"1919-03-31T04:30:00Z", "1919-04-01T03:45:00Z"}));
 }
 
+TEST(HHMMSS, OccurrencesAtBothEndsOfTime) {
+  using std::chrono::days;
+  for (const char* name : {"UTC", "Pacific/Apia", "Pacific/Kiritimati"}) {
+    const TimeZone zone = TimeZone::fromIdentifier(name).value();
+    for (const HHMMSS& time : {HHMMSS(0, 0), HHMMSS(8, 0), HHMMSS(23, 59, 59)}) {
+      for (const auto& [from, to] :
+           {std::pair{Moment::min(), Moment::min() + days(20)}, std::pair{Moment::max() - days(20), Moment::max()}}) {
+        const std::vector<Moment> found = time.occurrences(from, to, zone);
+        EXPECT_GE(found.size(), 16u) << name;
+        for (const Moment date : found) EXPECT_TRUE(from <= date && date < to && HHMMSS::now(zone, date) == time);
+      }
+    }
+  }
+}
+
 RC_GTEST_PROP(HHMMSS, OccurrencesOfASpanAreThoseOfItsParts, ()) {
   const TimeZone zone = TimeZone::fromIdentifier("Australia/Lord_Howe").value();
   const HHMMSS time = anyTime();

@@ -63,8 +63,16 @@ std::string anyZone() {
       "Pacific/Kwajalein", "Antarctica/Troll", "Asia/Gaza", "Etc/GMT+12", "UTC"});
 }
 
-/// Often around a change of clocks: every hour counts there.
-std::int64_t anySeconds() { return between(-2'500'000'000, 4'500'000'000); }
+/// Mostly of the years that people live in and zone files list, often far outside: around 2400 to 2500, where the lists
+/// of changes that are derived from the files end; around 9000; and back to the year 1.
+std::int64_t anySeconds() {
+  return *rc::gen::weightedOneOf<std::int64_t>({
+      {4, rc::gen::inRange<std::int64_t>(-2'500'000'000, 4'500'000'000)},
+      {2, rc::gen::inRange<std::int64_t>(13'500'000'000, 16'800'000'000)},
+      {1, rc::gen::inRange<std::int64_t>(220'000'000'000, 225'000'000'000)},
+      {1, rc::gen::inRange<std::int64_t>(-62'000'000'000, -2'500'000'000)},
+  });
+}
 
 RC_GTEST_PROP(DayOfAMoment, IsWhatTheWallClockSays, ()) {
   const std::string identifier = anyZone();
@@ -120,6 +128,34 @@ RC_GTEST_PROP(DateAt, LiesOnItsDayWhereverClocksDoNotJump, ()) {
   const Moment beginning = day.beginning(startOfDay, timeZone);
   RC_ASSERT(YYYYMMDD(startOfDay, beginning, timeZone) == day);
   RC_ASSERT(YYYYMMDD(startOfDay, beginning - Moment::duration(1), timeZone) == day.previousDay());
+}
+
+RC_GTEST_PROP(DayOfAMoment, IsTheSameFromTheCacheThroughSummerAndWinter, ()) {
+  const TimeZone timeZone = zone(anyZone());
+  const std::int64_t base = *rc::gen::oneOf(
+      rc::gen::exec(anySeconds), rc::gen::exec([] { return between(-9'000'000'000'000, 9'000'000'000'000); }));
+  const Moment first{std::chrono::seconds(base)};
+  // Days begin at that time of day, so that an offset that is an hour off shows.
+  const HHMMSS startOfDay = HHMMSS::now(timeZone, first);
+  for (int day = 0; day < 800; day += 9) {
+    for (const int ticks : {0, -1}) {
+      const Moment date = first + std::chrono::days(day) + Moment::duration(ticks);
+      RC_ASSERT(YYYYMMDD::calculateCached(startOfDay, date, timeZone) ==
+                YYYYMMDD::calculateUncached(startOfDay, date, timeZone));
+    }
+  }
+}
+
+TEST(DayOfAMoment, RulesGoOnBehindTheLastChangeThatIsListed) {
+  const TimeZone berlin = zone("Europe/Berlin");
+  for (const int year : {2199, 2200, 2437, 2438, 2474, 2837, 9999, 60'000}) {
+    for (const auto& [month, offset] : {std::pair{7, 2}, std::pair{1, 1}, std::pair{6, 2}, std::pair{12, 1}}) {
+      const YYYYMMDD day(year, month, 15);
+      const Moment midnight = Moment(std::chrono::days(day.dayNumber())) - std::chrono::hours(offset);
+      EXPECT_EQ(YYYYMMDD(HHMMSS(), midnight, berlin), day);
+      EXPECT_EQ(YYYYMMDD(HHMMSS(), midnight - Moment::duration(1), berlin), day.previousDay());
+    }
+  }
 }
 
 TEST(DayOfAMoment, StartsOfDayOnBothSidesOfMidday) {

@@ -1,5 +1,6 @@
 #include <QZDateTime/Calendar.h>
 #include <QZDateTime/HHMMSS.h>
+#include <QZDateTime/ZoneRules.h>
 #include <QZKit/Checked.h>
 
 #include <algorithm>
@@ -28,6 +29,13 @@ std::optional<Moment> occurrenceOn(const YYYYMMDD& day, const HHMMSS& time, cons
   const Moment first = calendar.date(day, HHMMSS::midnight);
   if (calendar.components(first).date != day) return std::nullopt;
   return date;
+}
+
+/// The first day whose occurrence can be at or after a moment: the day before, for its occurrence can lie beyond
+/// midnight when clocks jump across it.
+YYYYMMDD firstDayToTry(Moment from, const Calendar& calendar) {
+  const std::int64_t dayBefore = calendar.components(from).date.dayNumber() - 1;
+  return YYYYMMDD::fromDayNumber(std::max(dayBefore, -ZoneRules::momentDays));
 }
 
 }  // namespace
@@ -62,8 +70,7 @@ HHMMSS HHMMSS::roundToNearestInterval(std::chrono::seconds duration) const {
 
 Moment HHMMSS::nextOccurrence(Moment from, const TimeZone& timeZone) const {
   const Calendar calendar(timeZone);
-  // From the day before on: its occurrence can lie beyond midnight, when clocks jump across it.
-  for (YYYYMMDD day = calendar.components(from).date.previousDay();; day = day.nextDay()) {
+  for (YYYYMMDD day = firstDayToTry(from, calendar);; day = day.nextDay()) {
     const std::optional<Moment> date = occurrenceOn(day, *this, calendar);
     if (date && *date > from) return *date;
   }
@@ -72,10 +79,13 @@ Moment HHMMSS::nextOccurrence(Moment from, const TimeZone& timeZone) const {
 std::vector<Moment> HHMMSS::occurrences(Moment from, Moment to, const TimeZone& timeZone) const {
   std::vector<Moment> result;
   if (from >= to) return result;
-  // A moment is a microsecond; the one before `from` lets `from` itself be found.
-  for (Moment date = nextOccurrence(from - Moment::duration(1), timeZone); date < to;
-       date = nextOccurrence(date, timeZone))
-    result.push_back(date);
+  const Calendar calendar(timeZone);
+  const YYYYMMDD lastDay = YYYYMMDD::fromDayNumber(ZoneRules::momentDays);
+  for (YYYYMMDD day = firstDayToTry(from, calendar); day <= lastDay; day = day.nextDay()) {
+    const std::optional<Moment> date = occurrenceOn(day, *this, calendar);
+    if (date && *date >= to) break;
+    if (date && *date >= from) result.push_back(*date);
+  }
   return result;
 }
 

@@ -75,10 +75,11 @@ class HHMMSS {
 
   /// The first moment after `from` (never `from` itself) at which the zone's wall clock reaches this time. Once on each
   /// date that the zone has: on a date where clocks jump over it, the first moment after the jump; on one that has it
-  /// twice, the first.
+  /// twice, the first. Traps where there is none left before the end of time.
   [[nodiscard]] Moment nextOccurrence(Moment from, const TimeZone& timeZone) const;
 
-  /// All such moments with from <= moment < to, in order: neighbouring spans share none.
+  /// All such moments with from <= moment < to, in order: neighbouring spans share none. The three days at
+  /// either end of time, of which a Moment cannot tell all of every zone, have none.
   [[nodiscard]] std::vector<Moment> occurrences(Moment from, Moment to, const TimeZone& timeZone) const;
 
   /// The middle one of the times put in order, between two the second half-way, rounded down; none of an empty list.

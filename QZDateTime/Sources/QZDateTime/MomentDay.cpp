@@ -27,8 +27,10 @@ std::size_t slotHash(const TimeZone& timeZone, std::int64_t value) {
 /// How far around a moment an entry reaches at most, so that no sum of its moments leaves their range.
 constexpr std::chrono::days longestReach(36'525);
 
-bool hasRoomAround(Moment date) {
-  return date > Moment::min() + 2 * longestReach && date < Moment::max() - 2 * longestReach;
+/// Whether an entry can serve a moment: it has room around it, and it is known when its offset changes.
+bool isServedByEntries(Moment date) {
+  static_assert(ZoneRules::endOfSpans < Moment::max() - 2 * longestReach);
+  return date > Moment::min() + 2 * longestReach && date < ZoneRules::endOfSpans;
 }
 
 QZDateTimeCache::FromDateEntry entryAround(Moment date, const TimeZone& timeZone) {
@@ -42,7 +44,7 @@ QZDateTimeCache::FromDateEntry entryAround(Moment date, const TimeZone& timeZone
           {YYYYMMDD::fromDayNumber(number)}};
 }
 
-/// The entry that serves a moment, from the cache or new. REQUIRES: hasRoomAround(date).
+/// The entry that serves a moment, from the cache or new. REQUIRES: isServedByEntries(date).
 const QZDateTimeCache::FromDateEntry& entryFor(Moment date, const TimeZone& timeZone) {
   auto& cache = QZDateTimeCache::shared().yyyymmddFromDate;
   // Two slots for 2^43 microseconds, about 100 days: one for the span that reaches into them and one for the span that
@@ -67,7 +69,7 @@ YYYYMMDD YYYYMMDD::calculateUncached(const HHMMSS& startOfDay, Moment date, cons
 }
 
 YYYYMMDD YYYYMMDD::calculateCached(const HHMMSS& startOfDay, Moment date, const TimeZone& timeZone) {
-  if (!hasRoomAround(date)) return calculateUncached(startOfDay, date, timeZone);
+  if (!isServedByEntries(date)) return calculateUncached(startOfDay, date, timeZone);
   const QZDateTimeCache::FromDateEntry& entry = entryFor(date, timeZone);
   const std::int64_t sinceDayBegan = (date - entry.midnight).count() - shiftOf(startOfDay) * microsecondsPerSecond;
   const YYYYMMDD& day = entry.container.yyyymmdd;

@@ -4,6 +4,8 @@
 
 #include <absl/time/civil_time.h>
 
+#include <algorithm>
+
 namespace qz {
 namespace {
 
@@ -11,18 +13,16 @@ absl::Time timeOf(Moment date) { return absl::FromUnixMicros(date.time_since_epo
 
 Moment momentOf(absl::Time time) { return Moment(std::chrono::microseconds(absl::ToUnixMicros(time))); }
 
-/// Days of which a Moment can tell every second in any zone: 2^63 microseconds, less two days for offsets.
-constexpr std::int64_t momentDays = std::chrono::duration_cast<std::chrono::days>(Moment::duration::max()).count() - 2;
-
 }  // namespace
 
 std::int64_t ZoneRules::offset(Moment date) const { return zone_.At(timeOf(date)).offset; }
 
 ZoneRules::Span ZoneRules::span(Moment date) const {
   const absl::Time time = timeOf(date);
-  Span result{Moment::min(), Moment::max(), zone_.At(time).offset};
+  Span result{Moment::min(), endOfSpans, zone_.At(time).offset};
   absl::TimeZone::CivilTransition change;
-  if (zone_.NextTransition(time, &change)) result.until = momentOf(zone_.At(change.to).trans);
+  if (zone_.NextTransition(time, &change))
+    result.until = std::min<Moment>(momentOf(zone_.At(change.to).trans), endOfSpans);
   // PrevTransition looks strictly before, at whole seconds, and a change at this very second begins the span.
   if (zone_.PrevTransition(time + absl::Seconds(1), &change)) result.from = momentOf(zone_.At(change.to).trans);
   return result;

@@ -7,6 +7,7 @@
 
 #include <absl/time/time.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -31,9 +32,24 @@ class ZoneRules {
     Moment until;
     std::int64_t offset;
   };
+  /// Ends at endOfSpans at the latest. REQUIRES: date < endOfSpans.
   [[nodiscard]] Span span(Moment date) const;
 
-  /// The moment at which clocks show that date and time: the first after a jump over it, the first of two.
+  /// From here on offsets can be asked for, but not where they change. Abseil lists the changes of a zone file and,
+  /// where the file ends in a rule for all later years, those of 400 years more; behind its list it finds offsets by
+  /// the calendar's cycle and knows of no next change. How far a list goes depends on the file (one that leaves out
+  /// what its rule says ends decades earlier), but no zone has its last change before the 19th century, so none ends
+  /// before 2200. A zone without such a rule keeps its last offset for ever. Nor is anything missing in the past:
+  /// before its first change a zone has one offset, to the beginning of time.
+  static constexpr Moment endOfSpans{std::chrono::sys_days(std::chrono::year(2200) / 1 / 1)};
+
+  /// The days, by number, of which a Moment can tell every second in any zone: from -momentDays to momentDays, which is
+  /// 2^63 microseconds, less two days for offsets.
+  static constexpr std::int64_t momentDays =
+      std::chrono::duration_cast<std::chrono::days>(Moment::duration::max()).count() - 2;
+
+  /// The moment at which clocks show that date and time: the first after a jump over it, the first of two. Traps
+  /// outside momentDays.
   [[nodiscard]] Moment date(const YYYYMMDD& day, const HHMMSS& time) const;
 
  private:
