@@ -128,6 +128,36 @@ TEST(FrequencyForms, CodedKeys) {
   EXPECT_THROW(static_cast<void>(unknown.get<TaskFrequency>()), qz::DecodingError);
 }
 
+TEST(FrequencyForms, RefuseValuesOfTheWrongKindAndMissingKeysByName) {
+  const nlohmann::json good = TaskFrequency::everyDay();
+  const auto complaint = [](const nlohmann::json& json) -> std::string {
+    try {
+      static_cast<void>(json.get<TaskFrequency>());
+    } catch (const qz::DecodingError& error) {
+      return error.what();
+    }
+    return {};
+  };
+  for (const auto& [key, value] : good.items()) {
+    nlohmann::json json = good;
+    json.erase(key);
+    EXPECT_EQ(complaint(json), "Unable to read \"" + key + "\": missing");
+    if (key == "days" || key == "dayMode") continue;
+    for (const nlohmann::json& wrong : {nlohmann::json(1.9), nlohmann::json(true), nlohmann::json("1")}) {
+      json[key] = wrong;
+      EXPECT_EQ(complaint(json), "Unable to read \"" + key + "\" from " + wrong.dump());
+    }
+  }
+  for (const char* const wrong :
+       {R"({"dayMode": 0.0})", R"({"dayMode": 18446744073709551615})", R"({"days": {"a": 1}})", R"({"days": [1, 2.5]})",
+        R"({"days": [true]})", R"({"days": 127})"}) {
+    nlohmann::json json = good;
+    json.update(nlohmann::json::parse(wrong));
+    EXPECT_NE(complaint(json), "") << wrong;
+  }
+  EXPECT_NE(complaint(nlohmann::json::array()), "");
+}
+
 TEST(Rules, FingerprintsAreStableAndTellRulesApart) {
   TaskRules rules{.frequency = TaskFrequency::everyDay()};
   // Kept in stores: a new value for the same rules would drop every checkpoint, which only a changed walk may do.

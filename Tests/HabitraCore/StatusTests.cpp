@@ -189,5 +189,46 @@ TEST(CodedForms, RefuseWhatTheyDoNotKnow) {
   }
 }
 
+/// What a reader of T says when the member at `place` is each of `wrong`, and when it is missing.
+template <typename T>
+void expectRefusedByName(const T& value, const std::string& place, const std::vector<nlohmann::json>& wrong) {
+  const nlohmann::json::json_pointer pointer(place);
+  const auto complaint = [&](const nlohmann::json& json) -> std::string {
+    try {
+      static_cast<void>(json.get<T>());
+    } catch (const qz::DecodingError& error) {
+      return error.what();
+    }
+    return "nothing";
+  };
+  const std::string start = "Unable to read \"" + pointer.back() + "\"";
+  nlohmann::json json = value;
+  for (const nlohmann::json& member : wrong) {
+    json[pointer] = member;
+    EXPECT_EQ(complaint(json), start + " from " + member.dump()) << place;
+  }
+  json[pointer.parent_pointer()].erase(pointer.back());
+  EXPECT_EQ(complaint(json), start + ": missing") << place;
+}
+
+TEST(CodedForms, RefuseValuesOfTheWrongKindAndMissingKeysByName) {
+  const std::vector<nlohmann::json> noCounts{1.9, 2.0, true, "1"};
+  const std::vector<nlohmann::json> noShares{true, "0.5"};
+  for (const char* const place : {"/current", "/best"}) expectRefusedByName(StreakStatus(), place, noCounts);
+  for (const char* const place : {"/base/expectedCompletions", "/base/numCompletions"})
+    expectRefusedByName(progressByHand(someWeek(), 3), place, noCounts);
+  for (const char* const place : {"/base/progressPct", "/base/currentCompletionProgressPct"})
+    expectRefusedByName(progressByHand(someWeek(), 1), place, noShares);
+  for (const char* const place :
+       {"/type", "/base", "/base/period", "/base/period/date", "/base/period/period", "/base/period/period/periodType",
+        "/base/period/period/startDate", "/base/period/period/finishDate", "/base/period/period/firstDayOfWeek"})
+    expectRefusedByName(progressByHand(someWeek(), 1), place, {});
+  const CompletionStatus open{everyStatus[0], progressByHand(someWeek(), 1)};
+  for (const char* const place : {"/status", "/status/positiveIncomplete/_0", "/codableProgress"})
+    expectRefusedByName(open, place, {});
+  for (const char* const place : {"/type", "/from", "/to", "/date"})
+    expectRefusedByName(TaskLogEntryPeriod(someWeek()), place, {});
+}
+
 }  // namespace
 }  // namespace habitra

@@ -1,3 +1,4 @@
+#include <QZDateTime/CodedForm.h>
 #include <QZDateTime/DaysOfWeek.h>
 #include <QZDateTime/DecodingError.h>
 #include <QZDateTime/HHMMSS.h>
@@ -5,6 +6,8 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <cmath>
 
 #include "QZDateTime/Printing.h"
 
@@ -42,6 +45,38 @@ TEST(Coding, FormsAreThoseOfTheStore) {
   expectCoded(YYYYMMDD::Range{day, day}, R"({"maxDate":20240131,"minDate":20240131})", YYYYMMDD::Range());
   expectCoded(YYYYMMDD::Range::from(day), R"({"minDate":20240131})", YYYYMMDD::Range::to(day));
   expectCoded(YYYYMMDD::Range(), "{}", YYYYMMDD::Range::to(day));
+  EXPECT_EQ(json::parse(R"({"minDate":null,"maxDate":20240131})").get<YYYYMMDD::Range>(), YYYYMMDD::Range::to(day));
+}
+
+TEST(Coding, MembersAreReadStrictly) {
+  const auto complaint = [](auto read) -> std::string {
+    try {
+      (void)read();
+    } catch (const DecodingError& error) {
+      return error.what();
+    }
+    return {};
+  };
+  const json object = json::parse(R"({"whole":-3,"big":18446744073709551615,"part":1.9,"even":2.0,"yes":true,"no":null,
+                                      "text":"7","list":[1]})");
+  EXPECT_EQ(coded_form::wholeNumber(object, "whole"), -3);
+  EXPECT_EQ(coded_form::number(object, "whole"), -3.0);
+  EXPECT_EQ(coded_form::number(object, "part"), 1.9);
+  EXPECT_EQ(coded_form::list(object, "list").size(), 1u);
+  for (const char* key : {"big", "part", "even", "yes", "text", "list"})
+    EXPECT_EQ(complaint([&] { return coded_form::wholeNumber(object, key); }),
+              "Unable to read \"" + std::string(key) + "\" from " + object[key].dump());
+  for (const char* key : {"yes", "text", "list"})
+    EXPECT_NE(complaint([&] { return coded_form::number(object, key); }), "") << key;
+  EXPECT_EQ(complaint([&] { return coded_form::list(object, "whole"); }), "Unable to read \"whole\" from -3");
+  for (const char* key : {"no", "absent"})
+    EXPECT_EQ(complaint([&] { return coded_form::number(object, key); }),
+              "Unable to read \"" + std::string(key) + "\": missing");
+  EXPECT_EQ(complaint([&] { return coded_form::wholeNumber(object["list"], "0"); }), "Unable to read \"0\": missing");
+  EXPECT_EQ(complaint([&] {
+              return coded_form::number({{"x", std::nan("")}}, "x");
+            }),
+            "Unable to read \"x\" from null");
 }
 
 TEST(Coding, WhatCannotBeFailsWithItsMessage) {
@@ -51,7 +86,7 @@ TEST(Coding, WhatCannotBeFailsWithItsMessage) {
   EXPECT_EQ(failure("18446744073709551615", YYYYMMDD()), "Unable to create YYYYMMDD from 18446744073709551615");
   EXPECT_EQ(failure("\"2024\"", YYYYMMDD()), "Unable to create YYYYMMDD from \"2024\"");
   EXPECT_EQ(failure(R"({"minDate":0})", YYYYMMDD::Range()), "Unable to create YYYYMMDD from 0");
-  EXPECT_EQ(failure(R"({"maxDate":null})", YYYYMMDD::Range()), "Unable to create YYYYMMDD from null");
+  EXPECT_EQ(failure("null", YYYYMMDD::Range()), "Unable to create YYYYMMDD.Range");
   for (const char* text : {"0", "202413", "-1", "null", "2024.01"})
     EXPECT_EQ(failure(text, YYYYMM(1, 1)), "Unable to create YYYYMM") << text;
   for (const char* text : {R"({"h":24,"m":0,"s":0})", R"({"h":0,"m":60,"s":0})", R"({"h":0,"m":0,"s":-1})",

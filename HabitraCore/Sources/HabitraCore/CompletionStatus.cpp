@@ -53,12 +53,13 @@ CompletionStatus::Status decodeStatus(const nlohmann::json& json) {
   using Status = CompletionStatus::Status;
   using Kind = Status::Kind;
   if (!json.is_object() || json.size() != 1)
-    throw qz::DecodingError("Unable to create CompletionStatus from " + json.dump());
+    throw qz::DecodingError("Unable to create CompletionStatus from " + qz::coded_form::text(json));
   const auto member = json.begin();
   const auto kind = fromCaseName<Kind>(member.key());
-  if (!kind) throw qz::DecodingError("Unable to create CompletionStatus from " + json.dump());
+  if (!kind) throw qz::DecodingError("Unable to create CompletionStatus from " + qz::coded_form::text(json));
   const auto skipMode = [&] {
-    return decodeRawValue<TaskFrequency::SkipMode>(member.value().at("_0"), "TaskFrequency.SkipMode");
+    return decodeRawValue<TaskFrequency::SkipMode>(qz::coded_form::member(member.value(), "_0"),
+                                                   "TaskFrequency.SkipMode");
   };
   switch (*kind) {
     case Kind::positiveIncomplete: return Status::positiveIncomplete(skipMode());
@@ -79,8 +80,8 @@ void to_json(nlohmann::json& json, const CompletionStatus& status) {
 }
 
 void from_json(const nlohmann::json& json, CompletionStatus& status) {
-  status.status = decodeStatus(json.at("status"));
-  json.at("codableProgress").get_to(status.codableProgress);
+  status.status = decodeStatus(qz::coded_form::member(json, "status"));
+  qz::coded_form::member(json, "codableProgress").get_to(status.codableProgress);
 }
 
 }  // namespace habitra

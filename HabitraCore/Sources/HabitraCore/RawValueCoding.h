@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraCore/RawValue.h>
+#include <QZDateTime/CodedForm.h>
 #include <QZDateTime/DecodingError.h>
 
 #include <nlohmann/json.hpp>
@@ -22,11 +23,11 @@ template <RawValued E>
   using Raw = decltype(rawValue(E{}));
   std::optional<E> value;
   if constexpr (std::is_integral_v<Raw>) {
-    if (json.is_number_integer()) value = fromRawValue<E>(json.get<std::int64_t>());
+    if (const auto number = qz::coded_form::wholeNumber(json)) value = fromRawValue<E>(*number);
   } else {
     if (json.is_string()) value = fromRawValue<E>(json.get_ref<const std::string&>());
   }
-  if (!value) throw qz::DecodingError("Unable to create " + std::string(what) + " from " + json.dump());
+  if (!value) throw qz::DecodingError("Unable to create " + std::string(what) + " from " + qz::coded_form::text(json));
   return *value;
 }
 

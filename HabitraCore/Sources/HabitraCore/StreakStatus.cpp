@@ -1,4 +1,5 @@
 #include <HabitraCore/StreakStatus.h>
+#include <QZDateTime/CodedForm.h>
 
 #include <algorithm>
 #include <array>
@@ -23,8 +24,8 @@ void to_json(nlohmann::json& json, const StreakStatus& streak) {
 }
 
 void from_json(const nlohmann::json& json, StreakStatus& streak) {
-  json.at("current").get_to(streak.current);
-  json.at("best").get_to(streak.best);
+  streak.current = qz::coded_form::wholeNumber(json, "current");
+  streak.best = qz::coded_form::wholeNumber(json, "best");
 }
 
 }  // namespace habitra

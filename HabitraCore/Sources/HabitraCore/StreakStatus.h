@@ -51,6 +51,7 @@ struct StreakStatus {
 };
 
 void to_json(nlohmann::json& json, const StreakStatus& streak);
+/// Throws qz::DecodingError for a missing key or one whose value is no whole number.
 void from_json(const nlohmann::json& json, StreakStatus& streak);
 
 }  // namespace habitra

@@ -90,17 +90,18 @@ void to_json(nlohmann::json& json, const TaskFrequency& frequency) {
 }
 
 void from_json(const nlohmann::json& json, TaskFrequency& frequency) {
-  frequency.dayMode = decodeRawValue<TaskFrequency::DayMode>(json.at("dayMode"), "TaskFrequency.DayMode");
+  using namespace qz::coded_form;
+  frequency.dayMode = decodeRawValue<TaskFrequency::DayMode>(member(json, "dayMode"), "TaskFrequency.DayMode");
   frequency.days = {};
   qz::DayOfWeek weekday = qz::DayOfWeek::sunday;
-  for (const nlohmann::json& day : json.at("days")) {
+  for (const nlohmann::json& day : list(json, "days")) {
     day.get_to(weekday);
     frequency.days.insert(weekday);
   }
-  frequency.daysOfMonth = DaysOfMonth(json.at("daysOfMonth").get<std::int64_t>());
-  json.at("numPartialCompletions").get_to(frequency.numPartialCompletions);
-  json.at("numCompletions").get_to(frequency.numCompletions);
-  json.at("dayInterval").get_to(frequency.dayInterval);
+  frequency.daysOfMonth = DaysOfMonth(wholeNumber(json, "daysOfMonth"));
+  frequency.numPartialCompletions = wholeNumber(json, "numPartialCompletions");
+  frequency.numCompletions = wholeNumber(json, "numCompletions");
+  frequency.dayInterval = wholeNumber(json, "dayInterval");
 }
 
 }  // namespace habitra

@@ -123,8 +123,9 @@ struct RawValueTable<TaskFrequency::SkipMode> {
   }};
 };
 
-/// Decoding an unknown raw value, a missing key or a value of the wrong kind throws.
 void to_json(nlohmann::json& json, const TaskFrequency& frequency);
+/// Throws qz::DecodingError for an unknown raw value, a missing key or a value of the wrong kind: 1.9 and true are no
+/// counts.
 void from_json(const nlohmann::json& json, TaskFrequency& frequency);
 
 }  // namespace habitra

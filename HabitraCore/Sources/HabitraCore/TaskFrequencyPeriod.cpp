@@ -1,4 +1,5 @@
 #include <HabitraCore/TaskFrequencyPeriod.h>
+#include <QZDateTime/CodedForm.h>
 
 #include <nlohmann/json.hpp>
 
@@ -20,10 +21,10 @@ void to_json(nlohmann::json& json, const TaskFrequencyPeriod& period) {
 }
 
 void from_json(const nlohmann::json& json, TaskFrequencyPeriod& period) {
-  json.at("periodType").get_to(period.periodType);
-  json.at("startDate").get_to(period.startDate);
-  json.at("finishDate").get_to(period.finishDate);
-  json.at("firstDayOfWeek").get_to(period.firstDayOfWeek);
+  qz::coded_form::member(json, "periodType").get_to(period.periodType);
+  qz::coded_form::member(json, "startDate").get_to(period.startDate);
+  qz::coded_form::member(json, "finishDate").get_to(period.finishDate);
+  qz::coded_form::member(json, "firstDayOfWeek").get_to(period.firstDayOfWeek);
 }
 
 void to_json(nlohmann::json& json, const DatedPeriod& period) {
@@ -31,8 +32,8 @@ void to_json(nlohmann::json& json, const DatedPeriod& period) {
 }
 
 void from_json(const nlohmann::json& json, DatedPeriod& period) {
-  json.at("date").get_to(period.date);
-  json.at("period").get_to(period.period);
+  qz::coded_form::member(json, "date").get_to(period.date);
+  qz::coded_form::member(json, "period").get_to(period.period);
 }
 
 }  // namespace habitra

@@ -1,4 +1,5 @@
 #include <HabitraCore/TaskLogEntryPeriod.h>
+#include <QZDateTime/CodedForm.h>
 
 #include <nlohmann/json.hpp>
 
@@ -9,10 +10,10 @@ void to_json(nlohmann::json& json, const TaskLogEntryPeriod& period) {
 }
 
 void from_json(const nlohmann::json& json, TaskLogEntryPeriod& period) {
-  json.at("type").get_to(period.type);
-  json.at("from").get_to(period.from);
-  json.at("to").get_to(period.to);
-  json.at("date").get_to(period.date);
+  qz::coded_form::member(json, "type").get_to(period.type);
+  qz::coded_form::member(json, "from").get_to(period.from);
+  qz::coded_form::member(json, "to").get_to(period.to);
+  qz::coded_form::member(json, "date").get_to(period.date);
 }
 
 }  // namespace habitra

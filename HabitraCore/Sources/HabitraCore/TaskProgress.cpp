@@ -74,9 +74,9 @@ void to_json(nlohmann::json& json, const TaskProgressSimple& progress) {
 }
 
 void from_json(const nlohmann::json& json, TaskProgressSimple& progress) {
-  json.at("period").get_to(progress.period);
-  json.at("progressPct").get_to(progress.progressPct);
-  json.at("currentCompletionProgressPct").get_to(progress.currentCompletionProgressPct);
+  qz::coded_form::member(json, "period").get_to(progress.period);
+  progress.progressPct = qz::coded_form::number(json, "progressPct");
+  progress.currentCompletionProgressPct = qz::coded_form::number(json, "currentCompletionProgressPct");
 }
 
 void to_json(nlohmann::json& json, const TaskProgressDiscrete& progress) {
@@ -86,9 +86,9 @@ void to_json(nlohmann::json& json, const TaskProgressDiscrete& progress) {
 }
 
 void from_json(const nlohmann::json& json, TaskProgressDiscrete& progress) {
-  json.at("period").get_to(progress.period);
-  json.at("expectedCompletions").get_to(progress.expectedCompletions);
-  json.at("numCompletions").get_to(progress.numCompletions);
+  qz::coded_form::member(json, "period").get_to(progress.period);
+  progress.expectedCompletions = qz::coded_form::wholeNumber(json, "expectedCompletions");
+  progress.numCompletions = qz::coded_form::wholeNumber(json, "numCompletions");
 }
 
 void to_json(nlohmann::json& json, const TaskProgressCodable& progress) {
@@ -112,8 +112,8 @@ TaskProgress decodeRecord(TaskProgressType type, const nlohmann::json& base) {
 }  // namespace
 
 void from_json(const nlohmann::json& json, TaskProgressCodable& progress) {
-  const auto type = decodeRawValue<TaskProgressType>(json.at("type"), "TaskProgressType");
-  progress.base = decodeRecord(type, json.at("base"));
+  const auto type = decodeRawValue<TaskProgressType>(qz::coded_form::member(json, "type"), "TaskProgressType");
+  progress.base = decodeRecord(type, qz::coded_form::member(json, "base"));
 }
 
 }  // namespace habitra

@@ -1,5 +1,6 @@
 // The coded (JSON) forms of the module's values.
 
+#include <QZDateTime/CodedForm.h>
 #include <QZDateTime/DayOfWeek.h>
 #include <QZDateTime/DaysOfWeek.h>
 #include <QZDateTime/DecodingError.h>
@@ -9,43 +10,28 @@
 
 #include <nlohmann/json.hpp>
 
-#include <limits>
 #include <optional>
 #include <string>
 
 namespace qz {
 namespace {
 
-/// A whole number of 64 bits; none for any other value. A number with a fraction or exponent is no integer.
-std::optional<std::int64_t> integer(const nlohmann::json& json) {
-  if (!json.is_number_integer()) return std::nullopt;
-  if (json.is_number_unsigned() &&
-      json.get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
-    return std::nullopt;
-  return json.get<std::int64_t>();
-}
-
-std::optional<std::int64_t> integer(const nlohmann::json& json, const char* key) {
-  if (!json.is_object()) return std::nullopt;
-  const auto member = json.find(key);
-  return member == json.end() ? std::nullopt : integer(*member);
+std::optional<std::int64_t> wholeNumberIfAny(const nlohmann::json& json, const char* key) {
+  const nlohmann::json* const member = coded_form::memberIfAny(json, key);
+  return member == nullptr ? std::nullopt : coded_form::wholeNumber(*member);
 }
 
 template <typename T>
 T fromRawValue(const nlohmann::json& json, const std::string& message) {
-  const std::optional<std::int64_t> rawValue = integer(json);
+  const std::optional<std::int64_t> rawValue = coded_form::wholeNumber(json);
   const std::optional<T> value = rawValue ? T::fromRawValue(*rawValue) : std::nullopt;
   if (!value) throw DecodingError(message);
   return *value;
 }
 
-std::string text(const nlohmann::json& json) {
-  return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 std::optional<YYYYMMDD> end(const nlohmann::json& json, const char* key) {
-  const auto member = json.find(key);
-  if (member == json.end()) return std::nullopt;
+  const nlohmann::json* const member = coded_form::memberIfAny(json, key);
+  if (member == nullptr) return std::nullopt;
   return member->get<YYYYMMDD>();
 }
 
@@ -54,9 +40,9 @@ std::optional<YYYYMMDD> end(const nlohmann::json& json, const char* key) {
 void to_json(nlohmann::json& json, const YYYYMMDD& day) { json = day.rawValue(); }
 
 void from_json(const nlohmann::json& json, YYYYMMDD& day) {
-  const std::optional<std::int64_t> rawValue = integer(json);
+  const std::optional<std::int64_t> rawValue = coded_form::wholeNumber(json);
   const std::optional<YYYYMMDD> value = rawValue ? YYYYMMDD::fromRawValue(*rawValue) : std::nullopt;
-  if (!value) throw DecodingError("Unable to create YYYYMMDD from " + text(json));
+  if (!value) throw DecodingError("Unable to create YYYYMMDD from " + coded_form::text(json));
   day = *value;
 }
 
@@ -80,9 +66,9 @@ void from_json(const nlohmann::json& json, YYYYMM& month) {
 void to_json(nlohmann::json& json, const HHMMSS& time) { json = {{"h", time.h()}, {"m", time.m()}, {"s", time.s()}}; }
 
 void from_json(const nlohmann::json& json, HHMMSS& time) {
-  const auto h = integer(json, "h");
-  const auto m = integer(json, "m");
-  const auto s = integer(json, "s");
+  const auto h = wholeNumberIfAny(json, "h");
+  const auto m = wholeNumberIfAny(json, "m");
+  const auto s = wholeNumberIfAny(json, "s");
   if (!h || !m || !s || !HHMMSS::isTimeOfDay(*h, *m, *s)) throw DecodingError("Unable to create HHMMSS");
   time = HHMMSS(*h, *m, *s);
 }

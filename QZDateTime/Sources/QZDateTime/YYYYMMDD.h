@@ -215,7 +215,8 @@ class YYYYMMDD {
 
 inline constexpr YYYYMMDD YYYYMMDD::emptyValue{};
 
-/// A span of days, both ends included; an end that is absent is open. Coded with the keys "minDate" and "maxDate".
+/// A span of days, both ends included; an end that is absent is open. Coded with the keys "minDate" and "maxDate"; a
+/// null is read as an absent end.
 struct YYYYMMDD::Range {
   std::optional<YYYYMMDD> minDate;
   std::optional<YYYYMMDD> maxDate;
