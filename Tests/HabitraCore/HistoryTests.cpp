@@ -120,6 +120,28 @@ RC_GTEST_PROP(Histories, ResumedFromACheckpointAreTheWholeOnes, ()) {
   RC_ASSERT(walk.resume(checkpoint, history.log).figures == whole.figures);
 }
 
+RC_GTEST_PROP(Histories, ResumedAmongOverlappingPeriodsAreTheWholeOnes, ()) {
+  History history = someHistory();
+  history.scope.today = history.scope.created.add(*rc::gen::inRange(60, 150));
+  history.scope.fillFrom = history.scope.today.add(-7);
+  history.scope.checkpointDay = history.scope.today.add(-*rc::gen::inRange(31, 50));
+  // Stored periods of any length around their days, across the checkpoint, too.
+  for (LoggedEntry& entry : history.log) {
+    if (*rc::gen::inRange(0, 3) != 0) continue;
+    const qz::YYYYMMDD day = qz::YYYYMMDD::fromRawValue(entry.entryDate).value();
+    entry.periodFrom = integer(day.add(-*rc::gen::inRange(0, 12)));
+    entry.periodTo = integer(day.add(*rc::gen::inRange(0, 12)));
+    entry.periodType = TaskFrequencyPeriodType::fortnight;
+  }
+  const HistoryWalk walk(history.rules, history.scope);
+  const HistoryResult whole = walk.walk(history.log);
+  if (!whole.checkpoint || !walk.canResume(*whole.checkpoint)) return;
+  const HistoryResult resumed = walk.resume(*whole.checkpoint, history.log);
+  RC_ASSERT(resumed.figures == whole.figures);
+  RC_ASSERT(resumed.fillIns == whole.fillIns);
+  RC_ASSERT(resumed.checkpoint == whole.checkpoint);
+}
+
 RC_GTEST_PROP(Histories, StayAsTheyAreWhenTheirFillInsAreWritten, ()) {
   History history = someHistory();
   const HistoryResult before = HistoryWalk(history.rules, history.scope).walk(history.log);
@@ -161,6 +183,23 @@ TEST(Histories, EntriesThatNoDayMeets) {
   EXPECT_EQ(streak({}), 0);
   // Of overlapping periods the one that begins first stands: the week takes the day's entry in.
   EXPECT_EQ(streak({entryOf(20230228, 20230228, 20230228, 0), entryOf(20230301, 20230227, 20230302, 1)}), 1);
+}
+
+TEST(Histories, ResumedLeaveOutWhatBeganBeforeTheCheckpoint) {
+  const TaskRules rules{.frequency = TaskFrequency::everyDay()};
+  const HistoryScope scope{.created = {2024, 1, 1},
+                           .today = {2024, 3, 3},
+                           .fillFrom = {2024, 3, 2},
+                           .checkpointDay = qz::YYYYMMDD(2024, 1, 14)};
+  // The first fortnight ends at the checkpoint; the second one overlaps it and its entry, of a later day, counts for
+  // it.
+  const std::vector<LoggedEntry> log{entryOf(20240102, 20240101, 20240114, 0),
+                                     entryOf(20240118, 20240110, 20240123, 1)};
+  const HistoryWalk walk(rules, scope);
+  const HistoryResult whole = walk.walk(log);
+  EXPECT_EQ(whole.checkpoint.value().closedThrough, 20240114);
+  EXPECT_EQ(whole.figures.streak.best, 1);
+  EXPECT_EQ(walk.resume(*whole.checkpoint, std::span(log).last(1)).figures, whole.figures);
 }
 
 TEST(Histories, ThatBeginAfterTodayAreEmpty) {

@@ -348,9 +348,11 @@ HistoryResult HistoryWalk::resume(const HistoryCheckpoint& checkpoint, std::span
                                   const PeriodVisitor& visit) const {
   qz::require(canResume(checkpoint), "a walk is resumed from a checkpoint of other rules or days");
   const LoggedEntries log(entries, rules_, intForm(scope_.today));
+  const auto isClosed = [&](const LoggedEntry& entry) { return entry.periodFrom <= checkpoint.closedThrough; };
+  const auto first = std::ranges::partition_point(log.inOrder(), isClosed);
   Walker walker(rules_, scope_, visit);
   walker.goOnFrom(checkpoint);
-  return walker.run(log.inOrder());
+  return walker.run({first, log.inOrder().end()});
 }
 
 }  // namespace habitra

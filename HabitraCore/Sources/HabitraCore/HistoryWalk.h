@@ -124,8 +124,9 @@ class HistoryWalk {
   /// Walks the whole history. `entries` is the task's log in order of entryDate, then of creation.
   [[nodiscard]] HistoryResult walk(std::span<const LoggedEntry> entries, const PeriodVisitor& visit = {}) const;
 
-  /// Walks on from a checkpoint; needs of `entries` only those whose period begins after its `closedThrough`, and
-  /// visits only periods after it. REQUIRES: canResume(checkpoint).
+  /// Walks on from a checkpoint and visits only periods after its `closedThrough`. Of `entries` it needs those whose
+  /// period begins after that day; all others count for nothing here, even when their day is later or their period
+  /// reaches beyond: a whole walk gave them to the earlier period that they overlap. REQUIRES: canResume(checkpoint).
   [[nodiscard]] HistoryResult resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
                                      const PeriodVisitor& visit = {}) const;
 
