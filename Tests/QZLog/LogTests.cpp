@@ -47,10 +47,13 @@ TEST_F(Log, VerboseWritesEveryMessageToStandardError) {
 TEST_F(Log, RotatesAndKeepsThreeFiles) {
   log::configure({.file = folder_ / "habitra.log"});
   const std::string line(100'000, 'x');
+  const mode_t before = ::umask(0);
   for (int i = 0; i < 50; ++i) log::warning("{}", line);
+  ::umask(before);
   int files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
     EXPECT_LE(entry.file_size(), 1'200'000u);
+    EXPECT_EQ(entry.status().permissions(), std::filesystem::perms{0600}) << entry.path();
     ++files;
   }
   EXPECT_EQ(files, 3);

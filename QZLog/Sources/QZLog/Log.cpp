@@ -4,9 +4,12 @@
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
 #include <memory>
 #include <mutex>
+#include <string>
 
 namespace qz::log {
 namespace {
@@ -22,6 +25,17 @@ spdlog::level::level_enum spdlogLevel(Level level) {
     case Level::error: return spdlog::level::err;
   }
   return spdlog::level::err;
+}
+
+/// Makes the file, empty or as it is, readable for its owner alone whatever the umask; the library, which would make it
+/// for everybody, then only opens it. A link is not followed.
+void createForOwnerOnly(const std::string& path) {
+  constexpr mode_t mode = 0600;
+  const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, mode);
+  if (descriptor < 0) throw spdlog::spdlog_ex("cannot open " + path, errno);
+  const bool isSet = ::fchmod(descriptor, mode) == 0;
+  ::close(descriptor);
+  if (!isSet) throw spdlog::spdlog_ex("cannot set the mode of " + path, errno);
 }
 
 /// Guards everything below it. The log is off the path of what people wait for, so one lock is enough.
@@ -71,16 +85,10 @@ class Log {
   spdlog::sink_ptr fileSink() {
     if (file_) return file_;
     try {
-      // Created here and not by the library, so that nobody else can read it whatever the umask.
-      const int descriptor =
-          ::open(configuration_.file->c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0600);
-      if (descriptor < 0) {
-        fileFailed_ = true;
-        return nullptr;
-      }
-      ::close(descriptor);
-      file_ =
-          std::make_shared<spdlog::sinks::rotating_file_sink_mt>(configuration_.file->string(), fileSize, olderFiles);
+      spdlog::file_event_handlers handlers;
+      handlers.before_open = createForOwnerOnly;  // at every rotation, too
+      file_ = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(configuration_.file->string(), fileSize,
+                                                                     olderFiles, false, handlers);
       file_->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %P %l %v");
     } catch (const spdlog::spdlog_ex&) {
       fileFailed_ = true;
