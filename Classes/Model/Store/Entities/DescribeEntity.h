@@ -23,7 +23,7 @@ struct Unwrapped<std::optional<T>> {
 };
 
 template <typename T>
-consteval StoredType storedType() {
+constexpr StoredType storedType() {
   if constexpr (std::is_same_v<T, bool>) return StoredType::boolean;
   if constexpr (std::is_same_v<T, std::int16_t>) return StoredType::int16;
   if constexpr (std::is_same_v<T, std::int32_t>) return StoredType::int32;
@@ -46,7 +46,7 @@ struct MemberOf<Member> {
 }  // namespace describe
 
 template <auto Member>
-consteval AttributeDescription attribute(std::string_view name) {
+constexpr AttributeDescription attribute(std::string_view name) {
   using Unwrapped = describe::Unwrapped<typename describe::MemberOf<Member>::FieldType>;
   return {name,
           describe::storedType<typename Unwrapped::Type>(),
@@ -58,7 +58,7 @@ consteval AttributeDescription attribute(std::string_view name) {
 
 /// An attribute that rows are looked up by.
 template <auto Member>
-consteval AttributeDescription indexedAttribute(std::string_view name) {
+constexpr AttributeDescription indexedAttribute(std::string_view name) {
   AttributeDescription description = attribute<Member>(name);
   description.isIndexed = true;
   return description;
@@ -66,7 +66,7 @@ consteval AttributeDescription indexedAttribute(std::string_view name) {
 
 /// A to-one relationship to `Target`, which knows this side as `inverse`.
 template <auto Member, typename Target>
-consteval AttributeDescription relationship(std::string_view name, std::string_view inverse, bool inverseIsToMany,
+constexpr AttributeDescription relationship(std::string_view name, std::string_view inverse, bool inverseIsToMany,
                                             DeleteRule whenTargetIsRemoved) {
   AttributeDescription description = indexedAttribute<Member>(name);
   description.relationship = {&Target::description, inverse, inverseIsToMany, whenTargetIsRemoved};
@@ -74,7 +74,7 @@ consteval AttributeDescription relationship(std::string_view name, std::string_v
 }
 
 template <typename Object>
-consteval EntityDescription describeEntity(EntityNumber number, std::string_view name, Layout layout,
+constexpr EntityDescription describeEntity(EntityNumber number, std::string_view name, Layout layout,
                                            std::span<const AttributeDescription> attributes) {
   EntityDescription description{number, name, layout, attributes};
   description.create = []() -> void* { return new Object; };
