@@ -1,4 +1,5 @@
 #include <HabitraModel/Store/CheckpointTable.h>
+#include <HabitraModel/Store/RowCoding.h>
 
 #include <algorithm>
 
@@ -6,11 +7,13 @@ namespace habitra {
 
 CheckpointTable::CheckpointTable(Connection& connection)
     : drop_(connection, "DELETE FROM habitra_checkpoint WHERE task=? AND closedThrough>=?"),
-      read_(connection, "SELECT closedThrough, fingerprint, content FROM habitra_checkpoint WHERE task=?"),
-      write_(connection, "INSERT OR REPLACE INTO habitra_checkpoint VALUES (?, ?, ?, ?)") {}
+      read_(connection, "SELECT closedThrough, fingerprint, content, checksum FROM habitra_checkpoint WHERE task=?"),
+      write_(connection, "INSERT OR REPLACE INTO habitra_checkpoint VALUES (?, ?, ?, ?, ?)") {}
 
-void CheckpointTable::noteChange(ObjectID task, std::int32_t day) {
-  const auto [noted, isFirst] = changedFrom_.try_emplace(task, day);
+void CheckpointTable::noteChange(const TaskLogEntryEntity& entry) {
+  const std::int32_t day =
+      entry.entryPeriodFrom > 0 ? std::min(entry.entryDate, entry.entryPeriodFrom) : entry.entryDate;
+  const auto [noted, isFirst] = changedFrom_.try_emplace(entry.task, day);
   if (!isFirst) noted->second = std::min(noted->second, day);
 }
 
@@ -28,7 +31,9 @@ std::optional<Checkpoint> CheckpointTable::read(ObjectID task) {
   auto statement = read_.use();
   statement->bind(1, rawValue(task));
   if (!statement->step()) return std::nullopt;
-  return Checkpoint{static_cast<std::int32_t>(statement->integer(0)), statement->integer(1), statement->bytes(2)};
+  Checkpoint checkpoint{static_cast<std::int32_t>(statement->integer(0)), statement->integer(1), statement->bytes(2)};
+  if (statement->integer(3) != checkpointChecksum(task, checkpoint)) return std::nullopt;
+  return checkpoint;
 }
 
 void CheckpointTable::write(ObjectID task, const Checkpoint& checkpoint) {
@@ -37,6 +42,7 @@ void CheckpointTable::write(ObjectID task, const Checkpoint& checkpoint) {
   statement->bind(2, std::int64_t{checkpoint.closedThrough});
   statement->bind(3, checkpoint.fingerprint);
   statement->bind(4, checkpoint.content);
+  statement->bind(5, checkpointChecksum(task, checkpoint));
   statement->step();
 }
 

@@ -2,6 +2,7 @@
 
 #include <HabitraModel/Store/Checkpoint.h>
 #include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/Entities/TaskLogEntryEntity.h>
 #include <HabitraModel/Store/ObjectID.h>
 
 #include <map>
@@ -14,12 +15,13 @@ class CheckpointTable {
  public:
   explicit CheckpointTable(Connection& connection);
 
-  /// An entry of this day was added, changed or removed.
-  void noteChange(ObjectID task, std::int32_t day);
+  /// This entry was added or removed, or was so before or after a change.
+  void noteChange(const TaskLogEntryEntity& entry);
   /// Drops the checkpoints that the noted changes overtook.
   void applyChanges();
   void forgetChanges() { changedFrom_.clear(); }
 
+  /// None, too, when the row is not what was written: a walk from a wrong start would be wrong without a sign.
   [[nodiscard]] std::optional<Checkpoint> read(ObjectID task);
   void write(ObjectID task, const Checkpoint& checkpoint);
 

@@ -20,6 +20,11 @@ class HistoryTable {
                     AttributeSet changed);
   void recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before);
 
+  /// Whether the transaction has done anything to the object.
+  [[nodiscard]] bool hasChange(std::int64_t sequence, EntityNumber entity, ObjectID object) {
+    return find(sequence, entity, object).has_value();
+  }
+
   void writeTransaction(const StoredTransaction& transaction);
   /// Drops the values before; for saves that no person's command asked for.
   void dropBefore(std::int64_t sequence);

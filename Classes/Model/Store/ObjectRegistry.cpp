@@ -63,9 +63,16 @@ ObjectRegistry::Entry& ObjectRegistry::insert(const EntityDescription& entity, O
   return entry;
 }
 
+void ObjectRegistry::forgetRemoved(ObjectID id) {
+  const Entry* const entry = find(id);
+  if (entry == nullptr || (entry->isWritten && !entry->isGone)) return;
+  qz::require(entry->isGone && !entry->isNew && !entry->begun, "a row is put back before its removal is saved");
+  entries_.erase(id);
+}
+
 void ObjectRegistry::refresh(const TableOf& tableOf) {
   for (auto& [id, entry] : entries_)
-    if (entry.isWritten && !entry.isGone) refresh(entry, tableOf(*entry.entity));
+    if (entry.isWritten) refresh(entry, tableOf(*entry.entity));
 }
 
 void ObjectRegistry::refresh(Entry& entry, EntityTable& table) {
@@ -75,6 +82,7 @@ void ObjectRegistry::refresh(Entry& entry, EntityTable& table) {
     entry.isGone = true;
     return;
   }
+  entry.isGone = false;
   const AttributeSet theirs = differences(*entry.entity, row.get(), entry.stored.get());
   const AttributeSet ours = entry.changes();
   const AttributeSet different = differences(*entry.entity, row.get(), entry.live.get());

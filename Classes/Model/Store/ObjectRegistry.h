@@ -41,12 +41,15 @@ class ObjectRegistry {
   /// The entry of the row that `statement` stands on, made if it is new here.
   Entry& adopt(const EntityTable& table, Statement& statement);
   Entry& insert(const EntityDescription& entity, ObjectID id, const void* values);
+  /// Drops what is left of a row that somebody else has removed. Traps when the unit itself inserted or removed it.
+  void forgetRemoved(ObjectID id);
 
   [[nodiscard]] std::map<ObjectID, Entry>& entries() { return entries_; }
   [[nodiscard]] bool hasUnwritten() const { return unwritten_ > 0; }
   void noteWritten() { --unwritten_; }
 
-  /// Takes over what others have stored. A value that was changed here as well is kept and marks a conflict.
+  /// Takes over what others have stored, put back or removed. A value that was changed here as well is kept and marks a
+  /// conflict.
   void refresh(const TableOf& tableOf);
   /// Makes everything as it was when the unit began.
   void rollback();

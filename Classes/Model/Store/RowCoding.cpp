@@ -213,6 +213,16 @@ std::int64_t rowChecksum(const EntityDescription& entity, const void* object) {
   return static_cast<std::int64_t>(XXH3_64bits(buffer.data(), buffer.size()));
 }
 
+std::int64_t checkpointChecksum(ObjectID task, const Checkpoint& checkpoint) {
+  Bytes buffer;
+  Writer writer(buffer);
+  writer.integer(rawValue(task));
+  writer.integer(checkpoint.closedThrough);
+  writer.integer(checkpoint.fingerprint);
+  writer.content(checkpoint.content.data(), checkpoint.content.size());
+  return static_cast<std::int64_t>(XXH3_64bits(buffer.data(), buffer.size()));
+}
+
 AttributeSet differences(const EntityDescription& entity, const void* a, const void* b) {
   AttributeSet different;
   for (std::size_t i = 0; i < entity.attributes.size(); ++i) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraModel/Store/Checkpoint.h>
 #include <HabitraModel/Store/EntityDescription.h>
 #include <HabitraModel/Store/StoredValues.h>
 
@@ -24,6 +25,10 @@ AttributeSet encodeAttributes(const EntityDescription& entity, const void* objec
 
 /// The XXH3 hash (64 bits) of the entity's number, the row's number and the encoding of all its attributes.
 [[nodiscard]] std::int64_t rowChecksum(const EntityDescription& entity, const void* object);
+
+/// The XXH3 hash (64 bits) of the task's number, the day and the fingerprint as zigzag integers, and the content with
+/// its length before it.
+[[nodiscard]] std::int64_t checkpointChecksum(ObjectID task, const Checkpoint& checkpoint);
 
 /// The attributes that differ between two objects of an entity.
 [[nodiscard]] AttributeSet differences(const EntityDescription& entity, const void* a, const void* b);

@@ -24,9 +24,12 @@ bool isPartOfLogKey(const EntityDescription& entity, const AttributeDescription&
 std::string columnDefinition(const EntityDescription& entity, const AttributeDescription& attribute) {
   std::string column = fmt::format("{} {}", attribute.name, columnType(attribute.type));
   if (isPartOfLogKey(entity, attribute)) return column + " NOT NULL";
-  if (attribute.type == StoredType::reference)
-    return column +
-           fmt::format(" REFERENCES {}(objectID) DEFERRABLE INITIALLY DEFERRED", attribute.relationship.target().name);
+  if (attribute.type == StoredType::reference) {
+    const EntityDescription& target = attribute.relationship.target();
+    // Of an entry of the log objectID is only a part of the key; a foreign key to it would refuse every row.
+    if (target.layout == Layout::byTaskAndDay) return column;
+    return column + fmt::format(" REFERENCES {}(objectID) DEFERRABLE INITIALLY DEFERRED", target.name);
+  }
   return attribute.isOptional ? column : column + " NOT NULL DEFAULT 0";
 }
 
@@ -64,7 +67,8 @@ CREATE TABLE habitra_checkpoint (
   task INTEGER PRIMARY KEY REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
   closedThrough INTEGER NOT NULL,
   fingerprint INTEGER NOT NULL,
-  content BLOB NOT NULL
+  content BLOB NOT NULL,
+  checksum INTEGER NOT NULL
 ) STRICT;
 )";
 

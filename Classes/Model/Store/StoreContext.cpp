@@ -90,6 +90,16 @@ void* StoreContext::insertObject(const EntityDescription& entity, const void* va
   });
 }
 
+void* StoreContext::reinsertObject(const EntityDescription& entity, const void* values) {
+  qz::require(entity.layout == Layout::byObject, "an entry of the log is put back as an object");
+  return parts_->writing([&] {
+    const ObjectID id = entity.objectID(const_cast<void*>(values));
+    parts_->registry.forgetRemoved(id);
+    parts_->requireFree(entity, {.objectID = id});
+    return parts_->registry.insert(entity, id, values).live.get();
+  });
+}
+
 void* StoreContext::findObject(const EntityDescription& entity, ObjectID id) {
   qz::require(entity.layout == Layout::byObject, "an entry of the log is fetched as an object");
   parts_->beginView();

@@ -114,7 +114,8 @@ class StoreContext {
   /// something was read without it, nothing has been saved in between.
   [[nodiscard]] std::int64_t sequence();
 
-  /// The moment of the newest transaction; none in a store that nobody has written to.
+  /// The latest moment of any transaction, which need not be the newest one's, since clocks go back; none in a store
+  /// that nobody has written to.
   [[nodiscard]] std::optional<qz::Moment> newestTransactionMoment();
 
   /// Names the file itself, from its making on.
@@ -126,6 +127,14 @@ class StoreContext {
   template <typename T>
   T& insert(const T& values = {}) {
     return *static_cast<T*>(insertObject(T::description(), &values));
+  }
+
+  /// Puts a removed row back as it was, under its old number `values.objectID`, so that what leads to it by number is
+  /// right again. Begins a unit. Throws StoreError of kind `conflict` when the row is there. REQUIRES: the number of a
+  /// row of T whose removal has been saved.
+  template <typename T>
+  T& reinsert(const T& values) {
+    return *static_cast<T*>(reinsertObject(T::description(), &values));
   }
 
   /// The row with this number, or null.
@@ -206,6 +215,10 @@ class StoreContext {
   /// Adds an entry (its objectID is ignored; an absent `uniqueId` is filled in) and gives its number. Begins a unit.
   ObjectID insertLogEntry(const TaskLogEntryEntity& entry);
 
+  /// Puts a removed entry back as it was, under its old number `entry.objectID`. Begins a unit. Throws StoreError of
+  /// kind `conflict` when it is there. REQUIRES: the number of an entry whose removal has been saved.
+  void reinsertLogEntry(const TaskLogEntryEntity& entry);
+
   /// Writes `entry` over the row at `key`, which may move to another day or task by it; writes nothing when it is as
   /// stored. Begins a unit. Throws StoreError of kind `conflict` when there is no such row (any more).
   void updateLogEntry(const LogKey& key, const TaskLogEntryEntity& entry);
@@ -239,6 +252,7 @@ class StoreContext {
   }
 
   void* insertObject(const EntityDescription& entity, const void* values);
+  void* reinsertObject(const EntityDescription& entity, const void* values);
   void* findObject(const EntityDescription& entity, ObjectID id);
   std::vector<void*> fetchObjects(const EntityDescription& entity, std::string_view attribute, ObjectID target,
                                   std::string_view text, bool onlyFirst);

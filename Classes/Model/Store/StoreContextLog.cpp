@@ -117,12 +117,20 @@ ObjectID StoreContext::insertLogEntry(const TaskLogEntryEntity& entry) {
     added = entry;
     added.objectID = parts_->unit.nextObjectID();
     if (!added.uniqueId) added.uniqueId = qz::UniqueID::generate(store().clock().now()).text();
-    EntityTable& table = parts_->table(TaskLogEntryEntity::description());
-    table.insert(&added, rowChecksum(table.entity(), &added));
-    parts_->history.recordInsertion(parts_->unit.nextSequence(), table, &added);
-    parts_->checkpoints.noteChange(added.task, added.entryDate);
-    ++parts_->counts.inserted;
+    parts_->writeNewLogEntry();
     return added.objectID;
+  });
+}
+
+void StoreContext::reinsertLogEntry(const TaskLogEntryEntity& entry) {
+  parts_->writing([&] {
+    qz::require(parts_->readingLog == 0, "the log is changed while it is read");
+    const EntityTable& table = parts_->requireFree(TaskLogEntryEntity::description(), entry.key());
+    qz::require(!parts_->history.hasChange(parts_->unit.nextSequence(), table.entity().number, entry.objectID),
+                "an entry of the log is put back by the unit that changed it");
+    parts_->flushInsertions();
+    parts_->newEntry = entry;
+    parts_->writeNewLogEntry();
   });
 }
 
@@ -142,8 +150,8 @@ void StoreContext::updateLogEntry(const LogKey& key, const TaskLogEntryEntity& e
     table.update(key, changes, &updated, rowChecksum(table.entity(), &updated) ^ damage);
     parts_->history.recordUpdate(parts_->unit.nextSequence(), table, &stored, &updated, changes);
     parts_->keepsBefore = true;
-    parts_->checkpoints.noteChange(stored.task, stored.entryDate);
-    parts_->checkpoints.noteChange(updated.task, updated.entryDate);
+    parts_->checkpoints.noteChange(stored);
+    parts_->checkpoints.noteChange(updated);
     ++parts_->counts.updated;
   });
 }

@@ -121,8 +121,26 @@ void StoreContext::Parts::removeLogEntry(const LogKey& key) {
   rows.erase(key);
   history.recordRemoval(unit.nextSequence(), rows, &logBuffer);
   keepsBefore = true;
-  checkpoints.noteChange(key.task, key.entryDate);
+  checkpoints.noteChange(logBuffer);
   ++counts.removed;
+}
+
+void StoreContext::Parts::writeNewLogEntry() {
+  EntityTable& rows = table(TaskLogEntryEntity::description());
+  rows.insert(&newEntry, rowChecksum(rows.entity(), &newEntry));
+  history.recordInsertion(unit.nextSequence(), rows, &newEntry);
+  checkpoints.noteChange(newEntry);
+  ++counts.inserted;
+}
+
+const EntityTable& StoreContext::Parts::requireFree(const EntityDescription& entity, const LogKey& key) {
+  qz::require(unit.hasGiven(key.objectID), "a row is put back under a number that was never given");
+  EntityTable& rows = table(entity);
+  OwnedObject present(entity);
+  if (rows.find(key, present.get()))
+    throw StoreError(StoreError::Kind::conflict,
+                     fmt::format("row {} of {} is there and cannot be put back", rawValue(key.objectID), entity.name));
+  return rows;
 }
 
 }  // namespace habitra

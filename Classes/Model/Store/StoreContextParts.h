@@ -54,6 +54,11 @@ struct StoreContext::Parts {
   /// The entry at `key` into `logBuffer`; gives its checksum. Throws a conflict when it is not there.
   std::int64_t findStoredLogEntry(const LogKey& key);
   void removeLogEntry(const LogKey& key);
+  /// Inserts `newEntry`.
+  void writeNewLogEntry();
+  /// The table of a row that is to be put back. Traps when its number was never given; throws a conflict when there is
+  /// a row. REQUIRES: a unit.
+  const EntityTable& requireFree(const EntityDescription& entity, const LogKey& key);
 
   StoreUnit unit;
   HistoryTable history;

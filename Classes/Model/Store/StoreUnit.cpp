@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace habitra {
 
 namespace {
@@ -59,15 +61,19 @@ bool StoreUnit::begin() {
 }
 
 void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
+  Newest newest = newest_;
+  if (transaction) {
+    newest = {transaction->sequence, newestGiven_, std::max(newest_.moment, std::optional(transaction->moment))};
+  }
   try {
-    if (transaction) writeNewest(*transaction);
+    if (transaction) writeNewest(newest);
     commit_.use()->step();
   } catch (...) {
     rollback();
     throw;
   }
   state_ = State::idle;
-  if (transaction) newest_ = {transaction->sequence, newestGiven_, transaction->moment};
+  newest_ = newest;
   if (connection_->pagesInLog() > longLogPages && !connection_->checkpoint())
     qz::log::warning("Could not shorten the write-ahead log of {}", store_->file().string());
   turn_->release();
@@ -94,11 +100,11 @@ bool StoreUnit::readNewest() {
   return hasMoved;
 }
 
-void StoreUnit::writeNewest(const StoredTransaction& transaction) {
+void StoreUnit::writeNewest(const Newest& newest) {
   auto statement = writeNewest_.use();
-  statement->bind(1, transaction.sequence);
-  statement->bind(2, rawValue(newestGiven_));
-  statement->bind(3, std::int64_t{transaction.moment.time_since_epoch().count()});
+  statement->bind(1, newest.sequence);
+  statement->bind(2, rawValue(newest.object));
+  statement->bind(3, std::int64_t{newest.moment->time_since_epoch().count()});  // a transaction has set it
   statement->step();
 }
 
@@ -111,6 +117,11 @@ ObjectID StoreUnit::nextObjectID() {
   qz::require(isWriting(), "a row is numbered outside a unit");
   newestGiven_ = store_->nextObjectID(newestGiven_);
   return newestGiven_;
+}
+
+bool StoreUnit::hasGiven(ObjectID id) const {
+  qz::require(isWriting(), "a number is looked at outside a unit");
+  return id > ObjectID::none && id <= newestGiven_;
 }
 
 }  // namespace habitra

@@ -36,6 +36,7 @@ class StoreUnit {
 
   // As of the view.
   [[nodiscard]] std::int64_t sequence() const { return newest_.sequence; }
+  /// The latest moment of any transaction, which need not be the newest one's: clocks go back.
   [[nodiscard]] std::optional<qz::Moment> newestMoment() const { return newest_.moment; }
   [[nodiscard]] std::string storeIdentifier();
 
@@ -43,6 +44,8 @@ class StoreUnit {
   [[nodiscard]] std::int64_t nextSequence() const { return newest_.sequence + 1; }
   /// A number for a new row. REQUIRES: a unit.
   [[nodiscard]] ObjectID nextObjectID();
+  /// Whether a row may have had this number before. REQUIRES: a unit.
+  [[nodiscard]] bool hasGiven(ObjectID id) const;
 
  private:
   enum class State { idle, viewing, writing };
@@ -54,7 +57,7 @@ class StoreUnit {
   };
 
   bool readNewest();
-  void writeNewest(const StoredTransaction& transaction);
+  void writeNewest(const Newest& newest);
 
   std::shared_ptr<Store> store_;
   std::unique_ptr<Connection> connection_;

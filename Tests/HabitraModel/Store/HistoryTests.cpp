@@ -38,7 +38,8 @@ TEST_F(HistoryTest, ATransactionSaysWhoWhenAndWhatFor) {
                                  first,  "before.sqlite"};
   EXPECT_EQ(found, (std::vector{added, undone}));
   EXPECT_EQ(second, first + 1);
-  EXPECT_EQ(context.newestTransactionMoment(), clock_->now());
+  EXPECT_EQ(context.newestTransactionMoment(), testMoment) << "a clock that went back takes no later moment away";
+  EXPECT_EQ(open()->newestTransactionMoment(), testMoment);
   EXPECT_NE(openStore()->writer(), store->writer());
   EXPECT_EQ(open()->storeIdentifier(), context.storeIdentifier());
 }
@@ -87,6 +88,46 @@ TEST_F(HistoryTest, RemovedRowsAreKeptWhole) {
   EXPECT_EQ(restoredEntry, entry);
   EXPECT_EQ(found[1].task, task.objectID);
   EXPECT_EQ(found[1].day, entry.entryDate);
+}
+
+TEST_F(HistoryTest, ARemovedRowComesBackUnderItsNumber) {
+  const auto context = open();
+  const auto other = open();
+  const TaskEntity task = context->insert(titled("Walk"));
+  TaskLogEntryEntity entry = entryOn(task.objectID, 20240101);
+  entry.objectID = context->insertLogEntry(entry);
+  context->save({});
+  entry = *context->findLogEntry(entry.key());
+  ASSERT_NE(other->find<TaskEntity>(task.objectID), nullptr);
+  other->refresh();
+  EXPECT_EQ(errorKind([&] { context->reinsert(task); }), StoreError::Kind::conflict);
+  EXPECT_EQ(errorKind([&] { context->reinsertLogEntry(entry); }), StoreError::Kind::conflict);
+
+  context->remove(*context->find<TaskEntity>(task.objectID));
+  EXPECT_DEATH(context->reinsert(task), "before its removal is saved");
+  EXPECT_DEATH(context->reinsertLogEntry(entry), "by the unit that changed it");
+  context->save({});
+  EXPECT_EQ(other->find<TaskEntity>(task.objectID), nullptr);
+  other->refresh();
+
+  EXPECT_EQ(context->reinsert(task), task);
+  context->reinsertLogEntry(entry);
+  const auto found = changes(*context, context->save({}).sequence);
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found[0].kind, ChangeKind::insertion);
+  EXPECT_EQ(found[1].object, entry.objectID);
+  ASSERT_NE(other->find<TaskEntity>(task.objectID), nullptr) << "also where it was seen to go";
+  EXPECT_EQ(*other->find<TaskEntity>(task.objectID), task);
+  EXPECT_EQ(other->fetchLogEntries(task.objectID), std::vector{entry});
+  EXPECT_GT(other->insert(titled("Run")).objectID, entry.objectID);
+  other->rollback();
+
+  // What somebody else removed can be put back where it was known.
+  context->remove(*context->find<TaskEntity>(task.objectID));
+  context->save({});
+  EXPECT_EQ(other->reinsert(task), task);
+  other->save({});
+  EXPECT_EQ(*open()->find<TaskEntity>(task.objectID), task);
 }
 
 TEST_F(HistoryTest, LogChangesSayWhereTheRowLies) {

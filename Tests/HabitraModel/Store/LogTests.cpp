@@ -117,6 +117,49 @@ TEST_F(LogTest, ACheckpointLastsUntilAnOlderDayChanges) {
   EXPECT_EQ(context->sequence(), sequence + 7) << "a checkpoint is no change of the store";
 }
 
+TEST_F(LogTest, ACheckpointFallsWithAPeriodThatBeginsBeforeItsEnd) {
+  const ObjectID task = makeTask();
+  const auto context = open();
+  const auto survives = [&](auto change) {
+    context->setCheckpoint(task, {.closedThrough = 20240110, .fingerprint = 1, .content = {7}});
+    context->save({});
+    change();
+    context->save({});
+    return context->checkpoint(task).has_value();
+  };
+  TaskLogEntryEntity week = entryOn(task, 20240112);
+  week.entryPeriodFrom = 20240108;
+  week.entryPeriodTo = 20240114;
+  EXPECT_FALSE(survives([&] { week.objectID = context->insertLogEntry(week); }));
+  EXPECT_FALSE(survives([&] {
+    week.progress = 1;
+    context->updateLogEntry(week.key(), week);
+  }));
+  EXPECT_FALSE(survives([&] {
+    week.entryPeriodFrom = 20240112;
+    context->updateLogEntry(week.key(), week);
+  })) << "a period that began before";
+  EXPECT_FALSE(survives([&] {
+    week.entryPeriodFrom = 20240110;
+    context->updateLogEntry(week.key(), week);
+  })) << "a period that begins before now";
+  EXPECT_FALSE(survives([&] { context->removeLogEntry(week.key()); }));
+  week.entryPeriodFrom = 0;
+  EXPECT_TRUE(survives([&] { context->insertLogEntry(week); })) << "no period, so its day counts";
+}
+
+TEST_F(LogTest, ADamagedCheckpointReadsAsNone) {
+  const ObjectID task = makeTask();
+  const auto context = open();
+  for (const char* damage : {"content=x'0103'", "fingerprint=4", "closedThrough=20240109", "checksum=checksum+1"}) {
+    context->setCheckpoint(task, {.closedThrough = 20240110, .fingerprint = 3, .content = {1, 2}});
+    context->save({});
+    EXPECT_TRUE(open()->checkpoint(task).has_value());
+    runSQL(file(), std::string("UPDATE habitra_checkpoint SET ") + damage);
+    EXPECT_EQ(open()->checkpoint(task), std::nullopt) << damage;
+  }
+}
+
 TEST_F(LogTest, TheLogIsNotChangedWhileItIsRead) {
   const ObjectID task = makeTask();
   const auto context = open();
