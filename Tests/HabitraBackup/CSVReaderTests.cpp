@@ -2,7 +2,6 @@
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/CSVReader.h>
 #include <HabitraBackup/CSVWriter.h>
-#include <QZKit/UTF8.h>
 #include <rapidcheck.h>
 #include <optional>
 #include <string>
@@ -235,29 +234,6 @@ TEST(CSVWriterTests, QuotesOnlyWhereNeededAndMendsWhatIsNoText) {
   writer.endRow();
   writer.flush();
   EXPECT_EQ(text, " a ,,\"b,c\",\"d\"\"e\",\"f\ng\",\"h\ri\",j\uFFFDk,\"\uFFFD,\uFFFD\uFFFD\uFFFD\"\n");
-}
-
-TEST(UTF8Tests, RefusesWhatIsNotWellFormed) {
-  for (const char* good : {"", "plain", "é", "€", "🏃", "\xF4\x8F\xBF\xBF", "seven bytes and é"}) {
-    EXPECT_EQ(qz::utf8::firstInvalidByte(good), std::nullopt) << good;
-  }
-  const std::vector<std::pair<std::string, std::size_t>> bad{{"\x80", 0},
-                                                             {"12345678\xC3", 8},
-                                                             {"\xC0\xAF", 0},
-                                                             {"\xE0\x80\xAF", 0},
-                                                             {"\xED\xA0\x80", 0},
-                                                             {"\xF4\x90\x80\x80", 0},
-                                                             {"é\xFE", 2},
-                                                             {"\xF0\x9F\x8F"
-                                                              "x",
-                                                              0}};
-  for (const auto& [text, at] : bad) EXPECT_EQ(qz::utf8::firstInvalidByte(text), at) << text;
-}
-
-TEST(UTF8Tests, MessagesStayOnOneLine) {
-  EXPECT_EQ(qz::utf8::quoted("a\n\x1B[31m\xFF\u202E\u0085"), "\"a\\n\\x1B[31m\\xFF\\u202E\\u0085\"");
-  EXPECT_EQ(qz::utf8::quoted(std::string(41, 'x')), "\"" + std::string(40, 'x') + "...\"");
-  EXPECT_EQ(qz::utf8::quoted(std::string(40, 'x')), "\"" + std::string(40, 'x') + "\"");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-#include <fmt/core.h>
 #include <QZKit/UTF8.h>
+
+#include <fmt/core.h>
 #include <array>
 #include <cstdint>
 #include <cstring>
