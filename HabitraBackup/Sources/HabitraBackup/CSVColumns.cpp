@@ -1,10 +1,11 @@
-#include <fmt/core.h>
-#include <fmt/ranges.h>
 #include <HabitraBackup/CSVColumns.h>
 #include <HabitraBackup/CSVError.h>
+#include <QZKit/EditDistance.h>
 #include <QZKit/UTF8.h>
+
+#include <fmt/core.h>
+#include <fmt/ranges.h>
 #include <algorithm>
-#include <numeric>
 #include <string>
 #include <vector>
 
@@ -12,27 +13,13 @@ namespace habitra {
 
 namespace {
 
-// So many changes, insertions and deletions of single characters make a slip of the pen.
+// An edit distance of so many still is a slip of the pen.
 constexpr std::size_t slip = 2;
 // A message lists at most so many of the names that a header holds.
 constexpr std::size_t mostNamesListed = 9;
 
-std::size_t editDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t changed = diagonal + (a[i] == b[j] ? 0U : 1U);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
-    }
-  }
-  return row.back();
-}
-
 bool isSlip(std::string_view name, std::string_view known) {
-  return name.size() <= known.size() + slip && editDistance(name, known) <= slip;
+  return name.size() <= known.size() + slip && qz::editDistance(name, known) <= slip;
 }
 
 std::string listed(std::span<const std::string_view> names) {

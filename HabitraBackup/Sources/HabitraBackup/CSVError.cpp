@@ -1,5 +1,6 @@
-#include <fmt/core.h>
 #include <HabitraBackup/CSVError.h>
+
+#include <fmt/core.h>
 
 namespace habitra {
 

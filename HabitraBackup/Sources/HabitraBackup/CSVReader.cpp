@@ -1,9 +1,10 @@
-#include <algorithm>
-#include <csv.h>
-#include <fmt/core.h>
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/CSVReader.h>
 #include <QZKit/UTF8.h>
+
+#include <csv.h>
+#include <fmt/core.h>
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <optional>
@@ -100,7 +101,8 @@ class CSVReader::Parser {
     const std::size_t nul = slice.find('\0');
     const std::string_view text = slice.substr(0, nul);
     unfinished_ += text.size();
-    // The parser's buffer grows by a fixed step; a step as large as the buffer keeps a long field from costing its square.
+    // The parser's buffer grows by a fixed step; a step as large as the buffer keeps a long field from costing its
+    // square.
     csv_set_blk_size(&csv_, std::max(smallestBuffer, csv_get_buffer_size(&csv_)));
     const std::size_t parsed = csv_parse(&csv_, text.data(), text.size(), onField, onRowEnd, this);
     rethrow();

@@ -1,6 +1,7 @@
-#include <csv.h>
 #include <HabitraBackup/CSVWriter.h>
 #include <QZKit/UTF8.h>
+
+#include <csv.h>
 #include <array>
 #include <cstdint>
 

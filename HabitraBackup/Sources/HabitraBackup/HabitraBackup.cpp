@@ -1,10 +1,11 @@
-#include <fcntl.h>
-#include <fmt/core.h>
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/HabitraBackup.h>
 #include <HabitraBackup/HabitraCSVImport.h>
 #include <HabitraBackup/TaskDataExchangeError.h>
 #include <QZKit/UTF8.h>
+
+#include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>

@@ -1,4 +1,5 @@
 #include <HabitraBackup/HabitraCSVBackupEntryType.h>
+
 #include <cstddef>
 
 namespace habitra {

@@ -2,8 +2,9 @@
 #include <HabitraBackup/CSVError.h>
 #include <HabitraBackup/CSVReader.h>
 #include <HabitraBackup/HabitraCSVCoder.h>
-#include <QZKit/UTF8.h>
 #include <QZDateTime/ISO8601.h>
+#include <QZKit/UTF8.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>

@@ -1,7 +1,8 @@
-#include <fmt/core.h>
 #include <HabitraBackup/HabitraCSVCoder.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/Trap.h>
+
+#include <fmt/core.h>
 #include <array>
 #include <charconv>
 #include <cmath>

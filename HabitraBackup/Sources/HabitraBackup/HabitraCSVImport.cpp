@@ -1,7 +1,8 @@
-#include <fmt/core.h>
-#include <fmt/ranges.h>
 #include <HabitraBackup/HabitraCSVImport.h>
 #include <QZKit/UTF8.h>
+
+#include <fmt/core.h>
+#include <fmt/ranges.h>
 #include <map>
 #include <utility>
 

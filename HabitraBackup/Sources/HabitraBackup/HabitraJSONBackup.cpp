@@ -1,6 +1,7 @@
 #include <HabitraBackup/HabitraJSONBackup.h>
 #include <HabitraBackup/ReplacementFile.h>
 #include <HabitraBackup/TaskDataExchangeError.h>
+
 #include <span>
 #include <unordered_map>
 

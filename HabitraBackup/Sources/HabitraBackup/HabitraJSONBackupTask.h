@@ -1,9 +1,9 @@
 #pragma once
 
 #include <HabitraBackup/HabitraJSONBackupVisualRepresentation.h>
-#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <HabitraCore/TaskFrequencyPeriodType.h>
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Checked.h>
 #include <QZKit/Clock.h>

@@ -1,4 +1,5 @@
 #include <HabitraBackup/HabitraJSONBackupVisualRepresentation.h>
+
 #include <utility>
 
 namespace habitra {

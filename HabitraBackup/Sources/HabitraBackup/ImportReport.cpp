@@ -1,4 +1,5 @@
 #include <HabitraBackup/ImportReport.h>
+
 #include <algorithm>
 
 namespace habitra {

@@ -1,6 +1,7 @@
 #include <HabitraBackup/LogImport.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+
 #include <algorithm>
 #include <string>
 

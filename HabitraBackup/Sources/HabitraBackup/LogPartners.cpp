@@ -1,4 +1,5 @@
 #include <HabitraBackup/LogPartners.h>
+
 #include <algorithm>
 #include <chrono>
 #include <tuple>

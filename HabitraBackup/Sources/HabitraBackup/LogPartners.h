@@ -36,9 +36,6 @@ class LogPartners {
   [[nodiscard]] bool isTaken(std::size_t index) const { return isTaken_[index]; }
 
  private:
-  template <typename Key>
-  struct Side;
-
   template <typename WantedKey, typename StoredKey>
   void pair(WantedKey wantedKey, StoredKey storedKey);
 

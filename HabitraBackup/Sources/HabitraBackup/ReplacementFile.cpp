@@ -1,7 +1,8 @@
-#include <fcntl.h>
-#include <fmt/core.h>
 #include <HabitraBackup/ReplacementFile.h>
 #include <QZKit/Error.h>
+
+#include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include <HabitraBackup/ReplacementFile.h>
-#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraBackup/TaskDataExporter.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
 namespace habitra {
@@ -10,19 +10,19 @@ namespace {
 
 bool isExported(const TaskEntity& task) { return task.status != task_status::deleted; }
 
-std::optional<HabitraJSONBackupDay> storedDay(std::int32_t value) {
-  const auto day = qz::YYYYMMDD::fromRawValue(value);
+std::optional<HabitraJSONBackupDay> backupDay(std::int32_t stored) {
+  const auto day = dayFromStored(stored);
   return day ? std::optional<HabitraJSONBackupDay>(*day) : std::nullopt;
 }
 
 HabitraJSONBackupTaskEntry entry(const TaskLogEntryEntity& stored) {
   HabitraJSONBackupTaskEntry entry;
   entry.entryType = fromRawValue<TaskLogEntryType>(stored.entryType).value_or(TaskLogEntryType::unknown);
-  entry.entryDate = storedDay(stored.entryDate).value_or(HabitraJSONBackupDay());
+  entry.entryDate = backupDay(stored.entryDate).value_or(HabitraJSONBackupDay());
   entry.progress = stored.progress;
   entry.createdTimestamp = stored.createdTimestamp;
-  entry.entryPeriodFrom = storedDay(stored.entryPeriodFrom);
-  entry.entryPeriodTo = storedDay(stored.entryPeriodTo);
+  entry.entryPeriodFrom = backupDay(stored.entryPeriodFrom);
+  entry.entryPeriodTo = backupDay(stored.entryPeriodTo);
   if (stored.entryPeriodType) {
     entry.entryPeriodType = fromRawValue<TaskFrequencyPeriodType>(std::string_view(*stored.entryPeriodType));
   }

@@ -1,8 +1,9 @@
 #include <HabitraBackup/LogImport.h>
-#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraBackup/TaskDataImporter.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
