@@ -1,13 +1,13 @@
 #include <HabitraApp/TaskLookup.h>
+#include <QZKit/EditDistance.h>
 #include <QZKit/UTF8.h>
 
 #include <fmt/format.h>
 #include <algorithm>
 #include <clocale>
 #include <cwctype>
-#include <memory>
-#include <numeric>
 #include <optional>
+#include <utility>
 
 namespace habitra {
 namespace {
@@ -42,24 +42,6 @@ class CaseFolding {
   locale_t locale_;
 };
 
-/// Insertions, deletions, replacements and swaps of neighbours that turn one text into the other.
-std::size_t editDistance(const std::u32string& a, const std::u32string& b) {
-  std::vector<std::size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
-  std::iota(last.begin(), last.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t replaced = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-      row[j] = std::min({last[j] + 1, row[j - 1] + 1, replaced});
-      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-        row[j] = std::min(row[j], beforeLast[j - 2] + 1);
-    }
-    beforeLast = last;
-    std::swap(last, row);
-  }
-  return last[b.size()];
-}
-
 std::vector<std::size_t> placesWhere(std::span<const TaskName> tasks, auto&& holds) {
   std::vector<std::size_t> places;
   for (std::size_t i = 0; i < tasks.size(); ++i) {
@@ -81,12 +63,7 @@ TaskNameError ambiguous(std::span<const TaskName> tasks, const std::vector<std::
 TaskNameError unknown(std::span<const TaskName> tasks, std::string_view name) {
   std::vector<std::string> titles;
   for (const TaskName& task : tasks) titles.push_back(task.title);
-  std::string message = fmt::format("no habit is called '{}'", name);
-  const std::vector<std::string> near = nearestMatches(name, titles);
-  for (std::size_t i = 0; i < near.size(); ++i)
-    message += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
-  if (!near.empty()) message += "?";
-  return TaskNameError(message);
+  return TaskNameError(fmt::format("no habit is called '{}'{}", name, didYouMean(name, titles)));
 }
 
 }  // namespace
@@ -123,7 +100,7 @@ std::vector<std::string> nearestMatches(std::string_view word, std::span<const s
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& candidate : words) {
     const std::u32string folded = folding.fold(candidate);
-    const std::size_t distance = editDistance(wanted, folded);
+    const std::size_t distance = qz::editDistance(wanted, folded);
     const bool contains = wanted.size() >= 3 && folded.find(wanted) != std::u32string::npos;
     // A third of the letters wrong is a slip of the finger; more is another word.
     const std::size_t allowed = std::max<std::size_t>(1, std::max(wanted.size(), folded.size()) / 3);
@@ -137,6 +114,14 @@ std::vector<std::string> nearestMatches(std::string_view word, std::span<const s
     if (std::find(result.begin(), result.end(), candidate) == result.end()) result.push_back(std::move(candidate));
   }
   return result;
+}
+
+std::string didYouMean(std::string_view word, std::span<const std::string> words) {
+  const std::vector<std::string> near = nearestMatches(word, words);
+  std::string text;
+  for (std::size_t i = 0; i < near.size(); ++i)
+    text += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
+  return near.empty() ? text : text + "?";
 }
 
 }  // namespace habitra

@@ -32,4 +32,8 @@ struct TaskName {
 [[nodiscard]] std::vector<std::string> nearestMatches(std::string_view word, std::span<const std::string> words,
                                                       std::size_t count = 3);
 
+/// The end of a message about a word that is not known: ", did you mean 'a', 'b' or 'c'?" with its nearest matches, or
+/// nothing where there are none.
+[[nodiscard]] std::string didYouMean(std::string_view word, std::span<const std::string> words);
+
 }  // namespace habitra

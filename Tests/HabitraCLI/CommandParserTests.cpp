@@ -50,6 +50,8 @@ TEST(CommandParserTests, keepsWordsAsTheyAreWritten) {
     line.insert(line.begin(), "add");
     EXPECT_EQ(parse(line).arguments.words, words);
   }
+  EXPECT_EQ(parse({"add", "C", "++", "--", "++", "x"}).arguments.words, (Words{"C", "++", "++", "x"}));
+  EXPECT_EQ(parse({"--home", "++", "list"}).global.home, "++");
   EXPECT_EQ(parse({"add", "--", "-x", "--json"}).arguments.words, (Words{"-x", "--json"}));
   EXPECT_EQ(parse({"import", "-"}).arguments.words, Words{"-"});
   EXPECT_EQ(parse({"--json"}).command, nullptr);
@@ -61,6 +63,7 @@ TEST(CommandParserTests, keepsWordsAsTheyAreWritten) {
 TEST(CommandParserTests, refusesWithTheNearestName) {
   EXPECT_EQ(refusal({"lst"}), "unknown command 'lst', did you mean 'list'?");
   EXPECT_EQ(refusal({"xyzzy"}), "unknown command 'xyzzy'");
+  EXPECT_EQ(refusal({"++"}), "unknown command '++'");
   EXPECT_EQ(refusal({"list", "--jsn"}), "unknown option '--jsn', did you mean '--json'?");
   EXPECT_EQ(refusal({"undo", "Read", "--dat=-2"}), "unknown option '--dat', did you mean '--date'?");
   EXPECT_EQ(refusal({"list", "--date", "-2"}), "unknown option '--date'");

@@ -9,15 +9,12 @@
 namespace habitra {
 namespace {
 
-constexpr std::size_t nearestShown = 3;
+/// A word that the library would take for the end of a verb's words, and what stands for it while the library reads: no
+/// word of a command line can hold a NUL.
+constexpr std::string_view endOfVerb = "++";
+constexpr std::string_view endOfVerbAsWord("++\0", 3);
 
-std::string didYouMean(std::string_view word, const std::vector<std::string>& known) {
-  std::string text;
-  const std::vector<std::string> near = nearestMatches(word, known, nearestShown);
-  for (std::size_t i = 0; i < near.size(); ++i)
-    text += fmt::format("{}'{}'", i == 0 ? ", did you mean " : i + 1 == near.size() ? " or " : ", ", near[i]);
-  return near.empty() ? text : text + "?";
-}
+std::string asWritten(const std::string& word) { return word == endOfVerbAsWord ? std::string(endOfVerb) : word; }
 
 /// The library's tree over the descriptions. Only what the library is good at is left to it: telling verbs, options,
 /// their values and words apart. What is missing or too much is said in our own words.
@@ -44,6 +41,7 @@ class Tree {
 
   ParsedLine parse(std::vector<std::string> words) {
     refuseEmptyValues(words);
+    std::replace(words.begin(), words.end(), std::string(endOfVerb), std::string(endOfVerbAsWord));
     std::reverse(words.begin(), words.end());
     try {
       app_.parse(std::move(words));
@@ -106,7 +104,8 @@ class Tree {
 
   void refuseExtras() const {
     const Command* chosen = command();
-    for (const std::string& extra : app_.remaining(true)) {
+    for (const std::string& word : app_.remaining(true)) {
+      const std::string extra = asWritten(word);
       if (extra == "--" && chosen != nullptr) continue;
       if (extra.size() > 1 && extra[0] == '-') refuseOption(extra, chosen);
       if (chosen == nullptr) refuseVerb(extra);
@@ -132,7 +131,7 @@ class Tree {
 
   [[nodiscard]] static std::optional<std::string> value(const CLI::App& app, std::string_view name) {
     const CLI::Option* option = app.get_option(std::string(name));
-    return option->empty() ? std::nullopt : std::optional(option->results().back());
+    return option->empty() ? std::nullopt : std::optional(asWritten(option->results().back()));
   }
 
   [[nodiscard]] bool flag(std::string_view name) const {
@@ -157,8 +156,10 @@ class Tree {
       if (const auto given = value(sub, option.name)) line.arguments.options.emplace(option.name, *given);
     }
     const WordsTaken& words = line.command->words;
-    if (words.number != WordsTaken::Number::none)
-      line.arguments.words = sub.get_option(std::string(words.name))->results();
+    if (words.number != WordsTaken::Number::none) {
+      for (const std::string& word : sub.get_option(std::string(words.name))->results())
+        line.arguments.words.push_back(asWritten(word));
+    }
     if (!line.global.help && !line.global.version) checkNumber(*line.command, line.arguments.words);
     return line;
   }

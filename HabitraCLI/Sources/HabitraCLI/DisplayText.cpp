@@ -1,4 +1,5 @@
 #include <HabitraCLI/DisplayText.h>
+#include <QZKit/UTF8.h>
 
 #include <locale.h>
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace {
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 constexpr std::string_view ellipsis = "\xE2\x80\xA6";     // U+2026
 
-/// The calling thread reads multibyte text as UTF-8 while one of these lives.
+/// The calling thread knows the widths of all characters while one of these lives.
 class InUTF8 {
  public:
   InUTF8() : before_(::uselocale(utf8())) {}
@@ -34,20 +35,17 @@ bool isPlainASCII(std::string_view text) {
 }
 
 /// One character of a text: its bytes, and its width; no width for what cannot be shown.
-struct Character {
+struct ShownCharacter {
   std::string_view bytes;
   std::optional<std::size_t> width;
 };
 
 /// REQUIRES: an InUTF8 lives; `text` is not empty.
-Character firstCharacter(std::string_view text) {
-  wchar_t character = 0;
-  std::mbstate_t state{};
-  const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-  if (length == 0 || length > text.size()) return {text.substr(0, 1), std::nullopt};
-  const int width = ::wcwidth(character);
-  if (width < 0) return {text.substr(0, length), std::nullopt};
-  return {text.substr(0, length), static_cast<std::size_t>(width)};
+ShownCharacter firstShown(std::string_view text) {
+  const auto character = qz::utf8::firstCharacter(text);
+  if (!character) return {text.substr(0, 1), std::nullopt};
+  const int width = character->value == 0 ? -1 : ::wcwidth(static_cast<wchar_t>(character->value));
+  return {text.substr(0, character->length), width < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(width))};
 }
 
 }  // namespace
@@ -57,7 +55,7 @@ std::string displayable(std::string_view text) {
   const InUTF8 scope;
   std::string result;
   while (!text.empty()) {
-    const Character character = firstCharacter(text);
+    const ShownCharacter character = firstShown(text);
     result += character.width ? character.bytes : replacement;
     text.remove_prefix(character.bytes.size());
   }
@@ -69,7 +67,7 @@ std::size_t displayWidth(std::string_view text) {
   const InUTF8 scope;
   std::size_t width = 0;
   while (!text.empty()) {
-    const Character character = firstCharacter(text);
+    const ShownCharacter character = firstShown(text);
     width += character.width.value_or(1);
     text.remove_prefix(character.bytes.size());
   }
@@ -83,7 +81,7 @@ std::string cutToWidth(std::string_view text, std::size_t width) {
   std::string result;
   std::size_t used = 1;  // the ellipsis
   while (!text.empty()) {
-    const Character character = firstCharacter(text);
+    const ShownCharacter character = firstShown(text);
     used += character.width.value_or(1);
     if (used > width) break;
     result += character.bytes;
