@@ -2,6 +2,7 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraBackup/ImportReport.h>
+#include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
@@ -19,7 +20,9 @@
 
 namespace habitra {
 
+class StoreContext;
 struct HabitraJSONBackup;
+struct TaskEntity;
 
 /// What an application works on and with.
 struct ApplicationSettings {
@@ -34,8 +37,15 @@ struct Marked {
     recorded,  ///< an entry was written
     already,   ///< the day already stood as asked for; nothing was written
   };
+  /// A day that was marked afterwards.
+  struct PastDay {
+    qz::YYYYMMDD day;
+    std::optional<CompletionStatus> status;  ///< of the period that holds it, afterwards; see HabitSummary::status
+  };
+
   Outcome outcome;
-  HabitSummary habit;  ///< as it stands afterwards
+  HabitSummary habit;                ///< as it stands now, afterwards
+  std::optional<PastDay> pastDay{};  ///< none when the habit's today was marked
 };
 
 /// What a pass over the habits did.
@@ -49,7 +59,7 @@ struct ProcessReport {
 /// What was brought in, and the pass that followed.
 struct ImportOutcome {
   ImportReport report;
-  ProcessReport processed;
+  std::optional<ProcessReport> processed;  ///< none when the pass failed: what was brought in is stored all the same
 };
 
 struct ExportOutcome {
@@ -83,11 +93,12 @@ class Application {
   /// Throws qz::Error for a title that is empty, longer than 500 bytes, not UTF-8 or has control characters.
   HabitSummary add(std::string_view title);
 
-  /// Marks the current period of these habits done. Names are all looked up before anything is recorded.
-  std::vector<Marked> done(const std::vector<std::string>& names);
+  /// Marks the period of these habits that holds `day` (none: the today of each) done. Names are all looked up before
+  /// anything is recorded. Throws qz::Error when the day lies in the future of one of them.
+  std::vector<Marked> done(const std::vector<std::string>& names, std::optional<qz::YYYYMMDD> day);
 
-  /// Marks the current period of these habits skipped: it then neither adds to a streak nor breaks it.
-  std::vector<Marked> skip(const std::vector<std::string>& names);
+  /// The same for skipped: the period then neither adds to a streak nor breaks it.
+  std::vector<Marked> skip(const std::vector<std::string>& names, std::optional<qz::YYYYMMDD> day);
 
   /// Takes back what stands in the log of one habit for `day` (none: its today).
   /// Throws qz::Error when nothing that a person or an import recorded stands there, or the day lies in the future.
@@ -112,8 +123,10 @@ class Application {
  private:
   class Rooms;
 
-  /// Records one entry of this type for the current period of each habit that does not have it yet.
-  std::vector<Marked> mark(std::string_view verb, TaskLogEntryType type, const std::vector<std::string>& names);
+  /// Records one entry of this type for each habit whose period does not stand as it asks for yet.
+  std::vector<Marked> mark(std::string_view verb, TaskLogEntryType type, const std::vector<std::string>& names,
+                           std::optional<qz::YYYYMMDD> day);
+  Marked markOne(StoreContext& context, TaskEntity& task, TaskLogEntryType type, std::optional<qz::YYYYMMDD> day);
 
   ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name);
 

@@ -4,6 +4,8 @@
 #include <HabitraBackup/TaskDataExporter.h>
 #include <HabitraBackup/TaskDataImporter.h>
 #include <QZDateTime/DayOfWeek.h>
+#include <QZKit/Error.h>
+#include <QZLog/Log.h>
 
 #include <fmt/format.h>
 #include <ostream>
@@ -18,7 +20,12 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
   ImportOutcome outcome;
   outcome.report = importer.importBackup(document, ImportStrategy::merge,
                                          {.author = Author::app, .command = fmt::format("import '{}'", name)});
-  outcome.processed = process();
+  try {
+    outcome.processed = process();
+  } catch (const qz::Error& error) {
+    // The history is stored; whoever were told of a failure would bring it in again. The next pass catches up.
+    qz::log::warning("The pass after the import could not be made: {}", error.what());
+  }
   return outcome;
 }
 

@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace habitra {
@@ -30,12 +29,53 @@ void checkTitle(const std::string& title) {
     throw qz::Error("a title is one line without control characters");
 }
 
-/// What the log of a period must hold for a mark to change nothing.
-bool isMarked(const HabitSummary& habit, TaskLogEntryType type) {
-  if (!habit.status) return false;
-  const auto& status = habit.status->status;
-  return isSkipped(type) ? status == CompletionStatus::Status::positiveSkip()
-                         : status == CompletionStatus::Status::positiveComplete();
+/// The day of a habit that a person speaks of, and what is recorded for it.
+struct ChosenDay {
+  qz::YYYYMMDD day;
+  bool isToday;
+  DatedPeriod period;  ///< the one that holds it
+  qz::Moment start;    ///< of the entry
+};
+
+/// Throws qz::Error for a day that lies in the future.
+ChosenDay chosenDay(const TaskEntity& task, const TaskCalendar& calendar, qz::Moment now,
+                    std::optional<qz::YYYYMMDD> day) {
+  const qz::YYYYMMDD today = calendar.day(now);
+  const qz::YYYYMMDD chosen = day.value_or(today);
+  if (chosen > today)
+    throw qz::Error(fmt::format("{} has not come yet for '{}'", chosen.debugDescription(), task.title.value_or("")));
+  const bool isToday = chosen == today;
+  return {chosen, isToday, periodHolding(task, chosen), isToday ? now : calendar.beginning(chosen)};
+}
+
+std::vector<TaskLogEntryEntity> logOf(StoreContext& context, const TaskEntity& task, const DatedPeriod& period) {
+  return context.fetchLogEntries(task.objectID, storedDay(period.period.startDate),
+                                 storedDay(period.period.finishDate));
+}
+
+/// The type of the newest row that says anything of its period.
+std::optional<TaskLogEntryType> newestType(const std::vector<TaskLogEntryEntity>& rows) {
+  std::optional<TaskLogEntryType> newest;
+  ObjectID newestRow = ObjectID::none;
+  for (const TaskLogEntryEntity& row : rows) {
+    const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (!type || !marksHistory(*type) || row.objectID < newestRow) continue;
+    newest = type;
+    newestRow = row.objectID;
+  }
+  return newest;
+}
+
+/// Whether one more entry of this type would change nothing for the period of `rows`, which has come to `status`.
+bool isMarked(const std::optional<CompletionStatus>& status, const std::vector<TaskLogEntryEntity>& rows,
+              TaskLogEntryType type) {
+  if (!status) return false;
+  const CompletionStatus::Status::Kind kind = status->status.kind();
+  using Kind = CompletionStatus::Status::Kind;
+  if (!status->isNegative()) return kind == (isSkipped(type) ? Kind::positiveSkip : Kind::positiveComplete);
+  // A habit to avoid is clean without any entry, and remains so when it is skipped: only an entry tells.
+  const auto newest = newestType(rows);
+  return kind == Kind::negativeComplete && newest && (isSkipped(type) ? isSkipped(*newest) : isCompletedFull(*newest));
 }
 
 /// Whether an undo takes this row back: anything but what filling in would write again.
@@ -74,7 +114,7 @@ HabitSummary Application::add(std::string_view title) {
 }
 
 std::vector<Marked> Application::mark(std::string_view verb, TaskLogEntryType type,
-                                      const std::vector<std::string>& names) {
+                                      const std::vector<std::string>& names, std::optional<qz::YYYYMMDD> day) {
   if (names.empty()) return {};
   const auto context = rooms_->contextToChange(names.front());
   std::vector<TaskEntity*> tasks;
@@ -82,51 +122,49 @@ std::vector<Marked> Application::mark(std::string_view verb, TaskLogEntryType ty
     TaskEntity& task = rooms_->lookUp(*context, name);
     if (std::find(tasks.begin(), tasks.end(), &task) == tasks.end()) tasks.push_back(&task);
   }
-
-  const qz::Moment now = rooms_->now();
   std::vector<Marked> marked;
-  for (TaskEntity* task : tasks) {
-    rooms_->processor.process(*context, *task, now);
-    const HabitSummary before = rooms_->summarize(*context, *task);
-    if (isMarked(before, type)) {
-      marked.push_back({Marked::Outcome::already, before});
-      continue;
-    }
-    rooms_->record(*context, *task, type, periodHolding(*task, rooms_->calendars.of(*task).day(now)), now);
-    rooms_->processor.process(*context, *task, now);
-    marked.push_back({Marked::Outcome::recorded, rooms_->summarize(*context, *task)});
-  }
+  for (TaskEntity* task : tasks) marked.push_back(markOne(*context, *task, type, day));
   context->save({.author = Author::app, .command = commandText(verb, tasks)});
   return marked;
 }
 
-std::vector<Marked> Application::done(const std::vector<std::string>& names) {
-  return mark("done", TaskLogEntryType::completedManuallyFull, names);
+Marked Application::markOne(StoreContext& context, TaskEntity& task, TaskLogEntryType type,
+                            std::optional<qz::YYYYMMDD> day) {
+  const qz::Moment now = rooms_->now();
+  const ChosenDay chosen = chosenDay(task, rooms_->calendars.of(task), now, day);
+  const auto status = [&] { return rooms_->statusOf(context, task, chosen.period.period); };
+  Marked::Outcome outcome = Marked::Outcome::already;
+  rooms_->processor.process(context, task, now);
+  if (!isMarked(status(), logOf(context, task, chosen.period), type)) {
+    rooms_->record(context, task, type, chosen.period, chosen.start);
+    rooms_->processor.process(context, task, now);
+    outcome = Marked::Outcome::recorded;
+  }
+  Marked marked{.outcome = outcome, .habit = rooms_->summarize(context, task)};
+  if (!chosen.isToday) marked.pastDay = {.day = chosen.day, .status = status()};
+  return marked;
 }
 
-std::vector<Marked> Application::skip(const std::vector<std::string>& names) {
-  return mark("skip", TaskLogEntryType::skippedManuallyFull, names);
+std::vector<Marked> Application::done(const std::vector<std::string>& names, std::optional<qz::YYYYMMDD> day) {
+  return mark("done", TaskLogEntryType::completedManuallyFull, names, day);
+}
+
+std::vector<Marked> Application::skip(const std::vector<std::string>& names, std::optional<qz::YYYYMMDD> day) {
+  return mark("skip", TaskLogEntryType::skippedManuallyFull, names, day);
 }
 
 HabitSummary Application::undo(std::string_view name, std::optional<qz::YYYYMMDD> day) {
   const auto context = rooms_->contextToChange(name);
   TaskEntity& task = rooms_->lookUp(*context, name);
   const qz::Moment now = rooms_->now();
-  const TaskCalendar calendar = rooms_->calendars.of(task);
-  const qz::YYYYMMDD today = calendar.day(now);
-  const qz::YYYYMMDD undone = day.value_or(today);
-  const std::string title = task.title.value_or("");
-  if (undone > today) throw qz::Error(fmt::format("{} has not come yet for '{}'", undone.debugDescription(), title));
-
-  const DatedPeriod period = periodHolding(task, undone);
-  const auto rows =
-      context->fetchLogEntries(task.objectID, storedDay(period.period.startDate), storedDay(period.period.finishDate));
+  const ChosenDay chosen = chosenDay(task, rooms_->calendars.of(task), now, day);
+  const auto rows = logOf(*context, task, chosen.period);
   if (std::none_of(rows.begin(), rows.end(), canBeTakenBack))
-    throw qz::Error(fmt::format("nothing to undo: '{}' has no entry on {}", title, undone.debugDescription()));
+    throw qz::Error(fmt::format("nothing to undo: '{}' has no entry on {}", task.title.value_or(""),
+                                chosen.day.debugDescription()));
 
   rooms_->processor.process(*context, task, now);
-  const qz::Moment start = undone == today ? now : calendar.beginning(undone);
-  rooms_->record(*context, task, TaskLogEntryType::unknown, period, start);
+  rooms_->record(*context, task, TaskLogEntryType::unknown, chosen.period, chosen.start);
   rooms_->processor.process(*context, task, now);
   context->save({.author = Author::app, .command = commandText("undo", {&task})});
   return rooms_->summarize(*context, task);

@@ -58,6 +58,16 @@ HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEnti
   return habit;
 }
 
+std::optional<CompletionStatus> Application::Rooms::statusOf(StoreContext& context, const TaskEntity& task,
+                                                             const TaskFrequencyPeriod& period) {
+  // A period stands as it stood on its last day.
+  const TaskCalendar calendar = calendars.of(task);
+  const bool isOver = period.finishDate < calendar.day(now());
+  const TaskAssessment assessment =
+      assess(context, task, calendars, isOver ? calendar.beginning(period.finishDate) : now());
+  return assessment.history ? std::optional(assessment.history->figures.completionStatus) : std::nullopt;
+}
+
 TaskEntity& Application::Rooms::lookUp(StoreContext& context, std::string_view name) {
   const std::vector<TaskEntity*> tasks = TaskProcessor::activeTasks(context);
   std::vector<TaskName> names;

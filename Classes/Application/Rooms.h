@@ -8,6 +8,7 @@
 #include <QZKit/MainQueue.h>
 
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +31,11 @@ class Application::Rooms {
 
   /// A habit as it stands now, worked out in memory.
   [[nodiscard]] HabitSummary summarize(StoreContext& context, const TaskEntity& task);
+
+  /// What the log of a habit makes of this period, which may be over or hold today; none where the stored frequency
+  /// cannot be read.
+  [[nodiscard]] std::optional<CompletionStatus> statusOf(StoreContext& context, const TaskEntity& task,
+                                                         const TaskFrequencyPeriod& period);
 
   /// The active habit that `name` means. Throws TaskNameError.
   [[nodiscard]] TaskEntity& lookUp(StoreContext& context, std::string_view name);

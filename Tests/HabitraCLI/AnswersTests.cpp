@@ -58,8 +58,11 @@ TEST(AnswersTests, saysWhatHoldsNow) {
   EXPECT_EQ(asText(habitra::ProcessReport{.tasks = 1, .changed = 1, .filledIn = 1, .removed = 2}, {}),
             "1 habit up to date: 1 changed, 1 day filled in, 2 entries of the future removed\n");
   const habitra::ImportReport report{.tasks = {{.title = "Walk", .uniqueId = {}, .entries = {.left = 1}}}};
-  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = {.filledIn = 12}}}, {}),
-            "1 habit: 1 already there\n1 entry: 1 already there\n12 days filled in\n");
+  EXPECT_EQ(
+      asText(habitra::ImportedHistory{{.report = report, .processed = habitra::ProcessReport{.filledIn = 12}}}, {}),
+      "1 habit: 1 already there\n1 entry: 1 already there\n12 days filled in\n");
+  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = {}}}, {}),
+            "1 habit: 1 already there\n1 entry: 1 already there\n");
   EXPECT_EQ(asText(habitra::ExportedHistory{{.tasks = 2, .rows = 1}, "a.csv"}, {}),
             "a.csv: 1 row of 2 habits written\n");
 }

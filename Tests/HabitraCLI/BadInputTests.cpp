@@ -37,6 +37,7 @@ TEST_F(BadInputTests, isRefusedInOneLineAndChangesNothing) {
   expectRefused({"list", "--home", ""}, 2, {"'--home'"});
   expectRefused({"undo", "Read the", "--date", "2024-02-30"}, 2, {"'2024-02-30'", "habitra undo --help"});
   expectRefused({"undo", "Read the", "--date", "soon"}, 2, {"'soon'"});
+  expectRefused({"done", "Read the", "--date", "2024-02-30"}, 2, {"'2024-02-30'", "habitra done --help"});
   expectRefused({"done"}, 2, {"TASK", "habitra done --help"});
   expectRefused({"done", "read t"}, 2, {"'Read ten pages'", "'Read the news'"});
   expectRefused({"done", "Raed ten pages"}, 2, {"'Raed ten pages'", "'Read ten pages'", "habitra done --help"});
@@ -45,6 +46,8 @@ TEST_F(BadInputTests, isRefusedInOneLineAndChangesNothing) {
   // What cannot be done: 1.
   expectRefused({"undo", "Read ten"}, 1, {});
   expectRefused({"undo", "Read the", "--date", "2024-02-01"}, 1, {});
+  expectRefused({"done", "Read ten", "--date", "2030-01-01"}, 1, {"2030-01-01 has not come yet for 'Read ten pages'"});
+  expectRefused({"skip", "Read ten", "--date", "2024-02-01"}, 1, {"2024-02-01 has not come yet for 'Read ten pages'"});
   expectRefused({"add", ""}, 1, {});
   expectRefused({"add", "a\nb"}, 1, {});
   expectRefused({"export", folder_ / "no/such/folder.csv"}, 1, {"folder.csv"});

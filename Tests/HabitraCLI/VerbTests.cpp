@@ -89,6 +89,28 @@ TEST_F(VerbTests, undo) {
   EXPECT_EQ(habit["lastCompleted"], 20240128);
 }
 
+TEST_F(VerbTests, doneAndSkipOnAnotherDay) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  ASSERT_EQ(run({"done", "Say"}), says("[x] Say \"hello\": done, streak 1 (best 1)\n"));
+  EXPECT_EQ(run({"done", "Say", "--date", "2024-01-30"}),
+            says("[x] Say \"hello\": done on 2024-01-30, streak 3 (best 3)\n"));
+  EXPECT_EQ(run({"done", "Say", "Walk", "--date", "yesterday"}),
+            says("[x] Say \"hello\": was already done on 2024-01-30, streak 3 (best 3)\n"
+                 "[x] Walk, 8,000 steps: was already done on 2024-01-30, streak 3 (best 3)\n"));
+  EXPECT_EQ(run({"skip", "Walk", "--date=-1"}),
+            says("[-] Walk, 8,000 steps: skipped on 2024-01-30, streak 2 (best 2)\n"));
+  EXPECT_EQ(run({"skip", "Walk", "--date", "20240130"}),
+            says("[-] Walk, 8,000 steps: was already skipped on 2024-01-30, streak 2 (best 2)\n"));
+  EXPECT_EQ(run({"done", "Walk", "--date", "today"}), says("[x] Walk, 8,000 steps: done, streak 3 (best 3)\n"));
+
+  const json marked = runJSON({"done", "Walk", "--date", "2024-01-30"}).at(0);
+  EXPECT_EQ(marked["outcome"], "recorded");
+  EXPECT_EQ(marked["day"], 20240130);
+  EXPECT_TRUE(marked["status"]["status"].contains("positiveComplete"));
+  EXPECT_EQ(marked["habit"]["streak"]["current"], 4);
+  EXPECT_FALSE(runJSON({"done", "Walk"}).at(0).contains("day"));
+}
+
 TEST_F(VerbTests, today) {
   ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
   add("Stretch");

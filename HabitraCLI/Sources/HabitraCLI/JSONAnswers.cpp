@@ -1,6 +1,7 @@
 #include <HabitraCLI/Answers.h>
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace habitra {
 namespace {
@@ -49,7 +50,12 @@ std::string asJSON(const MarkedHabits& answer) {
   json habits = json::array();
   for (const Marked& marked : answer.habits) {
     const bool already = marked.outcome == Marked::Outcome::already;
-    habits.push_back({{"outcome", already ? "already" : "recorded"}, {"habit", marked.habit}});
+    json written{{"outcome", already ? "already" : "recorded"}, {"habit", marked.habit}};
+    if (marked.pastDay) {
+      written["day"] = marked.pastDay->day;
+      if (marked.pastDay->status) written["status"] = *marked.pastDay->status;
+    }
+    habits.push_back(std::move(written));
   }
   return text(habits);
 }
@@ -66,9 +72,9 @@ std::string asJSON(const ImportedHistory& answer) {
                      {"outcome", name(task.outcome)},
                      {"entries", figures(task.entries)}});
   }
-  return text({{"tasks", tasks},
-               {"entries", figures(answer.outcome.report.entries())},
-               {"processed", figures(answer.outcome.processed)}});
+  json answered{{"tasks", tasks}, {"entries", figures(answer.outcome.report.entries())}};
+  if (answer.outcome.processed) answered["processed"] = figures(*answer.outcome.processed);
+  return text(answered);
 }
 
 std::string asJSON(const ExportedHistory& answer) {

@@ -146,12 +146,19 @@ std::string asText(const AddedHabit& answer, const Terminal& terminal) {
 std::string asText(const MarkedHabits& answer, const Terminal& terminal) {
   std::string text;
   for (const Marked& marked : answer.habits) {
-    text += lead(marked.habit, terminal);
-    if (marked.outcome == Marked::Outcome::already)
-      text += fmt::format("was already {} {}, {}\n", StatusMark::of(marked.habit).word, currentPeriod(marked.habit),
-                          streak(marked.habit));
+    HabitSummary habit = marked.habit;
+    std::string onDay;
+    if (marked.pastDay) {
+      habit.status = marked.pastDay->status;
+      onDay = fmt::format(" on {}", marked.pastDay->day.debugDescription());
+    }
+    text += lead(habit, terminal);
+    if (marked.outcome == Marked::Outcome::recorded)
+      text += nowHolds(habit) + onDay;
     else
-      text += fmt::format("{}, {}\n", nowHolds(marked.habit), streak(marked.habit));
+      text += fmt::format("was already {}{}", StatusMark::of(habit).word,
+                          marked.pastDay ? onDay : " " + currentPeriod(habit));
+    text += fmt::format(", {}\n", streak(habit));
   }
   return text;
 }
@@ -173,7 +180,6 @@ std::string asText(const ProcessReport& answer, const Terminal&) {
 std::string asText(const ImportedHistory& answer, const Terminal&) {
   const ImportReport& report = answer.outcome.report;
   const ImportReport::Entries entries = report.entries();
-  const ProcessReport& processed = answer.outcome.processed;
   std::string text =
       withParts(counted(report.tasks.size(), "habit"), {{report.count(ImportReport::Outcome::added), "added"},
                                                         {report.count(ImportReport::Outcome::changed), "changed"},
@@ -184,7 +190,8 @@ std::string asText(const ImportedHistory& answer, const Terminal&) {
                      {entries.left, "already there"},
                      {entries.removed, "replaced"},
                      {entries.afterToday, "dated after today"}});
-  if (processed.filledIn > 0) text += counted(processed.filledIn, "day") + " filled in\n";
+  if (const auto& processed = answer.outcome.processed; processed && processed->filledIn > 0)
+    text += counted(processed->filledIn, "day") + " filled in\n";
   return text;
 }
 

@@ -16,6 +16,10 @@ extern const Command importCommand;
 extern const Command exportCommand;
 extern const Command processCommand;
 
+/// The option of the verbs that also take another day than today.
+inline constexpr Option dateOption{"--date", "DAY",
+                                   "another day: 2024-01-31, 20240131, today, yesterday, or -2 for two days ago"};
+
 /// Every verb, those first that a person uses most.
 [[nodiscard]] std::span<const Command* const> allCommands();
 

@@ -4,19 +4,22 @@
 namespace habitra {
 namespace {
 
-constexpr std::string_view examples[] = {R"(habitra done Meditate "Read ten pages")"};
+constexpr Option options[] = {dateOption};
+constexpr std::string_view examples[] = {R"(habitra done Meditate "Read ten pages")",
+                                         "habitra done Meditate --date yesterday"};
 
 void run(Session& session, const Arguments& arguments) {
-  session.answer(MarkedHabits{session.application().done(arguments.words)});
+  const std::optional<qz::YYYYMMDD> day = session.day(arguments.option(dateOption.name));
+  session.answer(MarkedHabits{session.application().done(arguments.words, day)});
 }
 
 }  // namespace
 
 constinit const Command doneCommand{.verb = "done",
-                                    .summary = "Mark habits as done for today",
+                                    .summary = "Mark habits as done, today or on another day",
                                     .words = {WordsTaken::Number::oneOrMore, "TASK",
                                               "a habit's title, a start of it that is unique, or its identifier"},
-                                    .options = {},
+                                    .options = options,
                                     .examples = examples,
                                     .run = run};
 

@@ -4,13 +4,11 @@
 namespace habitra {
 namespace {
 
-constexpr Option options[] = {
-    {"--date", "DAY", "another day: 2024-01-31, 20240131, today, yesterday, or -2 for two days ago"},
-};
+constexpr Option options[] = {dateOption};
 constexpr std::string_view examples[] = {"habitra undo Meditate", "habitra undo Meditate --date yesterday"};
 
 void run(Session& session, const Arguments& arguments) {
-  const std::optional<qz::YYYYMMDD> day = session.day(arguments.option("--date"));
+  const std::optional<qz::YYYYMMDD> day = session.day(arguments.option(dateOption.name));
   session.answer(UndoneHabit{session.application().undo(arguments.words.front(), day), day});
 }
 
