@@ -1,6 +1,7 @@
 // Whole commands as a person waits for them, from the start of the process to its end, on a store with four habits
 // and 7,236 recorded days, beside the sqlite3 shell counting the tasks of the same store.
 
+#include <QZDateTime/YYYYMMDD.h>
 #include <Support/RatioReport.h>
 
 #include <fcntl.h>
@@ -69,14 +70,10 @@ class History {
     unsigned noise = 12345;
     for (int habit = 1; habit <= 4; ++habit) {
       for (int day = 0; day < 1809; ++day) {
-        const std::chrono::year_month_day date{std::chrono::sys_days(std::chrono::year(2019) / 1 / 1) +
-                                               std::chrono::days(day)};
-        char text[9];
-        std::snprintf(text, sizeof text, "%04d%02u%02u", static_cast<int>(date.year()),
-                      static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+        const qz::YYYYMMDD date = qz::YYYYMMDD(2019, 1, 1).add(day);
         noise = noise * 1664525u + 1013904223u;
-        file << ",Habit " << habit << ",ic_walk," << (noise >> 16 & 3 ? "completed_auto" : "missed_auto") << ',' << text
-             << ",,0.5," << habit % 2 + 1 << ",\n";
+        file << ",Habit " << habit << ",ic_walk," << (noise >> 16 & 3 ? "completed_auto" : "missed_auto") << ','
+             << date.intValue() << ",,0.5," << habit % 2 + 1 << ",\n";
       }
     }
   }

@@ -1,10 +1,11 @@
 // The way between moments and days, against the calendar of ICU; and the program's main, which ends with the table of
-// what must hold:  QZDateTimeBenchmarks [--benchmark_filter=... and other options of Google Benchmark]
+// what must hold.
 
 #include <QZDateTime/Calendar.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZDateTime/QZDateTimeCache.h>
 #include <QZDateTime/YYYYMMDD.h>
+#include <Support/RatioReport.h>
 
 #include <unicode/gregocal.h>
 
@@ -13,8 +14,6 @@
 #include <random>
 #include <string>
 #include <vector>
-
-#include "QZDateTime/RatioReport.h"
 
 namespace qz {
 namespace {
@@ -129,8 +128,8 @@ BENCHMARK(dateAtUncached);
 BENCHMARK(readISO8601);
 BENCHMARK(writeISO8601);
 
-const std::vector<Ratio>& ratios() {
-  static const std::vector<Ratio> result = {
+const std::vector<habitra::benchmarks::Ratio>& ratios() {
+  static const std::vector<habitra::benchmarks::Ratio> result = {
       {"day of a moment / ICU", "dayOfMoment", "dayOfMomentICU", 0.1},
       {"day of a moment, uncached / ICU", "dayOfMomentUncached", "dayOfMomentICU", 0.25},
       {"day of a moment, shuffled / ICU", "shuffledDayOfMoment", "shuffledDayOfMomentICU", 0.1},
@@ -157,17 +156,4 @@ const std::vector<Ratio>& ratios() {
 }  // namespace
 }  // namespace qz
 
-int main(int argc, char** argv) {
-  // Interleaved repetitions; what is given on the command line comes later and wins.
-  std::string options[] = {argv[0], "--benchmark_repetitions=11", "--benchmark_min_time=0.05",
-                           "--benchmark_enable_random_interleaving=true"};
-  std::vector<char*> arguments;
-  for (std::string& option : options) arguments.push_back(option.data());
-  arguments.insert(arguments.end(), argv + 1, argv + argc);
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-  qz::RatioReport report;
-  benchmark::RunSpecifiedBenchmarks(&report);
-  return report.print(qz::ratios()) ? 0 : 1;
-}
+int main(int argc, char** argv) { return habitra::benchmarks::runWithRatios(argc, argv, qz::ratios()); }
