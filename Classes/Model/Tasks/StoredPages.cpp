@@ -1,6 +1,6 @@
 #include <fmt/core.h>
-#include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/StoredPages.h>
 #include <algorithm>
 #include <limits>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HabitraModel/Tasks/TaskPageNumber.h>
 #include <HabitraModel/Store/ObjectID.h>
+#include <HabitraModel/Tasks/TaskPageNumber.h>
 
 #include <cstdint>
 #include <map>

@@ -5,6 +5,8 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <limits>
+#include <span>
 
 namespace habitra {
 namespace {
@@ -14,6 +16,11 @@ namespace {
 constexpr std::int64_t checkpointDistance = 40;
 /// A walk of this many days more than it needs is still quick; after that a newer checkpoint pays.
 constexpr std::int64_t checkpointPatience = 62;
+/// Filling in looks this many days further back than the last pass. Somebody who flew east, or whose day now begins
+/// earlier, reads the moment of that pass as a later day than it was; the days in between would never be judged.
+constexpr std::int64_t fillInOverlap = 2;
+/// Days beyond these come from no calendar that a person kept.
+constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
 
 /// What the content of a stored checkpoint holds, beside its two columns.
 struct CheckpointContent {
@@ -63,13 +70,19 @@ std::vector<LoggedEntry> readEntries(StoreContext& context, const TaskEntity& ta
   return entries;
 }
 
+/// The day that an attribute keeps, if the calendar has it: a row may say anything.
+std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
+  const auto day = dayFromStored(stored);
+  return day && day->exists() && *day >= earliestDay ? day : std::nullopt;
+}
+
 /// The day of the earliest entry that says the task was being kept, up to `today`.
 std::optional<std::int32_t> firstKeptDay(StoreContext& context, const TaskEntity& task, std::int32_t today) {
   const auto earliest = context.earliestEntryDay(task.objectID);
   if (!earliest || *earliest > today) return std::nullopt;
   std::optional<std::int32_t> first;
   const auto look = [&](const LogRow& row) {
-    if (!first && marksHistory(entryTypeOf(row.entryType))) first = row.entryDate;
+    if (!first && marksHistory(entryTypeOf(row.entryType)) && existingDay(row.entryDate)) first = row.entryDate;
   };
   // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
   context.readLog(task.objectID, *earliest, *earliest, look);
@@ -88,6 +101,7 @@ bool wasRecordedInTime(const TaskLogEntryEntity& entry, const TaskCalendar& cale
 std::vector<LogKey> futureEntries(StoreContext& context, const TaskEntity& task, const TaskCalendar& calendar,
                                   std::int32_t today, qz::Moment now) {
   std::vector<LogKey> keys;
+  if (const auto newest = context.newestTransactionMoment(); newest && *newest > now) return keys;
   context.readLogEntries(task.objectID, today + 1, StoreContext::lastDay, [&](const TaskLogEntryEntity& entry) {
     if (!wasRecordedInTime(entry, calendar, now)) keys.push_back(entry.key());
   });
@@ -97,14 +111,49 @@ std::vector<LogKey> futureEntries(StoreContext& context, const TaskEntity& task,
 HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
   HistoryScope scope;
   scope.today = today;
-  scope.created = task.created ? std::min(calendar.day(*task.created), today) : today;
+  scope.created = task.created ? std::clamp(calendar.day(*task.created), std::min(earliestDay, today), today) : today;
   if (const auto first = firstKeptDay(context, task, storedDay(today)))
-    scope.created = std::min(scope.created, dayFromStored(*first).value_or(scope.created));
+    scope.created = std::min(scope.created, existingDay(*first).value_or(scope.created));
   scope.fillFrom = scope.created;
-  if (task.lastProcessedDate)
-    scope.fillFrom = std::max(scope.created, std::min(calendar.day(*task.lastProcessedDate), today));
+  if (task.lastProcessedDate) {
+    const qz::YYYYMMDD processed = std::min(calendar.day(*task.lastProcessedDate), today);
+    scope.fillFrom = std::max(scope.created, processed.add(-fillInOverlap));
+  }
   scope.checkpointDay = today.add(-checkpointDistance);
   return scope;
+}
+
+/// A day that the zone left out altogether (Apia had no 30 December 2011) held no moment to do anything in: it is a
+/// skip.
+bool wasLeftOut(qz::YYYYMMDD day, const TaskCalendar& calendar) { return calendar.day(calendar.beginning(day)) != day; }
+
+/// Turns the misses that the walk would fill in for days the zone left out into skips, by walking again with these.
+template <typename Walk>
+HistoryResult walkWithoutLeftOutDays(const Walk& walk, std::vector<LoggedEntry> entries, const TaskCalendar& calendar) {
+  HistoryResult result = walk(entries);
+  std::vector<FillIn> skips;
+  for (const FillIn& fillIn : result.fillIns) {
+    if (fillIn.period.periodType == TaskFrequencyPeriodType::day && wasLeftOut(fillIn.period.startDate, calendar))
+      skips.push_back({fillIn.period, TaskLogEntryType::skippedAutomaticallyFull});
+  }
+  if (skips.empty()) return result;
+
+  const auto byDay = [](const auto& a, const auto& b) { return a.entryDate < b.entryDate; };
+  for (const FillIn& skip : skips) {
+    const std::int32_t day = storedDay(skip.period.startDate);
+    entries.push_back({.order = std::numeric_limits<std::int64_t>::max(),
+                       .entryDate = day,
+                       .periodFrom = day,
+                       .periodTo = day,
+                       .entryType = skip.entryType,
+                       .periodType = skip.period.periodType});
+  }
+  std::stable_sort(entries.begin(), entries.end(), byDay);
+  result = walk(entries);
+  result.fillIns.insert(result.fillIns.end(), skips.begin(), skips.end());
+  std::stable_sort(result.fillIns.begin(), result.fillIns.end(),
+                   [](const FillIn& a, const FillIn& b) { return a.period.startDate < b.period.startDate; });
+  return result;
 }
 
 void walkHistory(StoreContext& context, const TaskEntity& task, TaskAssessment& assessment) {
@@ -114,11 +163,15 @@ void walkHistory(StoreContext& context, const TaskEntity& task, TaskAssessment& 
 
   const auto checkpoint = historyCheckpoint(context.checkpoint(task.objectID));
   if (checkpoint && walk.canResume(*checkpoint)) {
-    assessment.history = walk.resume(*checkpoint, readEntries(context, task, checkpoint->closedThrough + 1, today));
+    assessment.history =
+        walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.resume(*checkpoint, entries); },
+                               readEntries(context, task, checkpoint->closedThrough + 1, today), assessment.calendar);
     const auto closedThrough = dayFromStored(checkpoint->closedThrough);
     assessment.checkpointIsStale = closedThrough && closedThrough->distance(*scope.checkpointDay) > checkpointPatience;
   } else {
-    assessment.history = walk.walk(readEntries(context, task, StoreContext::firstDay, today));
+    assessment.history =
+        walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.walk(entries); },
+                               readEntries(context, task, StoreContext::firstDay, today), assessment.calendar);
     assessment.checkpointIsStale = scope.created.distance(*scope.checkpointDay) > checkpointPatience;
   }
 }

@@ -17,8 +17,8 @@ namespace habitra {
 struct TaskAssessment {
   TaskCalendar calendar;
   qz::YYYYMMDD today;  ///< the task's, at the moment asked about
-  /// Entries dated after today that were not recorded in time (by somebody who since flew west). They count for
-  /// nothing.
+  /// Entries to delete: dated after today, and not recorded in time by somebody who since flew west. None while the
+  /// clock is behind what the store has seen: such entries count for nothing, but may be right when it has caught up.
   std::vector<LogKey> futureEntries;
   /// None when the frequency cannot be read, or is one that the walk does not judge: the task is shown and left alone.
   std::optional<TaskRules> rules;

@@ -43,6 +43,19 @@ void removeSuperseded(StoreContext& context, const TaskEntity& task, const TaskF
   }
 }
 
+/// The day of the start moment; that of the dated period where the zone left it out, so that no moment lies on it.
+qz::YYYYMMDD dayOf(const TaskLogRecorder::LogEntryData& entry, const TaskCalendar& calendar) {
+  const qz::YYYYMMDD day = calendar.day(entry.startDate);
+  return entry.period.period.contains(day) ? day : entry.period.date;
+}
+
+/// The row of the task that bears the identifier. One of another task is not the caller's to change.
+std::optional<TaskLogEntryEntity> findOwnEntry(StoreContext& context, const TaskEntity& task, const qz::UniqueID& id) {
+  auto found = context.findLogEntry(id.text());
+  if (found && found->task != task.objectID) throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
+  return found;
+}
+
 /// A change by a person for a day that was processed already lets the next pass begin before that day again.
 void moveLastProcessedDateBack(TaskEntity& task, TaskLogEntryType type, qz::YYYYMMDD day,
                                const TaskCalendar& calendar) {
@@ -92,42 +105,52 @@ void TaskLogRecorder::record(const qz::UniqueID& taskId, const Request& request,
 
 void TaskLogRecorder::_record(TaskEntity& task, const Request& request) {
   if (request.logEntries.empty()) throw Error(Error::Reason::noLogEntryData);
-  if (task.objectID == ObjectID::none || !isActive(task)) throw Error(Error::Reason::invalidTask);
-
   StoreContext& context = request.managedObjectContext;
+  const bool isOwnUnit = !context.isInUnit();
   context.beginUnit();
-  const TaskCalendar calendar = calendars_.of(task);
-  TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(context, task);
-
-  for (const LogEntryData& entry : request.logEntries) {
-    const qz::YYYYMMDD day = calendar.day(entry.startDate);
-    const auto existing = context.findLogEntry(entry.uniqueId.text());
-    if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
-    removeSuperseded(context, task, entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
-
-    TaskLogEntryEntity row = existing.value_or(TaskLogEntryEntity{});
-    row.uniqueId = entry.uniqueId.text();
-    if (!existing || entry.createdTimestamp)
-      row.createdTimestamp = entry.createdTimestamp.value_or(request.createdTimestamp);
-    if (!existing) row.createdTimeZone = request.createdTimeZone.identifier();
-    row.entryDate = storedDay(day);
-    row.task = task.objectID;
-    row.progressTotal = entry.progressValue.value_or(0.0);
-    row.progress = entry.progressPct.value_or(0.0);
-    row.entryPeriodFrom = storedDay(entry.period.period.startDate);
-    row.entryPeriodTo = storedDay(entry.period.period.finishDate);
-    row.entryPeriodType = rawValue(entry.period.period.periodType);
-    row.entryType = rawValue(entry.type);
-    if (existing)
-      context.updateLogEntry(existing->key(), row);
-    else
-      context.insertLogEntry(row);
-
-    moveLastProcessedDateBack(task, entry.type, day, calendar);
-    temporalData.progress = row.progress;
-    temporalData.progressDate = row.entryDate;
+  try {
+    if (task.objectID == ObjectID::none || !isActive(task)) throw Error(Error::Reason::invalidTask);
+    const TaskCalendar calendar = calendars_.of(task);
+    TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(context, task);
+    for (const LogEntryData& entry : request.logEntries) {
+      const TaskLogEntryEntity row = writeRow(task, request, entry, dayOf(entry, calendar));
+      moveLastProcessedDateBack(task, entry.type, dayOf(entry, calendar), calendar);
+      temporalData.progress = row.progress;
+      temporalData.progressDate = row.entryDate;
+    }
+    if (request.saveContext && context.hasChanges()) context.save({.author = Author::app});
+  } catch (...) {
+    // What is refused leaves nothing behind; a unit of the caller's is the caller's to give up.
+    if (isOwnUnit) context.rollback();
+    throw;
   }
-  if (request.saveContext && context.hasChanges()) context.save({.author = Author::app});
+}
+
+TaskLogEntryEntity TaskLogRecorder::writeRow(const TaskEntity& task, const Request& request, const LogEntryData& entry,
+                                             qz::YYYYMMDD day) {
+  StoreContext& context = request.managedObjectContext;
+  const auto existing = findOwnEntry(context, task, entry.uniqueId);
+  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
+  removeSuperseded(context, task, entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+
+  TaskLogEntryEntity row = existing.value_or(TaskLogEntryEntity{});
+  row.uniqueId = entry.uniqueId.text();
+  if (!existing || entry.createdTimestamp)
+    row.createdTimestamp = entry.createdTimestamp.value_or(request.createdTimestamp);
+  if (!existing) row.createdTimeZone = request.createdTimeZone.identifier();
+  row.entryDate = storedDay(day);
+  row.task = task.objectID;
+  row.progressTotal = entry.progressValue.value_or(0.0);
+  row.progress = entry.progressPct.value_or(0.0);
+  row.entryPeriodFrom = storedDay(entry.period.period.startDate);
+  row.entryPeriodTo = storedDay(entry.period.period.finishDate);
+  row.entryPeriodType = rawValue(entry.period.period.periodType);
+  row.entryType = rawValue(entry.type);
+  if (existing)
+    context.updateLogEntry(existing->key(), row);
+  else
+    context.insertLogEntry(row);
+  return row;
 }
 
 void TaskLogRecorder::complete(Completion completion, std::exception_ptr error) {

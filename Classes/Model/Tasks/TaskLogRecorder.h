@@ -59,7 +59,7 @@ class TaskLogRecorder {
    public:
     enum class Reason {
       noLogEntryData,  ///< "No log entry data"
-      invalidTask,     ///< "Invalid task": not a stored, active task
+      invalidTask,     ///< "Invalid task": not a stored, active task, or not the one that has the entry already
     };
     explicit Error(Reason reason);
     [[nodiscard]] Reason reason() const { return reason_; }
@@ -92,6 +92,9 @@ class TaskLogRecorder {
 
  private:
   void _record(TaskEntity& task, const Request& request);
+  /// Inserts or updates the row of one entry, after what it supersedes is gone; gives the row.
+  static TaskLogEntryEntity writeRow(const TaskEntity& task, const Request& request, const LogEntryData& entry,
+                                     qz::YYYYMMDD day);
   void complete(Completion completion, std::exception_ptr error);
 
   const TaskCalendars& calendars_;

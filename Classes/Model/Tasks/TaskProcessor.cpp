@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string>
+#include <utility>
 
 namespace habitra {
 
@@ -15,7 +17,16 @@ auto TaskProcessor::processAllTasks(StoreContext& context, qz::Moment now) -> Re
   Report report;
   if (!clockCanBeRight(context, now)) return report;
   qz::log::info("Processing tasks");
-  for (TaskEntity* task : activeTasks(context)) {
+  // By number: each task is a transaction of its own, after which another may be gone.
+  std::vector<std::pair<ObjectID, std::string>> tasks;
+  for (const TaskEntity* task : activeTasks(context)) tasks.emplace_back(task->objectID, task->uniqueId.value_or(""));
+  for (const auto& [objectID, uniqueId] : tasks) {
+    TaskEntity* task = context.find<TaskEntity>(objectID);
+    if (task == nullptr) {
+      qz::log::info("Unable to find task with ID {}", uniqueId);
+      continue;
+    }
+    if (!isActive(*task)) continue;
     const auto result = TaskProcessorSingleTaskOperation(context, *task, calendars_, recorder_, now).run();
     ++report.tasks;
     if (result.taskWasUpdated) ++report.changed;

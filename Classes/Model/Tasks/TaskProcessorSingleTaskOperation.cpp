@@ -35,9 +35,10 @@ auto TaskProcessorSingleTaskOperation::run() -> Result {
   TaskAssessment assessment = assess(managedObjectContext_, task_, calendars_, now_);
   if (!hasSomethingToWrite(assessment)) return {};
 
+  const ObjectID objectID = task_.objectID;
   managedObjectContext_.beginUnit();
   if (managedObjectContext_.sequence() != readAt) {
-    if (!isActive(task_)) {
+    if (managedObjectContext_.find<TaskEntity>(objectID) == nullptr || !isActive(task_)) {
       managedObjectContext_.rollback();
       return {};
     }

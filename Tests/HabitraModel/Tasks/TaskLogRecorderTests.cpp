@@ -36,6 +36,7 @@ TEST_F(Recorder, RefusesWithoutWriting) {
   context_->save({});
   const auto before = context_->sequence();
   EXPECT_EQ(messageOf(record(task, Type::completedManuallyFull, today)), "Invalid task");
+  EXPECT_FALSE(context_->isInUnit());
   const TaskLogRecorder::Request request{.managedObjectContext = *context_,
                                          .context = TaskModifyContext::userInitiatedFromDeepLink,
                                          .logEntries = {entry(task, Type::completedManuallyFull, today)},
@@ -63,6 +64,16 @@ TEST_F(Recorder, AKnownIdentifierUpdatesItsRowWhereverItMoves) {
   const auto after = context_->findLogEntry(data.uniqueId.text());
   EXPECT_EQ(after->objectID, before->objectID);
   EXPECT_EQ(after->createdTimestamp, before->createdTimestamp);
+}
+
+TEST_F(Recorder, AnIdentifierOfAnotherTasksEntryIsRefusedWithAllOfItsRequest) {
+  TaskEntity& task = addTask();
+  TaskEntity& other = addTask("Other");
+  const auto data = entry(task, Type::completedManuallyFull, today);
+  record(task, {data});
+  EXPECT_EQ(messageOf(record(other, {entry(other, Type::completedManuallyFull, today), data})), "Invalid task");
+  EXPECT_TRUE(log(other).empty());
+  EXPECT_EQ(log(task).size(), 1u);
 }
 
 TEST_F(Recorder, ANewEntryTakesThePlaceOfWhatItSupersedesInItsPeriodOnly) {

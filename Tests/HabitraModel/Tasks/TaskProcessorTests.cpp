@@ -104,6 +104,72 @@ TEST_F(Processor, AClockThatCannotBeRightCostsNothing) {
   EXPECT_EQ(figures(task).activeStreak, 1);
 }
 
+TEST_F(Processor, ARecordMadeUnderAWrongClockLeavesTheHistoryAlone) {
+  TaskEntity& task = addTask();
+  record(task, Type::completedManuallyFull, firstDay);
+  process();
+  liveUntil("2015-06-01T12:00:00Z");
+  record(task, Type::completedManuallyFull, YYYYMMDD(2015, 6, 1));
+  EXPECT_EQ(process().removed, 0u);
+  EXPECT_EQ(log(task).size(), 2u);
+}
+
+TEST_F(Processor, AClockThatStepsBackOverMidnightDeletesNothing) {
+  TaskEntity& task = addTask();
+  liveUntil("2024-02-01T00:05:00Z");
+  record(task, Type::completedManuallyFull, YYYYMMDD(2024, 2, 1));
+  liveUntil("2024-01-31T23:55:00Z");
+  EXPECT_EQ(process().removed, 0u);
+  EXPECT_EQ(figures(task).activeStreak, 0);  // it counts once its day has come
+  liveUntil("2024-02-01T00:10:00Z");
+  process();
+  EXPECT_EQ(figures(task).activeStreak, 1);
+}
+
+TEST_F(Processor, ADayBetweenTwoZonesIsStillJudged) {
+  TaskEntity& task = addTask();
+  task.currentTimeZoneOverride = "Pacific/Honolulu";
+  context_->save({});
+  liveUntil("2024-02-03T09:30:00Z");  // 2 February, 23:30 in Honolulu
+  process();
+  task.currentTimeZoneOverride = "Pacific/Auckland";
+  context_->save({});
+  liveUntil("2024-02-04T09:30:00Z");
+  process();
+  EXPECT_EQ(log(task),
+            (std::vector<std::string>{"20240131 missedAutomaticallyFull", "20240201 missedAutomaticallyFull",
+                                      "20240202 missedAutomaticallyFull", "20240203 missedAutomaticallyFull"}));
+}
+
+TEST_F(Processor, ADayThatTheZoneLeftOutBreaksNoStreak) {
+  clock_->set(at("2011-12-29T12:00:00-10:00"));
+  TaskEntity& task = addTask();
+  task.currentTimeZoneOverride = "Pacific/Apia";  // had no 30 December 2011
+  context_->save({});
+  record(task, Type::completedManuallyFull, YYYYMMDD(2011, 12, 29));
+  clock_->set(at("2011-12-31T12:00:00+14:00"));
+  record(task, Type::completedManuallyFull, YYYYMMDD(2011, 12, 31));
+  process();
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20111229 completedManuallyFull", "20111230 skippedAutomaticallyFull",
+                                                 "20111231 completedManuallyFull"}));
+  EXPECT_EQ(figures(task).activeStreak, 2);
+}
+
+TEST_F(Processor, RowsWithDaysThatNoCalendarHasStopNobody) {
+  TaskEntity& task = addTask();
+  TaskLogEntryEntity row;
+  row.task = task.objectID;
+  row.entryDate = 20230230;
+  row.entryType = rawValue(Type::completedManuallyFull);
+  context_->insertLogEntry(row);
+  task.created = qz::Moment::min();
+  context_->save({});
+  task.lastProcessedDate = at("2024-01-30T12:00:00Z");
+  context_->save({});
+  process();
+  EXPECT_EQ(figures(task).activeStreak, 0);
+}
+
 TEST_F(Processor, DaysFollowTheTasksOwnZoneAndStartOfDay) {
   TaskEntity& task = addTask();
   task.startOfDayValue = 90'000;  // a day and an hour: 01:00
