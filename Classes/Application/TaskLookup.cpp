@@ -42,6 +42,9 @@ class CaseFolding {
   locale_t locale_;
 };
 
+/// Longer names than this are looked for by what they contain only.
+constexpr std::size_t longestCompared = 500;
+
 std::vector<std::size_t> placesWhere(std::span<const TaskName> tasks, auto&& holds) {
   std::vector<std::size_t> places;
   for (std::size_t i = 0; i < tasks.size(); ++i) {
@@ -100,10 +103,13 @@ std::vector<std::string> nearestMatches(std::string_view word, std::span<const s
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& candidate : words) {
     const std::u32string folded = folding.fold(candidate);
-    const std::size_t distance = qz::editDistance(wanted, folded);
     const bool contains = wanted.size() >= 3 && folded.find(wanted) != std::u32string::npos;
     // A third of the letters wrong is a slip of the finger; more is another word.
-    const std::size_t allowed = std::max<std::size_t>(1, std::max(wanted.size(), folded.size()) / 3);
+    const auto [shorter, longer] = std::minmax({wanted.size(), folded.size()});
+    const std::size_t allowed = std::max<std::size_t>(1, longer / 3);
+    // Texts of very different lengths are not compared letter by letter, nor ones too long to be typed.
+    const bool isComparable = longer - shorter <= allowed && longer <= longestCompared;
+    const std::size_t distance = isComparable ? qz::editDistance(wanted, folded) : allowed + 1;
     if (distance <= allowed || contains)
       near.emplace_back(contains ? std::min<std::size_t>(distance, allowed) : distance, candidate);
   }

@@ -108,10 +108,19 @@ std::vector<LogKey> futureEntries(StoreContext& context, const TaskEntity& task,
   return keys;
 }
 
+/// The day the task was made on, by the clock of the zone it was made in: elsewhere the same moment can be the day
+/// before, which was no day of its history.
+qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
+  if (!task.created) return today;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+  return std::clamp(day, std::min(earliestDay, today), today);
+}
+
 HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
   HistoryScope scope;
   scope.today = today;
-  scope.created = task.created ? std::clamp(calendar.day(*task.created), std::min(earliestDay, today), today) : today;
+  scope.created = creationDay(task, calendar, today);
   if (const auto first = firstKeptDay(context, task, storedDay(today)))
     scope.created = std::min(scope.created, existingDay(*first).value_or(scope.created));
   scope.fillFrom = scope.created;

@@ -21,7 +21,7 @@ struct ImportReport {
     std::size_t changed = 0;     ///< were there with other values, and took those of the document
     std::size_t removed = 0;     ///< of the store, gave way to those of the document
     std::size_t left = 0;        ///< of the document, were already there
-    std::size_t afterToday = 0;  ///< of the document, lie after the task's today
+    std::size_t afterToday = 0;  ///< of the document, lie after the task's today; not brought in
 
     friend bool operator==(const Entries&, const Entries&) = default;
   };

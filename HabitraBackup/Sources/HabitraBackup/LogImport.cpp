@@ -18,6 +18,8 @@ ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntr
   for (std::size_t index = 0; index < entries.size(); ++index) {
     if (partners.ofWanted(index)) {
       ++counts.left;
+    } else if (isAfterToday(entries[index])) {
+      ++counts.afterToday;
     } else {
       add(entries[index]);
       ++counts.added;
@@ -28,7 +30,6 @@ ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntr
     context_.removeLogEntry(stored[index].key);
     ++counts.removed;
   }
-  counts.afterToday = countAfterToday(entries);
   return counts;
 }
 
@@ -43,7 +44,9 @@ ImportReport::Entries LogImport::overwrite(std::span<const HabitraJSONBackupTask
   }
   for (std::size_t index = 0; index < entries.size(); ++index) {
     const auto partner = partners.ofWanted(index);
-    if (!partner) {
+    if (!partner && isAfterToday(entries[index])) {
+      ++counts.afterToday;
+    } else if (!partner) {
       add(entries[index]);
       ++counts.added;
     } else if (update(stored[*partner].key, entries[index])) {
@@ -52,7 +55,6 @@ ImportReport::Entries LogImport::overwrite(std::span<const HabitraJSONBackupTask
       ++counts.left;
     }
   }
-  counts.afterToday = countAfterToday(entries);
   return counts;
 }
 
@@ -138,10 +140,9 @@ bool LogImport::givesWay(const LogCandidate& stored) const {
   return decidedPeriods_.contains(bounds);
 }
 
-std::size_t LogImport::countAfterToday(std::span<const HabitraJSONBackupTaskEntry> entries) const {
+bool LogImport::isAfterToday(const HabitraJSONBackupTaskEntry& entry) const {
   const HabitraJSONBackupDay today = calendar_.day(now_);
-  return static_cast<std::size_t>(
-      std::ranges::count_if(entries, [today](const auto& entry) { return entry.entryDate > today; }));
+  return entry.entryDate > today;
 }
 
 }  // namespace habitra

@@ -48,7 +48,8 @@ class LogImport {
   [[nodiscard]] Period periodByFrequency(qz::YYYYMMDD day) const;
   [[nodiscard]] Period period(const HabitraJSONBackupTaskEntry& entry) const;
   [[nodiscard]] bool givesWay(const LogCandidate& stored) const;
-  [[nodiscard]] std::size_t countAfterToday(std::span<const HabitraJSONBackupTaskEntry> entries) const;
+  /// Such an entry would be deleted by the next pass, so it is not brought in.
+  [[nodiscard]] bool isAfterToday(const HabitraJSONBackupTaskEntry& entry) const;
 
   StoreContext& context_;
   ObjectID task_;

@@ -31,7 +31,8 @@ enum class ImportStrategy : std::uint8_t {
 /// *A new task* has the settings of a newly made one, comes last on its page, which is made when it is missing, and
 /// keeps its identifier where that is free. It counts as created now, or when the day of its earliest entry began.
 ///
-/// *Entries*: see LogPartners for which are there already. An entry without moment of making is taken as made when its
+/// *Entries*: see LogPartners for which are there already. Those dated after the task's today are left out, since the
+/// next pass would delete them; the report counts them. An entry without moment of making is taken as made when its
 /// day began, one without period gets that of the task's frequency. A full entry that is added takes the place of the
 /// automatic ones that the store has for its period, unless the document has them, too; nothing else gives way. A task
 /// that was created after the earliest added entry counts as created when that entry's day began. A changed task is to

@@ -188,8 +188,8 @@ std::string asText(const ImportedHistory& answer, const Terminal&) {
                     {{entries.added, "added"},
                      {entries.changed, "changed"},
                      {entries.left, "already there"},
-                     {entries.removed, "replaced"},
-                     {entries.afterToday, "dated after today"}});
+                     {entries.removed, "replaced"}});
+  if (entries.afterToday > 0) text += counted(entries.afterToday, "entry", "entries") + " dated after today left out\n";
   if (const auto& processed = answer.outcome.processed; processed && processed->filledIn > 0)
     text += counted(processed->filledIn, "day") + " filled in\n";
   return text;

@@ -141,6 +141,18 @@ TEST_F(Processor, ADayBetweenTwoZonesIsStillJudged) {
                                       "20240202 missedAutomaticallyFull", "20240203 missedAutomaticallyFull"}));
 }
 
+TEST_F(Processor, AHistoryBeginsOnTheDayItBeganWhereverItIsReadLater) {
+  clock_->set(at("2024-02-29T23:00:00Z"));  // 1 March in Berlin
+  TaskEntity& task = addTask();
+  task.createdTimeZone = "Europe/Berlin";
+  task.currentTimeZoneOverride = "America/New_York";
+  context_->save({});
+  liveUntil("2024-03-03T12:00:00Z");
+  process();
+  EXPECT_EQ(log(task),
+            (std::vector<std::string>{"20240301 missedAutomaticallyFull", "20240302 missedAutomaticallyFull"}));
+}
+
 TEST_F(Processor, ADayThatTheZoneLeftOutBreaksNoStreak) {
   clock_->set(at("2011-12-29T12:00:00-10:00"));
   TaskEntity& task = addTask();
