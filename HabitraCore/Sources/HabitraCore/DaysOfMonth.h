@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <compare>
 #include <cstdint>
 
@@ -29,6 +30,9 @@ class DaysOfMonth {
   [[nodiscard]] constexpr std::int64_t rawValue() const { return static_cast<std::int64_t>(bits_); }
   /// Whether no month has a day of this set.
   [[nodiscard]] constexpr bool isEmpty() const { return (bits_ & every().bits_) == 0; }
+
+  /// How many days the set means.
+  [[nodiscard]] constexpr std::int64_t count() const { return std::popcount(bits_ & every().bits_); }
 
   [[nodiscard]] constexpr bool contains(DaysOfMonth other) const { return (bits_ & other.bits_) == other.bits_; }
   constexpr void insert(DaysOfMonth other) { bits_ |= other.bits_; }

@@ -1,4 +1,5 @@
 #include <HabitraCore/StoredFrequency.h>
+#include <HabitraCore/TaskFrequencyValidation.h>
 #include <QZKit/Checked.h>
 
 #include <algorithm>
@@ -27,14 +28,6 @@ std::int64_t TaskFrequency::*countInDaysPerWeek(Mode mode) {
   return &TaskFrequency::numCompletions;
 }
 
-bool isPossible(const TaskFrequency& frequency) {
-  if (frequency.dayMode == Mode::specificDaysOfWeek) return !frequency.days.isEmpty();
-  if (frequency.dayMode == Mode::specificDaysOfMonth) return !frequency.daysOfMonth.isEmpty();
-  if (frequency.dayMode != Mode::dayInterval) return true;
-  return frequency.dayInterval >= TaskFrequency::dailyCompletionMinIntervalDays &&
-         frequency.dayInterval <= TaskFrequency::dailyCompletionMaxIntervalDays;
-}
-
 }  // namespace
 
 StoredFrequency stored(const TaskFrequency& frequency) {
@@ -61,7 +54,7 @@ std::optional<TaskFrequency> frequency(const StoredFrequency& stored) {
   if (const auto count = countInDaysPerWeek(*mode)) {
     frequency.*count = std::max(stored.daysPerWeek, std::int16_t{1});
   }
-  if (!isPossible(frequency)) return std::nullopt;
+  if (!canBe(frequency)) return std::nullopt;
   return frequency;
 }
 

@@ -53,9 +53,16 @@ TaskFrequencyPeriodType TaskFrequency::periodTypeForCompletionCountCalculation()
   return periodsOf(dayMode).counted;
 }
 
+bool TaskFrequency::isCountedDays() const {
+  return !isAggregate() && dayMode != DayMode::specificDaysOfMonth &&
+         periodTypeForCompletionCountCalculation() != TaskFrequencyPeriodType::day;
+}
+
+bool TaskFrequency::isAggregate() const { return measurementDuration() != TaskFrequencyPeriodType::day; }
+
 std::int64_t TaskFrequency::numPartialCompletionsPerPeriod() const {
   const std::int64_t perCompletion = std::max(numPartialCompletions, std::int64_t{1});
-  if (measurementDuration() == TaskFrequencyPeriodType::day) return perCompletion;
+  if (!isAggregate()) return perCompletion;
   return qz::checkedMultiply(perCompletion, std::max(numCompletions, std::int64_t{1}));
 }
 

@@ -72,6 +72,10 @@ struct TaskFrequency {
   [[nodiscard]] TaskFrequencyPeriodType measurementDuration() const;
   /// The kind of period over which completions are counted.
   [[nodiscard]] TaskFrequencyPeriodType periodTypeForCompletionCountCalculation() const;
+  /// Whether each day is judged by itself while the completed days of a longer period are counted.
+  [[nodiscard]] bool isCountedDays() const;
+  /// Whether a whole longer period is judged as one, by the completions in it.
+  [[nodiscard]] bool isAggregate() const;
   /// How many partial entries a measured period needs: those of one completion, in the aggregate modes those of all.
   /// Stops the program on overflow.
   [[nodiscard]] std::int64_t numPartialCompletionsPerPeriod() const;

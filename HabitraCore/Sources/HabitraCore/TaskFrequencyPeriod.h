@@ -4,6 +4,7 @@
 #include <QZDateTime/DayOfWeek.h>
 #include <QZDateTime/YYYYMMDD.h>
 
+#include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 
@@ -18,6 +19,8 @@ struct TaskFrequencyPeriod {
   /// The weekday on which the weeks begin that the period was formed with.
   qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
 
+  /// How many days it has. REQUIRES: startDate <= finishDate.
+  [[nodiscard]] std::int64_t numDays() const { return startDate.distance(finishDate, true); }
   [[nodiscard]] bool contains(const qz::YYYYMMDD& date) const { return startDate <= date && date <= finishDate; }
 
   friend bool operator==(const TaskFrequencyPeriod&, const TaskFrequencyPeriod&) = default;

@@ -4,6 +4,17 @@
 
 namespace habitra {
 
+std::int64_t nominalLength(TaskFrequencyPeriodType type) {
+  switch (type) {
+    case TaskFrequencyPeriodType::day: break;
+    case TaskFrequencyPeriodType::week: return 7;
+    case TaskFrequencyPeriodType::fortnight: return 14;
+    case TaskFrequencyPeriodType::month: return 31;
+    case TaskFrequencyPeriodType::year: return 366;
+  }
+  return 1;
+}
+
 qz::YYYYMMDD firstDate(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date, qz::DayOfWeek firstDayOfWeek,
                        const std::optional<qz::YYYYMMDD>& referenceDate) {
   switch (type) {

@@ -1,12 +1,21 @@
 #pragma once
 
+#include <HabitraCore/RawValue.h>
+#include <HabitraCore/TaskCalendarPeriodInfo.h>
 #include <HabitraCore/TaskFrequency.h>
+#include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/YYYYMMDD.h>
 
+#include <array>
 #include <cstdint>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace habitra {
 
-/// What the recent past of a task looks like.
+/// What the recent past of a task looks like: the status of every period of a span of days, and two shares of success.
 struct TaskRecentHistory {
   enum class PreviousSuccessType : std::uint8_t { last7, last30, pastMonth, pastYear, allTime };
 
@@ -20,6 +29,41 @@ struct TaskRecentHistory {
 
     friend bool operator==(const PreviousDaysSuccess&, const PreviousDaysSuccess&) = default;
   };
+
+  qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
+  std::map<qz::YYYYMMDD, TaskCalendarPeriodInfo::TaskCalendarPeriodStatus> single;  ///< periods of a day
+  std::vector<TaskCalendarPeriodInfo> multi;                                        ///< longer ones, in order
+  PreviousDaysSuccess shortTerm;
+  PreviousDaysSuccess longTerm;
+
+  friend bool operator==(const TaskRecentHistory&, const TaskRecentHistory&) = default;
+};
+
+/// The two spans over which the success of a task is measured. Judged by the day: the last 7 days and the last 30,
+/// today included; by the week or fortnight: the past month and the past year; by the month: the past year and all
+/// time; by the year: all time, twice.
+struct SuccessSpans {
+  TaskRecentHistory::PreviousSuccessType shortTerm = TaskRecentHistory::PreviousSuccessType::last7;
+  TaskRecentHistory::PreviousSuccessType longTerm = TaskRecentHistory::PreviousSuccessType::last30;
+};
+[[nodiscard]] SuccessSpans successSpans(const TaskFrequency& frequency);
+
+/// The first day of a span that ends today; none for all time. A past month, or year, begins on the day after the same
+/// day one month, or year, earlier, which is cut to that month's end: on 31 March 2024 the past month begins on 1
+/// March, since one month earlier there was 29 February.
+[[nodiscard]] std::optional<qz::YYYYMMDD> firstDay(TaskRecentHistory::PreviousSuccessType span,
+                                                   const qz::YYYYMMDD& today);
+
+template <>
+struct RawValueTable<TaskRecentHistory::PreviousSuccessType> {
+  using T = TaskRecentHistory::PreviousSuccessType;
+  static constexpr std::array<RawValueRow<T, std::string_view>, 5> rows{{
+      {T::last7, "last7", "last7"},
+      {T::last30, "last30", "last30"},
+      {T::pastMonth, "pastMonth", "pastMonth"},
+      {T::pastYear, "pastYear", "pastYear"},
+      {T::allTime, "allTime", "allTime"},
+  }};
 };
 
 }  // namespace habitra
