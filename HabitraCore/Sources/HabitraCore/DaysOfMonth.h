@@ -2,15 +2,25 @@
 
 #include <bit>
 #include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <iterator>
 
 namespace habitra {
 
 /// A set of days of the month, in the 64 bits under which it is stored: day n counted from the front is bit n (1 to
 /// 31), day n counted back from the month's last day is bit 63 - n (0 to 7). So "the last day" is one member whatever
 /// the length of the month, and day 31 is simply not met in a month of 30 days. The bits between are never looked at.
+/// Iterates over its days one by one, each again a set: from the front of the month to its last day.
 class DaysOfMonth {
  public:
+  class Iterator;
+
+  static const DaysOfMonth day1, day2, day3, day4, day5, day6, day7, day8, day9, day10, day11, day12, day13, day14,
+      day15, day16, day17, day18, day19, day20, day21, day22, day23, day24, day25, day26, day27, day28, day29, day30,
+      day31, lastDayMinus1, lastDayMinus2, lastDayMinus3, lastDayMinus4, lastDayMinus5, lastDayMinus6, lastDayMinus7;
+
   constexpr DaysOfMonth() = default;
   /// Takes any bits as they stand.
   explicit constexpr DaysOfMonth(std::int64_t rawValue) : bits_(static_cast<std::uint64_t>(rawValue)) {}
@@ -36,6 +46,10 @@ class DaysOfMonth {
 
   [[nodiscard]] constexpr bool contains(DaysOfMonth other) const { return (bits_ & other.bits_) == other.bits_; }
   constexpr void insert(DaysOfMonth other) { bits_ |= other.bits_; }
+  constexpr void remove(DaysOfMonth other) { bits_ &= ~other.bits_; }
+
+  [[nodiscard]] constexpr Iterator begin() const;
+  [[nodiscard]] constexpr Iterator end() const;
 
   /// Whether day `d` (1 to 31) of a month of `numberOfDays` days (28 to 31) is in the set.
   [[nodiscard]] constexpr bool isDue(std::int64_t d, std::int64_t numberOfDays) const {
@@ -46,6 +60,9 @@ class DaysOfMonth {
   [[nodiscard]] friend constexpr DaysOfMonth operator|(DaysOfMonth a, DaysOfMonth b) {
     a.insert(b);
     return a;
+  }
+  [[nodiscard]] friend constexpr DaysOfMonth operator&(DaysOfMonth a, DaysOfMonth b) {
+    return fromBits(a.bits_ & b.bits_);
   }
   friend constexpr bool operator==(DaysOfMonth, DaysOfMonth) = default;
   friend constexpr auto operator<=>(DaysOfMonth, DaysOfMonth) = default;
@@ -60,4 +77,78 @@ class DaysOfMonth {
   std::uint64_t bits_ = 0;
 };
 
+class DaysOfMonth::Iterator {
+ public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = DaysOfMonth;
+  using difference_type = std::ptrdiff_t;
+  using pointer = void;
+  using reference = DaysOfMonth;
+
+  constexpr Iterator() = default;
+  explicit constexpr Iterator(std::uint64_t rest) : rest_(rest) {}
+
+  constexpr DaysOfMonth operator*() const { return fromBits(rest_ & (~rest_ + 1)); }
+  constexpr Iterator& operator++() {
+    rest_ &= rest_ - 1;
+    return *this;
+  }
+  constexpr Iterator operator++(int) {
+    const Iterator before = *this;
+    ++*this;
+    return before;
+  }
+  friend bool operator==(const Iterator&, const Iterator&) = default;
+
+ private:
+  std::uint64_t rest_ = 0;  // the days not yet passed
+};
+
+constexpr DaysOfMonth::Iterator DaysOfMonth::begin() const { return Iterator(bits_ & every().bits_); }
+constexpr DaysOfMonth::Iterator DaysOfMonth::end() const { return Iterator(0); }
+
+inline constexpr DaysOfMonth DaysOfMonth::day1 = day(1);
+inline constexpr DaysOfMonth DaysOfMonth::day2 = day(2);
+inline constexpr DaysOfMonth DaysOfMonth::day3 = day(3);
+inline constexpr DaysOfMonth DaysOfMonth::day4 = day(4);
+inline constexpr DaysOfMonth DaysOfMonth::day5 = day(5);
+inline constexpr DaysOfMonth DaysOfMonth::day6 = day(6);
+inline constexpr DaysOfMonth DaysOfMonth::day7 = day(7);
+inline constexpr DaysOfMonth DaysOfMonth::day8 = day(8);
+inline constexpr DaysOfMonth DaysOfMonth::day9 = day(9);
+inline constexpr DaysOfMonth DaysOfMonth::day10 = day(10);
+inline constexpr DaysOfMonth DaysOfMonth::day11 = day(11);
+inline constexpr DaysOfMonth DaysOfMonth::day12 = day(12);
+inline constexpr DaysOfMonth DaysOfMonth::day13 = day(13);
+inline constexpr DaysOfMonth DaysOfMonth::day14 = day(14);
+inline constexpr DaysOfMonth DaysOfMonth::day15 = day(15);
+inline constexpr DaysOfMonth DaysOfMonth::day16 = day(16);
+inline constexpr DaysOfMonth DaysOfMonth::day17 = day(17);
+inline constexpr DaysOfMonth DaysOfMonth::day18 = day(18);
+inline constexpr DaysOfMonth DaysOfMonth::day19 = day(19);
+inline constexpr DaysOfMonth DaysOfMonth::day20 = day(20);
+inline constexpr DaysOfMonth DaysOfMonth::day21 = day(21);
+inline constexpr DaysOfMonth DaysOfMonth::day22 = day(22);
+inline constexpr DaysOfMonth DaysOfMonth::day23 = day(23);
+inline constexpr DaysOfMonth DaysOfMonth::day24 = day(24);
+inline constexpr DaysOfMonth DaysOfMonth::day25 = day(25);
+inline constexpr DaysOfMonth DaysOfMonth::day26 = day(26);
+inline constexpr DaysOfMonth DaysOfMonth::day27 = day(27);
+inline constexpr DaysOfMonth DaysOfMonth::day28 = day(28);
+inline constexpr DaysOfMonth DaysOfMonth::day29 = day(29);
+inline constexpr DaysOfMonth DaysOfMonth::day30 = day(30);
+inline constexpr DaysOfMonth DaysOfMonth::day31 = day(31);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus1 = lastDay(1);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus2 = lastDay(2);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus3 = lastDay(3);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus4 = lastDay(4);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus5 = lastDay(5);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus6 = lastDay(6);
+inline constexpr DaysOfMonth DaysOfMonth::lastDayMinus7 = lastDay(7);
+
 }  // namespace habitra
+
+template <>
+struct std::hash<habitra::DaysOfMonth> {
+  std::size_t operator()(habitra::DaysOfMonth days) const noexcept { return static_cast<std::size_t>(days.rawValue()); }
+};

@@ -1,9 +1,12 @@
 #include <HabitraCore/RawValueCoding.h>
 #include <HabitraCore/TaskFrequency.h>
 #include <QZKit/Checked.h>
+#include <QZKit/Trap.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
 
 namespace habitra {
 
@@ -37,6 +40,14 @@ constexpr std::array<ModePeriods, 11> modePeriods = [] {
 
 const ModePeriods& periodsOf(TaskFrequency::DayMode mode) {
   return modePeriods[static_cast<std::size_t>(rawValue(mode))];
+}
+
+/// A count of the 16 bits that a store has for it.
+std::int64_t storedCount(const nlohmann::json& json, const char* key) {
+  const std::int64_t count = qz::coded_form::wholeNumber(json, key);
+  if (!std::in_range<std::int16_t>(count))
+    throw qz::DecodingError(std::string("Unable to read \"") + key + "\" from " + std::to_string(count));
+  return count;
 }
 
 }  // namespace
@@ -88,6 +99,17 @@ qz::YYYYMMDD TaskFrequency::startOfPeriod(const qz::YYYYMMDD& date, qz::DayOfWee
   return firstDate(measurementDuration(), date, firstDayOfWeek, referenceDate);
 }
 
+qz::YYYYMMDD TaskFrequency::nextDueDay(const DayIntervalResponse& response, const qz::YYYYMMDD& anchor,
+                                       const qz::YYYYMMDD& today) const {
+  qz::require(dayInterval >= 1, "an interval is at least one day");
+  const auto& last = response.periodOfLastCompletionBeforeToday;
+  const qz::YYYYMMDD first = last ? last->finishDate.add(dayInterval) : anchor;
+  const std::int64_t daysPast = first.distance(today);
+  if (daysPast <= 0) return first;
+  const std::int64_t daysSinceDue = daysPast % dayInterval;
+  return daysSinceDue == 0 ? today : today.add(dayInterval - daysSinceDue);
+}
+
 void to_json(nlohmann::json& json, const TaskFrequency& frequency) {
   nlohmann::json days = nlohmann::json::array();
   for (const qz::DayOfWeek day : frequency.days) days.push_back(day);
@@ -106,9 +128,9 @@ void from_json(const nlohmann::json& json, TaskFrequency& frequency) {
     frequency.days.insert(weekday);
   }
   frequency.daysOfMonth = DaysOfMonth(wholeNumber(json, "daysOfMonth"));
-  frequency.numPartialCompletions = wholeNumber(json, "numPartialCompletions");
-  frequency.numCompletions = wholeNumber(json, "numCompletions");
-  frequency.dayInterval = wholeNumber(json, "dayInterval");
+  frequency.numPartialCompletions = storedCount(json, "numPartialCompletions");
+  frequency.numCompletions = storedCount(json, "numCompletions");
+  frequency.dayInterval = storedCount(json, "dayInterval");
 }
 
 }  // namespace habitra

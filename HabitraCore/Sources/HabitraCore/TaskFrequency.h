@@ -48,6 +48,26 @@ struct TaskFrequency {
     willSkipWithoutIndicator,
   };
 
+  /// What somebody who counts the due days in a span of days is told.
+  struct DaysInPeriodCallbackResponse {
+    qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
+    std::int64_t numUniqueCompletions = 0;  ///< distinct completed days so far
+    qz::YYYYMMDD taskCreatedDate;
+    bool isNegative = false;  ///< a task to avoid
+    qz::YYYYMMDD fromDate;    ///< the span, both ends included
+    qz::YYYYMMDD toDate;
+
+    friend bool operator==(const DaysInPeriodCallbackResponse&, const DaysInPeriodCallbackResponse&) = default;
+  };
+
+  /// From where the next due day of an interval task is counted.
+  struct DayIntervalResponse {
+    /// None while nothing was completed before today.
+    std::optional<TaskFrequencyPeriod> periodOfLastCompletionBeforeToday;
+
+    friend bool operator==(const DayIntervalResponse&, const DayIntervalResponse&) = default;
+  };
+
   /// An interval runs from every 2 days to every 30 days.
   static constexpr std::int64_t dailyCompletionMinIntervalDays = 2;
   static constexpr std::int64_t dailyCompletionMaxIntervalDays = 30;
@@ -95,6 +115,13 @@ struct TaskFrequency {
   [[nodiscard]] qz::YYYYMMDD startOfPeriod(const qz::YYYYMMDD& date, qz::DayOfWeek firstDayOfWeek,
                                            const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt) const;
 
+  /// In dayInterval mode the first due day that is not before `today`: `dayInterval` days, or a multiple of them, after
+  /// the last day of the period of the last completion before today. While there is none: the anchor (the reference
+  /// date, or without one the first day of the history), or a multiple of them after it. So a missed occasion does not
+  /// move the next one. REQUIRES: dayInterval >= 1.
+  [[nodiscard]] qz::YYYYMMDD nextDueDay(const DayIntervalResponse& response, const qz::YYYYMMDD& anchor,
+                                        const qz::YYYYMMDD& today) const;
+
   friend bool operator==(const TaskFrequency&, const TaskFrequency&) = default;
 };
 
@@ -128,8 +155,9 @@ struct RawValueTable<TaskFrequency::SkipMode> {
 };
 
 void to_json(nlohmann::json& json, const TaskFrequency& frequency);
-/// Throws qz::DecodingError for an unknown raw value, a missing key or a value of the wrong kind: 1.9 and true are no
-/// counts.
+/// Throws qz::DecodingError for an unknown raw value, a missing key or a value of the wrong kind, naming the key: 1.9
+/// and true are no counts, nor is what does not fit the 16 bits in which counts are stored. Whether the rule makes
+/// sense is for problems() and canBe() to say.
 void from_json(const nlohmann::json& json, TaskFrequency& frequency);
 
 }  // namespace habitra

@@ -1,6 +1,7 @@
+#include <HabitraCore/DayCoding.h>
 #include <HabitraCore/TaskFrequencyPeriod.h>
-#include <QZDateTime/CodedForm.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace habitra {
@@ -13,6 +14,16 @@ DatedPeriod::DatedPeriod(const qz::YYYYMMDD& theDate, TaskFrequencyPeriodType pe
              .finishDate = lastDate(periodType, theDate, firstDayOfWeek, referenceDate),
              .firstDayOfWeek = firstDayOfWeek} {}
 
+double TaskFrequencyPeriod::progressAtEndOf(const qz::YYYYMMDD& date) const {
+  const double elapsed = static_cast<double>(startDate.distance(date, true)) / static_cast<double>(numDays());
+  return std::clamp(elapsed, 0.0, 1.0);
+}
+
+double DatedPeriod::periodProgressAtEndOfToday(const qz::HHMMSS& startOfDay, const qz::TimeZone& timeZone,
+                                               qz::Moment now) const {
+  return period.progressAtEndOf(qz::YYYYMMDD::today(startOfDay, timeZone, now));
+}
+
 void to_json(nlohmann::json& json, const TaskFrequencyPeriod& period) {
   json = {{"periodType", period.periodType},
           {"startDate", period.startDate},
@@ -22,8 +33,9 @@ void to_json(nlohmann::json& json, const TaskFrequencyPeriod& period) {
 
 void from_json(const nlohmann::json& json, TaskFrequencyPeriod& period) {
   qz::coded_form::member(json, "periodType").get_to(period.periodType);
-  qz::coded_form::member(json, "startDate").get_to(period.startDate);
-  qz::coded_form::member(json, "finishDate").get_to(period.finishDate);
+  const DaySpan days = existingSpan(json, "startDate", "finishDate");
+  period.startDate = days.first;
+  period.finishDate = days.last;
   qz::coded_form::member(json, "firstDayOfWeek").get_to(period.firstDayOfWeek);
 }
 
@@ -32,8 +44,12 @@ void to_json(nlohmann::json& json, const DatedPeriod& period) {
 }
 
 void from_json(const nlohmann::json& json, DatedPeriod& period) {
-  qz::coded_form::member(json, "date").get_to(period.date);
+  period.date = existingDay(json, "date");
   qz::coded_form::member(json, "period").get_to(period.period);
+  if (!period.period.contains(period.date)) {
+    throw qz::DecodingError("Unable to read \"date\" from " + std::to_string(period.date.intValue()) +
+                            ": not in its \"period\"");
+  }
 }
 
 }  // namespace habitra

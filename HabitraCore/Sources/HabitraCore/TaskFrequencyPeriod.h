@@ -2,7 +2,10 @@
 
 #include <HabitraCore/TaskFrequencyPeriodType.h>
 #include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/HHMMSS.h>
+#include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
+#include <QZKit/Clock.h>
 
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
@@ -23,6 +26,10 @@ struct TaskFrequencyPeriod {
   [[nodiscard]] std::int64_t numDays() const { return startDate.distance(finishDate, true); }
   [[nodiscard]] bool contains(const qz::YYYYMMDD& date) const { return startDate <= date && date <= finishDate; }
 
+  /// The share of its days that are over at the end of a day: 0 before the period, 1 on its last day and after it.
+  /// REQUIRES: startDate <= finishDate.
+  [[nodiscard]] double progressAtEndOf(const qz::YYYYMMDD& date) const;
+
   friend bool operator==(const TaskFrequencyPeriod&, const TaskFrequencyPeriod&) = default;
 };
 
@@ -39,10 +46,16 @@ struct DatedPeriod {
 
   /// Whether the day is the last of its period.
   [[nodiscard]] bool isLastDay() const { return date == period.finishDate; }
+  /// The share of the period that is over at the end of the day of `now`, 0 to 1. It asks for the period alone, not for
+  /// `date`.
+  [[nodiscard]] double periodProgressAtEndOfToday(const qz::HHMMSS& startOfDay, const qz::TimeZone& timeZone,
+                                                  qz::Moment now) const;
 
   friend bool operator==(const DatedPeriod&, const DatedPeriod&) = default;
 };
 
+/// Reading either throws qz::DecodingError for a missing key, an unknown period type, a day that the calendar does not
+/// have, an end before the beginning, and a date that does not lie in its period.
 void to_json(nlohmann::json& json, const TaskFrequencyPeriod& period);
 void from_json(const nlohmann::json& json, TaskFrequencyPeriod& period);
 void to_json(nlohmann::json& json, const DatedPeriod& period);

@@ -2,7 +2,10 @@
 
 #include <HabitraCore/RawValue.h>
 #include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/HHMMSS.h>
+#include <QZDateTime/TimeZone.h>
 #include <QZDateTime/YYYYMMDD.h>
+#include <QZKit/Clock.h>
 
 #include <array>
 #include <cstdint>
@@ -40,6 +43,45 @@ struct RawValueTable<TaskFrequencyPeriodType> {
 [[nodiscard]] qz::YYYYMMDD lastDate(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date,
                                     qz::DayOfWeek firstDayOfWeek,
                                     const std::optional<qz::YYYYMMDD>& referenceDate = std::nullopt);
+
+/// The possible lengths of a period in days. The raw value is "d" and the number of days.
+enum class MultiDayCount : std::uint8_t {
+  duration1,
+  duration7,
+  duration14,
+  duration28,
+  duration29,
+  duration30,
+  duration31,
+  duration365,
+  duration366,
+};
+
+template <>
+struct RawValueTable<MultiDayCount> {
+  using T = MultiDayCount;
+  static constexpr std::array<RawValueRow<T, std::string_view>, 9> rows{{
+      {T::duration1, "d1", "duration1"},
+      {T::duration7, "d7", "duration7"},
+      {T::duration14, "d14", "duration14"},
+      {T::duration28, "d28", "duration28"},
+      {T::duration29, "d29", "duration29"},
+      {T::duration30, "d30", "duration30"},
+      {T::duration31, "d31", "duration31"},
+      {T::duration365, "d365", "duration365"},
+      {T::duration366, "d366", "duration366"},
+  }};
+};
+
+[[nodiscard]] std::int64_t numDays(MultiDayCount count);
+/// The name of the picture that stands for it: "calendar.7". Fronts bring the pictures.
+[[nodiscard]] std::string_view icon(MultiDayCount count);
+
+/// The length of the period of this type that holds a day, and of the one that holds the day of `now`. On which weekday
+/// weeks begin makes no difference to it.
+[[nodiscard]] MultiDayCount multiDayCount(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date);
+[[nodiscard]] MultiDayCount multiDayCount(TaskFrequencyPeriodType type, const qz::HHMMSS& startOfDay,
+                                          const qz::TimeZone& timeZone, qz::Moment now);
 
 /// Coded as the letter. Decoding another text throws qz::DecodingError.
 void to_json(nlohmann::json& json, TaskFrequencyPeriodType type);

@@ -1,5 +1,5 @@
+#include <HabitraCore/DayCoding.h>
 #include <HabitraCore/TaskLogEntryPeriod.h>
-#include <QZDateTime/CodedForm.h>
 
 #include <nlohmann/json.hpp>
 
@@ -11,9 +11,10 @@ void to_json(nlohmann::json& json, const TaskLogEntryPeriod& period) {
 
 void from_json(const nlohmann::json& json, TaskLogEntryPeriod& period) {
   qz::coded_form::member(json, "type").get_to(period.type);
-  qz::coded_form::member(json, "from").get_to(period.from);
-  qz::coded_form::member(json, "to").get_to(period.to);
-  qz::coded_form::member(json, "date").get_to(period.date);
+  const DaySpan days = existingSpan(json, "from", "to");
+  period.from = days.first;
+  period.to = days.last;
+  period.date = existingDay(json, "date");
 }
 
 }  // namespace habitra
