@@ -43,13 +43,42 @@ StreakedCompletionStatus CompletionStatus::next(const StreakStatus& streak, bool
 
 namespace {
 
-nlohmann::json encodeStatus(const CompletionStatus::Status& status) {
-  nlohmann::json payload = nlohmann::json::object();
-  if (const auto mode = status.skipMode()) payload["_0"] = rawValue(*mode);
-  return {{std::string(caseName(status.kind())), payload}};
+/// The streak after a period of this status, which came to it from being open.
+StreakStatus streakAfter(StreakStatus streak, CompletionStatus::Status::Kind kind) {
+  using Kind = CompletionStatus::Status::Kind;
+  if (kind == Kind::positiveComplete) streak.increment();
+  if (kind == Kind::positiveMiss || kind == Kind::negativeMiss) streak.reset();
+  return streak;
 }
 
-CompletionStatus::Status decodeStatus(const nlohmann::json& json) {
+}  // namespace
+
+StreakedCompletionStatus CompletionStatus::next(const StreakStatus& streak, double pendingTimerDuration,
+                                                const TapRules& rules) const {
+  using Kind = Status::Kind;
+  CompletionStatus timed = *this;
+  auto* const timer = std::get_if<TaskProgressTimer>(&timed.codableProgress.base);
+  if (timer != nullptr) timer->addDuration(pendingTimerDuration);
+  const bool isDecided = status.kind() == Kind::positiveComplete || status.kind() == Kind::negativeMiss ||
+                         status.kind() == Kind::negativeAllowedMiss;
+  if (timer == nullptr || isDecided || !timed.codableProgress.isReached())
+    return {timed, streakAfter(streak, status.kind())};
+  if (!isNegative()) return timed.applyEntryType(streak, TaskLogEntryType::completedManuallyFull);
+  return timed.applyEntryType(
+      streak, rules.missIsAllowed ? TaskLogEntryType::allowableMissManuallyFull : TaskLogEntryType::missedManuallyFull);
+}
+
+StreakedCompletionStatus CompletionStatus::next(const StreakStatus& streak, double pendingTimerDuration) const {
+  return next(streak, pendingTimerDuration, TapRules());
+}
+
+void to_json(nlohmann::json& json, const CompletionStatus::Status& status) {
+  nlohmann::json payload = nlohmann::json::object();
+  if (const auto mode = status.skipMode()) payload["_0"] = rawValue(*mode);
+  json = {{std::string(caseName(status.kind())), payload}};
+}
+
+CompletionStatus::Status decodedStatus(const nlohmann::json& json) {
   using Status = CompletionStatus::Status;
   using Kind = Status::Kind;
   if (!json.is_object() || json.size() != 1)
@@ -73,14 +102,12 @@ CompletionStatus::Status decodeStatus(const nlohmann::json& json) {
   return Status::negativeAllowedMiss();
 }
 
-}  // namespace
-
 void to_json(nlohmann::json& json, const CompletionStatus& status) {
-  json = {{"status", encodeStatus(status.status)}, {"codableProgress", status.codableProgress}};
+  json = {{"status", status.status}, {"codableProgress", status.codableProgress}};
 }
 
 void from_json(const nlohmann::json& json, CompletionStatus& status) {
-  status.status = decodeStatus(qz::coded_form::member(json, "status"));
+  status.status = decodedStatus(qz::coded_form::member(json, "status"));
   qz::coded_form::member(json, "codableProgress").get_to(status.codableProgress);
 }
 

@@ -93,6 +93,14 @@ struct CompletionStatus {
   [[nodiscard]] StreakedCompletionStatus next(const StreakStatus& streak, bool isPartial, const TapRules& rules) const;
   [[nodiscard]] StreakedCompletionStatus next(const StreakStatus& streak, bool isPartial) const;
 
+  /// The status once a timer that runs for the task is stopped, with the seconds on it (below 0 or not a number: none)
+  /// added to the completion under way. Where that fills the period's target, a task to do becomes complete and one to
+  /// avoid a failure. Otherwise, and where it was complete or failed before or its record is not a timer, the status
+  /// stays, and only the progress shows the duration. `streak` as above; what the period counts for is counted again.
+  [[nodiscard]] StreakedCompletionStatus next(const StreakStatus& streak, double pendingTimerDuration,
+                                              const TapRules& rules) const;
+  [[nodiscard]] StreakedCompletionStatus next(const StreakStatus& streak, double pendingTimerDuration) const;
+
   friend bool operator==(const CompletionStatus&, const CompletionStatus&) = default;
 };
 
@@ -120,6 +128,8 @@ struct RawValueTable<CompletionStatus::Status::Kind> {
 
 /// A status is coded as {"positiveIncomplete": {"_0": "mwi"}}, one without skip mode as {"positiveComplete": {}}.
 /// Decoding anything else throws qz::DecodingError.
+void to_json(nlohmann::json& json, const CompletionStatus::Status& status);
+[[nodiscard]] CompletionStatus::Status decodedStatus(const nlohmann::json& json);
 void to_json(nlohmann::json& json, const CompletionStatus& status);
 void from_json(const nlohmann::json& json, CompletionStatus& status);
 

@@ -11,7 +11,7 @@
 namespace habitra {
 
 /// A day that moves forward through the calendar in a few instructions a step. It is compared by the integer form under
-/// which entries keep their days.
+/// which entries keep their days, and counted by its number.
 class DayCursor {
  public:
   /// REQUIRES: the calendar has `day`, and its integer form fits 32 bits.
@@ -19,6 +19,7 @@ class DayCursor {
 
   void moveTo(const qz::YYYYMMDD& day) {
     day_ = qz::checkedNarrow<std::int32_t>(day.intValue());
+    number_ = qz::checkedNarrow<std::int32_t>(day.dayNumber());
     d_ = static_cast<std::int32_t>(day.d());
     numberOfDays_ = static_cast<std::int32_t>(qz::day_number::lengthOfMonth(day.y(), day.m()));
     dayOfWeek_ = day.dayOfWeek();
@@ -30,19 +31,34 @@ class DayCursor {
       return;
     }
     ++day_;
+    ++number_;
     ++d_;
     dayOfWeek_ = dayOfWeek_ == qz::DayOfWeek::saturday ? qz::DayOfWeek::sunday
                                                        : static_cast<qz::DayOfWeek::Case>(dayOfWeek_.rawValue() + 1);
   }
 
+  /// Moves `numDays` (at least 1) on. REQUIRES: numDays <= numDaysLeftOfMonth() + 1.
+  void advance(std::int32_t numDays) {
+    const std::int32_t withinMonth = numDays - 1;
+    day_ += withinMonth;
+    number_ += withinMonth;
+    d_ += withinMonth;
+    dayOfWeek_ = static_cast<qz::DayOfWeek::Case>((dayOfWeek_.rawValue() + withinMonth) % 7);
+    next();
+  }
+
   [[nodiscard]] std::int32_t day() const { return day_; }
+  /// Days since 1970-01-01.
+  [[nodiscard]] std::int32_t number() const { return number_; }
   [[nodiscard]] qz::YYYYMMDD date() const { return qz::YYYYMMDD(day_ / 10'000, day_ / 100 % 100, day_ % 100); }
   [[nodiscard]] std::int32_t d() const { return d_; }
   [[nodiscard]] std::int32_t numberOfDaysOfMonth() const { return numberOfDays_; }
+  [[nodiscard]] std::int32_t numDaysLeftOfMonth() const { return numberOfDays_ - d_; }
   [[nodiscard]] qz::DayOfWeek dayOfWeek() const { return dayOfWeek_; }
 
  private:
   std::int32_t day_ = 0;
+  std::int32_t number_ = 0;
   std::int32_t d_ = 0;
   std::int32_t numberOfDays_ = 0;
   qz::DayOfWeek dayOfWeek_ = qz::DayOfWeek::sunday;

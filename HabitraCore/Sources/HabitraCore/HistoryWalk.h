@@ -3,14 +3,15 @@
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/HistoryCheckpoint.h>
 #include <HabitraCore/LoggedEntry.h>
+#include <HabitraCore/PeriodReason.h>
 #include <HabitraCore/StreakStatus.h>
 #include <HabitraCore/TaskFrequencyPeriod.h>
 #include <HabitraCore/TaskRecentHistory.h>
 #include <HabitraCore/TaskRules.h>
+#include <HabitraCore/WalkedPeriod.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -22,10 +23,16 @@
 /// covers are cut into periods by the frequency of today. So a changed frequency does not regroup the past. Where
 /// stored periods overlap, the one that begins first stands (of two that begin together the longer), and the entries of
 /// the others count for it. An entry without a usable period counts for that of its day; one made for a day that the
-/// calendar does not have, or after today, counts for nothing.
+/// calendar does not have, or after today, counts for nothing. A longer period that stored ones leave only a part of is
+/// not due.
+///
+/// When a day is due, to do: the calendar says it (specific days); so many days after the last completed one, or after
+/// the anchor (intervals); when the days left of the counting period would not suffice without it (counted days). To
+/// avoid, every day is, but for the specific days. A paused day never is. DueRule.h has the rules in full.
 ///
 /// How a period is judged: its entries are applied in order of creation, by the tables of CompletionStatus. A period of
-/// a task to avoid that was kept clean gains its one when it closes. A closed period that no full entry decided gets
+/// a task to avoid that was kept clean gains its one when it closes: unless an entry counted it already, a skip or a
+/// pause lies in it, or it was not due and holds no full completion. A closed period that no full entry decided gets
 /// the entry that the rules give it (see FillIn), and is judged as if that stood in the log.
 namespace habitra {
 
@@ -38,41 +45,21 @@ struct HistoryScope {
   qz::YYYYMMDD today;
   /// Closed periods that end on this day or later are filled in: the last processed day, or `created` the first time.
   qz::YYYYMMDD fillFrom;
-  /// The day as of which a checkpoint is wanted. More than a month before today it can be resumed from.
+  /// The day as of which a checkpoint is wanted. It can be resumed from when it lies before `fillFrom` and before the
+  /// first day of the longer span of success (successSpans()).
   std::optional<qz::YYYYMMDD> checkpointDay;
 };
 
 /// An entry that has to be written for a closed period that no full entry decided. To do: nothing where its partial
 /// entries completed it, a miss where it was due, else a skip. To avoid: a miss where partial misses failed it,
-/// whatever the allowance, else a skip where it was not due, else nothing.
+/// whatever the allowance, else a skip where it was not due, else nothing. A longer period is due unless it began
+/// before the history or was paused throughout; one to avoid that began before is left undecided.
 struct FillIn {
   TaskFrequencyPeriod period;
   TaskLogEntryType entryType{};
 
   friend bool operator==(const FillIn&, const FillIn&) = default;
 };
-
-/// A period as the walk passes it. Valid during the visit; the larger values are built when they are asked for.
-struct WalkedPeriod {
-  std::int32_t from = 0;         ///< first day, integer form
-  std::int32_t to = 0;           ///< last day
-  std::int32_t progressDay = 0;  ///< the last day, in the open period today
-  TaskFrequencyPeriodType periodType{};
-  qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
-  CompletionStatus::Status status = CompletionStatus::Status::positiveSkip();
-  std::int64_t numUnits = 0;       ///< partial entries' worth of progress
-  std::int64_t expectedUnits = 1;  ///< how many the period needs
-  StreakStatus streak;             ///< after this period
-  bool isDue = false;
-  bool isOpen = false;         ///< it holds today
-  bool missIsAllowed = false;  ///< to avoid: a failure of this period is one within the allowance
-  std::optional<TaskLogEntryType> fillIn;
-
-  [[nodiscard]] TaskFrequencyPeriod period() const;
-  [[nodiscard]] CompletionStatus completionStatus() const;
-};
-
-using PeriodVisitor = std::function<void(const WalkedPeriod&)>;
 
 /// What a history comes to.
 struct TaskFigures {
@@ -92,8 +79,13 @@ struct TaskFigures {
   /// Share of the current period that is done, and the day as of which that is.
   double progress = 0.0;
   qz::YYYYMMDD progressDate;
-  /// Whether that share is worth keeping: the period needs more than one entry.
+  /// Whether that share is worth keeping: the period needs more than one entry, or the task is measured.
   bool isProgressTracked = false;
+  /// Counted-days modes: the counting period that holds today, and the days of it that were completed so far, to avoid
+  /// kept clean so far.
+  std::optional<TaskFrequency::DaysInPeriodCallbackResponse> daysInPeriod;
+  /// Day intervals, to do: TaskFrequency::nextDueDay() asks for it.
+  TaskFrequency::DayIntervalResponse dayInterval;
 
   friend bool operator==(const TaskFigures&, const TaskFigures&) = default;
 };
@@ -110,15 +102,15 @@ struct HistoryResult {
 /// of the history, and nothing is allocated for it but the list of entries to fill in.
 class HistoryWalk {
  public:
-  /// Whether histories of this frequency can be judged: those whose due days the calendar alone gives. The task of
+  /// Whether histories of this frequency can be judged: whether it is one that can be (see canBe()). The task of
   /// another one is shown and logged, and left alone.
   [[nodiscard]] static bool supports(const TaskFrequency& frequency);
 
   /// REQUIRES: supports(rules.frequency). Stops the program when a day of `scope` does not fit 32 bits.
   HistoryWalk(const TaskRules& rules, const HistoryScope& scope);
 
-  /// Whether `checkpoint` was made under these rules and lies so far back (before the days to fill in, and more than 30
-  /// days before today) that going on from it gives what a whole walk gives.
+  /// Whether `checkpoint` was made under these rules and lies so far back (before the days to fill in, and before the
+  /// spans of success) that going on from it gives what a whole walk gives.
   [[nodiscard]] bool canResume(const HistoryCheckpoint& checkpoint) const;
 
   /// Walks the whole history. `entries` is the task's log in order of entryDate, then of creation.
@@ -129,6 +121,19 @@ class HistoryWalk {
   /// reaches beyond: a whole walk gave them to the earlier period that they overlap. REQUIRES: canResume(checkpoint).
   [[nodiscard]] HistoryResult resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
                                      const PeriodVisitor& visit = {}) const;
+
+  /// Why the period that holds `date` has its status; none for a day before the history or after today. Walks the whole
+  /// history up to it.
+  [[nodiscard]] std::optional<PeriodReason> why(const qz::YYYYMMDD& date, std::span<const LoggedEntry> entries) const;
+
+  /// The entries to write before the frequency, the target or the sign of the task is changed, so that a past that was
+  /// judged stays judged: a completion for each closed period that is a success without a full entry.
+  [[nodiscard]] std::vector<FillIn> seals(std::span<const LoggedEntry> entries) const;
+
+  /// What a calendar shows of the days from `from` to `to`, both included: periods before the history are past, those
+  /// after today lie in the future.
+  [[nodiscard]] TaskRecentHistory recentHistory(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from,
+                                                const qz::YYYYMMDD& to) const;
 
  private:
   TaskRules rules_;

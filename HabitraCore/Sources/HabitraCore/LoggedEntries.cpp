@@ -52,11 +52,13 @@ bool givePeriod(LoggedEntry& entry, const TaskRules& rules) {
 }  // namespace
 
 LoggedEntries::LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, std::int32_t today) {
-  while (!entries.empty() && entries.back().entryDate > today) entries = entries.first(entries.size() - 1);
+  const auto isFuture = [&](const LoggedEntry& entry) { return entry.entryDate > today && !entry.isAhead; };
+  while (!entries.empty() && isFuture(entries.back())) entries = entries.first(entries.size() - 1);
   inOrder_ = entries;
-  if (isInOrder(entries)) return;
+  const bool hasAhead = !entries.empty() && entries.back().entryDate > today;
+  if (!hasAhead && isInOrder(entries)) return;
   copy_.assign(entries.begin(), entries.end());
-  std::erase_if(copy_, [&](LoggedEntry& entry) { return !givePeriod(entry, rules); });
+  std::erase_if(copy_, [&](LoggedEntry& entry) { return isFuture(entry) || !givePeriod(entry, rules); });
   std::stable_sort(copy_.begin(), copy_.end(), [](const LoggedEntry& a, const LoggedEntry& b) {
     return std::tie(a.periodFrom, b.periodTo, a.order) < std::tie(b.periodFrom, a.periodTo, b.order);
   });

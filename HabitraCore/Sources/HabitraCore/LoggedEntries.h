@@ -15,7 +15,7 @@ namespace habitra {
 /// is used where it is; any other is copied and put in order once.
 class LoggedEntries {
  public:
-  /// Entries after `today` are left out; those without a usable period get that of their day.
+  /// Entries after `today` are left out unless they are ahead; those without a usable period get that of their day.
   LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, std::int32_t today);
 
   LoggedEntries(const LoggedEntries&) = delete;

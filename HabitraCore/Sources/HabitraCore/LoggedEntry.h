@@ -19,6 +19,8 @@ struct LoggedEntry {
   std::int32_t periodTo = 0;     ///< last day of that period
   TaskLogEntryType entryType{};  ///< an unknown stored value is read as TaskLogEntryType::unknown
   TaskFrequencyPeriodType periodType{};
+  /// Made for a day after today, but in time (liesInFuture()): it counts where its period has begun.
+  bool isAhead = false;
 };
 static_assert(std::is_trivially_copyable_v<LoggedEntry> && sizeof(LoggedEntry) == 40);
 

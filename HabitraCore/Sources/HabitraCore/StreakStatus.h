@@ -31,9 +31,9 @@ struct StreakStatus {
   std::int64_t current = 0;
   std::int64_t best = 0;
 
-  /// One more. Stops the program on overflow.
-  constexpr void increment() {
-    current = qz::checkedAdd(current, std::int64_t{1});
+  /// One more, or so many in a row. Stops the program on overflow.
+  constexpr void increment(std::int64_t by = 1) {
+    current = qz::checkedAdd(current, by);
     best = std::max(best, current);
   }
   /// Back to 0; the best stays, and is never below 0.

@@ -1,19 +1,13 @@
 #include <HabitraCore/TaskRules.h>
-#include <QZDateTime/YYYYMM.h>
+
+#include <bit>
 
 namespace habitra {
-
-bool isDueByCalendar(const TaskFrequency& frequency, const qz::YYYYMMDD& date) {
-  if (frequency.dayMode == TaskFrequency::DayMode::specificDaysOfMonth) {
-    return frequency.daysOfMonth.isDue(date.d(), date.yyyymm().numberOfDays());
-  }
-  return frequency.days.contains(date.dayOfWeek());
-}
 
 namespace {
 
 /// Raised whenever the walk comes to another result for the same rules and entries, so that what was kept is dropped.
-constexpr std::uint64_t walkVersion = 1;
+constexpr std::uint64_t walkVersion = 2;
 
 /// FNV-1a over the eight bytes of each number, lowest first, whatever the machine's order.
 class Fingerprint {
@@ -44,7 +38,14 @@ std::uint64_t fingerprint(const TaskRules& rules, const qz::YYYYMMDD& created) {
   fingerprint.add(rules.frequency.dayInterval);
   fingerprint.add(std::int64_t{rules.isNegative ? 1 : 0});
   fingerprint.add(rules.firstDayOfWeek.rawValue());
-  fingerprint.add(rules.referenceDate ? rules.referenceDate->rawValue() : std::int64_t{0});
+  fingerprint.add(rules.referenceDate ? rules.referenceDate->rawValue() : 0);
+  fingerprint.add(static_cast<std::int64_t>(rules.measure.kind));
+  fingerprint.add(std::bit_cast<std::uint64_t>(rules.measure.target));
+  fingerprint.add(std::uint64_t{rules.pauses.size()});
+  for (const TaskPause& pause : rules.pauses) {
+    fingerprint.add(pause.from.rawValue());
+    fingerprint.add(pause.to ? pause.to->rawValue() : 0);
+  }
   fingerprint.add(created.rawValue());
   return fingerprint.value();
 }

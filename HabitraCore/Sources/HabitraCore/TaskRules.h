@@ -1,11 +1,14 @@
 #pragma once
 
 #include <HabitraCore/TaskFrequency.h>
+#include <HabitraCore/TaskMeasure.h>
+#include <HabitraCore/TaskPause.h>
 #include <QZDateTime/DayOfWeek.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace habitra {
 
@@ -15,12 +18,11 @@ struct TaskRules {
   bool isNegative = false;  ///< a task to avoid
   qz::DayOfWeek firstDayOfWeek = qz::DayOfWeek::sunday;
   std::optional<qz::YYYYMMDD> referenceDate;  ///< the anchor of fortnights and day intervals
+  TaskMeasure measure;
+  std::vector<TaskPause> pauses;  ///< in any order; they may overlap
 
   friend bool operator==(const TaskRules&, const TaskRules&) = default;
 };
-
-/// Whether the calendar alone makes `date` a due day. REQUIRES: HistoryWalk::supports(frequency).
-[[nodiscard]] bool isDueByCalendar(const TaskFrequency& frequency, const qz::YYYYMMDD& date);
 
 /// A number for the rules and the first day of a history that is the same in every run and build, and that differs, but
 /// for chance, where a walk could come to something else; also when the walk itself has learned to judge differently.

@@ -1,0 +1,111 @@
+#include <HabitraCore/DueRule.h>
+#include <HabitraCore/WalkedPeriod.h>
+
+#include <algorithm>
+
+namespace habitra {
+
+namespace {
+
+using Ground = PeriodReason::Ground;
+using Kind = CompletionStatus::Status::Kind;
+
+qz::YYYYMMDD dayOf(std::int32_t intForm) {
+  return qz::YYYYMMDD::fromRawValue(intForm).value_or(qz::YYYYMMDD::emptyValue);
+}
+
+PeriodReason::Entry reasonEntry(const LoggedEntry& entry) {
+  return {.date = dayOf(entry.entryDate), .entryType = entry.entryType, .order = entry.order};
+}
+
+/// Skips and misses that were filled in stand in the log for a rule, and it is the rule that people ask for.
+bool speaksForItself(TaskLogEntryType type) {
+  return isFull(type) && (!isAutomatic(type) || isCompletedFull(type) || isAllowableMissFull(type));
+}
+
+Ground groundOfRule(const WalkedPeriod& walked) {
+  if (walked.isDue) return Ground::due;
+  if (walked.isPaused) return Ground::paused;
+  return walked.source.isCut ? Ground::beganBeforeHistory : Ground::notDue;
+}
+
+Ground groundOf(const WalkedPeriod& walked) {
+  const bool isAvoided = walked.source.rules->isNegative;
+  const auto lastFull = std::ranges::find_if(walked.entries.rbegin(), walked.entries.rend(),
+                                             [](const auto& entry) { return isFull(entry.entryType); });
+  if (lastFull != walked.entries.rend() && speaksForItself(lastFull->entryType)) return Ground::fullEntry;
+  const Kind kind = walked.status.kind();
+  if (kind == Kind::positiveComplete) return Ground::partialEntries;
+  if (!isAvoided) return groundOfRule(walked);
+  if (kind == Kind::negativeMiss) {
+    const bool isByParts = std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) {
+      return isMissedFullOrPartial(entry.entryType) && isPartial(entry.entryType);
+    });
+    return isByParts ? Ground::partialEntries : Ground::fullEntry;
+  }
+  return walked.isDue && !walked.hasSkip ? Ground::keptClean : groundOfRule(walked);
+}
+
+/// Whether an entry was a part of what the counting period of its task counts.
+bool isCounted(TaskLogEntryType type, bool isNegative) {
+  if (!isNegative) return isCompletedFullOrPartial(type);
+  return isMissedFullOrPartial(type) || isAllowableMissFull(type);
+}
+
+void putCounts(PeriodReason& reason, const WalkedPeriod& walked) {
+  const TaskRules& rules = *walked.source.rules;
+  const DueRule& due = *walked.source.due;
+  const std::int32_t number = walked.source.number;
+  const bool isUnavailable = walked.source.isUnavailable;
+  if (due.countsDays()) {
+    const TaskFrequencyPeriodType type = rules.frequency.periodTypeForCompletionCountCalculation();
+    reason.countingPeriod = DatedPeriod(dayOf(walked.from), type, rules.firstDayOfWeek, rules.referenceDate).period;
+    for (const LoggedEntry& entry : walked.source.countedEntries) {
+      if (isCounted(entry.entryType, rules.isNegative)) reason.entries.push_back(reasonEntry(entry));
+    }
+    if (rules.isNegative) {
+      reason.allowance = std::max(due.allowance(), std::int64_t{0});
+      reason.allowanceLeft = std::max(due.allowance() - due.failedDays(), std::int64_t{0});
+    } else {
+      reason.completed = due.completedDays();
+      reason.wanted = due.wanted();
+      reason.available = due.available(isUnavailable);
+      reason.required = due.required(isUnavailable);
+      reason.stillPossible = due.stillPossible(number);
+    }
+  } else if (due.dependsOnLog()) {
+    const auto last = rules.isNegative ? due.lastFailed() : due.lastCompleted().value_or(due.anchor());
+    if (!last || *last > number) return;
+    reason.countedFrom = qz::YYYYMMDD::fromDayNumber(*last);
+    reason.daysSince = number - *last;
+  }
+}
+
+}  // namespace
+
+TaskFrequencyPeriod WalkedPeriod::period() const {
+  return {.periodType = periodType,
+          .startDate = dayOf(from),
+          .finishDate = dayOf(to),
+          .firstDayOfWeek = source.rules->firstDayOfWeek};
+}
+
+CompletionStatus WalkedPeriod::completionStatus() const {
+  const DatedPeriod dated(dayOf(progressDay), period());
+  return {status, progressRecord(source.rules->measure, dated, expectedUnits, progress)};
+}
+
+PeriodReason WalkedPeriod::reason() const {
+  PeriodReason reason{.period = period(),
+                      .status = status,
+                      .ground = groundOf(*this),
+                      .dayMode = source.rules->frequency.dayMode,
+                      .isOpen = isOpen,
+                      .numUnits = progress.numUnits,
+                      .expectedUnits = expectedUnits};
+  if (from == to) putCounts(reason, *this);
+  for (const LoggedEntry& entry : entries) reason.entries.push_back(reasonEntry(entry));
+  return reason;
+}
+
+}  // namespace habitra
