@@ -3,9 +3,11 @@
 #include <HabitraCore/TaskFrequency.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraCore/TaskRecentHistory.h>
 
 #include <array>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -98,6 +100,39 @@ TEST(Enumerations, ModesSkipModesAndPeriodTypesReadOnlyWhatTheyKnow) {
   for (const auto& row : RawValueTable<Type>::rows) letters += row.raw;
   EXPECT_EQ(letters, "dwfmy");
   EXPECT_EQ(fromRawValue<Type>("D"), std::nullopt);
+}
+
+TEST(Enumerations, LengthsOfPeriodsSayTheirDaysAndHaveAPictureEach) {
+  std::string lengths;
+  std::set<std::string_view> icons;
+  for (const auto& row : RawValueTable<MultiDayCount>::rows) {
+    lengths += std::string(row.raw) + " ";
+    EXPECT_EQ(row.raw, "d" + std::to_string(numDays(row.value)));
+    EXPECT_EQ(row.name, "duration" + std::to_string(numDays(row.value)));
+    EXPECT_EQ(rawValue(row.value), row.raw);
+    EXPECT_TRUE(icon(row.value).starts_with("calendar.")) << row.raw;
+    icons.insert(icon(row.value));
+  }
+  EXPECT_EQ(lengths, "d1 d7 d14 d28 d29 d30 d31 d365 d366 ");
+  EXPECT_EQ(icons.size(), RawValueTable<MultiDayCount>::rows.size());
+  EXPECT_EQ(fromRawValue<MultiDayCount>("d28"), MultiDayCount::duration28);
+  for (const char* const unknown : {"d2", "28", "d", ""}) EXPECT_EQ(fromRawValue<MultiDayCount>(unknown), std::nullopt);
+}
+
+TEST(Enumerations, StatusesOfACalendarAndSpansOfSuccessStandInOrder) {
+  const auto inOrder = [](const auto& rows) {
+    std::string names;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      EXPECT_EQ(static_cast<std::size_t>(rows[i].value), i);
+      names += std::string(rows[i].raw) + " ";
+    }
+    return names;
+  };
+  EXPECT_EQ(
+      inOrder(RawValueTable<TaskCalendarPeriodInfo::TaskCalendarPeriodStatus>::rows),
+      "completed missed skipped allowedMiss current currentCompleted currentMissed currentAllowedMiss future past ");
+  EXPECT_EQ(inOrder(RawValueTable<TaskRecentHistory::PreviousSuccessType>::rows),
+            "last7 last30 pastMonth pastYear allTime ");
 }
 
 TEST(EntryChoice, ANewEntryTakesThePlaceOfOthers) {
