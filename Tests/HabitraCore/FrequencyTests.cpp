@@ -283,6 +283,8 @@ TEST(FrequencyForms, RefuseCountsThatNoStoreCouldKeep) {
 
 TEST(Rules, FingerprintsTellApartWhatCouldBeJudgedDifferently) {
   const TaskRules rules{.frequency = TaskFrequency::everyDay()};
+  // Kept in stores: a new value for the same rules drops every checkpoint, which only a changed walk may do.
+  EXPECT_EQ(fingerprint(rules, {2024, 1, 1}), 14859131509419127813u);
   std::set<std::uint64_t> found{fingerprint(rules, {2024, 1, 1}), fingerprint(rules, {2024, 1, 2})};
   const std::vector<std::function<void(TaskRules&)>> changes{
       [](TaskRules& other) { other.frequency.dayMode = Mode::aggregateOverWeek; },

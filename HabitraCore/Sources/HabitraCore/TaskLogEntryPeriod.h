@@ -27,8 +27,8 @@ struct TaskLogEntryPeriod {
 };
 
 void to_json(nlohmann::json& json, const TaskLogEntryPeriod& period);
-/// Throws qz::DecodingError for a missing key, an unknown type, a day that the calendar does not have, and an end before
-/// the beginning. A day outside its period is read as it stands: it tells where the entry was made, not for what it counts.
+/// Throws qz::DecodingError for a missing key, an unknown type, a day that the calendar does not have, and an end
+/// before the beginning. A day outside its period is read as it stands.
 void from_json(const nlohmann::json& json, TaskLogEntryPeriod& period);
 
 }  // namespace habitra
