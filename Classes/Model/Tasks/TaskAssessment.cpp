@@ -1,3 +1,4 @@
+#include <HabitraCore/FutureEntries.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
@@ -7,13 +8,15 @@
 #include <cstring>
 #include <limits>
 #include <span>
+#include <string_view>
+#include <utility>
 
 namespace habitra {
 namespace {
 
-/// Checkpoints are taken this many days back, so that corrections of the last weeks leave them valid. A walk that is to
-/// give the success of the last 30 days must begin earlier than those.
-constexpr std::int64_t checkpointDistance = 40;
+/// Checkpoints are taken this many days before the days that the shares of success look at, from where a walk must
+/// begin; so that most corrections of the last weeks leave them valid.
+constexpr std::int64_t checkpointDistance = 11;
 /// A walk of this many days more than it needs is still quick; after that a newer checkpoint pays.
 constexpr std::int64_t checkpointPatience = 62;
 /// Filling in looks this many days further back than the last pass. Somebody who flew east, or whose day now begins
@@ -28,10 +31,18 @@ struct CheckpointContent {
   std::int32_t lastCompleted;
   std::int32_t lastMissed;
   std::int32_t lastSkipped;
+  std::int32_t completedDays;
+  std::int32_t unavailableDays;
+  std::int32_t failedDays;
+  std::int32_t lastCompletedDay;
+  std::int32_t lastFailedDay;
+  std::int32_t unused;  ///< 0
   std::int64_t current;
   std::int64_t best;
+  std::int64_t numJudged;
+  std::int64_t numSucceeded;
 };
-static_assert(sizeof(CheckpointContent) == 32 && std::endian::native == std::endian::little);
+static_assert(sizeof(CheckpointContent) == 72 && std::endian::native == std::endian::little);
 
 std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoint>& stored) {
   CheckpointContent content{};
@@ -43,7 +54,14 @@ std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoin
                            .lastCompleted = content.lastCompleted,
                            .lastMissed = content.lastMissed,
                            .lastSkipped = content.lastSkipped,
-                           .streak = {.current = content.current, .best = content.best}};
+                           .counts = {.completedDays = content.completedDays,
+                                      .unavailableDays = content.unavailableDays,
+                                      .failedDays = content.failedDays,
+                                      .lastCompletedDay = content.lastCompletedDay,
+                                      .lastFailedDay = content.lastFailedDay},
+                           .streak = {.current = content.current, .best = content.best},
+                           .numJudged = content.numJudged,
+                           .numSucceeded = content.numSucceeded};
 }
 
 /// An unknown stored type says nothing about a day, like an undo.
@@ -51,7 +69,9 @@ TaskLogEntryType entryTypeOf(std::int16_t stored) {
   return fromRawValue<TaskLogEntryType>(stored).value_or(TaskLogEntryType::unknown);
 }
 
-LoggedEntry loggedEntry(const LogRow& row) {
+/// A row of the log, or an entry of it, as the walk reads it.
+template <typename Row>
+LoggedEntry loggedEntry(const Row& row) {
   const auto periodType = fromRawValue<TaskFrequencyPeriodType>(row.entryPeriodType);
   return LoggedEntry{.order = rawValue(row.objectID),
                      .progress = row.progress,
@@ -68,6 +88,14 @@ std::vector<LoggedEntry> readEntries(StoreContext& context, const TaskEntity& ta
   std::vector<LoggedEntry> entries;
   context.readLog(task.objectID, from, to, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
   return entries;
+}
+
+/// The newest day as of which a walk can be resumed, less a margin.
+qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
+  const SuccessSpans spans = successSpans(frequency);
+  qz::YYYYMMDD day = today;
+  for (const auto span : {spans.shortTerm, spans.longTerm}) day = std::min(day, firstDay(span, today).value_or(day));
+  return day.add(-checkpointDistance);
 }
 
 /// The day that an attribute keeps, if the calendar has it: a row may say anything.
@@ -90,22 +118,33 @@ std::optional<std::int32_t> firstKeptDay(StoreContext& context, const TaskEntity
   return first;
 }
 
-bool wasRecordedInTime(const TaskLogEntryEntity& entry, const TaskCalendar& calendar, qz::Moment now) {
-  if (!entry.createdTimestamp || *entry.createdTimestamp > now || !entry.createdTimeZone) return false;
-  const auto zone = qz::TimeZone::fromIdentifier(*entry.createdTimeZone);
-  if (!zone) return false;
-  const qz::YYYYMMDD dayThere(calendar.startOfDay, *entry.createdTimestamp, *zone);
-  return dayThere.intValue() >= entry.entryDate;
-}
+/// What the log holds beyond today.
+struct LaterEntries {
+  std::vector<LogKey> future;      ///< to delete
+  std::vector<LoggedEntry> ahead;  ///< recorded in time by somebody who since flew west
+};
 
-std::vector<LogKey> futureEntries(StoreContext& context, const TaskEntity& task, const TaskCalendar& calendar,
-                                  std::int32_t today, qz::Moment now) {
-  std::vector<LogKey> keys;
-  if (const auto newest = context.newestTransactionMoment(); newest && *newest > now) return keys;
-  context.readLogEntries(task.objectID, today + 1, StoreContext::lastDay, [&](const TaskLogEntryEntity& entry) {
-    if (!wasRecordedInTime(entry, calendar, now)) keys.push_back(entry.key());
-  });
-  return keys;
+LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                          qz::Moment now) {
+  LaterEntries later;
+  // A clock that is behind what the store has seen says nothing about what has not come: such entries count for
+  // nothing, but may be right when it has caught up.
+  const auto newest = context.newestTransactionMoment();
+  const bool isClockBehind = newest && *newest > now;
+  const auto look = [&](const TaskLogEntryEntity& entry) {
+    const EntryRecording recording{.entryDate = entry.entryDate,
+                                   .createdTimestamp = entry.createdTimestamp,
+                                   .createdTimeZone = entry.createdTimeZone
+                                                          ? std::optional<std::string_view>(*entry.createdTimeZone)
+                                                          : std::nullopt};
+    if (!liesInFuture(recording, assessment.today, assessment.calendar.startOfDay, now)) {
+      later.ahead.push_back(loggedEntry(entry));
+    } else if (!isClockBehind) {
+      later.future.push_back(entry.key());
+    }
+  };
+  context.readLogEntries(task.objectID, storedDay(assessment.today) + 1, StoreContext::lastDay, look);
+  return later;
 }
 
 /// The day the task was made on, by the clock of the zone it was made in: elsewhere the same moment can be the day
@@ -117,7 +156,9 @@ qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, q
   return std::clamp(day, std::min(earliestDay, today), today);
 }
 
-HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
+HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
+  const TaskCalendar& calendar = assessment.calendar;
+  const qz::YYYYMMDD today = assessment.today;
   HistoryScope scope;
   scope.today = today;
   scope.created = creationDay(task, calendar, today);
@@ -128,7 +169,7 @@ HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskCa
     const qz::YYYYMMDD processed = std::min(calendar.day(*task.lastProcessedDate), today);
     scope.fillFrom = std::max(scope.created, processed.add(-fillInOverlap));
   }
-  scope.checkpointDay = today.add(-checkpointDistance);
+  scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
   return scope;
 }
 
@@ -165,23 +206,33 @@ HistoryResult walkWithoutLeftOutDays(const Walk& walk, std::vector<LoggedEntry> 
   return result;
 }
 
-void walkHistory(StoreContext& context, const TaskEntity& task, TaskAssessment& assessment) {
-  const HistoryScope scope = scopeOf(context, task, assessment.calendar, assessment.today);
+/// Whether the checkpoint of a walk is worth keeping, when the walk was begun after `begun`.
+bool isWorthKeeping(const HistoryResult& history, std::optional<qz::YYYYMMDD> begun) {
+  const auto closedThrough = history.checkpoint ? dayFromStored(history.checkpoint->closedThrough) : std::nullopt;
+  return begun && closedThrough && begun->distance(*closedThrough) > checkpointPatience;
+}
+
+void walkHistory(StoreContext& context, const TaskEntity& task, std::span<const LoggedEntry> ahead,
+                 TaskAssessment& assessment) {
+  const HistoryScope scope = scopeOf(context, task, assessment);
   const HistoryWalk walk(*assessment.rules, scope);
-  const std::int32_t today = storedDay(scope.today);
+  const auto read = [&](std::int32_t from) {
+    std::vector<LoggedEntry> entries = readEntries(context, task, from, storedDay(scope.today));
+    entries.insert(entries.end(), ahead.begin(), ahead.end());
+    return entries;
+  };
 
   const auto checkpoint = historyCheckpoint(context.checkpoint(task.objectID));
   if (checkpoint && walk.canResume(*checkpoint)) {
     assessment.history =
         walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.resume(*checkpoint, entries); },
-                               readEntries(context, task, checkpoint->closedThrough + 1, today), assessment.calendar);
-    const auto closedThrough = dayFromStored(checkpoint->closedThrough);
-    assessment.checkpointIsStale = closedThrough && closedThrough->distance(*scope.checkpointDay) > checkpointPatience;
+                               read(checkpoint->closedThrough + 1), assessment.calendar);
+    assessment.checkpointIsStale = isWorthKeeping(*assessment.history, dayFromStored(checkpoint->closedThrough));
   } else {
     assessment.history =
         walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.walk(entries); },
-                               readEntries(context, task, StoreContext::firstDay, today), assessment.calendar);
-    assessment.checkpointIsStale = scope.created.distance(*scope.checkpointDay) > checkpointPatience;
+                               read(StoreContext::firstDay), assessment.calendar);
+    assessment.checkpointIsStale = isWorthKeeping(*assessment.history, scope.created);
   }
 }
 
@@ -190,10 +241,12 @@ void walkHistory(StoreContext& context, const TaskEntity& task, TaskAssessment& 
 TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars, qz::Moment now) {
   TaskAssessment assessment{.calendar = calendars.of(task)};
   assessment.today = assessment.calendar.day(now);
-  assessment.futureEntries = futureEntries(context, task, assessment.calendar, storedDay(assessment.today), now);
+  LaterEntries later = laterEntries(context, task, assessment, now);
+  for (LoggedEntry& entry : later.ahead) entry.isAhead = true;
+  assessment.futureEntries = std::move(later.future);
   assessment.rules = rulesOf(task);
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
-  if (assessment.rules) walkHistory(context, task, assessment);
+  if (assessment.rules) walkHistory(context, task, later.ahead, assessment);
   return assessment;
 }
 
@@ -202,8 +255,16 @@ Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint) {
                                   .lastCompleted = checkpoint.lastCompleted,
                                   .lastMissed = checkpoint.lastMissed,
                                   .lastSkipped = checkpoint.lastSkipped,
+                                  .completedDays = checkpoint.counts.completedDays,
+                                  .unavailableDays = checkpoint.counts.unavailableDays,
+                                  .failedDays = checkpoint.counts.failedDays,
+                                  .lastCompletedDay = checkpoint.counts.lastCompletedDay,
+                                  .lastFailedDay = checkpoint.counts.lastFailedDay,
+                                  .unused = 0,
                                   .current = checkpoint.streak.current,
-                                  .best = checkpoint.streak.best};
+                                  .best = checkpoint.streak.best,
+                                  .numJudged = checkpoint.numJudged,
+                                  .numSucceeded = checkpoint.numSucceeded};
   Checkpoint stored{.closedThrough = checkpoint.closedThrough,
                     .fingerprint = std::bit_cast<std::int64_t>(checkpoint.fingerprint)};
   stored.content.resize(sizeof content);
