@@ -15,7 +15,9 @@ TaskLogEntryType nextEntryType(const CompletionStatus& status, bool isPartial, b
   using Kind = CompletionStatus::Status::Kind;
   switch (status.status.kind()) {
     case Kind::positiveIncomplete:
-      return isPartial ? TaskLogEntryType::completedManuallyPartial : TaskLogEntryType::completedManuallyFull;
+      // A timer can have reached the target without an entry; one unit more would then change nothing.
+      return isPartial && !status.codableProgress.isReached() ? TaskLogEntryType::completedManuallyPartial
+                                                              : TaskLogEntryType::completedManuallyFull;
     case Kind::positiveComplete: return TaskLogEntryType::skippedManuallyFull;
     case Kind::positiveSkip: return TaskLogEntryType::unknown;
     case Kind::positiveMiss:

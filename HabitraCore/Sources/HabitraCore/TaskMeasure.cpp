@@ -45,7 +45,7 @@ TaskProgress byTime(const TaskMeasure& measure, double target, const DatedPeriod
                           .totalTargetDuration = target,
                           .currentCompletionDuration = nearestFinite(made.secondsTimed)};
   if (made.amount) {
-    const double seconds = std::max(nearestFinite(*made.amount), 0.0);
+    const double seconds = std::max(nearestFinite(*made.amount + made.secondsTimed), 0.0);
     timer.numCompletions = completionsIn(seconds, target, expectedUnits);
     timer.currentCompletionDuration = seconds - amountOfUnits(timer.numCompletions, target, expectedUnits);
   }

@@ -30,8 +30,7 @@ struct ProgressMade {
   /// The amount that an entry reported last, and what was added to it since; it stands instead of the count. In the
   /// unit of the target; of rings their mean, 0 to 1. A task by hand has none.
   std::optional<double> amount;
-  /// Seconds of timed runs towards the completion that is under way; part of the amount where there is one.
-  double secondsTimed = 0.0;
+  double secondsTimed = 0.0;  ///< timed runs towards the completion that is under way; on top of count or amount
 
   friend bool operator==(const ProgressMade&, const ProgressMade&) = default;
 };

@@ -38,6 +38,20 @@ double amountOfUnits(std::int64_t numUnits, double target, std::int64_t expected
   return std::isfinite(product) ? product / parts : nearestFinite(units / parts * target);
 }
 
+double amountAfterUnit(double amount, double target, std::int64_t expectedCompletions) {
+  const auto multiple = [&](double units) {
+    return amountOfUnits(static_cast<std::int64_t>(units), target, expectedCompletions);
+  };
+  const double unit = multiple(1.0);
+  const double next = nearestFinite(amount + unit);
+  const double units = std::round(shareOf(next, unit));
+  if (units < 1.0 || units >= 0x1p53) return next;
+  // Sums of equal parts drift away from the multiples, so that the last part could miss the target. What lies as close
+  // to a multiple as rounding explains is taken for it.
+  constexpr double rounding = 1e-12;
+  return std::abs(next - multiple(units)) <= rounding * next ? multiple(units) : next;
+}
+
 std::int64_t displayedPercentage(double progressShare) {
   if (!(progressShare > 0.0)) return 0;
   constexpr double largest = 0x1p53;
@@ -83,17 +97,7 @@ double TaskProgressContinuous::progressShare() const { return shareOf(currentVal
 void TaskProgressContinuous::fill() { currentValue = std::max(currentValue, nearestFinite(targetValue)); }
 
 void TaskProgressContinuous::addUnit() {
-  const auto amount = [&](double units) {
-    return amountOfUnits(static_cast<std::int64_t>(units), targetValue, expectedCompletions);
-  };
-  const double unit = amount(1.0);
-  const double next = nearestFinite(currentValue + unit);
-  // Sums of equal parts drift away from the multiples by rounding, so that the last part could miss the target. What
-  // lies as close to a multiple as rounding explains is taken for it.
-  constexpr double rounding = 1e-12;
-  const double units = std::round(shareOf(next, unit));
-  const bool isCountable = units >= 1.0 && units < 0x1p53;
-  currentValue = isCountable && std::abs(next - amount(units)) <= rounding * next ? amount(units) : next;
+  currentValue = amountAfterUnit(currentValue, targetValue, expectedCompletions);
 }
 
 void TaskProgressContinuous::empty() { currentValue = 0.0; }
@@ -124,6 +128,10 @@ void TaskProgressTimer::addUnit() {
 void TaskProgressTimer::empty() {
   numCompletions = 0;
   currentCompletionDuration = 0.0;
+}
+
+void TaskProgressTimer::addDuration(double seconds) {
+  currentCompletionDuration = nearestFinite(currentCompletionDuration + std::max(nearestFinite(seconds), 0.0));
 }
 
 double TaskProgressDateRange::progressShare() const {

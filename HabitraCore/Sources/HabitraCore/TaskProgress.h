@@ -84,8 +84,7 @@ struct TaskProgressContinuous {
 
   [[nodiscard]] double progressShare() const;
   void fill();
-  /// As many units as are expected, from nothing, come to exactly the target. No effect where the target is 0 or less.
-  void addUnit();
+  void addUnit();  ///< amountAfterUnit(); no effect where the target is 0 or less.
   void empty();
 
   friend bool operator==(const TaskProgressContinuous&, const TaskProgressContinuous&) = default;
@@ -112,6 +111,8 @@ struct TaskProgressTimer {
   /// stays reached. Stops the program on overflow.
   void addUnit();
   void empty();
+  /// More time towards the completion under way, in seconds; below 0, or not a number, there is none.
+  void addDuration(double seconds);
 
   friend bool operator==(const TaskProgressTimer&, const TaskProgressTimer&) = default;
 };
@@ -176,6 +177,10 @@ using TaskProgress = std::variant<TaskProgressSimple, TaskProgressDiscrete, Task
 /// The worth of so many partial entries of a target that `expectedCompletions` of them make: exactly the target (or a
 /// multiple of it) where they come out even. 0 where the target is 0 or less; never infinite.
 [[nodiscard]] double amountOfUnits(std::int64_t numUnits, double target, std::int64_t expectedCompletions);
+
+/// An amount after one more partial entry of such a target. Rounding never adds up: from nothing, as many as are
+/// expected come to exactly the target.
+[[nodiscard]] double amountAfterUnit(double amount, double target, std::int64_t expectedCompletions);
 
 /// The share in percent as it is shown: rounded down, so that 100 means done and 99 not quite. 29 of 100 is 29. Below 0
 /// it is 0, and more than 100 is shown.
