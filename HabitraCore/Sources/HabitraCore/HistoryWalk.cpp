@@ -1,3 +1,4 @@
+#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/HistoryWalk.h>
 #include <HabitraCore/LoggedEntries.h>
 #include <HabitraCore/TaskFrequencyValidation.h>
@@ -31,6 +32,16 @@ CalendarStatus calendarStatus(const WalkedPeriod& walked) {
     return walked.isOpen ? CalendarStatus::currentCompleted : CalendarStatus::completed;
   if (walked.isOpen) return CalendarStatus::current;
   return walked.hasSkip ? CalendarStatus::skipped : CalendarStatus::past;
+}
+
+bool isInterval(const TaskFrequency& frequency) { return frequency.dayMode == TaskFrequency::DayMode::dayInterval; }
+
+/// Whether partial misses failed the period; the miss that was filled in for them stands whatever room there was.
+bool isFailedByParts(const WalkedPeriod& walked) {
+  const auto numMissed = std::ranges::count_if(walked.entries, [](const LoggedEntry& entry) {
+    return isMissedFullOrPartial(entry.entryType) && isPartial(entry.entryType);
+  });
+  return numMissed >= walked.expectedUnits;
 }
 
 void put(TaskRecentHistory& history, const TaskFrequencyPeriod& period, CalendarStatus status) {
@@ -94,6 +105,21 @@ std::vector<FillIn> HistoryWalk::seals(std::span<const LoggedEntry> entries) con
       seals.push_back({.period = walked.period(), .entryType = TaskLogEntryType::completedAutomaticallyFull});
   }));
   return seals;
+}
+
+std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from) const {
+  std::vector<Retyping> retypings;
+  if (!rules_.isNegative || !(rules_.frequency.isCountedDays() || isInterval(rules_.frequency))) return retypings;
+  const std::int32_t firstDay = intForm(from);
+  static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
+    if (walked.from < firstDay || walked.from != walked.to || isFailedByParts(walked)) return;
+    for (const LoggedEntry& entry : walked.entries) {
+      const TaskLogEntryType type = retypedFailure(entry.entryType, walked.missIsAllowed);
+      if (type != entry.entryType)
+        retypings.push_back({.order = entry.order, .entryDate = entry.entryDate, .entryType = type});
+    }
+  }));
+  return retypings;
 }
 
 TaskRecentHistory HistoryWalk::recentHistory(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from,

@@ -98,6 +98,15 @@ struct HistoryResult {
   std::optional<HistoryCheckpoint> checkpoint;
 };
 
+/// A failure of a task to avoid that stands in the log with a type that its place in the counting period does not give.
+struct Retyping {
+  std::int64_t order = 0;  ///< LoggedEntry::order of the entry
+  std::int32_t entryDate = 0;
+  TaskLogEntryType entryType{};  ///< that it has to have
+
+  friend bool operator==(const Retyping&, const Retyping&) = default;
+};
+
 /// Immutable; may be used from any thread at the same time. One pass: the work for a day does not depend on the length
 /// of the history, and nothing is allocated for it but the list of entries to fill in.
 class HistoryWalk {
@@ -129,6 +138,10 @@ class HistoryWalk {
   /// The entries to write before the frequency, the target or the sign of the task is changed, so that a past that was
   /// judged stays judged: a completion for each closed period that is a success without a full entry.
   [[nodiscard]] std::vector<FillIn> seals(std::span<const LoggedEntry> entries) const;
+
+  /// The entries to re-type after a failure was recorded for a day from `from` on that is not the last, in order of
+  /// days: counted days and day intervals, to avoid. An automatic miss that partial misses made necessary stays one.
+  [[nodiscard]] std::vector<Retyping> retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from) const;
 
   /// What a calendar shows of the days from `from` to `to`, both included: periods before the history are past, those
   /// after today lie in the future.
