@@ -1,35 +1,15 @@
 #include "NaiveHistory.h"
-#include "Scenario.h"
 
 #include <gtest/gtest.h>
 #include <HabitraCore/HistoryWalk.h>
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace habitra {
 namespace {
-
-TEST(Scenarios, ComeOutAsTheyAreDrawn) {
-  int count = 0;
-  for (const auto& file : std::filesystem::directory_iterator(SCENARIO_FOLDER)) {
-    SCOPED_TRACE(file.path().filename().string());
-    ++count;
-    const Scenario scenario = Scenario::read(file.path());
-    const std::vector<std::string> computed = scenario.computed();
-    std::vector<std::string> lines;
-    std::string text;
-    for (const std::string& line : computed) {
-      lines.push_back(evened(line));
-      text += line + "\n";
-    }
-    EXPECT_EQ(lines, scenario.expected) << "computed:\n" << text;
-  }
-  EXPECT_GT(count, 0);
-}
 
 struct History {
   TaskRules rules;

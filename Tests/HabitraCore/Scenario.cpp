@@ -1,183 +1,157 @@
 #include "Scenario.h"
 
-#include <array>
-#include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <iomanip>
+#include "ScenarioWords.h"
+
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
-#include <utility>
 
 namespace habitra {
 
 namespace {
 
-using T = TaskLogEntryType;
+using namespace scenario_words;
 
-constexpr std::array<std::pair<std::string_view, T>, 16> entryWords{{
-    {"undo", T::unknown},
-    {"done", T::completedManuallyFull},
-    {"done-auto", T::completedAutomaticallyFull},
-    {"part", T::completedManuallyPartial},
-    {"skip", T::skippedManuallyFull},
-    {"skip-auto", T::skippedAutomaticallyFull},
-    {"allowed", T::allowableMissManuallyFull},
-    {"allowed-auto", T::allowableMissAutomaticallyFull},
-    {"miss-auto", T::missedAutomaticallyFull},
-    {"miss", T::missedManuallyFull},
-    {"miss-part", T::missedManuallyPartial},
-    {"miss-part-auto", T::missedAutomaticallyPartial},
-    {"part-auto", T::completedAutomaticallyPartial},
-    {"timer", T::timerManual},
-    {"timer-auto", T::timerAutomatic},
-    {"health", T::externalHealthData},
-}};
+using Settings = std::map<std::string, std::string>;
 
-constexpr std::array<std::string_view, 7> weekdayWords{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+std::int32_t integer(const qz::YYYYMMDD& date) { return static_cast<std::int32_t>(date.intValue()); }
 
-T entryType(std::string_view word) {
-  for (const auto& [text, type] : entryWords)
-    if (text == word) return type;
-  throw std::runtime_error("no entry is called " + std::string(word));
+bool isRemark(const std::string& line) { return line.empty() || line.starts_with('#'); }
+bool isFigure(const std::string& line) { return line.starts_with("last:") || line.starts_with("shares:"); }
+bool isPeriod(const std::string& line) { return line[0] >= '0' && line[0] <= '9'; }
+
+std::string evenedLine(const std::string& line) {
+  std::string result;
+  for (const std::string& word : wordsOf(line)) result += (result.empty() ? "" : " ") + word;
+  return result;
 }
 
-std::string_view wordOf(T type) {
-  for (const auto& [text, known] : entryWords)
-    if (known == type) return text;
-  return "?";
-}
-
-qz::YYYYMMDD day(const std::string& text) {
-  int y = 0;
-  int m = 0;
-  int d = 0;
-  if (std::sscanf(text.c_str(), "%d-%d-%d", &y, &m, &d) != 3) throw std::runtime_error("not a day: " + text);
-  return qz::YYYYMMDD(y, m, d);
-}
-
-TaskFrequency dueDays(std::istringstream words) {
-  TaskFrequency frequency;
-  std::string word;
-  while (words >> word) {
-    if (word == "days") {
-      frequency.dayMode = TaskFrequency::DayMode::specificDaysOfMonth;
-    } else if (word.starts_with("last")) {
-      frequency.daysOfMonth.insert(DaysOfMonth::lastDay(word == "last" ? 0 : std::stoll(word.substr(5))));
-    } else if (frequency.dayMode == TaskFrequency::DayMode::specificDaysOfMonth) {
-      frequency.daysOfMonth.insert(DaysOfMonth::day(std::stoll(word)));
-    } else {
-      word[0] = static_cast<char>(word[0] - 'a' + 'A');
-      for (std::size_t raw = 0; raw < 7; ++raw)
-        if (weekdayWords[raw] == word) frequency.days.insert(static_cast<qz::DayOfWeek::Case>(raw));
-    }
+void applySettings(Scenario& scenario, Settings settings) {
+  const auto take = [&](const std::string& name, const std::string& absent) {
+    auto node = settings.extract(name);
+    return node ? node.mapped() : absent;
+  };
+  TaskRules& rules = scenario.rules;
+  rules.frequency = frequency(take("due", ""), number(take("times", "1")));
+  rules.isNegative = isToAvoid(take("sign", ""));
+  rules.firstDayOfWeek = weekday(take("weeks", "sunday"));
+  rules.pauses = pauses(take("paused", ""));
+  if (settings.contains("reference")) rules.referenceDate = day(take("reference", ""));
+  scenario.scope.created = day(take("created", ""));
+  scenario.scope.today = day(take("today", ""));
+  for (const LoggedEntry& entry : scenario.log) {
+    if (marksHistory(entry.entryType))
+      scenario.scope.created = std::min(scenario.scope.created, *qz::YYYYMMDD::fromRawValue(entry.entryDate));
   }
-  return frequency;
+  scenario.scope.fillFrom = settings.contains("filled") ? day(take("filled", "")) : scenario.scope.created;
+  if (!settings.empty()) throw std::runtime_error("no setting is called " + settings.begin()->first);
 }
 
-void readDay(Scenario& scenario, const std::string& line) {
-  const auto bar = line.find('|');
-  if (bar == std::string::npos) throw std::runtime_error("a day without columns: " + line);
-  const auto date = static_cast<std::int32_t>(day(line).intValue());
-  std::istringstream entries(line.substr(bar + 1, line.find('|', bar + 1) - bar - 1));
-  std::string word;
-  while (entries >> word) {
-    if (word.starts_with('[')) continue;
+TaskFrequencyPeriodType typeIn(const std::vector<std::string>& words) {
+  for (const auto& row : RawValueTable<TaskFrequencyPeriodType>::rows)
+    if (std::ranges::count(words, row.name) != 0) return row.value;
+  return TaskFrequencyPeriodType::day;
+}
+
+/// The first day from `from` on whose text ends like this: "12" or "03-12".
+qz::YYYYMMDD dayEnding(const std::string& ending, const qz::YYYYMMDD& from, const qz::YYYYMMDD& to) {
+  for (qz::YYYYMMDD date = from; date <= to; date = date.nextDay())
+    if (date.debugDescription().ends_with("-" + ending)) return date;
+  throw std::runtime_error("the period has no day " + ending);
+}
+
+void readEntries(Scenario& scenario, const Scenario::Line& line, TaskFrequencyPeriodType type, std::string column) {
+  if (const auto bracket = column.find('['); bracket != std::string::npos) column.resize(bracket);
+  const auto from = *qz::YYYYMMDD::fromRawValue(line.from);
+  const auto to = *qz::YYYYMMDD::fromRawValue(line.to);
+  const auto log = [&](const std::string& word, const qz::YYYYMMDD& date) {
+    const bool isDay = type == TaskFrequencyPeriodType::day;
     scenario.log.push_back({.order = static_cast<std::int64_t>(scenario.log.size()),
-                            .entryDate = date,
-                            .periodFrom = date,
-                            .periodTo = date,
-                            .entryType = entryType(word)});
+                            .entryDate = integer(date),
+                            .periodFrom = isDay ? integer(date) : line.from,
+                            .periodTo = isDay ? integer(date) : line.to,
+                            .entryType = entryType(word),
+                            .periodType = type});
+  };
+  std::vector<std::string> words = wordsOf(column);
+  if (type != TaskFrequencyPeriodType::day) {
+    for (const std::string& word : words) {
+      const auto colon = word.find(':');
+      if (colon == std::string::npos) throw std::runtime_error("an entry of a longer period without its day: " + word);
+      log(word.substr(colon + 1), dayEnding(word.substr(0, colon), from, to));
+    }
+    return;
   }
+  const bool isEach = !words.empty() && words.back() == "each";
+  if (isEach) words.pop_back();
+  if (!words.empty() && line.from != line.to && !isEach)
+    throw std::runtime_error("entries of several days need 'each'");
+  for (qz::YYYYMMDD date = from; date <= to; date = date.nextDay())
+    for (const std::string& word : words) log(word, date);
 }
 
-std::string statusText(const WalkedPeriod& walked) {
-  using Kind = CompletionStatus::Status::Kind;
-  std::string text;
-  switch (walked.status.kind()) {
-    case Kind::positiveIncomplete:
-      text = !walked.isOpen ? "undecided" : walked.isDue ? "will miss" : "will skip";
-      break;
-    case Kind::negativeComplete: text = walked.isOpen ? "clean so far" : "clean"; break;
-    case Kind::positiveComplete: text = "complete"; break;
-    case Kind::positiveMiss:
-    case Kind::negativeMiss: text = "miss"; break;
-    case Kind::positiveSkip: text = "skip"; break;
-    case Kind::negativeAllowedMiss: text = "allowed miss"; break;
+void readPeriod(Scenario& scenario, const std::string& text) {
+  const auto bar = text.find('|');
+  const std::vector<std::string> words = wordsOf(text.substr(0, bar));
+  const auto [from, to] = span(words[0]);
+  Scenario::Line line{.from = integer(from), .to = integer(to), .remarks = std::move(scenario.remarks)};
+  scenario.remarks.clear();
+  if (!scenario.lines.empty() && line.from <= scenario.lines.back().to)
+    throw std::runtime_error("not after the line before");
+  if (bar != std::string::npos) {
+    const auto end = text.find('|', bar + 1);
+    readEntries(scenario, line, typeIn(words), text.substr(bar + 1, end == std::string::npos ? end : end - bar - 1));
   }
-  if (walked.expectedUnits == 1) return text;
-  return text + " " + std::to_string(walked.numUnits) + "/" + std::to_string(walked.expectedUnits);
+  scenario.lines.push_back(std::move(line));
 }
 
-std::string lineOf(const WalkedPeriod& walked, const std::string& entries) {
-  const qz::YYYYMMDD date = walked.period().startDate;
-  std::ostringstream line;
-  line << date.debugDescription() << ' ' << weekdayWords[static_cast<std::size_t>(date.dayOfWeek().rawValue())]
-       << std::left << std::setw(5) << (walked.isDue ? " due" : "") << "| " << std::setw(32)
-       << entries + (walked.fillIn ? "[" + std::string(wordOf(*walked.fillIn)) + "]" : "") << "| " << std::setw(17)
-       << statusText(walked) << "| " << walked.streak.current << '/' << walked.streak.best;
-  return line.str();
-}
-
-std::string dayText(const std::optional<qz::YYYYMMDD>& date) { return date ? date->debugDescription() : "never"; }
-
-std::string shareText(const TaskRecentHistory::PreviousDaysSuccess& success) {
-  return std::to_string(std::llround(success.successPct * static_cast<double>(success.numSamples))) + " of " +
-         std::to_string(success.numSamples);
+void readLine(Scenario& scenario, Settings& settings, const std::string& text) {
+  const std::string line = evenedLine(text);
+  if (isRemark(line)) {
+    scenario.remarks.push_back(text);
+  } else if (isPeriod(line)) {
+    readPeriod(scenario, line);
+  } else if (!isFigure(line)) {
+    const auto colon = line.find(':');
+    if (colon == std::string::npos) throw std::runtime_error("neither a setting nor a day");
+    settings[line.substr(0, colon)] = evenedLine(line.substr(colon + 1));
+    std::ranges::move(scenario.remarks, std::back_inserter(scenario.head));
+    scenario.remarks.clear();
+    scenario.head.push_back(text);
+  }
 }
 
 }  // namespace
 
-std::string evened(const std::string& line) {
-  std::istringstream words(line);
-  std::string result;
-  std::string word;
-  while (words >> word) result += (result.empty() ? "" : " ") + word;
-  return result;
-}
-
-Scenario Scenario::read(const std::filesystem::path& file) {
-  std::ifstream stream(file);
-  std::map<std::string, std::string> settings;
+Scenario Scenario::read(const std::string& text) {
   Scenario scenario;
+  Settings settings;
+  std::istringstream stream(text);
   std::string line;
-  while (std::getline(stream, line)) {
-    const std::string text = evened(line);
-    if (text.empty() || text[0] == '#') continue;
-    const bool isDay = text[0] >= '0' && text[0] <= '9';
-    if (isDay) readDay(scenario, text);
-    if (isDay || text.starts_with("last:") || text.starts_with("shares:")) {
-      scenario.expected.push_back(text);
-    } else {
-      settings[text.substr(0, text.find(':'))] = text.substr(std::min(text.size(), text.find(':') + 2));
+  for (int number = 1; std::getline(stream, line); ++number) {
+    try {
+      readLine(scenario, settings, line);
+    } catch (const std::exception& error) {
+      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
     }
   }
-  scenario.rules.frequency = dueDays(std::istringstream(settings.at("due")));
-  if (settings.contains("times")) scenario.rules.frequency.numPartialCompletions = std::stoll(settings["times"]);
-  scenario.rules.isNegative = settings.at("sign") == "to avoid";
-  scenario.scope.created = day(settings.at("created"));
-  scenario.scope.today = day(settings.at("today"));
-  scenario.scope.fillFrom = settings.contains("filled") ? day(settings["filled"]) : scenario.scope.created;
+  applySettings(scenario, settings);
+  auto& beforeDays = scenario.lines.empty() ? scenario.remarks : scenario.lines.front().remarks;
+  beforeDays.erase(beforeDays.begin(), std::ranges::find_if(beforeDays, std::not_fn(&std::string::empty)));
+  while (!scenario.remarks.empty() && scenario.remarks.back().empty()) scenario.remarks.pop_back();
+  std::ranges::stable_sort(scenario.log, {}, &LoggedEntry::entryDate);
   return scenario;
 }
 
-std::vector<std::string> Scenario::computed() const {
-  std::map<std::int32_t, std::string> entries;
-  for (const LoggedEntry& entry : log) entries[entry.entryDate] += std::string(wordOf(entry.entryType)) + " ";
-  std::vector<std::string> lines;
-  const HistoryResult result = HistoryWalk(rules, scope).walk(log, [&](const WalkedPeriod& walked) {
-    lines.push_back(lineOf(walked, entries[walked.from]));
-    entries.erase(walked.from);
-  });
-  for (const auto& [date, ignored] : entries)
-    lines.push_back(dayText(qz::YYYYMMDD::fromRawValue(date)) + " | " + ignored + "|");
-  const TaskFigures& figures = result.figures;
-  lines.push_back("last: completed " + dayText(figures.lastCompleted) + ", missed " + dayText(figures.lastMissed) +
-                  ", skipped " + dayText(figures.lastSkipped));
-  lines.push_back("shares: 7 days " + shareText(figures.shortTerm) + ", 30 days " + shareText(figures.longTerm));
-  return lines;
+std::string evened(const std::string& text) {
+  std::istringstream stream(text);
+  std::string result;
+  std::string line;
+  while (std::getline(stream, line))
+    if (const std::string words = evenedLine(line); !words.empty()) result += words + "\n";
+  return result;
 }
 
 }  // namespace habitra

@@ -2,45 +2,82 @@
 
 #include <HabitraCore/HistoryWalk.h>
 
-#include <filesystem>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-/// A history drawn as a text file, one line a day, so that a person can check it by eye:
+/// A history drawn as a text file, so that a person can check it by eye:
 ///
 ///     # What it shows.
-///     due:     mon wed fri                  (or: days 1 15 last last-1)
-///     times:   2                            (partial entries that a day needs; 1 when absent)
-///     sign:    to do                        (or: to avoid)
+///     due:     3 days a week
+///     sign:    to do                      (or: to avoid)
+///     weeks:   monday                     (the day on which they begin; sunday when absent)
 ///     created: 2024-01-01
-///     filled:  2024-01-03                   (first day to fill in; the creation day when absent)
-///     today:   2024-01-05
+///     today:   2024-01-08
 ///
-///     2024-01-01 Mon due  | part part         | complete 2/2 | 1/1
-///     2024-01-02 Tue      | [skip-auto]       | skip 0/2     | 1/1
-///     ...
-///     last: completed 2024-01-01, missed never, skipped 2024-01-02
-///     shares: 7 days 1 of 1, 30 days 1 of 1
+///     2024-01-01..2024-01-04 Mon..Thu     | [skip-auto] each | skip       | 0/0      | 0+6 >= 3 .. 0+3 >= 3
+///     2024-01-05..2024-01-06 Fri..Sat due | done each        | complete   | 1/1..2/2 | 0+2 < 3 .. 1+1 < 3
+///     2024-01-07 Sun due                  | [miss-auto]      | miss       | 0/2      | 2+0 < 3
+///     2024-01-08 Mon                      |                  | will skip* | 0/2      | 0+6 >= 3
 ///
-/// The columns are the day; its entries in order of creation, those that the walk fills in in brackets; the status,
-/// with progress where a day needs several; the streak, current/best. The settings and the entries are read; all the
-/// rest is computed and must come out as it is written.
+///     last: completed 2024-01-06, missed 2024-01-07, skipped 2024-01-04
+///     shares: 7 days 2 of 3, 30 days 2 of 3
+///
+/// The settings and the entries are read; all the rest is computed and must come out as it is written. So a new
+/// scenario begins with the settings and lines such as `2024-01-05..2024-01-06 | done each`; HabitraScenario --write
+/// adds what is missing, to be checked by eye.
+///
+/// The rule is one of
+///
+///     every day | mon wed fri | days 1 15 last last-1     (last-1: the day before the month's last one)
+///     every 3 days
+///     3 days a week                                       (a fortnight, a month, a year)
+///     total 5 a week                                      (the longer period as one whole; a fortnight, ...)
+///
+/// Further settings, with their values when absent: `times`, the partial entries that one completion needs (1);
+/// `reference`, the anchor of fortnights and intervals (none); `paused`, spans such as
+/// `2024-01-03..2024-01-06, 2024-02-01..` (none); `filled`, the first day to fill in (the first of the history).
+///
+/// First column: the days, and `due` or `paused`. Equal days in a row share a line; a line that was read is not joined
+/// with days beside it. A longer period has a line of its own with the name of its type, and its entries are stored
+/// with its bounds, so that a history may hold periods of another frequency than today's.
+///
+/// Second: the entries in order of creation; with `each` every day of the line has them. An entry of a longer period
+/// stands behind its day, `12:part` or, in a year, `03-12:part`. In brackets the one that the walk fills in.
+///
+/// Third: the status, with the progress where a period needs several entries. A star says that an open day is shown
+/// with an indicator, since the rule looks at the log.
+///
+/// Fourth: the streak, current/best. Over equal days it rests or grows by one a day.
+///
+/// Fifth, of rules that look back: what they had counted on the morning of the day, for several days that of the first
+/// and of the last. Counted days, to do: completed days before + days to come, against the days required; to avoid:
+/// what was left of the allowance. Intervals: the day they count from + the days since.
 namespace habitra {
 
 struct Scenario {
+  /// A line as it was read: the days that it covers, and what stands before it.
+  struct Line {
+    std::int32_t from = 0;
+    std::int32_t to = 0;
+    std::vector<std::string> remarks;  ///< comments and empty lines
+  };
+
+  std::vector<std::string> head;  ///< up to the first day, as read
   TaskRules rules;
   HistoryScope scope;
-  std::vector<LoggedEntry> log;
-  std::vector<std::string> expected;  ///< the lines after the settings, spaces evened out
+  std::vector<LoggedEntry> log;      ///< by day, then in order of creation
+  std::vector<Line> lines;           ///< in order of days
+  std::vector<std::string> remarks;  ///< between the last day and the figures
 
-  /// Throws std::runtime_error with the offending line.
-  [[nodiscard]] static Scenario read(const std::filesystem::path& file);
+  /// Reads the text of a file. Throws std::runtime_error, with the line that is wrong.
+  [[nodiscard]] static Scenario read(const std::string& text);
 
-  /// The lines that the walk gives.
-  [[nodiscard]] std::vector<std::string> computed() const;
+  /// The text as it has to be: settings, remarks and entries as they were read, all the rest as the walk gives it.
+  [[nodiscard]] std::string drawn() const;
 };
 
-/// One line with runs of spaces made one.
-[[nodiscard]] std::string evened(const std::string& line);
+/// A text without empty lines and with runs of spaces made one: the form in which two drawings are compared.
+[[nodiscard]] std::string evened(const std::string& text);
 
 }  // namespace habitra
