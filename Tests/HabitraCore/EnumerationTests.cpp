@@ -3,6 +3,7 @@
 #include <HabitraCore/TaskFrequency.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraCore/TaskMeasure.h>
 #include <HabitraCore/TaskRecentHistory.h>
 
 #include <array>
@@ -182,13 +183,13 @@ TEST(EntryChoice, TapsGoRound) {
   const CompletionStatus::TapRules due{};
   const CompletionStatus::TapRules allowed{.missIsAllowed = true};
   const auto mode = TaskFrequency::SkipMode::willMissWithoutIndicator;
-  const CompletionStatus toDo = CompletionStatus::unchecked(progressByHand({}, 3));
+  const CompletionStatus toDo = CompletionStatus::unchecked(progressRecord({}, {}, 3));
   EXPECT_EQ(tapRound(toDo, false, due), "positiveComplete 5; positiveSkip 4; positiveIncomplete 4; ");
   EXPECT_EQ(tapRound(toDo, true, due),
             "positiveIncomplete 4; positiveIncomplete 4; positiveComplete 5; positiveSkip 4; positiveIncomplete 4; ");
-  const CompletionStatus missed{Status::positiveMiss(), progressByHand({}, 1)};
+  const CompletionStatus missed{Status::positiveMiss(), progressRecord({}, {}, 1)};
   EXPECT_EQ(missed.next({.current = 4, .best = 9}, false).completionStatus.status, Status::positiveComplete());
-  const CompletionStatus clean{Status::negativeComplete(mode), progressByHand({}, 2)};
+  const CompletionStatus clean{Status::negativeComplete(mode), progressRecord({}, {}, 2)};
   EXPECT_EQ(tapRound(clean, false, due), "negativeMiss 0; negativeComplete 4; ");
   EXPECT_EQ(tapRound(clean, false, allowed), "negativeAllowedMiss 4; negativeComplete 4; ");
   EXPECT_EQ(tapRound(clean, true, due), "negativeComplete 4; negativeMiss 0; negativeComplete 4; ");

@@ -1,15 +1,19 @@
 #include <gtest/gtest.h>
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/StreakStatus.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraCore/TaskLogEntryPeriod.h>
+#include <HabitraCore/TaskMeasure.h>
 #include <HabitraCore/TaskProgress.h>
 #include <QZDateTime/DecodingError.h>
 #include <rapidcheck/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +23,7 @@ namespace {
 
 using Status = CompletionStatus::Status;
 using Kind = Status::Kind;
+using Measured = TaskMeasure::Kind;
 using SkipMode = TaskFrequency::SkipMode;
 using T = TaskLogEntryType;
 
@@ -77,63 +82,95 @@ const std::array<Status, 10> everyStatus{Status::positiveIncomplete(SkipMode::wi
                                          Status::negativeMiss(),
                                          Status::negativeAllowedMiss()};
 
-/// The status, units and streak after one entry, of a period that needs 2 units, has `units`, and a streak of 4 of 9.
-std::string after(Status status, std::int64_t units, T type) {
-  const CompletionStatus before{status, progressByHand({}, 2, units)};
-  const auto result = before.applyEntryType({.current = 4, .best = 9}, type);
-  EXPECT_EQ(result.streak.best, 9);
-  const auto& progress = std::get<TaskProgressDiscrete>(result.completionStatus.codableProgress.base);
-  return std::string(caseName(result.completionStatus.status.kind())) + " " + std::to_string(progress.numCompletions) +
-         " " + std::to_string(result.streak.current);
+TaskProgressCodable byHand(const DatedPeriod& period, std::int64_t expected, std::int64_t numUnits = 0) {
+  return progressRecord({}, period, expected, {.numUnits = numUnits});
 }
 
+/// One line of a table: what the types do to a period that needs 2 units and has `units`, at a streak of 4, best 9. The
+/// outcomes stand in the order of the statuses: the new status, its units and the streak.
+struct TableRow {
+  std::vector<T> types;
+  std::int64_t units;
+  std::string outcomes;
+};
+
+std::string outcomes(const std::vector<Status>& statuses, std::int64_t units, T type) {
+  std::string result;
+  for (const Status& status : statuses) {
+    const CompletionStatus before{status, byHand({}, 2, units)};
+    const auto after = before.applyEntryType({.current = 4, .best = 9}, type);
+    EXPECT_EQ(after.streak.best, 9);
+    const auto& progress = std::get<TaskProgressDiscrete>(after.completionStatus.codableProgress.base);
+    if (!result.empty()) result += ", ";
+    result += std::string(caseName(after.completionStatus.status.kind())).substr(8);
+    result += " " + std::to_string(progress.numCompletions) + " " + std::to_string(after.streak.current);
+  }
+  return result;
+}
+
+void expectTable(const std::vector<Status>& statuses, const std::vector<TableRow>& table) {
+  std::set<T> typesOfTable;
+  for (const TableRow& row : table) {
+    for (const T type : row.types) {
+      EXPECT_EQ(outcomes(statuses, row.units, type), row.outcomes) << caseName(type) << ", units: " << row.units;
+      typesOfTable.insert(type);
+    }
+  }
+  EXPECT_EQ(typesOfTable.size(), 16U) << "every type has its line";
+}
+
+const std::vector<T> completions{T::completedManuallyFull, T::completedAutomaticallyFull};
+const std::vector<T> partialCompletions{T::completedManuallyPartial, T::completedAutomaticallyPartial};
+const std::vector<T> skips{T::skippedManuallyFull, T::skippedAutomaticallyFull};
+const std::vector<T> misses{T::missedManuallyFull, T::missedAutomaticallyFull};
+const std::vector<T> partialMisses{T::missedManuallyPartial, T::missedAutomaticallyPartial};
+const std::vector<T> allowedMisses{T::allowableMissManuallyFull, T::allowableMissAutomaticallyFull};
+const std::vector<T> runs{T::unknown, T::timerManual, T::timerAutomatic, T::externalHealthData};
+
 TEST(EntryTables, OfATaskToDo) {
-  const Status open = everyStatus[0];
-  for (const T full : {T::completedManuallyFull, T::completedAutomaticallyFull}) {
-    EXPECT_EQ(after(open, 1, full), "positiveComplete 2 5");
-    EXPECT_EQ(after(Status::positiveComplete(), 3, full), "positiveComplete 3 4");
-    EXPECT_EQ(after(Status::positiveMiss(), 0, full), "positiveComplete 2 5");
-  }
-  for (const T partial : {T::completedManuallyPartial, T::completedAutomaticallyPartial}) {
-    EXPECT_EQ(after(open, 0, partial), "positiveIncomplete 1 4");
-    EXPECT_EQ(after(open, 1, partial), "positiveComplete 2 5");
-    EXPECT_EQ(after(Status::positiveMiss(), 0, partial), "positiveMiss 1 4");
-    EXPECT_EQ(after(Status::positiveMiss(), 1, partial), "positiveComplete 2 5");
-    EXPECT_EQ(after(Status::positiveSkip(), 2, partial), "positiveSkip 2 4") << "reached before: nothing changes";
-    EXPECT_EQ(after(Status::positiveComplete(), 1, partial), "positiveComplete 2 4");
-  }
-  for (const T skip : {T::skippedManuallyFull, T::skippedAutomaticallyFull})
-    EXPECT_EQ(after(Status::positiveComplete(), 2, skip), "positiveSkip 2 4");
-  for (const T miss : {T::missedManuallyFull, T::missedAutomaticallyFull})
-    EXPECT_EQ(after(Status::positiveComplete(), 2, miss), "positiveMiss 2 0");
+  const std::string unchanged = "Incomplete 1 4, Complete 1 4, Miss 1 4, Skip 1 4";
+  expectTable({everyStatus[0], Status::positiveComplete(), Status::positiveMiss(), Status::positiveSkip()},
+              {{completions, 1, "Complete 2 5, Complete 2 4, Complete 2 5, Complete 2 5"},
+               {completions, 3, "Complete 3 5, Complete 3 4, Complete 3 5, Complete 3 5"},
+               {partialCompletions, 0, "Incomplete 1 4, Complete 1 4, Miss 1 4, Skip 1 4"},
+               {partialCompletions, 1, "Complete 2 5, Complete 2 4, Complete 2 5, Complete 2 5"},
+               // Reached before: nothing changes.
+               {partialCompletions, 2, "Incomplete 2 4, Complete 2 4, Miss 2 4, Skip 2 4"},
+               {skips, 1, "Skip 1 4, Skip 1 4, Skip 1 4, Skip 1 4"},
+               {misses, 2, "Miss 2 0, Miss 2 0, Miss 2 0, Miss 2 0"},
+               {allowedMisses, 1, unchanged},
+               {partialMisses, 1, unchanged},
+               {runs, 1, unchanged}});
 }
 
 TEST(EntryTables, OfATaskToAvoid) {
   const Status clean = Status::negativeComplete(SkipMode::willSkipWithIndicator);
-  for (const T full : {T::completedManuallyFull, T::completedAutomaticallyFull}) {
-    EXPECT_EQ(after(clean, 1, full), "negativeComplete 1 4") << "a clean period stays as it is";
-    EXPECT_EQ(after(Status::negativeMiss(), 2, full), "negativeComplete 0 5");
-    EXPECT_EQ(after(Status::negativeAllowedMiss(), 2, full), "negativeComplete 0 5");
-  }
-  const CompletionStatus missed{Status::negativeMiss(), progressByHand({}, 1, 1)};
-  EXPECT_EQ(missed.applyEntryType({}, T::completedManuallyFull).completionStatus.status.skipMode(),
-            SkipMode::willMissWithoutIndicator);
-  for (const T allowed : {T::allowableMissManuallyFull, T::allowableMissAutomaticallyFull})
-    EXPECT_EQ(after(Status::negativeMiss(), 0, allowed), "negativeAllowedMiss 2 4");
-  for (const T miss : {T::missedManuallyFull, T::missedAutomaticallyFull})
-    EXPECT_EQ(after(clean, 0, miss), "negativeMiss 2 0");
-  for (const T partial : {T::missedManuallyPartial, T::missedAutomaticallyPartial}) {
-    EXPECT_EQ(after(clean, 0, partial), "negativeComplete 1 4");
-    EXPECT_EQ(after(clean, 1, partial), "negativeMiss 2 0");
-    EXPECT_EQ(after(Status::negativeAllowedMiss(), 2, partial), "negativeAllowedMiss 3 4");
-  }
+  const std::string unchanged = "Complete 1 4, Miss 1 4, AllowedMiss 1 4";
+  expectTable({clean, Status::negativeMiss(), Status::negativeAllowedMiss()},
+              {{completions, 1, "Complete 1 4, Complete 0 5, Complete 0 5"},
+               {allowedMisses, 0, "AllowedMiss 2 4, AllowedMiss 2 4, AllowedMiss 2 4"},
+               {misses, 0, "Miss 2 0, Miss 2 0, Miss 2 0"},
+               {partialMisses, 0, "Complete 1 4, Miss 1 4, AllowedMiss 1 4"},
+               {partialMisses, 1, "Miss 2 0, Miss 2 0, Miss 2 0"},
+               // Reached before: only the progress takes it.
+               {partialMisses, 2, "Complete 3 4, Miss 3 4, AllowedMiss 3 4"},
+               {partialCompletions, 1, unchanged},
+               {skips, 1, unchanged},
+               {runs, 1, unchanged}});
+  const auto modeAfterCompletion = [](Status status) {
+    return CompletionStatus{status, byHand({}, 1, 1)}
+        .applyEntryType({}, T::completedManuallyFull)
+        .completionStatus.status.skipMode();
+  };
+  EXPECT_EQ(modeAfterCompletion(Status::negativeMiss()), SkipMode::willMissWithoutIndicator);
+  EXPECT_EQ(modeAfterCompletion(clean), SkipMode::willSkipWithIndicator) << "a clean period stays as it is";
 }
 
 RC_GTEST_PROP(EntryTables, StayInTheirFamilyAndLeaveWhatTheyDoNotName, ()) {
   const Status status = *rc::gen::elementOf(everyStatus);
   const T type = *rc::gen::map(rc::gen::inRange<std::size_t>(0, 16),
                                [](std::size_t i) { return RawValueTable<T>::rows[i].value; });
-  const CompletionStatus before{status, progressByHand({}, *rc::gen::inRange(1, 4), *rc::gen::inRange(0, 5))};
+  const CompletionStatus before{status, byHand({}, *rc::gen::inRange(1, 4), *rc::gen::inRange(0, 5))};
   const StreakStatus streak{.current = *rc::gen::inRange(0, 9), .best = 8};
   const auto result = before.applyEntryType(streak, type);
   RC_ASSERT(result.completionStatus.isNegative() == before.isNegative());
@@ -144,6 +181,79 @@ RC_GTEST_PROP(EntryTables, StayInTheirFamilyAndLeaveWhatTheyDoNotName, ()) {
   if (!named) RC_ASSERT(result == (StreakedCompletionStatus{before, streak}));
 }
 
+/// The status, the share of the progress and the streak after each of so many taps, the task's streak being 4 before.
+std::string taps(CompletionStatus status, bool isPartial, const CompletionStatus::TapRules& rules, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) {
+    const auto after = status.next({.current = 4, .best = 9}, isPartial, rules);
+    status = after.completionStatus;
+    result += (i == 0 ? "" : ", ") + std::string(caseName(status.status.kind())).substr(8) + " " +
+              std::to_string(displayedPercentage(status.codableProgress.progressShare())) + " " +
+              std::to_string(after.streak.current);
+  }
+  return result;
+}
+
+TEST(Taps, LeadThroughTheStatusesWithEveryMeasure) {
+  const auto open = [](Measured kind, std::int64_t expected) {
+    return CompletionStatus::unchecked(progressRecord({kind, 3600}, {}, expected));
+  };
+  const auto clean = [](Measured kind, std::int64_t expected) {
+    return CompletionStatus{Status::negativeComplete(SkipMode::willMissWithoutIndicator),
+                            progressRecord({kind, 3600}, {}, expected)};
+  };
+  for (const Measured kind : {Measured::byHand, Measured::quantity, Measured::timed}) {
+    EXPECT_EQ(taps(open(kind, 3), true, {}, 5),
+              "Incomplete 33 4, Incomplete 66 4, Complete 100 5, Skip 0 4, Incomplete 0 4");
+    EXPECT_EQ(taps(open(kind, 3), false, {}, 3), "Complete 100 5, Skip 0 4, Incomplete 0 4");
+    EXPECT_EQ(taps(clean(kind, 3), true, {}, 4), "Complete 33 4, Complete 66 4, Miss 100 0, Complete 0 4");
+    EXPECT_EQ(taps(clean(kind, 3), true, {.missIsAllowed = true}, 3),
+              "Complete 33 4, Complete 66 4, AllowedMiss 100 4");
+  }
+  EXPECT_EQ(taps(open(Measured::rings, 1), true, {}, 2), "Complete 100 5, Skip 0 4");
+  EXPECT_EQ(taps({Status::positiveMiss(), byHand({}, 3, 1)}, true, {}, 1), "Complete 100 5");
+  // Timed to the end, without an entry that says so: one unit more would change nothing.
+  CompletionStatus timed = open(Measured::timed, 3);
+  std::get<TaskProgressTimer>(timed.codableProgress.base).addDuration(3600);
+  EXPECT_EQ(nextEntryType(timed, true, false), T::completedManuallyFull);
+  // Nothing to come to: parts are added for ever, a whole one completes.
+  const CompletionStatus aimless = CompletionStatus::unchecked(progressRecord({Measured::quantity, 0}, {}, 2));
+  EXPECT_EQ(taps(aimless, true, {}, 3), "Incomplete 0 4, Incomplete 0 4, Incomplete 0 4");
+  EXPECT_EQ(taps(aimless, false, {}, 1), "Complete 0 5");
+}
+
+TEST(Taps, APendingTimerDecidesOnlyWhereItFillsTheTarget) {
+  const auto after = [](Status status, double seconds, CompletionStatus::TapRules rules = {}) {
+    // Two runs of 20 minutes, of which one is made.
+    const auto progress = progressRecord({Measured::timed, 2400}, {}, 2, {.numUnits = 1, .secondsTimed = 60});
+    const auto result = CompletionStatus{status, progress}.next({.current = 4, .best = 9}, seconds, rules);
+    const auto& timer = std::get<TaskProgressTimer>(result.completionStatus.codableProgress.base);
+    return std::string(caseName(result.completionStatus.status.kind())) + " " + std::to_string(timer.numCompletions) +
+           " " + std::to_string(std::lround(timer.currentCompletionDuration)) + " " +
+           std::to_string(result.streak.current);
+  };
+  const Status open = everyStatus[0];
+  const Status clean = Status::negativeComplete(SkipMode::willSkipWithIndicator);
+  EXPECT_EQ(after(open, 1139), "positiveIncomplete 1 1199 4");
+  EXPECT_EQ(after(open, 1140), "positiveComplete 1 1200 5");
+  EXPECT_EQ(after(Status::positiveSkip(), 100), "positiveSkip 1 160 4");
+  EXPECT_EQ(after(Status::positiveSkip(), 1200), "positiveComplete 1 1260 5");
+  EXPECT_EQ(after(Status::positiveMiss(), 100), "positiveMiss 1 160 0") << "the period still counts as a miss";
+  EXPECT_EQ(after(Status::positiveMiss(), 1200), "positiveComplete 1 1260 5");
+  EXPECT_EQ(after(Status::positiveComplete(), 1200), "positiveComplete 1 1260 5") << "and is not skipped as by a tap";
+  EXPECT_EQ(after(clean, 100), "negativeComplete 1 160 4");
+  EXPECT_EQ(after(clean, 1200), "negativeMiss 1 1260 0");
+  EXPECT_EQ(after(clean, 1200, {.missIsAllowed = true}), "negativeAllowedMiss 1 1260 4");
+  EXPECT_EQ(after(Status::negativeMiss(), 1200), "negativeMiss 1 1260 0") << "and is not clean again as by a tap";
+  EXPECT_EQ(after(Status::negativeAllowedMiss(), 1200), "negativeAllowedMiss 1 1260 4");
+  for (const double none : {0.0, -100.0, std::numeric_limits<double>::quiet_NaN()})
+    EXPECT_EQ(after(open, none), "positiveIncomplete 1 60 4");
+  // A task that is not timed has nothing to add it to.
+  const CompletionStatus byHandOpen{open, byHand({}, 1)};
+  EXPECT_EQ(byHandOpen.next({.current = 4, .best = 9}, 1e6),
+            (StreakedCompletionStatus{byHandOpen, {.current = 4, .best = 9}}));
+}
+
 DatedPeriod someWeek() {
   return DatedPeriod(qz::YYYYMMDD(2024, 12, 31), TaskFrequencyPeriodType::week, qz::DayOfWeek::monday);
 }
@@ -152,19 +262,18 @@ TEST(CodedForms, OfStatusesAndProgress) {
   for (const Status& status : everyStatus) {
     for (const std::int64_t expected : {1, 3}) {
       // More than needed is kept as it is.
-      const CompletionStatus value{status, progressByHand(someWeek(), expected, 5)};
+      const CompletionStatus value{status, byHand(someWeek(), expected, 5)};
       EXPECT_EQ(nlohmann::json(value).get<CompletionStatus>(), value);
     }
   }
-  const CompletionStatus open{everyStatus[0], progressByHand(someWeek(), 3, 1)};
+  const CompletionStatus open{everyStatus[0], byHand(someWeek(), 3, 1)};
   EXPECT_EQ(nlohmann::json(open), nlohmann::json::parse(R"({
       "status": {"positiveIncomplete": {"_0": "mwi"}},
       "codableProgress": {"type": "discrete", "base": {
           "expectedCompletions": 3, "numCompletions": 1,
           "period": {"date": 20241231, "period": {
               "periodType": "w", "startDate": 20241230, "finishDate": 20250105, "firstDayOfWeek": 1}}}}})"));
-  EXPECT_EQ(nlohmann::json(CompletionStatus::completed(progressByHand({}, 1)))["status"].dump(),
-            R"({"positiveComplete":{}})");
+  EXPECT_EQ(nlohmann::json(CompletionStatus::completed(byHand({}, 1)))["status"].dump(), R"({"positiveComplete":{}})");
   const StreakStatus streak{.current = 1, .best = 2};
   EXPECT_EQ(nlohmann::json(streak).dump(), R"({"best":2,"current":1})");
   EXPECT_EQ(nlohmann::json(streak).get<StreakStatus>(), streak);
@@ -174,7 +283,7 @@ TEST(CodedForms, OfStatusesAndProgress) {
 }
 
 TEST(CodedForms, RefuseWhatTheyDoNotKnow) {
-  const CompletionStatus open{everyStatus[0], progressByHand(someWeek(), 1)};
+  const CompletionStatus open{everyStatus[0], byHand(someWeek(), 1)};
   for (const char* const type : {"ring", "timers", ""}) {
     nlohmann::json json = open;
     json["codableProgress"]["type"] = type;
@@ -216,14 +325,14 @@ TEST(CodedForms, RefuseValuesOfTheWrongKindAndMissingKeysByName) {
   const std::vector<nlohmann::json> noShares{true, "0.5"};
   for (const char* const place : {"/current", "/best"}) expectRefusedByName(StreakStatus(), place, noCounts);
   for (const char* const place : {"/base/expectedCompletions", "/base/numCompletions"})
-    expectRefusedByName(progressByHand(someWeek(), 3), place, noCounts);
+    expectRefusedByName(byHand(someWeek(), 3), place, noCounts);
   for (const char* const place : {"/base/progressPct", "/base/currentCompletionProgressPct"})
-    expectRefusedByName(progressByHand(someWeek(), 1), place, noShares);
+    expectRefusedByName(byHand(someWeek(), 1), place, noShares);
   for (const char* const place :
        {"/type", "/base", "/base/period", "/base/period/date", "/base/period/period", "/base/period/period/periodType",
         "/base/period/period/startDate", "/base/period/period/finishDate", "/base/period/period/firstDayOfWeek"})
-    expectRefusedByName(progressByHand(someWeek(), 1), place, {});
-  const CompletionStatus open{everyStatus[0], progressByHand(someWeek(), 1)};
+    expectRefusedByName(byHand(someWeek(), 1), place, {});
+  const CompletionStatus open{everyStatus[0], byHand(someWeek(), 1)};
   for (const char* const place : {"/status", "/status/positiveIncomplete/_0", "/codableProgress"})
     expectRefusedByName(open, place, {});
   for (const char* const place : {"/type", "/from", "/to", "/date"})

@@ -22,6 +22,9 @@ namespace {
 
 double shareOf(double part, double whole) { return whole > 0.0 ? nearestFinite(part / whole) : 0.0; }
 
+/// How many parts make the target.
+std::int64_t numParts(std::int64_t expectedCompletions) { return std::max(expectedCompletions, std::int64_t{1}); }
+
 /// Later days would not surely begin and end within the range of a Moment.
 constexpr std::int64_t lastYearOfDateRanges = 200'000;
 
@@ -29,7 +32,7 @@ constexpr std::int64_t lastYearOfDateRanges = 200'000;
 
 double amountOfUnits(std::int64_t numUnits, double target, std::int64_t expectedCompletions) {
   if (!(target > 0.0)) return 0.0;
-  const std::int64_t expected = std::max(expectedCompletions, std::int64_t{1});
+  const std::int64_t expected = numParts(expectedCompletions);
   if (numUnits % expected == 0) return nearestFinite(static_cast<double>(numUnits / expected) * target);
   // Multiplied first, since whole amounts then come out whole; unless that is too large.
   const double units = static_cast<double>(numUnits);
@@ -106,15 +109,15 @@ double TaskProgressTimer::progressShare() const {
   const double one = amountOfUnits(1, totalTargetDuration, expectedCompletions);
   const double made = amountOfUnits(numCompletions, totalTargetDuration, expectedCompletions);
   const double share = shareOf(made + currentCompletionDuration, totalTargetDuration);
-  if (currentCompletionDuration < one) return share;
+  if (one <= 0.0 || currentCompletionDuration < one) return share;
   // The sum can round below a target that whole completions reach exactly.
   const double completions = static_cast<double>(numCompletions) + shareOf(currentCompletionDuration, one);
-  return std::max(share, shareOf(completions, static_cast<double>(std::max(expectedCompletions, std::int64_t{1}))));
+  return std::max(share, shareOf(completions, static_cast<double>(numParts(expectedCompletions))));
 }
 
 void TaskProgressTimer::fill() {
   if (progressShare() >= 1.0) return;
-  numCompletions = std::max(numCompletions, expectedCompletions);
+  numCompletions = std::max(numCompletions, numParts(expectedCompletions));
   currentCompletionDuration = 0.0;
 }
 
@@ -122,7 +125,7 @@ void TaskProgressTimer::addUnit() {
   const bool wasReached = progressShare() >= 1.0;
   numCompletions = qz::checkedAdd(numCompletions, std::int64_t{1});
   currentCompletionDuration = 0.0;
-  if (wasReached) numCompletions = std::max(numCompletions, expectedCompletions);
+  if (wasReached) numCompletions = std::max(numCompletions, numParts(expectedCompletions));
 }
 
 void TaskProgressTimer::empty() {
@@ -176,15 +179,6 @@ void TaskProgressCodable::addUnit() {
 
 void TaskProgressCodable::empty() {
   std::visit([](auto& record) { record.empty(); }, base);
-}
-
-TaskProgressCodable progressByHand(const DatedPeriod& period, std::int64_t expectedUnits, std::int64_t numUnits) {
-  if (expectedUnits > 1) {
-    return {TaskProgressDiscrete{.period = period, .expectedCompletions = expectedUnits, .numCompletions = numUnits}};
-  }
-  const double share = static_cast<double>(numUnits);
-  return {
-      TaskProgressSimple{.period = period, .progressPct = share, .currentCompletionProgressPct = std::min(share, 1.0)}};
 }
 
 void to_json(nlohmann::json& json, const TaskProgressSimple& progress) {

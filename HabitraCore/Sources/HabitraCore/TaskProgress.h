@@ -203,11 +203,6 @@ struct TaskProgressCodable {
   friend bool operator==(const TaskProgressCodable&, const TaskProgressCodable&) = default;
 };
 
-/// The record that a task completed by hand uses: discrete where its period needs more than one partial entry, simple
-/// where it needs one; with `numUnits` entries made so far.
-[[nodiscard]] TaskProgressCodable progressByHand(const DatedPeriod& period, std::int64_t expectedUnits,
-                                                 std::int64_t numUnits = 0);
-
 void to_json(nlohmann::json& json, const TaskProgressSimple& progress);
 void from_json(const nlohmann::json& json, TaskProgressSimple& progress);
 void to_json(nlohmann::json& json, const TaskProgressDiscrete& progress);
