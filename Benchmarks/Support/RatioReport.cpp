@@ -20,23 +20,7 @@ class RatioReport : public benchmark::ConsoleReporter {
     }
   }
 
-  /// Prints the table; whether every bound held.
-  [[nodiscard]] bool print(const std::vector<Ratio>& ratios) const {
-    bool holds = true;
-    std::printf("\n%-46s %11s %11s %7s %7s\n", "figure (ns an item, medians)", "ours", "yardstick", "ratio", "bound");
-    for (const Ratio& ratio : ratios) {
-      const std::optional<double> ours = median(ratio.ours);
-      const std::optional<double> yardstick = median(ratio.yardstick);
-      if (!ours || !yardstick) continue;  // filtered out of this run
-      const bool ok = *ours / *yardstick <= ratio.bound;
-      holds = holds && ok;
-      std::printf("%-46s %11.2f %11.2f %7.3f %7.3f  %s\n", ratio.figure.c_str(), *ours, *yardstick, *ours / *yardstick,
-                  ratio.bound, ok ? "holds" : "BROKEN");
-    }
-    return holds;
-  }
-
- private:
+  /// Of all repetitions; none of a benchmark that was filtered out.
   [[nodiscard]] std::optional<double> median(const std::string& name) const {
     const auto found = nanoseconds_.find(name);
     if (found == nanoseconds_.end()) return std::nullopt;
@@ -45,10 +29,27 @@ class RatioReport : public benchmark::ConsoleReporter {
     return times[times.size() / 2];
   }
 
+ private:
   std::map<std::string, std::vector<double>> nanoseconds_;  // per item, by benchmark
 };
 
 }  // namespace
+
+bool printRatios(const std::string& heading, const std::vector<Ratio>& ratios,
+                 const std::function<std::optional<double>(const std::string& name)>& valueOf) {
+  bool holds = true;
+  std::printf("\n%-46s %11s %11s %7s %7s\n", heading.c_str(), "ours", "yardstick", "ratio", "bound");
+  for (const Ratio& ratio : ratios) {
+    const std::optional<double> ours = valueOf(ratio.ours);
+    const std::optional<double> yardstick = valueOf(ratio.yardstick);
+    if (!ours || !yardstick) continue;
+    const bool ok = *ours / *yardstick <= ratio.bound;
+    holds = holds && ok;
+    std::printf("%-46s %11.2f %11.2f %7.3f %7.3f  %s\n", ratio.figure.c_str(), *ours, *yardstick, *ours / *yardstick,
+                ratio.bound, ok ? "holds" : "BROKEN");
+  }
+  return holds;
+}
 
 int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios) {
   // What is given on the command line comes later and wins.
@@ -62,7 +63,9 @@ int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios) {
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
   RatioReport report;
   benchmark::RunSpecifiedBenchmarks(&report);
-  return report.print(ratios) ? 0 : 1;
+  const bool holds =
+      printRatios("figure (ns an item, medians)", ratios, [&](const std::string& name) { return report.median(name); });
+  return holds ? 0 : 1;
 }
 
 }  // namespace habitra::benchmarks

@@ -2,6 +2,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,11 @@ struct Ratio {
   std::string yardstick;
   double bound;
 };
+
+/// Prints the table of ratios under a heading such as "figure (ns an item, medians)"; whether every bound held. A ratio
+/// of which `valueOf` does not know a side is left out.
+[[nodiscard]] bool printRatios(const std::string& heading, const std::vector<Ratio>& ratios,
+                               const std::function<std::optional<double>(const std::string& name)>& valueOf);
 
 /// The main function of a benchmark program: runs what the command line of Google Benchmark asks for, by default all,
 /// then prints the table of ratios whose two sides were run. 0 when every bound held, 1 when one is broken, 2 when the
