@@ -33,12 +33,14 @@ void MadeProgress::addMeasuredUnit() {
   if (reported_) {
     made_.amount = reported_;
   } else if (made_.amount) {
-    made_.amount = *made_.amount + target_ / static_cast<double>(expectedUnits_);
+    made_.amount = amountAfterUnit(*made_.amount, target_, expectedUnits_);
   } else {
     made_.numUnits = qz::checkedAdd(made_.numUnits, std::int64_t{1});
   }
 }
 
+/// Timed runs do not count here: an entry of a run changes no status, and the completion that it leads to is an entry
+/// of its own, which must not find the target reached already.
 bool MadeProgress::isTargetReached() const {
   if (target_ <= 0) return false;
   return made_.amount ? *made_.amount >= target_ : made_.numUnits >= expectedUnits_;
