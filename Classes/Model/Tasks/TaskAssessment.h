@@ -20,7 +20,7 @@ struct TaskAssessment {
   /// Entries to delete: dated after today, and not recorded in time by somebody who since flew west. None while the
   /// clock is behind what the store has seen: such entries count for nothing, but may be right when it has caught up.
   std::vector<LogKey> futureEntries;
-  /// None when the frequency cannot be read, or is one that the walk does not judge: the task is shown and left alone.
+  /// None when the frequency cannot be read or cannot be: the task is shown and left alone.
   std::optional<TaskRules> rules;
   std::optional<HistoryResult> history;  ///< present when `rules` are
   /// Whether the walk could not start from a kept checkpoint, or only from one that lies far back, so that keeping the
