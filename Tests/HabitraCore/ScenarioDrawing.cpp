@@ -213,7 +213,7 @@ class Drawing {
       for (; line != scenario_.lines.end() && line->from <= rows_[row].to; ++line) write(line->remarks);
       std::string text;
       for (std::size_t i = 0; i < widths.size(); ++i) {
-        if (widths[i] == 0) continue;
+        if (i + 1 == widths.size() && widths[i] == 0) continue;  // most rules count nothing
         text += (i == 0 ? "" : " | ") + table[row][i] + std::string(widths[i] - table[row][i].size(), ' ');
       }
       text_ += text.substr(0, text.find_last_not_of(' ') + 1) + "\n";

@@ -71,6 +71,9 @@ TEST(ScenarioFiles, DrawEqualDaysInOneLineAndKeepRemarks) {
       "last: completed 2024-01-02, missed never, skipped 2024-01-07\n"
       "shares: 7 days 1 of 1, 30 days 2 of 2\n";
   EXPECT_EQ(Scenario::read(text).drawn(), text);
+
+  const std::string empty = Scenario::read("due: mon\nsign: to do\ncreated: 2024-01-01\ntoday: 2024-01-01\n").drawn();
+  EXPECT_EQ(Scenario::read(empty).drawn(), empty) << "without an entry";
 }
 
 }  // namespace
