@@ -8,8 +8,8 @@
 
 namespace habitra {
 
-/// The rules once more, from their words and with no thought of speed: every period looks through the whole log. One
-/// line of text per period, and one for the figures.
+/// The rules once more, from their words and with no thought of speed: every day looks through the whole log and all
+/// the periods before it. One line of text per period, and one for the figures.
 [[nodiscard]] std::vector<std::string> naiveHistory(const TaskRules& rules, const HistoryScope& scope,
                                                     std::span<const LoggedEntry> log);
 
