@@ -27,12 +27,12 @@ class DayCursor {
 
   void next() {
     if (d_ == numberOfDays_) [[unlikely]] {
-      moveTo(date().nextDay());
-      return;
+      beginNextMonth();
+    } else {
+      ++day_;
+      ++d_;
     }
-    ++day_;
     ++number_;
-    ++d_;
     dayOfWeek_ = dayOfWeek_ == qz::DayOfWeek::saturday ? qz::DayOfWeek::sunday
                                                        : static_cast<qz::DayOfWeek::Case>(dayOfWeek_.rawValue() + 1);
   }
@@ -43,7 +43,7 @@ class DayCursor {
     day_ += withinMonth;
     number_ += withinMonth;
     d_ += withinMonth;
-    dayOfWeek_ = static_cast<qz::DayOfWeek::Case>((dayOfWeek_.rawValue() + withinMonth) % 7);
+    dayOfWeek_ = static_cast<qz::DayOfWeek::Case>(static_cast<std::uint32_t>(dayOfWeek_.rawValue() + withinMonth) % 7);
     next();
   }
 
@@ -57,6 +57,18 @@ class DayCursor {
   [[nodiscard]] qz::DayOfWeek dayOfWeek() const { return dayOfWeek_; }
 
  private:
+  void beginNextMonth() {
+    std::int32_t y = day_ / 10'000;
+    std::int32_t m = day_ / 100 % 100 + 1;
+    if (m > 12) {
+      m = 1;
+      y = qz::checkedAdd(y, std::int32_t{1});
+    }
+    day_ = qz::checkedAdd(qz::checkedMultiply(y, std::int32_t{10'000}), m * 100 + 1);
+    d_ = 1;
+    numberOfDays_ = static_cast<std::int32_t>(qz::day_number::lengthOfMonth(y, m));
+  }
+
   std::int32_t day_ = 0;
   std::int32_t number_ = 0;
   std::int32_t d_ = 0;

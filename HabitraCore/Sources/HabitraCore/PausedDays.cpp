@@ -37,7 +37,8 @@ PausedDays::PausedDays(std::span<const TaskPause> pauses) {
 
 std::int32_t PausedDays::count(std::int32_t first, std::int32_t last) const {
   std::int32_t days = 0;
-  for (const Span& span : spans_) days += std::max(0, std::min(span.last, last) - std::max(span.first, first) + 1);
+  auto span = std::ranges::lower_bound(spans_, first, {}, &Span::last);
+  for (; span->first <= last; ++span) days += std::min(span->last, last) - std::max(span->first, first) + 1;
   return days;
 }
 

@@ -24,7 +24,7 @@ class PausedDays {
   /// The first paused day that is not before the day last asked for by contains(); a day beyond all when there is none.
   [[nodiscard]] std::int32_t nextFirst() const { return spans_[next_].first; }
 
-  /// How many of the days from `first` to `last` are paused. In any order.
+  /// How many of the days from `first` to `last` are paused. REQUIRES: `last` is no end of time. In any order.
   [[nodiscard]] std::int32_t count(std::int32_t first, std::int32_t last) const;
 
  private:

@@ -124,7 +124,7 @@ inline constexpr TaskLogEntryTypes allAllowableMissTypes{TaskLogEntryType::allow
 }
 [[nodiscard]] constexpr bool isMissedFullOrPartial(TaskLogEntryType type) { return allMissedTypes.contains(type); }
 [[nodiscard]] constexpr bool isCompletedFull(TaskLogEntryType type) {
-  return isCompletedFullOrPartial(type) && isFull(type);
+  return type == TaskLogEntryType::completedManuallyFull || type == TaskLogEntryType::completedAutomaticallyFull;
 }
 [[nodiscard]] constexpr bool isMissedFull(TaskLogEntryType type) { return isMissedFullOrPartial(type) && isFull(type); }
 [[nodiscard]] constexpr bool isCompletedPartial(TaskLogEntryType type) {
