@@ -73,14 +73,18 @@ bool HistoryWalk::canResume(const HistoryCheckpoint& checkpoint) const {
 }
 
 HistoryResult HistoryWalk::walk(std::span<const LoggedEntry> entries, const PeriodVisitor& visit) const {
-  const LoggedEntries log(entries, rules_, intForm(scope_.today));
+  const LoggedEntries log(entries, rules_,
+                          {.created = intForm(std::min(scope_.created, scope_.today)), .today = intForm(scope_.today)});
   return Walker(rules_, scope_, log.inOrder(), visit).run();
 }
 
 HistoryResult HistoryWalk::resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
                                   const PeriodVisitor& visit) const {
   qz::require(canResume(checkpoint), "a walk is resumed from a checkpoint of other rules or days");
-  const LoggedEntries log(entries, rules_, intForm(scope_.today));
+  const LoggedEntries log(entries, rules_,
+                          {.created = intForm(std::min(scope_.created, scope_.today)),
+                           .today = intForm(scope_.today),
+                           .closedThrough = checkpoint.closedThrough});
   const auto isClosed = [&](const LoggedEntry& entry) { return entry.periodFrom <= checkpoint.closedThrough; };
   const auto first = std::ranges::partition_point(log.inOrder(), isClosed);
   Walker walker(rules_, scope_, {first, log.inOrder().end()}, visit);

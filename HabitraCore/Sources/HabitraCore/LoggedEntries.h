@@ -10,13 +10,23 @@
 /// For sources of this module.
 namespace habitra {
 
-/// A log in the order in which a walk meets it: by first day of the period, of two periods that begin together the
-/// longer first, entries of a period in order of creation. A log of day periods lies in the store that way already and
-/// is used where it is; any other is copied and put in order once.
+/// A log in the order in which a walk meets it: by first day of the period, entries of a period in order of creation.
+/// Those of a period that overlaps an earlier one (of two that begin together the longer) have that one's period. A log
+/// of day periods lies in the store that way already and is used where it is; any other is copied and put in order
+/// once.
 class LoggedEntries {
  public:
-  /// Entries after `today` are left out unless they are ahead; those without a usable period get that of their day.
-  LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, std::int32_t today);
+  /// Days in integer form.
+  struct Days {
+    std::int32_t created = 0;  ///< first day of the history
+    std::int32_t today = 0;
+    std::int32_t closedThrough = 0;  ///< where the walk goes on from; 0: from the beginning
+  };
+
+  /// Left out are entries after `today` and those of a day that the calendar does not have; those without a usable
+  /// period get that of their day. Periods that ended before `created`, or begin up to `closedThrough`, may be left
+  /// out, and take no other's entries.
+  LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, const Days& days);
 
   LoggedEntries(const LoggedEntries&) = delete;
   LoggedEntries& operator=(const LoggedEntries&) = delete;
