@@ -52,7 +52,8 @@
 ///
 /// Fifth, of rules that look back: what they had counted on the morning of the day, for several days that of the first
 /// and of the last. Counted days, to do: completed days before + days to come, against the days required; to avoid:
-/// what was left of the allowance. Intervals: the day they count from + the days since.
+/// the allowance that was left/the whole. Intervals: the day they count from + the days since. To avoid, `room` says
+/// that a failure of the day is an allowed miss.
 namespace habitra {
 
 struct Scenario {

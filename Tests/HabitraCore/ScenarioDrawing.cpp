@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 #include <set>
+#include <stdexcept>
 
 namespace habitra {
 
@@ -72,8 +73,7 @@ std::string countText(const PeriodReason& reason) {
     return std::to_string(*reason.completed) + "+" + std::to_string(*reason.stillPossible) +
            (reachable >= *reason.required ? " >= " : " < ") + std::to_string(*reason.required);
   }
-  if (reason.allowance)
-    return std::to_string(*reason.allowanceLeft) + " of " + std::to_string(*reason.allowance) + " left";
+  if (reason.allowance) return std::to_string(*reason.allowanceLeft) + "/" + std::to_string(*reason.allowance);
   if (reason.countedFrom) return reason.countedFrom->debugDescription() + " +" + std::to_string(*reason.daysSince);
   return "";
 }
@@ -100,7 +100,8 @@ std::string entriesText(const WalkedPeriod& walked) {
 
 Row rowOf(const WalkedPeriod& walked, const Scenario::Line* readAs) {
   const PeriodReason reason = walked.reason();
-  const std::string count = countText(reason);
+  const std::string counted = countText(reason);
+  const std::string count = counted + (walked.missIsAllowed ? counted.empty() ? "room" : " room" : "");
   return {.from = walked.from,
           .to = walked.to,
           .type = walked.periodType,
@@ -151,9 +152,10 @@ Columns columnsOf(const Row& row) {
 class Drawing {
  public:
   explicit Drawing(const Scenario& scenario) : scenario_(scenario) {
-    result_ = HistoryWalk(scenario.rules, scenario.scope).walk(scenario.log, [this](const WalkedPeriod& walked) {
-      take(walked);
-    });
+    const HistoryWalk walk(scenario.rules, scenario.scope);
+    figures_ = walk.walk(scenario.log, [this](const WalkedPeriod& walked) { take(walked); }).figures;
+    // Unwatched, the walk may take shorter ways.
+    if (walk.walk(scenario.log).figures != figures_) throw std::runtime_error("the figures depend on being watched");
     takeUnvisited();
   }
 
@@ -163,10 +165,9 @@ class Drawing {
     writeRows();
     write(scenario_.remarks);
     text_ += "\n";
-    const TaskFigures& figures = result_.figures;
-    text_ += "last: completed " + dayText(figures.lastCompleted) + ", missed " + dayText(figures.lastMissed) +
-             ", skipped " + dayText(figures.lastSkipped) + "\n";
-    text_ += "shares: " + shareText(figures.shortTerm) + ", " + shareText(figures.longTerm) + "\n";
+    text_ += "last: completed " + dayText(figures_.lastCompleted) + ", missed " + dayText(figures_.lastMissed) +
+             ", skipped " + dayText(figures_.lastSkipped) + "\n";
+    text_ += "shares: " + shareText(figures_.shortTerm) + ", " + shareText(figures_.longTerm) + "\n";
     return text_;
   }
 
@@ -222,7 +223,7 @@ class Drawing {
   }
 
   const Scenario& scenario_;
-  HistoryResult result_;
+  TaskFigures figures_;
   std::set<std::int64_t> visited_;
   std::vector<Row> rows_;
   std::string text_;
