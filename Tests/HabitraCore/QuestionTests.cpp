@@ -113,6 +113,30 @@ TEST(FollowingEntries, AreRetypedInTheOrderOfTheirDays) {
   EXPECT_TRUE(HistoryWalk(rules, januaryUntil(9)).retypings(log, {2024, 1, 1}).empty());
 }
 
+TEST(FollowingEntries, OfTheOpenPeriodGoOverToANewFrequency) {
+  const TaskRules weekly = rulesOf(Mode::aggregateOverWeek, 3);
+  const TaskRules daily{.frequency = TaskFrequency::everyDay(), .firstDayOfWeek = qz::DayOfWeek::monday};
+  auto log = logOf(weekly, {{5, T::completedManuallyPartial}, {8, T::completedManuallyPartial}, {9, T::unknown}});
+  const auto current = weekly.frequency.period({2024, 1, 10}, qz::DayOfWeek::monday).period;
+  const auto restamped = restampings(current, daily, log);
+  ASSERT_EQ(restamped.size(), 2U) << "the week before stays";
+  EXPECT_EQ(restamped[0].period.finishDate, qz::YYYYMMDD(2024, 1, 8));
+  EXPECT_TRUE(restampings(current, weekly, log).empty());
+
+  // By the day until Tuesday the 9th, then by the week: the week takes the entry of Monday in.
+  log = logOf(daily, {{8, T::completedManuallyPartial}, {9, T::completedManuallyPartial}});
+  const auto today = daily.frequency.period({2024, 1, 9}, qz::DayOfWeek::monday).period;
+  for (const Restamping& restamping : restampings(today, weekly, log)) {
+    LoggedEntry& entry = log[static_cast<std::size_t>(restamping.order)];
+    entry.periodFrom = static_cast<std::int32_t>(restamping.period.startDate.intValue());
+    entry.periodTo = static_cast<std::int32_t>(restamping.period.finishDate.intValue());
+    entry.periodType = restamping.period.periodType;
+  }
+  const TaskFigures figures = HistoryWalk(weekly, januaryUntil(9)).walk(log).figures;
+  EXPECT_EQ(figures.period, current);
+  EXPECT_EQ(figures.progress, 2.0 / 3.0);
+}
+
 TEST(RecentHistories, ShowEveryDayOfTheirSpan) {
   TaskRules rules{.frequency = TaskFrequency::everyDay()};
   const auto log = logOf(rules, {{3, T::completedManuallyFull}, {4, T::skippedManuallyFull}});

@@ -26,4 +26,20 @@ TaskLogEntryType retypedFailure(TaskLogEntryType type, bool missIsAllowed) {
   return isAutomatic(type) ? TaskLogEntryType::missedAutomaticallyFull : TaskLogEntryType::missedManuallyFull;
 }
 
+std::vector<Restamping> restampings(const TaskFrequencyPeriod& current, const TaskRules& newRules,
+                                    std::span<const LoggedEntry> entries) {
+  std::vector<Restamping> restampings;
+  for (const LoggedEntry& entry : entries) {
+    const auto day = qz::YYYYMMDD::fromRawValue(entry.entryDate);
+    if (!day || !day->exists()) continue;
+    const bool countsForCurrent =
+        entry.periodFrom == current.startDate.intValue() && entry.periodTo == current.finishDate.intValue();
+    if (!countsForCurrent) continue;
+    const DatedPeriod dated = newRules.frequency.period(*day, newRules.firstDayOfWeek, newRules.referenceDate);
+    if (dated.period.startDate == current.startDate && dated.period.finishDate == current.finishDate) continue;
+    restampings.push_back({.order = entry.order, .entryDate = entry.entryDate, .period = dated.period});
+  }
+  return restampings;
+}
+
 }  // namespace habitra
