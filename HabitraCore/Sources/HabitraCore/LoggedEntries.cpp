@@ -1,50 +1,50 @@
 #include <HabitraCore/LoggedEntries.h>
+#include <QZDateTime/DayNumber.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <algorithm>
-#include <optional>
 #include <tuple>
 
 namespace habitra {
 
 namespace {
 
-std::optional<qz::YYYYMMDD> existingDay(std::int32_t intValue) {
-  const auto day = qz::YYYYMMDD::fromRawValue(intValue);
-  return day && day->exists() ? day : std::nullopt;
-}
+/// Whether the calendar has the day of an integer form.
+bool exists(std::int32_t day) { return day >= 1 && qz::day_number::exists(day / 10'000, day / 100 % 100, day % 100); }
 
 bool hasUsablePeriod(const LoggedEntry& entry) {
-  return entry.periodFrom <= entry.periodTo && existingDay(entry.periodFrom) && existingDay(entry.periodTo);
+  return entry.periodFrom <= entry.periodTo && exists(entry.periodFrom) && exists(entry.periodTo);
 }
 
-/// Whether the walk can read the entries where they lie: each period after the one before, and no day among them that
-/// the calendar does not have. An entry of a single such day is met by no day and may stay.
+/// Whether an entry may come after another one in a log that the walk reads where it lies: its period is the same and
+/// it was made later, or its period comes after that one. REQUIRES of `before` the same, or that it has no period.
+bool mayFollow(const LoggedEntry& before, const LoggedEntry& entry) {
+  if (entry.periodFrom > before.periodTo) return hasUsablePeriod(entry) && exists(entry.entryDate);
+  return entry.periodFrom != 0 && entry.periodFrom == before.periodFrom && entry.periodTo == before.periodTo &&
+         entry.order >= before.order && (entry.entryDate == entry.periodFrom || exists(entry.entryDate));
+}
+
+/// Whether the walk can read the entries where they lie.
 bool isInOrder(std::span<const LoggedEntry> entries) {
-  std::int32_t from = 0;
-  std::int32_t to = 0;
-  std::int64_t order = 0;
+  const LoggedEntry none;
+  const LoggedEntry* before = &none;
   for (const LoggedEntry& entry : entries) {
-    if (entry.periodFrom > to) [[likely]] {
-      const bool isOfOneDay = entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
-      if (!isOfOneDay && !(hasUsablePeriod(entry) && existingDay(entry.entryDate))) return false;
-    } else if (entry.periodFrom != from || entry.periodTo != to || entry.order < order || from == 0 ||
-               (entry.entryDate != from && !existingDay(entry.entryDate))) {
-      return false;
+    // Nearly all entries count for the one day for which they were made. One that does not exist is met by no day.
+    const bool isOfOneDay = entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
+    if (entry.periodFrom <= before->periodTo || !isOfOneDay) [[unlikely]] {
+      if (!mayFollow(*before, entry)) return false;
     }
-    from = entry.periodFrom;
-    to = entry.periodTo;
-    order = entry.order;
+    before = &entry;
   }
   return true;
 }
 
 /// Gives the entry the period of its day where it has none; false when the calendar does not have its day.
 bool givePeriod(LoggedEntry& entry, const TaskRules& rules) {
-  const auto day = existingDay(entry.entryDate);
-  if (!day) return false;
+  if (!exists(entry.entryDate)) return false;
   if (hasUsablePeriod(entry)) return true;
-  const TaskFrequencyPeriod period = rules.frequency.period(*day, rules.firstDayOfWeek, rules.referenceDate).period;
+  const qz::YYYYMMDD day(entry.entryDate / 10'000, entry.entryDate / 100 % 100, entry.entryDate % 100);
+  const TaskFrequencyPeriod period = rules.frequency.period(day, rules.firstDayOfWeek, rules.referenceDate).period;
   entry.periodFrom = qz::checkedNarrow<std::int32_t>(period.startDate.intValue());
   entry.periodTo = qz::checkedNarrow<std::int32_t>(period.finishDate.intValue());
   entry.periodType = period.periodType;
