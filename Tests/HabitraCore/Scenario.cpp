@@ -39,13 +39,14 @@ void applySettings(Scenario& scenario, Settings settings) {
   rules.firstDayOfWeek = weekday(take("weeks", "sunday"));
   rules.pauses = pauses(take("paused", ""));
   if (settings.contains("reference")) rules.referenceDate = day(take("reference", ""));
-  scenario.scope.created = day(take("created", ""));
   scenario.scope.today = day(take("today", ""));
-  for (const LoggedEntry& entry : scenario.log) {
-    if (marksHistory(entry.entryType))
-      scenario.scope.created = std::min(scenario.scope.created, *qz::YYYYMMDD::fromRawValue(entry.entryDate));
-  }
-  scenario.scope.fillFrom = settings.contains("filled") ? day(take("filled", "")) : scenario.scope.created;
+  const qz::YYYYMMDD creationDay = day(take("created", ""));
+  // The log is in order of days.
+  const auto first = std::ranges::find_if(scenario.log, marksHistory, &LoggedEntry::entryType);
+  const qz::YYYYMMDD logBegins =
+      first == scenario.log.end() ? creationDay : *qz::YYYYMMDD::fromRawValue(first->entryDate);
+  scenario.scope.created = std::min(creationDay, logBegins);
+  scenario.scope.fillFrom = settings.contains("filled") ? day(take("filled", "")) : logBegins;
   if (!settings.empty()) throw std::runtime_error("no setting is called " + settings.begin()->first);
 }
 
@@ -137,11 +138,11 @@ Scenario Scenario::read(const std::string& text) {
       throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
     }
   }
-  applySettings(scenario, settings);
   auto& beforeDays = scenario.lines.empty() ? scenario.remarks : scenario.lines.front().remarks;
   beforeDays.erase(beforeDays.begin(), std::ranges::find_if(beforeDays, std::not_fn(&std::string::empty)));
   while (!scenario.remarks.empty() && scenario.remarks.back().empty()) scenario.remarks.pop_back();
   std::ranges::stable_sort(scenario.log, {}, &LoggedEntry::entryDate);
+  applySettings(scenario, settings);
   return scenario;
 }
 
