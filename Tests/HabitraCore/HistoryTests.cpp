@@ -29,7 +29,7 @@ TEST(Histories, EntriesThatNoDayMeets) {
   EXPECT_EQ(streak({entryOf(20230302, 20230302, 20230302, 0), entryOf(20230231, 20230301, 20230301, 1)}), 1)
       << "a day that the calendar does not have, though its period does";
   EXPECT_EQ(streak({}), 0);
-  // Of overlapping periods the one that begins first stands: the week takes the day's entry in.
+  // A period that lies inside another one, which has begun before, gives its entries to it.
   EXPECT_EQ(streak({entryOf(20230228, 20230228, 20230228, 0), entryOf(20230301, 20230227, 20230302, 1)}), 1);
   // ... and in order of creation, whichever period they came with.
   EXPECT_EQ(streak({entryOf(20230228, 20230228, 20230228, 0, TaskLogEntryType::missedManuallyFull),
@@ -37,20 +37,19 @@ TEST(Histories, EntriesThatNoDayMeets) {
             1);
 }
 
-TEST(Histories, ResumedLeaveOutWhatBeganBeforeTheCheckpoint) {
+TEST(Histories, ResumedTakeThePartOfAPeriodThatIsLeft) {
   const TaskRules rules{.frequency = TaskFrequency::everyDay()};
   const HistoryScope scope{.created = {2024, 1, 1},
                            .today = {2024, 3, 3},
                            .fillFrom = {2024, 3, 2},
                            .checkpointDay = qz::YYYYMMDD(2024, 1, 14)};
-  // The first fortnight ends at the checkpoint; the second one overlaps it and its entry, of a later day, counts for
-  // it.
+  // The first fortnight ends at the checkpoint; the second one, which overlaps it, keeps the days after.
   const std::vector<LoggedEntry> log{entryOf(20240102, 20240101, 20240114, 0),
                                      entryOf(20240118, 20240110, 20240123, 1)};
   const HistoryWalk walk(rules, scope);
   const HistoryResult whole = walk.walk(log);
   EXPECT_EQ(whole.checkpoint.value().closedThrough, 20240114);
-  EXPECT_EQ(whole.figures.streak.best, 1);
+  EXPECT_EQ(whole.figures.streak.best, 2);
   EXPECT_EQ(walk.resume(*whole.checkpoint, std::span(log).last(1)).figures, whole.figures);
 }
 

@@ -10,8 +10,6 @@ namespace {
 using T = TaskLogEntryType;
 using Kind = NaivePeriod::Kind;
 
-bool isMissedPartial(T type) { return isMissedFullOrPartial(type) && isPartial(type); }
-
 }  // namespace
 
 NaiveHistory::NaiveHistory(const TaskRules& rules, const HistoryScope& scope, std::span<const LoggedEntry> log)

@@ -16,6 +16,7 @@ std::optional<qz::YYYYMMDD> realDay(std::int32_t integer) {
 NaivePeriod calendarPeriod(const TaskRules& rules, const qz::YYYYMMDD& day) {
   const TaskFrequencyPeriodType type = rules.frequency.measurementDuration();
   NaivePeriod period;
+  period.type = type;
   period.from = firstDate(type, day, rules.firstDayOfWeek, rules.referenceDate);
   period.to = lastDate(type, day, rules.firstDayOfWeek, rules.referenceDate);
   return period;
@@ -32,6 +33,7 @@ std::optional<NaivePeriod> periodOf(const LoggedEntry& entry, const TaskRules& r
   if (from && to && *from <= *to) {
     period.from = *from;
     period.to = *to;
+    period.type = entry.periodType;
   } else {
     period = calendarPeriod(rules, *day);
   }
@@ -39,37 +41,49 @@ std::optional<NaivePeriod> periodOf(const LoggedEntry& entry, const TaskRules& r
   return period;
 }
 
-/// The stored periods, but not those that ended before the history began. Of such that overlap the one that begins
-/// first stands, of two that begin together the longer; the entries of the others count for it.
-std::vector<NaivePeriod> standingPeriods(const TaskRules& rules, const HistoryScope& scope,
-                                         std::span<const LoggedEntry> log) {
+/// The periods that come with entries, one for each entry; but not those that ended before the history began.
+std::vector<NaivePeriod> storedPeriods(const TaskRules& rules, const HistoryScope& scope,
+                                       std::span<const LoggedEntry> log) {
   std::vector<NaivePeriod> stored;
   for (const LoggedEntry& entry : log)
     if (const auto period = periodOf(entry, rules, scope); period && period->to >= scope.created)
       stored.push_back(*period);
-  std::ranges::stable_sort(stored, [](const NaivePeriod& a, const NaivePeriod& b) {
-    return a.from != b.from ? a.from < b.from : a.to > b.to;
-  });
-  std::vector<NaivePeriod> standing;
+  return stored;
+}
+
+/// Of the stored periods that hold a day the one that ends first, with the entries of all that lie inside it; those
+/// are taken out of `stored`. What reaches beyond it keeps the days after.
+std::optional<NaivePeriod> standing(std::vector<NaivePeriod>& stored, const qz::YYYYMMDD& day, bool isFirst) {
+  std::optional<NaivePeriod> found;
   for (const NaivePeriod& period : stored) {
-    if (!standing.empty() && period.from <= standing.back().to) {
-      standing.back().entries.push_back(period.entries.front());
-    } else {
-      standing.push_back(period);
-    }
+    const auto isBefore = [&](const NaivePeriod& other) {
+      if (period.to != other.to) return period.to < other.to;
+      if (period.from != other.from) return period.from < other.from;
+      return period.entries.front().order < other.entries.front().order;
+    };
+    if (period.contains(day) && (!found || isBefore(*found))) found = period;
   }
-  for (NaivePeriod& period : standing) std::ranges::stable_sort(period.entries, {}, &LoggedEntry::order);
-  return standing;
+  if (!found) return found;
+  if (!isFirst) found->from = day;
+  found->isShortened = !found->isDay() && found->from.distance(found->to) + 1 < leastLength(found->type);
+  found->entries.clear();
+  std::erase_if(stored, [&](const NaivePeriod& period) {
+    const bool isInside = period.from <= found->to && period.to <= found->to;
+    if (isInside) found->entries.push_back(period.entries.front());
+    return isInside;
+  });
+  std::ranges::stable_sort(found->entries, {}, &LoggedEntry::order);
+  return found;
 }
 
 /// A day that no stored period covers: the calendar's period that holds it, from this day on (the first of the history
 /// from its own first day) to its end or the day before the next stored period.
 NaivePeriod uncovered(const TaskRules& rules, const qz::YYYYMMDD& day, bool isFirst,
-                      const std::vector<NaivePeriod>& standing) {
+                      const std::vector<NaivePeriod>& storedPeriods) {
   const NaivePeriod calendar = calendarPeriod(rules, day);
   NaivePeriod piece = calendar;
   if (!isFirst) piece.from = day;
-  for (const NaivePeriod& stored : standing)
+  for (const NaivePeriod& stored : storedPeriods)
     if (stored.from > day) piece.to = std::min(piece.to, stored.from.previousDay());
   piece.isShortened = piece.from != calendar.from || piece.to != calendar.to;
   return piece;
@@ -79,11 +93,11 @@ NaivePeriod uncovered(const TaskRules& rules, const qz::YYYYMMDD& day, bool isFi
 
 std::vector<NaivePeriod> naivePeriods(const TaskRules& rules, const HistoryScope& scope,
                                       std::span<const LoggedEntry> log) {
-  const std::vector<NaivePeriod> standing = standingPeriods(rules, scope, log);
+  std::vector<NaivePeriod> stored = storedPeriods(rules, scope, log);
   std::vector<NaivePeriod> periods;
   for (qz::YYYYMMDD day = scope.created; day <= scope.today; day = periods.back().to.nextDay()) {
-    const auto stored = std::ranges::find_if(standing, [&](const NaivePeriod& period) { return period.contains(day); });
-    periods.push_back(stored != standing.end() ? *stored : uncovered(rules, day, periods.empty(), standing));
+    const std::optional<NaivePeriod> found = standing(stored, day, periods.empty());
+    periods.push_back(found ? *found : uncovered(rules, day, periods.empty(), stored));
   }
   for (NaivePeriod& period : periods) {
     period.isOpen = period.contains(scope.today);

@@ -40,6 +40,7 @@ struct NaivePeriod {
 
   qz::YYYYMMDD from;
   qz::YYYYMMDD to;
+  TaskFrequencyPeriodType type{};    ///< of a stored one
   bool isShortened = false;          ///< stored periods left only a part of a calendar period
   std::vector<LoggedEntry> entries;  ///< in order of creation; the one filled in comes last
 

@@ -13,7 +13,9 @@ std::int64_t expectedUnits(const TaskRules& rules) {
 
 double NaiveShare::valueWithTimer() const {
   if (rules_.measure.kind != TaskMeasure::Kind::timed || target() <= 0.0) return value();
-  return value() + progress_.secondsTimed / target();
+  if (progress_.secondsTimed == 0.0) return value();
+  const double units = static_cast<double>(progress_.units) * target() / static_cast<double>(expectedUnits(rules_));
+  return (progress_.amount.value_or(units) + progress_.secondsTimed) / target();
 }
 
 double NaiveShare::value() const {

@@ -15,7 +15,7 @@ class NaiveShare {
   [[nodiscard]] double value() const;
   /// The same with the timer that runs towards the next completion.
   [[nodiscard]] double valueWithTimer() const;
-  [[nodiscard]] bool isReached() const { return value() >= 1.0; }
+  [[nodiscard]] bool isReached() const { return valueWithTimer() >= 1.0; }
   /// A full entry takes the whole of it.
   void fill() const;
   /// A partial entry brings the amount it reports, else one unit.

@@ -83,6 +83,46 @@ TEST(Reasons, TellFromWhichDayAnIntervalIsCounted) {
   EXPECT_EQ(HistoryWalk(rules, januaryUntil(9)).why({2024, 1, 8}, log).value().ground, PeriodReason::Ground::paused);
 }
 
+TEST(Reasons, NameTheGround) {
+  using Ground = PeriodReason::Ground;
+  const TaskRules weekly = rulesOf(Mode::aggregateOverWeek, 2);
+  HistoryScope scope = januaryUntil(17);
+  scope.created = {2024, 1, 3};
+  const auto log = logOf(weekly, {{9, T::completedManuallyPartial}, {10, T::completedManuallyPartial}});
+  EXPECT_EQ(HistoryWalk(weekly, scope).why({2024, 1, 3}, log).value().ground, Ground::beganBeforeHistory);
+  EXPECT_EQ(HistoryWalk(weekly, scope).why({2024, 1, 9}, log).value().ground, Ground::partialEntries);
+  // By the day until Tuesday: the rest of that week asks for nothing.
+  const TaskRules daily{.frequency = TaskFrequency::everyDay(), .firstDayOfWeek = qz::DayOfWeek::monday};
+  const auto days = logOf(daily, {{1, T::missedAutomaticallyFull}, {2, T::completedManuallyFull}});
+  EXPECT_EQ(HistoryWalk(weekly, januaryUntil(9)).why({2024, 1, 5}, days).value().ground, Ground::cutShort);
+  EXPECT_EQ(HistoryWalk(weekly, januaryUntil(9)).why({2024, 1, 1}, days).value().ground, Ground::fullEntry)
+      << "a miss of the rule of that time";
+  EXPECT_EQ(HistoryWalk(daily, januaryUntil(9)).why({2024, 1, 1}, days).value().ground, Ground::due);
+  const TaskRules avoided = rulesOf(Mode::numberOfDaysInWeek, 5, true);
+  const auto parts = logOf(avoided, {{2, T::missedManuallyPartial}});
+  EXPECT_EQ(HistoryWalk(avoided, januaryUntil(9)).why({2024, 1, 2}, parts).value().ground, Ground::partialEntries);
+  EXPECT_TRUE(HistoryWalk(avoided, januaryUntil(9)).missIsAllowed({2024, 1, 3}, parts));
+  EXPECT_FALSE(HistoryWalk(avoided, januaryUntil(9)).missIsAllowed({2024, 1, 10}, parts)) << "after today";
+}
+
+TEST(Reasons, ReachBackIntoPeriodsOfAnOlderFrequency) {
+  // Weeks, then 26 days a month: the week from the 1st was completed on the 3rd.
+  const TaskRules weekly = rulesOf(Mode::aggregateOverWeek, 1);
+  const TaskRules monthly = rulesOf(Mode::numberOfDaysInMonth, 26);
+  auto log = logOf(weekly, {{3, T::completedManuallyFull}});
+  for (LoggedEntry entry : logOf(monthly, {{8, T::completedManuallyFull}, {9, T::completedManuallyFull}})) {
+    entry.order += 1;
+    log.push_back(entry);
+  }
+  const PeriodReason reason = HistoryWalk(monthly, januaryUntil(10)).why({2024, 1, 10}, log).value();
+  EXPECT_EQ(reason.completed, 3);
+  EXPECT_EQ(reason.entries.size(), 3U);
+  // A week that holds today and ends in the next month.
+  HistoryScope scope = januaryUntil(31);
+  auto open = logOf(weekly, {{31, T::completedManuallyFull}});
+  EXPECT_EQ(HistoryWalk(monthly, scope).walk(open).figures.daysInPeriod.value().toDate, qz::YYYYMMDD(2024, 1, 31));
+}
+
 TEST(FollowingEntries, AreThoseOfLaterDaysThatTheRuleCounts) {
   const qz::YYYYMMDD tuesday(2024, 1, 2);
   EXPECT_EQ(followingDays(rulesOf(Mode::numberOfDaysInWeek, 3), tuesday).value().last, qz::YYYYMMDD(2024, 1, 7));
@@ -111,6 +151,11 @@ TEST(FollowingEntries, AreRetypedInTheOrderOfTheirDays) {
   // What partial misses made necessary stays a miss.
   log = logOf(rules, {{1, T::missedManuallyPartial}, {1, T::missedAutomaticallyFull}});
   EXPECT_TRUE(HistoryWalk(rules, januaryUntil(9)).retypings(log, {2024, 1, 1}).empty());
+  TaskRules measured = rules;
+  measured.frequency.numPartialCompletions = 2;
+  measured.measure = {.kind = TaskMeasure::Kind::quantity, .target = 10};
+  log.front().progressTotal = 12;
+  EXPECT_TRUE(HistoryWalk(measured, januaryUntil(9)).retypings(log, {2024, 1, 1}).empty());
 }
 
 TEST(FollowingEntries, OfTheOpenPeriodGoOverToANewFrequency) {
@@ -123,7 +168,7 @@ TEST(FollowingEntries, OfTheOpenPeriodGoOverToANewFrequency) {
   EXPECT_EQ(restamped[0].period.finishDate, qz::YYYYMMDD(2024, 1, 8));
   EXPECT_TRUE(restampings(current, weekly, log).empty());
 
-  // By the day until Tuesday the 9th, then by the week: the week takes the entry of Monday in.
+  // By the day until Tuesday the 9th, then by the week: Monday stays what it was, and the week is the rest of it.
   log = logOf(daily, {{8, T::completedManuallyPartial}, {9, T::completedManuallyPartial}});
   const auto today = daily.frequency.period({2024, 1, 9}, qz::DayOfWeek::monday).period;
   for (const Restamping& restamping : restampings(today, weekly, log)) {
@@ -132,9 +177,12 @@ TEST(FollowingEntries, OfTheOpenPeriodGoOverToANewFrequency) {
     entry.periodTo = static_cast<std::int32_t>(restamping.period.finishDate.intValue());
     entry.periodType = restamping.period.periodType;
   }
+  log.front().entryType = T::completedManuallyFull;
   const TaskFigures figures = HistoryWalk(weekly, januaryUntil(9)).walk(log).figures;
-  EXPECT_EQ(figures.period, current);
-  EXPECT_EQ(figures.progress, 2.0 / 3.0);
+  EXPECT_EQ(figures.period.startDate, qz::YYYYMMDD(2024, 1, 9));
+  EXPECT_EQ(figures.period.finishDate, current.finishDate);
+  EXPECT_EQ(figures.progress, 1.0 / 3.0);
+  EXPECT_EQ(figures.streak.current, 1);
 }
 
 TEST(RecentHistories, ShowEveryDayOfTheirSpan) {
@@ -174,6 +222,17 @@ TEST(RecentHistories, ListLongerPeriods) {
                                                                          {{2024, 1, 15}, CalendarStatus::current},
                                                                          {{2024, 1, 22}, CalendarStatus::future}}));
   EXPECT_EQ(history.shortTerm.type, TaskRecentHistory::PreviousSuccessType::pastMonth);
+}
+
+TEST(RecentHistories, HoldNoDayTwice) {
+  // Today was judged by the day; the week that is asked for since then begins after it.
+  const TaskRules weekly = rulesOf(Mode::aggregateOverWeek, 2);
+  const TaskRules daily{.frequency = TaskFrequency::everyDay(), .firstDayOfWeek = qz::DayOfWeek::monday};
+  const auto log = logOf(daily, {{8, T::completedManuallyFull}});
+  const auto history = HistoryWalk(weekly, januaryUntil(8)).recentHistory(log, {2024, 1, 8}, {2024, 1, 14});
+  EXPECT_EQ(history.single.at({2024, 1, 8}), CalendarStatus::currentCompleted);
+  ASSERT_EQ(history.multi.size(), 1U);
+  EXPECT_EQ(history.multi.front().period.startDate, qz::YYYYMMDD(2024, 1, 9));
 }
 
 TEST(EntriesAhead, CountForALongerPeriodThatHasBegun) {

@@ -159,16 +159,12 @@ qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, q
 HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
   const TaskCalendar& calendar = assessment.calendar;
   const qz::YYYYMMDD today = assessment.today;
-  HistoryScope scope;
-  scope.today = today;
-  scope.created = creationDay(task, calendar, today);
-  if (const auto first = firstKeptDay(context, task, storedDay(today)))
-    scope.created = std::min(scope.created, existingDay(*first).value_or(scope.created));
-  scope.fillFrom = scope.created;
-  if (task.lastProcessedDate) {
-    const qz::YYYYMMDD processed = std::min(calendar.day(*task.lastProcessedDate), today);
-    scope.fillFrom = std::max(scope.created, processed.add(-fillInOverlap));
-  }
+  const auto first = firstKeptDay(context, task, storedDay(today));
+  std::optional<qz::YYYYMMDD> processedThrough;
+  if (task.lastProcessedDate)
+    processedThrough = std::min(calendar.day(*task.lastProcessedDate), today).add(-fillInOverlap);
+  HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today), first ? existingDay(*first) : std::nullopt,
+                                        processedThrough, today);
   scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
   return scope;
 }

@@ -4,18 +4,20 @@
 #include <QZDateTime/DecodingError.h>
 #include <QZDateTime/YYYYMMDD.h>
 
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
 
 /// How days are read from coded forms. For sources of this module.
 namespace habitra {
 
-/// The member `key` of an object, a day that the calendar has. Throws qz::DecodingError naming the key and the value.
+/// The member `key` of an object, a day that the calendar has and a store can hold (in 32 bits). Throws
+/// qz::DecodingError naming the key and the value.
 [[nodiscard]] inline qz::YYYYMMDD existingDay(const nlohmann::json& json, const char* key) {
   const nlohmann::json& found = qz::coded_form::member(json, key);
   const auto number = qz::coded_form::wholeNumber(found);
   const auto day = number ? qz::YYYYMMDD::fromRawValue(*number) : std::nullopt;
-  if (!day || !day->exists())
+  if (!day || !day->exists() || *number > std::numeric_limits<std::int32_t>::max())
     throw qz::DecodingError(std::string("Unable to read \"") + key + "\" from " + qz::coded_form::text(found));
   return *day;
 }

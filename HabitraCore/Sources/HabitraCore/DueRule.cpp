@@ -1,3 +1,4 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/DueRule.h>
 #include <QZKit/Checked.h>
 
@@ -8,17 +9,11 @@ namespace habitra {
 
 namespace {
 
-std::int32_t numberOf(const qz::YYYYMMDD& day) { return qz::checkedNarrow<std::int32_t>(day.dayNumber()); }
+constexpr std::int32_t noDay = std::numeric_limits<std::int32_t>::min();
 
-std::int32_t numberOf(std::int32_t intForm, std::int32_t none) {
-  const auto day = qz::YYYYMMDD::fromRawValue(intForm);
-  return day ? numberOf(*day) : none;
-}
+std::int32_t numberOrNoDay(std::int32_t intForm) { return intForm == 0 ? noDay : numberOf(intForm); }
 
-std::int32_t intForm(std::int32_t number, std::int32_t none) {
-  if (number == none) return 0;
-  return qz::checkedNarrow<std::int32_t>(qz::YYYYMMDD::fromDayNumber(number).intValue());
-}
+std::int32_t intFormOrNone(std::int32_t number) { return number == noDay ? 0 : intForm(dayOfNumber(number)); }
 
 std::int64_t wantedDays(const TaskFrequency& frequency) { return std::max(frequency.numCompletions, std::int64_t{1}); }
 
@@ -61,16 +56,16 @@ void DueRule::goOnFrom(const DueCounts& counts, const qz::YYYYMMDD& closedThroug
   completedDays_ = counts.completedDays;
   unavailableDays_ = counts.unavailableDays;
   failedDays_ = counts.failedDays;
-  lastCompleted_ = numberOf(counts.lastCompletedDay, never);
-  lastFailed_ = numberOf(counts.lastFailedDay, never);
+  lastCompleted_ = numberOrNoDay(counts.lastCompletedDay);
+  lastFailed_ = numberOrNoDay(counts.lastFailedDay);
 }
 
 DueCounts DueRule::counts() const {
   return {.completedDays = qz::checkedNarrow<std::int32_t>(completedDays_),
           .unavailableDays = qz::checkedNarrow<std::int32_t>(unavailableDays_),
           .failedDays = qz::checkedNarrow<std::int32_t>(failedDays_),
-          .lastCompletedDay = intForm(lastCompleted_, never),
-          .lastFailedDay = intForm(lastFailed_, never)};
+          .lastCompletedDay = intFormOrNone(lastCompleted_),
+          .lastFailedDay = intFormOrNone(lastFailed_)};
 }
 
 void DueRule::beginPeriod(const qz::YYYYMMDD& date) {

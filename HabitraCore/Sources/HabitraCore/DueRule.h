@@ -35,7 +35,7 @@ class DueRule {
  public:
   DueRule(const TaskRules& rules, const qz::YYYYMMDD& created);
 
-  /// Takes up the counts of the days before `cursor`.
+  /// Takes up the counts of the days up to `closedThrough`.
   void goOnFrom(const DueCounts& counts, const qz::YYYYMMDD& closedThrough);
   /// What has been counted of the days before.
   [[nodiscard]] DueCounts counts() const;
@@ -65,7 +65,7 @@ class DueRule {
     switch (kind_) {
       case Kind::daysOfWeek:
       case Kind::daysOfMonth: return !isDue;
-      case Kind::interval: return lastFailed_ == never || number - lastFailed_ >= interval_;
+      case Kind::interval: return lastFailed_ == noDay || number - lastFailed_ >= interval_;
       case Kind::countedDays: return failedDays_ < allowance_;
       case Kind::longerPeriods: break;
     }
@@ -113,16 +113,16 @@ class DueRule {
 
  private:
   enum class Kind : std::uint8_t { daysOfWeek, daysOfMonth, interval, countedDays, longerPeriods };
-  static constexpr std::int32_t never = std::numeric_limits<std::int32_t>::min();
+  static constexpr std::int32_t noDay = std::numeric_limits<std::int32_t>::min();
 
   [[nodiscard]] static Kind kindOf(const TaskFrequency& frequency);
   [[nodiscard]] bool isIntervalDue(std::int32_t number) const {
-    if (lastCompleted_ == never) return number >= anchor_ && (number - anchor_) % interval_ == 0;
+    if (lastCompleted_ == noDay) return number >= anchor_ && (number - anchor_) % interval_ == 0;
     return number > lastCompleted_ && (number - lastCompleted_) % interval_ == 0;
   }
   void beginPeriod(const qz::YYYYMMDD& date);
   [[nodiscard]] static std::optional<std::int32_t> someDay(std::int32_t number) {
-    return number == never ? std::nullopt : std::optional(number);
+    return number == noDay ? std::nullopt : std::optional(number);
   }
 
   const TaskRules& rules_;
@@ -143,8 +143,8 @@ class DueRule {
   std::int64_t unavailableDays_ = 0;
   std::int64_t failedDays_ = 0;
   // Of the whole history.
-  std::int32_t lastCompleted_ = never;
-  std::int32_t lastFailed_ = never;
+  std::int32_t lastCompleted_ = noDay;
+  std::int32_t lastFailed_ = noDay;
 };
 
 }  // namespace habitra

@@ -1,9 +1,9 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/HistoryWalk.h>
 #include <HabitraCore/LoggedEntries.h>
 #include <HabitraCore/TaskFrequencyValidation.h>
 #include <HabitraCore/Walker.h>
-#include <QZKit/Checked.h>
 #include <QZKit/Trap.h>
 
 #include <algorithm>
@@ -13,8 +13,6 @@ namespace habitra {
 namespace {
 
 using CalendarStatus = TaskCalendarPeriodInfo::TaskCalendarPeriodStatus;
-
-std::int32_t intForm(const qz::YYYYMMDD& day) { return qz::checkedNarrow<std::int32_t>(day.intValue()); }
 
 CalendarStatus calendarStatus(const WalkedPeriod& walked) {
   using Kind = CompletionStatus::Status::Kind;
@@ -36,12 +34,8 @@ CalendarStatus calendarStatus(const WalkedPeriod& walked) {
 
 bool isInterval(const TaskFrequency& frequency) { return frequency.dayMode == TaskFrequency::DayMode::dayInterval; }
 
-/// Whether partial misses failed the period; the miss that was filled in for them stands whatever room there was.
-bool isFailedByParts(const WalkedPeriod& walked) {
-  const auto numMissed = std::ranges::count_if(walked.entries, [](const LoggedEntry& entry) {
-    return isMissedFullOrPartial(entry.entryType) && isPartial(entry.entryType);
-  });
-  return numMissed >= walked.expectedUnits;
+bool holdsPartialMiss(const WalkedPeriod& walked) {
+  return std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
 }
 
 void put(TaskRecentHistory& history, const TaskFrequencyPeriod& period, CalendarStatus status) {
@@ -53,6 +47,15 @@ void put(TaskRecentHistory& history, const TaskFrequencyPeriod& period, Calendar
 }
 
 }  // namespace
+
+HistoryScope HistoryScope::of(const qz::YYYYMMDD& creationDay, const std::optional<qz::YYYYMMDD>& earliestEntryDay,
+                              const std::optional<qz::YYYYMMDD>& processedThrough, const qz::YYYYMMDD& today) {
+  HistoryScope scope;
+  scope.today = today;
+  scope.created = std::min(creationDay, earliestEntryDay.value_or(creationDay));
+  scope.fillFrom = std::max(scope.created, processedThrough.value_or(earliestEntryDay.value_or(creationDay)));
+  return scope;
+}
 
 bool HistoryWalk::supports(const TaskFrequency& frequency) { return canBe(frequency); }
 
@@ -85,9 +88,7 @@ HistoryResult HistoryWalk::resume(const HistoryCheckpoint& checkpoint, std::span
                           {.created = intForm(std::min(scope_.created, scope_.today)),
                            .today = intForm(scope_.today),
                            .closedThrough = checkpoint.closedThrough});
-  const auto isClosed = [&](const LoggedEntry& entry) { return entry.periodFrom <= checkpoint.closedThrough; };
-  const auto first = std::ranges::partition_point(log.inOrder(), isClosed);
-  Walker walker(rules_, scope_, {first, log.inOrder().end()}, visit);
+  Walker walker(rules_, scope_, log.inOrder(), visit);
   walker.goOnFrom(checkpoint);
   return walker.run();
 }
@@ -100,6 +101,15 @@ std::optional<PeriodReason> HistoryWalk::why(const qz::YYYYMMDD& date, std::span
     if (walked.from <= day && day <= walked.to) reason = walked.reason();
   }));
   return reason;
+}
+
+bool HistoryWalk::missIsAllowed(const qz::YYYYMMDD& date, std::span<const LoggedEntry> entries) const {
+  bool isAllowed = false;
+  const std::int32_t day = intForm(date);
+  static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
+    if (walked.from <= day && day <= walked.to) isAllowed = walked.missIsAllowed;
+  }));
+  return isAllowed;
 }
 
 std::vector<FillIn> HistoryWalk::seals(std::span<const LoggedEntry> entries) const {
@@ -116,8 +126,11 @@ std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entrie
   if (!rules_.isNegative || !(rules_.frequency.isCountedDays() || isInterval(rules_.frequency))) return retypings;
   const std::int32_t firstDay = intForm(from);
   static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
-    if (walked.from < firstDay || walked.from != walked.to || isFailedByParts(walked)) return;
+    if (walked.from < firstDay || walked.from != walked.to) return;
+    const bool failedByParts = holdsPartialMiss(walked);
     for (const LoggedEntry& entry : walked.entries) {
+      // The automatic miss of a day that partial misses failed stands whatever room there was.
+      if (failedByParts && isAutomatic(entry.entryType)) continue;
       const TaskLogEntryType type = retypedFailure(entry.entryType, walked.missIsAllowed);
       if (type != entry.entryType)
         retypings.push_back({.order = entry.order, .entryDate = entry.entryDate, .entryType = type});
@@ -130,11 +143,13 @@ TaskRecentHistory HistoryWalk::recentHistory(std::span<const LoggedEntry> entrie
                                              const qz::YYYYMMDD& to) const {
   TaskRecentHistory history;
   history.firstDayOfWeek = rules_.firstDayOfWeek;
-  // Periods that no day of the history lies in.
+  // Periods that no day of the history lies in; periods do not overlap.
   qz::YYYYMMDD day = from;
+  bool isFirst = true;
   const auto putUntil = [&](const qz::YYYYMMDD& end, CalendarStatus status) {
-    while (day < end) {
+    for (; day < end; isFirst = false) {
       TaskFrequencyPeriod period = rules_.frequency.period(day, rules_.firstDayOfWeek, rules_.referenceDate).period;
+      if (!isFirst) period.startDate = day;
       period.finishDate = std::min(period.finishDate, end.previousDay());
       put(history, period, status);
       day = period.finishDate.nextDay();
@@ -146,6 +161,7 @@ TaskRecentHistory HistoryWalk::recentHistory(std::span<const LoggedEntry> entrie
     putUntil(period.startDate, CalendarStatus::past);
     put(history, period, calendarStatus(walked));
     day = period.finishDate.nextDay();
+    isFirst = false;
   });
   putUntil(to.nextDay(), day <= scope_.today ? CalendarStatus::past : CalendarStatus::future);
   history.shortTerm = result.figures.shortTerm;

@@ -21,8 +21,9 @@
 ///
 /// Which periods there are: an entry counts for the period that is stored with it, and the days that no stored period
 /// covers are cut into periods by the frequency of today. So a changed frequency does not regroup the past. Where
-/// stored periods overlap, the one that begins first stands (of two that begin together the longer), and the entries of
-/// the others count for it. An entry without a usable period counts for that of its day; one made for a day that the
+/// stored periods overlap, the one that ends first stands, those that lie inside it give their entries to it, and the
+/// others keep the days after it: when a habit of every day becomes one of the week, the days of this week that are
+/// over stay what they were. An entry without a usable period counts for that of its day; one made for a day that the
 /// calendar does not have, or after today, counts for nothing. A longer period that stored ones leave only a part of is
 /// not due.
 ///
@@ -43,11 +44,18 @@ struct HistoryScope {
   qz::YYYYMMDD created;
   /// The last day; the period that holds it is open.
   qz::YYYYMMDD today;
-  /// Closed periods that end on this day or later are filled in: the last processed day, or `created` the first time.
+  /// Closed periods that end on this day or later are filled in.
   qz::YYYYMMDD fillFrom;
   /// The day as of which a checkpoint is wanted. It can be resumed from when it lies before `fillFrom` and before the
   /// first day of the longer span of success (successSpans()).
   std::optional<qz::YYYYMMDD> checkpointDay;
+
+  /// The days of a task that was made on `creationDay`. `earliestEntryDay` is the entryDate of its earliest entry that
+  /// marksHistory(), `processedThrough` the day of the last pass over it. The first pass fills in from the earliest
+  /// entry on, without one from the creation day; later ones from where the last one was.
+  [[nodiscard]] static HistoryScope of(const qz::YYYYMMDD& creationDay,
+                                       const std::optional<qz::YYYYMMDD>& earliestEntryDay,
+                                       const std::optional<qz::YYYYMMDD>& processedThrough, const qz::YYYYMMDD& today);
 };
 
 /// An entry that has to be written for a closed period that no full entry decided. To do: nothing where its partial
@@ -125,9 +133,8 @@ class HistoryWalk {
   /// Walks the whole history. `entries` is the task's log in order of entryDate, then of creation.
   [[nodiscard]] HistoryResult walk(std::span<const LoggedEntry> entries, const PeriodVisitor& visit = {}) const;
 
-  /// Walks on from a checkpoint and visits only periods after its `closedThrough`. Of `entries` it needs those whose
-  /// period begins after that day; all others count for nothing here, even when their day is later or their period
-  /// reaches beyond: a whole walk gave them to the earlier period that they overlap. REQUIRES: canResume(checkpoint).
+  /// Walks on from a checkpoint and visits only periods after its `closedThrough`. Of `entries` it needs those made for
+  /// later days. The reasons of these periods lack the entries of earlier days. REQUIRES: canResume(checkpoint).
   [[nodiscard]] HistoryResult resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
                                      const PeriodVisitor& visit = {}) const;
 
@@ -135,8 +142,13 @@ class HistoryWalk {
   /// history up to it.
   [[nodiscard]] std::optional<PeriodReason> why(const qz::YYYYMMDD& date, std::span<const LoggedEntry> entries) const;
 
+  /// Whether a failure on `date` would be one within the allowance of a task to avoid, so that whoever records one
+  /// knows which type to write. False for a day before the history or after today.
+  [[nodiscard]] bool missIsAllowed(const qz::YYYYMMDD& date, std::span<const LoggedEntry> entries) const;
+
   /// The entries to write before the frequency, the target or the sign of the task is changed, so that a past that was
-  /// judged stays judged: a completion for each closed period that is a success without a full entry.
+  /// judged stays judged: a completion for each closed period that is a success without a full entry. What is to be
+  /// filled in is to be written before.
   [[nodiscard]] std::vector<FillIn> seals(std::span<const LoggedEntry> entries) const;
 
   /// The entries to re-type after a failure was recorded for a day from `from` on that is not the last, in order of

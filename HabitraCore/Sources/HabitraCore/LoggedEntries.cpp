@@ -1,9 +1,13 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/LoggedEntries.h>
 #include <QZDateTime/DayNumber.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <queue>
 #include <tuple>
+#include <utility>
 
 namespace habitra {
 
@@ -25,12 +29,13 @@ bool mayFollow(const LoggedEntry& before, const LoggedEntry& entry) {
 }
 
 /// Whether the walk can read the entries where they lie.
-bool isInOrder(std::span<const LoggedEntry> entries) {
+bool isInOrder(std::span<const LoggedEntry> entries, bool measuresDays) {
   const LoggedEntry none;
   const LoggedEntry* before = &none;
   for (const LoggedEntry& entry : entries) {
-    // Nearly all entries count for the one day for which they were made. One that does not exist is met by no day.
-    const bool isOfOneDay = entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
+    // Nearly all entries count for the one day for which they were made. A walk by the day meets none that does not
+    // exist.
+    const bool isOfOneDay = measuresDays && entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
     if (entry.periodFrom <= before->periodTo || !isOfOneDay) [[unlikely]] {
       if (!mayFollow(*before, entry)) return false;
     }
@@ -43,29 +48,52 @@ bool isInOrder(std::span<const LoggedEntry> entries) {
 bool givePeriod(LoggedEntry& entry, const TaskRules& rules) {
   if (!exists(entry.entryDate)) return false;
   if (hasUsablePeriod(entry)) return true;
-  const qz::YYYYMMDD day(entry.entryDate / 10'000, entry.entryDate / 100 % 100, entry.entryDate % 100);
-  const TaskFrequencyPeriod period = rules.frequency.period(day, rules.firstDayOfWeek, rules.referenceDate).period;
-  entry.periodFrom = qz::checkedNarrow<std::int32_t>(period.startDate.intValue());
-  entry.periodTo = qz::checkedNarrow<std::int32_t>(period.finishDate.intValue());
+  const TaskFrequencyPeriod period =
+      rules.frequency.period(dayOf(entry.entryDate), rules.firstDayOfWeek, rules.referenceDate).period;
+  entry.periodFrom = intForm(period.startDate);
+  entry.periodTo = intForm(period.finishDate);
   entry.periodType = period.periodType;
   return true;
 }
 
-/// Gives the entries of a period that overlaps an earlier one to that one, and puts all of its entries in order of
-/// creation. REQUIRES: entries in order of the first day of their periods, the longer of two first.
-void giveToEarlierPeriods(std::vector<LoggedEntry>& entries) {
-  for (auto first = entries.begin(); first != entries.end();) {
-    const LoggedEntry standing = *first;
-    const auto end = std::find_if(first, entries.end(),
-                                  [&](const LoggedEntry& entry) { return entry.periodFrom > standing.periodTo; });
-    for (auto entry = first; entry != end; ++entry) {
-      entry->periodFrom = standing.periodFrom;
-      entry->periodTo = standing.periodTo;
-      entry->periodType = standing.periodType;
-    }
-    std::stable_sort(first, end, [](const LoggedEntry& a, const LoggedEntry& b) { return a.order < b.order; });
-    first = end;
+/// Entries on their way through the days, while their periods overlap: on top one of the period that ends first, of two
+/// that end together the one that begins first, of two entries of one period the one that came first.
+struct EndsLater {
+  bool operator()(const LoggedEntry& a, const LoggedEntry& b) const {
+    return std::tie(a.periodTo, a.periodFrom, a.order) > std::tie(b.periodTo, b.periodFrom, b.order);
   }
+};
+using Overlapping = std::priority_queue<LoggedEntry, std::vector<LoggedEntry>, EndsLater>;
+
+/// Cuts overlapping periods to what LoggedEntries says, from the day `first` on, and puts the entries of each in order
+/// of creation. `isFirstOfAll`: the first of them may begin before `first`.
+std::vector<LoggedEntry> cutToStandingPeriods(std::vector<LoggedEntry> entries, std::int32_t first, bool isFirstOfAll) {
+  std::ranges::stable_sort(entries, {}, &LoggedEntry::periodFrom);
+  std::vector<LoggedEntry> result;
+  result.reserve(entries.size());
+  Overlapping overlapping;
+  auto next = entries.begin();
+  std::int32_t day = first;
+  const auto takeUntil = [&](std::int32_t lastBeginning) {
+    for (; next != entries.end() && next->periodFrom <= lastBeginning; ++next) overlapping.push(*next);
+  };
+  while (next != entries.end() || !overlapping.empty()) {
+    if (overlapping.empty()) day = std::max(day, next->periodFrom);
+    takeUntil(day);
+    LoggedEntry standing = overlapping.top();
+    if (!result.empty() || !isFirstOfAll) standing.periodFrom = std::max(standing.periodFrom, day);
+    takeUntil(standing.periodTo);
+    const auto begin = static_cast<std::ptrdiff_t>(result.size());
+    for (; !overlapping.empty() && overlapping.top().periodTo <= standing.periodTo; overlapping.pop()) {
+      LoggedEntry& entry = result.emplace_back(overlapping.top());
+      entry.periodFrom = standing.periodFrom;
+      entry.periodTo = standing.periodTo;
+      entry.periodType = standing.periodType;
+    }
+    std::ranges::stable_sort(result.begin() + begin, result.end(), {}, &LoggedEntry::order);
+    day = intForm(dayOf(standing.periodTo).nextDay());
+  }
+  return result;
 }
 
 }  // namespace
@@ -73,18 +101,19 @@ void giveToEarlierPeriods(std::vector<LoggedEntry>& entries) {
 LoggedEntries::LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, const Days& days) {
   const auto isFuture = [&](const LoggedEntry& entry) { return entry.entryDate > days.today && !entry.isAhead; };
   while (!entries.empty() && isFuture(entries.back())) entries = entries.first(entries.size() - 1);
-  inOrder_ = entries;
   const bool hasAhead = !entries.empty() && entries.back().entryDate > days.today;
-  if (!hasAhead && isInOrder(entries)) return;
+  if (!hasAhead && isInOrder(entries, !rules.frequency.isAggregate())) {
+    const auto isClosed = [&](const LoggedEntry& entry) { return entry.periodTo <= days.closedThrough; };
+    inOrder_ = {std::ranges::partition_point(entries, isClosed), entries.end()};
+    const bool reachesBack = !inOrder_.empty() && inOrder_.front().periodFrom <= days.closedThrough;
+    if (!reachesBack) return;
+  }
+  const std::int32_t lastDayBefore = std::max(days.closedThrough, intForm(dayOf(days.created).previousDay()));
   copy_.assign(entries.begin(), entries.end());
   std::erase_if(copy_, [&](LoggedEntry& entry) {
-    return isFuture(entry) || !givePeriod(entry, rules) || entry.periodTo < days.created ||
-           entry.periodFrom <= days.closedThrough;
+    return isFuture(entry) || !givePeriod(entry, rules) || entry.periodTo <= lastDayBefore;
   });
-  std::stable_sort(copy_.begin(), copy_.end(), [](const LoggedEntry& a, const LoggedEntry& b) {
-    return std::tie(a.periodFrom, b.periodTo) < std::tie(b.periodFrom, a.periodTo);
-  });
-  giveToEarlierPeriods(copy_);
+  copy_ = cutToStandingPeriods(std::move(copy_), intForm(dayOf(lastDayBefore).nextDay()), days.closedThrough == 0);
   inOrder_ = copy_;
 }
 

@@ -11,9 +11,9 @@
 namespace habitra {
 
 /// A log in the order in which a walk meets it: by first day of the period, entries of a period in order of creation.
-/// Those of a period that overlaps an earlier one (of two that begin together the longer) have that one's period. A log
-/// of day periods lies in the store that way already and is used where it is; any other is copied and put in order
-/// once.
+/// Periods do not overlap here: of stored ones that do, the one that ends first stands, those that lie inside it give
+/// their entries to it, and the others keep the days after it. A log of day periods lies in the store that way already
+/// and is used where it is; any other is copied and put in order once.
 class LoggedEntries {
  public:
   /// Days in integer form.
@@ -24,8 +24,7 @@ class LoggedEntries {
   };
 
   /// Left out are entries after `today` and those of a day that the calendar does not have; those without a usable
-  /// period get that of their day. Periods that ended before `created`, or begin up to `closedThrough`, may be left
-  /// out, and take no other's entries.
+  /// period get that of their day. Periods that ended before `created`, or up to `closedThrough`, may be left out.
   LoggedEntries(std::span<const LoggedEntry> entries, const TaskRules& rules, const Days& days);
 
   LoggedEntries(const LoggedEntries&) = delete;

@@ -1,3 +1,4 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/PausedDays.h>
 
 #include <algorithm>
@@ -9,17 +10,12 @@ namespace {
 
 constexpr std::int32_t endOfTime = std::numeric_limits<std::int32_t>::max();
 
-std::int32_t clampedNumber(const qz::YYYYMMDD& day) {
-  return static_cast<std::int32_t>(
-      std::clamp<std::int64_t>(day.dayNumber(), std::numeric_limits<std::int32_t>::min(), endOfTime - 1));
-}
-
 }  // namespace
 
 PausedDays::PausedDays(std::span<const TaskPause> pauses) {
   spans_.reserve(pauses.size() + 1);
   for (const TaskPause& pause : pauses) {
-    const Span span{clampedNumber(pause.from), pause.to ? clampedNumber(*pause.to) : endOfTime - 1};
+    const Span span{numberOf(pause.from), pause.to ? numberOf(*pause.to) : endOfTime - 1};
     if (span.first <= span.last) spans_.push_back(span);
   }
   std::ranges::sort(spans_, {}, &Span::first);

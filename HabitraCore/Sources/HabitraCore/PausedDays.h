@@ -13,6 +13,7 @@ namespace habitra {
 /// The days on which a task rests, for one pass forward through the calendar. Days are day numbers.
 class PausedDays {
  public:
+  /// Stops the program when a day does not fit 32 bits.
   explicit PausedDays(std::span<const TaskPause> pauses);
 
   /// Whether the task rests on the day. REQUIRES: days are asked for in ascending order.

@@ -39,11 +39,11 @@ void MadeProgress::addMeasuredUnit() {
   }
 }
 
-/// Timed runs do not count here: an entry of a run changes no status, and the completion that it leads to is an entry
-/// of its own, which must not find the target reached already.
 bool MadeProgress::isTargetReached() const {
-  if (target_ <= 0) return false;
-  return made_.amount ? *made_.amount >= target_ : made_.numUnits >= expectedUnits_;
+  if (!(target_ > 0)) return false;
+  if (!made_.amount && made_.secondsTimed == 0.0) return made_.numUnits >= expectedUnits_;
+  const double amount = made_.amount.value_or(amountOfUnits(made_.numUnits, target_, expectedUnits_));
+  return amount + made_.secondsTimed >= target_;
 }
 
 }  // namespace habitra

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <span>
 
 /// For sources of this module.
 namespace habitra {
@@ -69,6 +70,7 @@ struct PeriodJudging {
   std::int32_t to = 0;
   std::int32_t number = 0;  ///< day number of a period of one day
   TaskFrequencyPeriodType type = TaskFrequencyPeriodType::day;
+  std::span<const LoggedEntry> entries;  ///< that count for it, in order of creation
   bool isDue = false;
   bool isCut = false;        ///< a longer period that began before the history did
   bool isShortened = false;  ///< a longer period that stored ones left only a part of
@@ -98,10 +100,12 @@ struct PeriodJudging {
   void apply(TaskLogEntryType entryType, std::int32_t day, MadeProgress& progress, StreakStatus& streak) {
     const CompletionStatus::Status::Kind before = status.kind();
     if constexpr (isNegative) {
-      const std::int64_t streakBefore = streak.current;
       applyToNegative(status, progress, streak, entryType);
-      if (streak.current > streakBefore) isCounted = true;
-      if (isCompletedFull(entryType)) completionHeld = day;
+      if (isCompletedFull(entryType)) {
+        completionHeld = day;
+        // A completion counts at once where it makes a failed period clean again.
+        if (status.kind() != before) isCounted = true;
+      }
     } else {
       applyToPositive(status, progress, streak, entryType);
     }

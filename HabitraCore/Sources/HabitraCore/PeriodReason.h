@@ -22,13 +22,14 @@ namespace habitra {
 struct PeriodReason {
   /// What the status rests on.
   enum class Ground : std::uint8_t {
-    fullEntry,           ///< an entry for the whole period says so
+    fullEntry,           ///< an entry for the whole period says so, and the rules of today do not say it
     partialEntries,      ///< partial entries reached what the period needs
     keptClean,           ///< to avoid: nothing failed it
     due,                 ///< it was due and nothing completed it: a miss, or will be one
     notDue,              ///< the rule did not ask for it: a skip, or will be one
     paused,              ///< the task rested
     beganBeforeHistory,  ///< a longer period of which the first days came before the task
+    cutShort,            ///< a part of a longer period; stored periods have the rest of it
   };
 
   /// An entry that had a part in it.
@@ -78,7 +79,7 @@ struct PeriodReason {
 template <>
 struct RawValueTable<PeriodReason::Ground> {
   using T = PeriodReason::Ground;
-  static constexpr std::array<RawValueRow<T, std::string_view>, 7> rows{{
+  static constexpr std::array<RawValueRow<T, std::string_view>, 8> rows{{
       {T::fullEntry, "fullEntry", "fullEntry"},
       {T::partialEntries, "partialEntries", "partialEntries"},
       {T::keptClean, "keptClean", "keptClean"},
@@ -86,6 +87,7 @@ struct RawValueTable<PeriodReason::Ground> {
       {T::notDue, "notDue", "notDue"},
       {T::paused, "paused", "paused"},
       {T::beganBeforeHistory, "beganBeforeHistory", "beganBeforeHistory"},
+      {T::cutShort, "cutShort", "cutShort"},
   }};
 };
 

@@ -127,6 +127,9 @@ inline constexpr TaskLogEntryTypes allAllowableMissTypes{TaskLogEntryType::allow
   return type == TaskLogEntryType::completedManuallyFull || type == TaskLogEntryType::completedAutomaticallyFull;
 }
 [[nodiscard]] constexpr bool isMissedFull(TaskLogEntryType type) { return isMissedFullOrPartial(type) && isFull(type); }
+[[nodiscard]] constexpr bool isMissedPartial(TaskLogEntryType type) {
+  return isMissedFullOrPartial(type) && isPartial(type);
+}
 [[nodiscard]] constexpr bool isCompletedPartial(TaskLogEntryType type) {
   return isCompletedFullOrPartial(type) && isPartial(type);
 }

@@ -19,7 +19,8 @@ struct TaskPause {
 };
 
 void to_json(nlohmann::json& json, const TaskPause& pause);
-/// Throws qz::DecodingError for a missing "from" and for a day that the calendar does not have.
+/// Throws qz::DecodingError for a missing "from" and for a day that the calendar does not have or that 32 bits do
+/// not hold.
 void from_json(const nlohmann::json& json, TaskPause& pause);
 
 }  // namespace habitra

@@ -1,3 +1,4 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/DueRule.h>
 #include <HabitraCore/WalkedPeriod.h>
 
@@ -10,40 +11,38 @@ namespace {
 using Ground = PeriodReason::Ground;
 using Kind = CompletionStatus::Status::Kind;
 
-qz::YYYYMMDD dayOf(std::int32_t intForm) {
-  return qz::YYYYMMDD::fromRawValue(intForm).value_or(qz::YYYYMMDD::emptyValue);
-}
-
 PeriodReason::Entry reasonEntry(const LoggedEntry& entry) {
   return {.date = dayOf(entry.entryDate), .entryType = entry.entryType, .order = entry.order};
 }
 
-/// Skips and misses that were filled in stand in the log for a rule, and it is the rule that people ask for.
-bool speaksForItself(TaskLogEntryType type) {
-  return isFull(type) && (!isAutomatic(type) || isCompletedFull(type) || isAllowableMissFull(type));
-}
-
 Ground groundOfRule(const WalkedPeriod& walked) {
   if (walked.isDue) return Ground::due;
-  if (walked.isPaused) return Ground::paused;
-  return walked.source.isCut ? Ground::beganBeforeHistory : Ground::notDue;
+  if (walked.source.isCut) return Ground::beganBeforeHistory;
+  if (walked.source.isShortened) return Ground::cutShort;
+  return walked.isPaused ? Ground::paused : Ground::notDue;
+}
+
+/// Skips and misses that were filled in stand in the log for a rule, and it is the rule that people ask for; unless it
+/// was another one, of a frequency that the task has no more.
+bool speaksForItself(TaskLogEntryType type, const WalkedPeriod& walked) {
+  if (!isAutomatic(type) || isCompletedFull(type) || isAllowableMissFull(type)) return true;
+  return !walked.source.rules->isNegative && isMissedFull(type) != walked.isDue;
+}
+
+bool isFailedByParts(const WalkedPeriod& walked) {
+  return walked.status.kind() == Kind::negativeMiss &&
+         std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
 }
 
 Ground groundOf(const WalkedPeriod& walked) {
-  const bool isAvoided = walked.source.rules->isNegative;
   const auto lastFull = std::ranges::find_if(walked.entries.rbegin(), walked.entries.rend(),
                                              [](const auto& entry) { return isFull(entry.entryType); });
-  if (lastFull != walked.entries.rend() && speaksForItself(lastFull->entryType)) return Ground::fullEntry;
+  if (lastFull != walked.entries.rend() && speaksForItself(lastFull->entryType, walked)) return Ground::fullEntry;
   const Kind kind = walked.status.kind();
-  if (kind == Kind::positiveComplete) return Ground::partialEntries;
-  if (!isAvoided) return groundOfRule(walked);
-  if (kind == Kind::negativeMiss) {
-    const bool isByParts = std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) {
-      return isMissedFullOrPartial(entry.entryType) && isPartial(entry.entryType);
-    });
-    return isByParts ? Ground::partialEntries : Ground::fullEntry;
-  }
-  return walked.isDue && !walked.hasSkip ? Ground::keptClean : groundOfRule(walked);
+  if (kind == Kind::positiveComplete || isFailedByParts(walked)) return Ground::partialEntries;
+  if (kind == Kind::negativeMiss) return Ground::fullEntry;
+  if (kind == Kind::negativeComplete && walked.isDue && !walked.hasSkip) return Ground::keptClean;
+  return groundOfRule(walked);
 }
 
 /// Whether an entry was a part of what the counting period of its task counts.
@@ -60,8 +59,10 @@ void putCounts(PeriodReason& reason, const WalkedPeriod& walked) {
   if (due.countsDays()) {
     const TaskFrequencyPeriodType type = rules.frequency.periodTypeForCompletionCountCalculation();
     reason.countingPeriod = DatedPeriod(dayOf(walked.from), type, rules.firstDayOfWeek, rules.referenceDate).period;
+    const std::int32_t first = intForm(reason.countingPeriod->startDate);
     for (const LoggedEntry& entry : walked.source.countedEntries) {
-      if (isCounted(entry.entryType, rules.isNegative)) reason.entries.push_back(reasonEntry(entry));
+      if (entry.entryDate >= first && isCounted(entry.entryType, rules.isNegative))
+        reason.entries.push_back(reasonEntry(entry));
     }
     if (rules.isNegative) {
       reason.allowance = std::max(due.allowance(), std::int64_t{0});
@@ -76,7 +77,7 @@ void putCounts(PeriodReason& reason, const WalkedPeriod& walked) {
   } else if (due.dependsOnLog()) {
     const auto last = rules.isNegative ? due.lastFailed() : due.lastCompleted().value_or(due.anchor());
     if (!last || *last > number) return;
-    reason.countedFrom = qz::YYYYMMDD::fromDayNumber(*last);
+    reason.countedFrom = dayOfNumber(*last);
     reason.daysSince = number - *last;
   }
 }

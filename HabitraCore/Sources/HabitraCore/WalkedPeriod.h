@@ -35,12 +35,12 @@ struct WalkedPeriod {
   std::int64_t expectedUnits = 1;  ///< partial entries that the period needs
   StreakStatus streak;             ///< after this period
   PeriodVerdict verdict = PeriodVerdict::notJudged;
-  bool isDue = false;          ///< a failure to do something would be a miss; of a longer period: it can be judged
-  bool isPaused = false;       ///< the task rests on a day of it
-  bool isOpen = false;         ///< it holds today
-  bool hasFull = false;        ///< a full entry decided it, filled in or not
-  bool hasSkip = false;        ///< a skip is among its entries
-  bool missIsAllowed = false;  ///< to avoid: a failure of this period is one within the allowance
+  bool isDue = false;                      ///< the rules ask for it: to do, it is a miss when nothing completes it
+  bool isPaused = false;                   ///< the task rests on a day of it
+  bool isOpen = false;                     ///< it holds today
+  bool hasFull = false;                    ///< a full entry decided it, filled in or not
+  bool hasSkip = false;                    ///< a skip is among its entries
+  bool missIsAllowed = false;              ///< to avoid: a failure of this period is one within the allowance
   std::optional<TaskLogEntryType> fillIn;  ///< the entry that has to be written for it
   std::span<const LoggedEntry> entries;    ///< that count for it, in order of creation, without the one to write
 
@@ -55,6 +55,7 @@ struct WalkedPeriod {
     const DueRule* due = nullptr;                 ///< as it stood before this period was counted
     std::span<const LoggedEntry> countedEntries;  ///< of the counting period, before this one
     bool isCut = false;                           ///< a longer period that began before the history did
+    bool isShortened = false;                     ///< a longer period that stored ones left only a part of
     bool isUnavailable = false;                   ///< to do: a day that was skipped by hand or paused
     std::int32_t number = 0;                      ///< day number of a period of one day
   } source;

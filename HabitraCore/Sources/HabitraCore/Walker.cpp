@@ -1,5 +1,5 @@
+#include <HabitraCore/DayForms.h>
 #include <HabitraCore/Walker.h>
-#include <QZKit/Checked.h>
 
 #include <algorithm>
 #include <limits>
@@ -14,19 +14,17 @@ using SkipMode = TaskFrequency::SkipMode;
 using Success = TaskRecentHistory::PreviousDaysSuccess;
 using SuccessType = TaskRecentHistory::PreviousSuccessType;
 
-constexpr std::int32_t never = std::numeric_limits<std::int32_t>::max();
-
-std::int32_t intForm(const qz::YYYYMMDD& day) { return qz::checkedNarrow<std::int32_t>(day.intValue()); }
-
-qz::YYYYMMDD dayOf(std::int32_t intForm) {
-  return qz::YYYYMMDD::fromRawValue(intForm).value_or(qz::YYYYMMDD::emptyValue);
-}
-
-std::int32_t numberOf(std::int32_t intForm) { return qz::checkedNarrow<std::int32_t>(dayOf(intForm).dayNumber()); }
+constexpr std::int32_t endOfTime = std::numeric_limits<std::int32_t>::max();
 
 SkipMode skipMode(bool isDue, bool dependsOnLog) {
   if (isDue) return dependsOnLog ? SkipMode::willMissWithIndicator : SkipMode::willMissWithoutIndicator;
   return dependsOnLog ? SkipMode::willSkipWithIndicator : SkipMode::willSkipWithoutIndicator;
+}
+
+/// Whether a stored longer period has fewer days than any of its type, since another one has the rest of them.
+bool isPartOfItsType(const PeriodJudging& judging) {
+  if (judging.isSingleDay() || judging.type == TaskFrequencyPeriodType::day) return false;
+  return numberOf(judging.to) - numberOf(judging.from) + 1 < leastLength(judging.type);
 }
 
 /// The first day of a span, in integer form; of all time the first there is.
@@ -45,15 +43,15 @@ Walker::Walker(const TaskRules& rules, const HistoryScope& scope, std::span<cons
       created_(intForm(std::min(scope.created, scope.today))),
       today_(intForm(scope.today)),
       fillFrom_(intForm(scope.fillFrom)),
-      captureAfter_(scope.checkpointDay ? intForm(std::min(*scope.checkpointDay, scope.today.previousDay())) : never),
+      captureAfter_(scope.checkpointDay ? intForm(std::min(*scope.checkpointDay, scope.today.previousDay()))
+                                        : endOfTime),
       cursor_(std::min(scope.created, scope.today)),
       due_(rules, std::min(scope.created, scope.today)),
       pauses_(rules.pauses),
       progress_(rules.measure, rules.frequency.numPartialCompletionsPerPeriod()),
       next_(entries.data()),
       end_(entries.data() + entries.size()),
-      periodEntries_(next_),
-      periodOfEntries_(std::numeric_limits<std::int32_t>::min()) {
+      periodEntries_(next_) {
   const SuccessSpans spans = successSpans(rules.frequency);
   shortTerm_.from = firstDayOf(spans.shortTerm, scope.today);
   longTerm_.from = firstDayOf(spans.longTerm, scope.today);
@@ -86,7 +84,8 @@ void Walker::pass() {
       capture();
     const LoggedEntry* const first = next_;
     while (next_ != end_ && next_->periodFrom <= judging.to) ++next_;
-    judge<isNegative>(judging, {first, next_});
+    judging.entries = {first, next_};
+    judge<isNegative>(judging);
     if (judging.to >= today_) return;
     state_.closedThrough = judging.to;
     moveBeyond(judging);
@@ -97,7 +96,7 @@ void Walker::pass() {
 void Walker::findPlainDays() {
   const std::int32_t today = numberOf(today_);
   plainThrough_ = std::min(today, numberOf(longTerm_.from)) - 1;
-  if (captureAfter_ != never) plainThrough_ = std::min(*plainThrough_, numberOf(captureAfter_));
+  if (captureAfter_ != endOfTime) plainThrough_ = std::min(*plainThrough_, numberOf(captureAfter_));
 }
 
 /// To do: passes days in a row, up to the end of a month, of which each has nothing but one full completion. They come
@@ -144,6 +143,7 @@ PeriodJudging Walker::nextPeriod() {
     judging.from = next_->periodFrom;
     judging.to = next_->periodTo;
     judging.type = next_->periodType;
+    judging.isShortened = isPartOfItsType(judging);
   } else if (!due_.measuresDays()) {
     cutLongerPeriod(judging);
   }
@@ -163,27 +163,28 @@ void Walker::cutLongerPeriod(PeriodJudging& judging) const {
 }
 
 template <bool isNegative>
-void Walker::judge(PeriodJudging& judging, std::span<const LoggedEntry> entries) {
+void Walker::judge(PeriodJudging& judging) {
   const bool isOpen = judging.to >= today_;
   begin<isNegative>(judging);
-  for (const LoggedEntry& entry : entries) {
+  for (const LoggedEntry& entry : judging.entries) {
     progress_.take(entry);
     judging.apply<isNegative>(entry.entryType, entry.entryDate, progress_, state_.streak);
   }
   const std::optional<TaskLogEntryType> filled = isOpen ? std::nullopt : fillIn<isNegative>(judging);
   if (!isOpen) close<isNegative>(judging);
+  // A day that was skipped by hand is none of those that were there to be used; only its entries tell.
   if (!isNegative && judging.isSkippedByHand() && judging.isSingleDay() && !judging.isPaused)
     judging.isDue = due_.isDue<isNegative>(cursor_, true);
-  const PeriodVerdict verdict = note<isNegative>(judging, isOpen);
+  const PeriodVerdict verdict = note(judging, isOpen);
   sample(judging, verdict);
-  if (isOpen || filled || visit_) report(judging, entries, isOpen, verdict, filled);
-  if (due_.dependsOnLog()) count<isNegative>(judging, verdict);
+  if (isOpen || filled || visit_) report(judging, isOpen, verdict, filled);
+  if (due_.dependsOnLog()) count<isNegative>(judging, verdict, isOpen);
 }
 
 template <bool isNegative>
 void Walker::begin(PeriodJudging& judging) {
   if (judging.isSingleDay()) [[likely]] {
-    due_.enter(cursor_);
+    enterCountingPeriod(cursor_, judging.entries.data());
     judging.isPaused = pauses_.contains(judging.number);
     judging.isDue = !judging.isPaused && due_.isDue<isNegative>(cursor_, false);
     if constexpr (isNegative) judging.missIsAllowed = due_.hasRoom(judging.number, judging.isDue);
@@ -198,6 +199,13 @@ void Walker::begin(PeriodJudging& judging) {
   const SkipMode mode = skipMode(judging.isDue, due_.dependsOnLog());
   judging.status = isNegative ? Status::negativeComplete(mode) : Status::positiveIncomplete(mode);
   progress_.begin();
+}
+
+/// Moves the rule on to a day, and keeps where the entries of its counting period begin.
+void Walker::enterCountingPeriod(const DayCursor& day, const LoggedEntry* entries) {
+  const std::int32_t before = due_.periodStart();
+  due_.enter(day);
+  if (due_.periodStart() != before) periodEntries_ = entries;
 }
 
 template <bool isNegative>
@@ -220,7 +228,6 @@ void Walker::close(PeriodJudging& judging) {
 }
 
 /// Keeps the days of the newest completion, miss and skip, and says how the period is judged.
-template <bool isNegative>
 PeriodVerdict Walker::note(const PeriodJudging& judging, bool isOpen) {
   switch (judging.status.kind()) {
     case Status::Kind::positiveComplete: state_.lastCompleted = judging.decidedOn; return PeriodVerdict::success;
@@ -242,9 +249,9 @@ PeriodVerdict Walker::note(const PeriodJudging& judging, bool isOpen) {
 
 /// Tells the rule what came of the period, for the days after it.
 template <bool isNegative>
-void Walker::count(const PeriodJudging& judging, PeriodVerdict verdict) {
+void Walker::count(const PeriodJudging& judging, PeriodVerdict verdict, bool isOpen) {
   if (!judging.isSingleDay()) {
-    countLongerPeriod(judging);
+    if (!isOpen) countLongerPeriod(judging);
     return;
   }
   if (verdict == PeriodVerdict::success) due_.countCompleted(judging.number);
@@ -259,7 +266,7 @@ void Walker::count(const PeriodJudging& judging, PeriodVerdict verdict) {
 /// which made it so; if it was skipped by hand, none of its days was there to be used.
 void Walker::countLongerPeriod(const PeriodJudging& judging) {
   const DayCursor lastDay(dayOf(judging.to));
-  due_.enter(lastDay);
+  enterCountingPeriod(lastDay, judging.entries.data());
   const std::int32_t first = numberOf(judging.from);
   const std::int32_t decided = judging.decidedOn == 0 ? first : numberOf(judging.decidedOn);
   const std::int32_t day = std::clamp(decided, first, lastDay.number());
@@ -280,12 +287,8 @@ void Walker::sample(const PeriodJudging& judging, PeriodVerdict verdict) {
   shortTerm_.take(lastDay, verdict);
 }
 
-void Walker::report(const PeriodJudging& judging, std::span<const LoggedEntry> entries, bool isOpen,
-                    PeriodVerdict verdict, std::optional<TaskLogEntryType> fillIn) {
-  if (periodOfEntries_ != due_.periodStart()) {
-    periodOfEntries_ = due_.periodStart();
-    periodEntries_ = entries.data();
-  }
+void Walker::report(const PeriodJudging& judging, bool isOpen, PeriodVerdict verdict,
+                    std::optional<TaskLogEntryType> fillIn) {
   const WalkedPeriod walked{.from = judging.from,
                             .to = judging.to,
                             .progressDay = std::min(judging.to, today_),
@@ -302,11 +305,12 @@ void Walker::report(const PeriodJudging& judging, std::span<const LoggedEntry> e
                             .hasSkip = judging.hasSkip,
                             .missIsAllowed = judging.missIsAllowed,
                             .fillIn = fillIn,
-                            .entries = entries,
+                            .entries = judging.entries,
                             .source = {.rules = &rules_,
                                        .due = &due_,
-                                       .countedEntries = {periodEntries_, entries.data()},
+                                       .countedEntries = {periodEntries_, judging.entries.data()},
                                        .isCut = judging.isCut,
+                                       .isShortened = judging.isShortened,
                                        .isUnavailable = judging.isPaused || judging.isSkippedByHand(),
                                        .number = judging.number}};
   if (fillIn) result_.fillIns.push_back({.period = walked.period(), .entryType = *fillIn});
@@ -326,9 +330,11 @@ void Walker::moveBeyond(const PeriodJudging& judging) {
 }
 
 void Walker::capture() {
-  captureAfter_ = never;
+  captureAfter_ = endOfTime;
   if (plainThrough_) findPlainDays();
-  if (state_.closedThrough == 0) return;
+  // Whoever resumes reads the entries of later days only; none of an earlier one may then be missing.
+  const auto reachesAhead = [&](const LoggedEntry& entry) { return entry.entryDate <= state_.closedThrough; };
+  if (state_.closedThrough == 0 || std::any_of(next_, end_, reachesAhead)) return;
   state_.counts = due_.counts();
   result_.checkpoint = state_;
   result_.checkpoint->created = intForm(scope_.created);
@@ -363,15 +369,16 @@ void Walker::fillInFigures() {
 void Walker::fillInCounts() {
   TaskFigures& figures = result_.figures;
   if (due_.countsDays()) {
+    due_.enter(DayCursor(scope_.today));
     figures.daysInPeriod = {.firstDayOfWeek = rules_.firstDayOfWeek,
                             .numUniqueCompletions = due_.completedDays(),
                             .taskCreatedDate = scope_.created,
                             .isNegative = rules_.isNegative,
-                            .fromDate = qz::YYYYMMDD::fromDayNumber(due_.periodStart()),
-                            .toDate = qz::YYYYMMDD::fromDayNumber(due_.periodEnd())};
+                            .fromDate = dayOfNumber(due_.periodStart()),
+                            .toDate = dayOfNumber(due_.periodEnd())};
   }
   if (rules_.frequency.dayMode == TaskFrequency::DayMode::dayInterval && !rules_.isNegative && completedBeforeToday_) {
-    const qz::YYYYMMDD day = qz::YYYYMMDD::fromDayNumber(*completedBeforeToday_);
+    const qz::YYYYMMDD day = dayOfNumber(*completedBeforeToday_);
     figures.dayInterval.periodOfLastCompletionBeforeToday =
         rules_.frequency.period(day, rules_.firstDayOfWeek, rules_.referenceDate).period;
   }

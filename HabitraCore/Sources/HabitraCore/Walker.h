@@ -45,22 +45,21 @@ class Walker {
   [[nodiscard]] bool passCompletedDays();
 
   template <bool isNegative>
-  void judge(PeriodJudging& judging, std::span<const LoggedEntry> entries);
+  void judge(PeriodJudging& judging);
   template <bool isNegative>
   void begin(PeriodJudging& judging);
+  void enterCountingPeriod(const DayCursor& day, const LoggedEntry* entries);
   template <bool isNegative>
   [[nodiscard]] std::optional<TaskLogEntryType> fillIn(PeriodJudging& judging);
   template <bool isNegative>
   void close(PeriodJudging& judging);
-  template <bool isNegative>
   [[nodiscard]] PeriodVerdict note(const PeriodJudging& judging, bool isOpen);
   template <bool isNegative>
-  void count(const PeriodJudging& judging, PeriodVerdict verdict);
+  void count(const PeriodJudging& judging, PeriodVerdict verdict, bool isOpen);
   void countLongerPeriod(const PeriodJudging& judging);
 
   void sample(const PeriodJudging& judging, PeriodVerdict verdict);
-  void report(const PeriodJudging& judging, std::span<const LoggedEntry> entries, bool isOpen, PeriodVerdict verdict,
-              std::optional<TaskLogEntryType> fillIn);
+  void report(const PeriodJudging& judging, bool isOpen, PeriodVerdict verdict, std::optional<TaskLogEntryType> fillIn);
   void moveBeyond(const PeriodJudging& judging);
   void capture();
   void fillInFigures();
@@ -81,8 +80,7 @@ class Walker {
   MadeProgress progress_;
   const LoggedEntry* next_;
   const LoggedEntry* const end_;
-  const LoggedEntry* periodEntries_;  ///< the first entry of the counting period
-  std::int32_t periodOfEntries_;      ///< and the day number with which that begins
+  const LoggedEntry* periodEntries_;  ///< the first entry of the counting period, where every period is visited
   HistoryCheckpoint state_;
   SuccessSample shortTerm_;
   SuccessSample longTerm_;
