@@ -29,13 +29,23 @@ bool mayFollow(const LoggedEntry& before, const LoggedEntry& entry) {
 }
 
 /// Whether the walk can read the entries where they lie.
-bool isInOrder(std::span<const LoggedEntry> entries, bool measuresDays) {
+bool isInOrder(std::span<const LoggedEntry> entries) {
   const LoggedEntry none;
   const LoggedEntry* before = &none;
   for (const LoggedEntry& entry : entries) {
-    // Nearly all entries count for the one day for which they were made. A walk by the day meets none that does not
-    // exist.
-    const bool isOfOneDay = measuresDays && entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
+    if (!mayFollow(*before, entry)) return false;
+    before = &entry;
+  }
+  return true;
+}
+
+/// The same for a walk by the day. Nearly all entries count for the one day for which they were made, and one that does
+/// not exist is met by no day.
+bool isInOrderOfDays(std::span<const LoggedEntry> entries) {
+  const LoggedEntry none;
+  const LoggedEntry* before = &none;
+  for (const LoggedEntry& entry : entries) {
+    const bool isOfOneDay = entry.periodFrom == entry.periodTo && entry.periodFrom == entry.entryDate;
     if (entry.periodFrom <= before->periodTo || !isOfOneDay) [[unlikely]] {
       if (!mayFollow(*before, entry)) return false;
     }
@@ -102,7 +112,8 @@ LoggedEntries::LoggedEntries(std::span<const LoggedEntry> entries, const TaskRul
   const auto isFuture = [&](const LoggedEntry& entry) { return entry.entryDate > days.today && !entry.isAhead; };
   while (!entries.empty() && isFuture(entries.back())) entries = entries.first(entries.size() - 1);
   const bool hasAhead = !entries.empty() && entries.back().entryDate > days.today;
-  if (!hasAhead && isInOrder(entries, !rules.frequency.isAggregate())) {
+  const bool liesInOrder = rules.frequency.isAggregate() ? isInOrder(entries) : isInOrderOfDays(entries);
+  if (!hasAhead && liesInOrder) {
     const auto isClosed = [&](const LoggedEntry& entry) { return entry.periodTo <= days.closedThrough; };
     inOrder_ = {std::ranges::partition_point(entries, isClosed), entries.end()};
     const bool reachesBack = !inOrder_.empty() && inOrder_.front().periodFrom <= days.closedThrough;
