@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -14,40 +14,23 @@ namespace {
 
 using namespace scenario_words;
 
-using Settings = std::map<std::string, std::string>;
-
 std::int32_t integer(const qz::YYYYMMDD& date) { return static_cast<std::int32_t>(date.intValue()); }
 
 bool isRemark(const std::string& line) { return line.empty() || line.starts_with('#'); }
 bool isFigure(const std::string& line) { return line.starts_with("last:") || line.starts_with("shares:"); }
 bool isPeriod(const std::string& line) { return line[0] >= '0' && line[0] <= '9'; }
 
-std::string evenedLine(const std::string& line) {
-  std::string result;
-  for (const std::string& word : wordsOf(line)) result += (result.empty() ? "" : " ") + word;
-  return result;
-}
-
 void applySettings(Scenario& scenario, Settings settings) {
-  const auto take = [&](const std::string& name, const std::string& absent) {
-    auto node = settings.extract(name);
-    return node ? node.mapped() : absent;
-  };
-  TaskRules& rules = scenario.rules;
-  rules.frequency = frequency(take("due", ""), number(take("times", "1")));
-  rules.isNegative = isToAvoid(take("sign", ""));
-  rules.firstDayOfWeek = weekday(take("weeks", "sunday"));
-  rules.pauses = pauses(take("paused", ""));
-  if (settings.contains("reference")) rules.referenceDate = day(take("reference", ""));
-  scenario.scope.today = day(take("today", ""));
-  const qz::YYYYMMDD creationDay = day(take("created", ""));
+  scenario.rules = takeRules(settings);
   // The log is in order of days.
   const auto first = std::ranges::find_if(scenario.log, marksHistory, &LoggedEntry::entryType);
-  const qz::YYYYMMDD logBegins =
-      first == scenario.log.end() ? creationDay : *qz::YYYYMMDD::fromRawValue(first->entryDate);
-  scenario.scope.created = std::min(creationDay, logBegins);
-  scenario.scope.fillFrom = settings.contains("filled") ? day(take("filled", "")) : logBegins;
-  if (!settings.empty()) throw std::runtime_error("no setting is called " + settings.begin()->first);
+  std::optional<qz::YYYYMMDD> logBegins;
+  if (first != scenario.log.end()) logBegins = qz::YYYYMMDD::fromRawValue(first->entryDate);
+  const qz::YYYYMMDD created = day(take(settings, "created"));
+  std::optional<qz::YYYYMMDD> filled;
+  if (settings.contains("filled")) filled = day(take(settings, "filled"));
+  scenario.scope = HistoryScope::of(created, logBegins, filled, day(take(settings, "today")));
+  expectNoneLeft(settings);
 }
 
 TaskFrequencyPeriodType typeIn(const std::vector<std::string>& words) {
@@ -69,12 +52,12 @@ void readEntries(Scenario& scenario, const Scenario::Line& line, TaskFrequencyPe
   const auto to = *qz::YYYYMMDD::fromRawValue(line.to);
   const auto log = [&](const std::string& word, const qz::YYYYMMDD& date) {
     const bool isDay = type == TaskFrequencyPeriodType::day;
-    scenario.log.push_back({.order = static_cast<std::int64_t>(scenario.log.size()),
-                            .entryDate = integer(date),
-                            .periodFrom = isDay ? integer(date) : line.from,
-                            .periodTo = isDay ? integer(date) : line.to,
-                            .entryType = entryType(word),
-                            .periodType = type});
+    LoggedEntry& logged = scenario.log.emplace_back(entry(word));
+    logged.order = static_cast<std::int64_t>(scenario.log.size());
+    logged.entryDate = integer(date);
+    logged.periodFrom = isDay ? integer(date) : line.from;
+    logged.periodTo = isDay ? integer(date) : line.to;
+    logged.periodType = type;
   };
   std::vector<std::string> words = wordsOf(column);
   if (type != TaskFrequencyPeriodType::day) {
@@ -151,7 +134,7 @@ std::string evened(const std::string& text) {
   std::string result;
   std::string line;
   while (std::getline(stream, line))
-    if (const std::string words = evenedLine(line); !words.empty()) result += words + "\n";
+    if (const std::string words = scenario_words::evenedLine(line); !words.empty()) result += words + "\n";
   return result;
 }
 

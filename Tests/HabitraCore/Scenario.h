@@ -36,17 +36,19 @@
 ///
 /// Further settings, with their values when absent: `times`, the partial entries that one completion needs (1);
 /// `reference`, the anchor of fortnights and intervals (none); `paused`, spans such as
-/// `2024-01-03..2024-01-06, 2024-02-01..` (none); `filled`, the first day to fill in (the first of the history).
+/// `2024-01-03..2024-01-06, 2024-02-01..` (none); `measure`, the target of a measured task, such as `10 litres`,
+/// `timed 30 minutes` or `rings` (none); `filled`, the first day to fill in (that of the first entry).
 ///
 /// First column: the days, and `due` or `paused`. Equal days in a row share a line; a line that was read is not joined
 /// with days beside it. A longer period has a line of its own with the name of its type, and its entries are stored
 /// with its bounds, so that a history may hold periods of another frequency than today's.
 ///
 /// Second: the entries in order of creation; with `each` every day of the line has them. An entry of a longer period
-/// stands behind its day, `12:part` or, in a year, `03-12:part`. In brackets the one that the walk fills in.
+/// stands behind its day, `12:part` or, in a year, `03-12:part`. The amount that one reports stands in parentheses, in
+/// the unit of the target, of timers in seconds. In brackets the entry that the walk fills in.
 ///
-/// Third: the status, with the progress where a period needs several entries. A star says that an open day is shown
-/// with an indicator, since the rule looks at the log.
+/// Third: the status, with the progress where a period needs several entries or is measured. A star says that an open
+/// day is shown with an indicator, since the rule looks at the log.
 ///
 /// Fourth: the streak, current/best. Over equal days it rests or grows by one a day.
 ///
@@ -54,6 +56,20 @@
 /// and of the last. Counted days, to do: completed days before + days to come, against the days required; to avoid:
 /// the allowance that was left/the whole. Intervals: the day they count from + the days since. To avoid, `room` says
 /// that a failure of the day is an allowed miss.
+///
+/// There are two simpler kinds of files. Without `today`, and with no setting but those of the rules, each line is an
+/// action on a log of its own: what stands, what a person taps or writes, what stands then, and what the day shows:
+///
+///     part part             | tap-part  | part part part | complete 3/3
+///     2:skip-auto 3:done    | 1:done    | 1:done 3:done  | complete
+///
+/// Entries and actions are those of a day of January 2024, which begins on a Monday; of the first where none is named.
+/// A `tap` asks for a whole completion, or failure; the first two columns are read.
+///
+/// Without any setting, each line is a rule and the columns that keep it: mode, weekdays, days or interval, times,
+/// days of the month. Both ways, `<->`, or only as it is read, `<-`:
+///
+///     total 4 a year times 2 | <-> | 9 0 4 2 0
 namespace habitra {
 
 struct Scenario {
@@ -77,6 +93,12 @@ struct Scenario {
   /// The text as it has to be: settings, remarks and entries as they were read, all the rest as the walk gives it.
   [[nodiscard]] std::string drawn() const;
 };
+
+/// A file of any kind as it has to be.
+[[nodiscard]] std::string drawn(const std::string& text);
+
+/// The third column.
+[[nodiscard]] std::string statusText(const WalkedPeriod& walked);
 
 /// A text without empty lines and with runs of spaces made one: the form in which two drawings are compared.
 [[nodiscard]] std::string evened(const std::string& text);

@@ -12,7 +12,7 @@ namespace habitra {
 
 namespace {
 
-using scenario_words::nameOf;
+using namespace scenario_words;
 
 /// A line of the drawing: one period, or equal days in a row.
 struct Row {
@@ -37,7 +37,7 @@ std::string joined(const std::string& first, const std::string& second, const st
 }
 
 std::string entryText(const LoggedEntry& entry, TaskFrequencyPeriodType type) {
-  const std::string word(nameOf(entry.entryType));
+  const std::string word = textOf(entry);
   const std::string date = dayOf(entry.entryDate).debugDescription();
   switch (type) {
     case TaskFrequencyPeriodType::day: return word;
@@ -45,6 +45,8 @@ std::string entryText(const LoggedEntry& entry, TaskFrequencyPeriodType type) {
     default: return date.substr(8) + ":" + word;
   }
 }
+
+}  // namespace
 
 std::string statusText(const WalkedPeriod& walked) {
   using Kind = CompletionStatus::Status::Kind;
@@ -63,9 +65,14 @@ std::string statusText(const WalkedPeriod& walked) {
   using SkipMode = TaskFrequency::SkipMode;
   const auto mode = walked.isOpen ? walked.status.skipMode() : std::nullopt;
   if (mode == SkipMode::willMissWithIndicator || mode == SkipMode::willSkipWithIndicator) text += "*";
-  if (walked.expectedUnits == 1) return text;
-  return text + " " + std::to_string(walked.progress.numUnits) + "/" + std::to_string(walked.expectedUnits);
+  const TaskProgressCodable progress = walked.completionStatus().codableProgress;
+  if (progress.type() == TaskProgressType::simple) return text;
+  if (const auto* const parts = std::get_if<TaskProgressDiscrete>(&progress.base))
+    return text + " " + std::to_string(parts->numCompletions) + "/" + std::to_string(parts->expectedCompletions);
+  return text + " " + std::to_string(displayedPercentage(progress.progressShare())) + "%";
 }
+
+namespace {
 
 std::string countText(const PeriodReason& reason) {
   if (reason.required) {
@@ -130,8 +137,6 @@ bool goesOn(const Row& row, const Row& day) {
   return growth == 0 || (growth == days && before == days - 1);
 }
 
-using Columns = std::array<std::string, 5>;
-
 /// "2024-01-01 Mon", "2024-01-01..2024-01-03 Mon..Wed" or "2024-01-01..2024-01-07 week".
 std::string spanText(const Row& row) {
   const qz::YYYYMMDD from = dayOf(row.from);
@@ -142,7 +147,7 @@ std::string spanText(const Row& row) {
   return days + " " + (from == to ? weekday : weekday + ".." + std::string(nameOf(to.dayOfWeek())));
 }
 
-Columns columnsOf(const Row& row) {
+std::vector<std::string> columnsOf(const Row& row) {
   const bool isEach = row.type == TaskFrequencyPeriodType::day && row.from != row.to && !row.entries.empty();
   return {spanText(row) + row.mark, row.entries + (isEach ? " each" : ""), row.status,
           joined(streakText(row.firstStreak), streakText(row.lastStreak), ".."),
@@ -203,21 +208,13 @@ class Drawing {
   }
 
   void writeRows() {
-    std::vector<Columns> table;
-    std::array<std::size_t, 5> widths{};
-    for (const Row& row : rows_) {
-      table.push_back(columnsOf(row));
-      for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], table.back()[i].size());
-    }
+    std::vector<std::vector<std::string>> table;
+    for (const Row& row : rows_) table.push_back(columnsOf(row));
+    const std::vector<std::string> lines = linesOf(table);
     auto line = scenario_.lines.begin();
     for (std::size_t row = 0; row < rows_.size(); ++row) {
       for (; line != scenario_.lines.end() && line->from <= rows_[row].to; ++line) write(line->remarks);
-      std::string text;
-      for (std::size_t i = 0; i < widths.size(); ++i) {
-        if (i + 1 == widths.size() && widths[i] == 0) continue;  // most rules count nothing
-        text += (i == 0 ? "" : " | ") + table[row][i] + std::string(widths[i] - table[row][i].size(), ' ');
-      }
-      text_ += text.substr(0, text.find_last_not_of(' ') + 1) + "\n";
+      text_ += lines[row] + "\n";
     }
     for (; line != scenario_.lines.end(); ++line) write(line->remarks);
   }

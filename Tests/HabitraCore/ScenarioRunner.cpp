@@ -19,7 +19,7 @@ std::string contents(const std::string& path) {
 /// Shows the scenario as the walk draws it, or writes that into its file; whether the file drew it so already.
 bool comesOut(const std::string& path, bool isToBeWritten) {
   const std::string text = contents(path);
-  const std::string drawn = habitra::Scenario::read(text).drawn();
+  const std::string drawn = habitra::drawn(text);
   if (!isToBeWritten) {
     std::cout << drawn;
   } else if (drawn != text && !(std::ofstream(path) << drawn).flush()) {

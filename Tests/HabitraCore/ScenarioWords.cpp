@@ -84,11 +84,39 @@ TaskFrequency ruleOf(const std::vector<std::string>& words) {
   return frequency;
 }
 
+bool isToAvoid(const std::string& text) {
+  if (text != "to do" && text != "to avoid") fail("neither to do nor to avoid: ", text);
+  return text == "to avoid";
+}
+
+double amount(const std::string& text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) fail("not an amount: ", text);
+  return value;
+}
+
+TaskMeasure measure(const std::string& text) {
+  const std::vector<std::string> words = wordsOf(text);
+  if (words.empty()) return {};
+  if (text == "rings") return {.kind = TaskMeasure::Kind::rings};
+  if (words.size() == 3 && words[0] == "timed" && words[2] == "minutes")
+    return {.kind = TaskMeasure::Kind::timed, .target = 60 * amount(words[1])};
+  if (words.size() == 2) return {.kind = TaskMeasure::Kind::quantity, .target = amount(words[0])};
+  fail("not a measure: ", text);
+}
+
 }  // namespace
 
 std::vector<std::string> wordsOf(const std::string& text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};
+}
+
+std::string evenedLine(const std::string& line) {
+  std::string result;
+  for (const std::string& word : wordsOf(line)) result += (result.empty() ? "" : " ") + word;
+  return result;
 }
 
 std::int64_t number(const std::string& text) {
@@ -152,6 +180,23 @@ std::string_view nameOf(TaskLogEntryType type) {
   return std::ranges::find(entryWords, type, &std::pair<std::string_view, T>::second)->first;
 }
 
+LoggedEntry entry(const std::string& text) {
+  const auto parenthesis = text.find('(');
+  LoggedEntry entry{.entryType = entryType(text.substr(0, parenthesis))};
+  if (parenthesis == std::string::npos) return entry;
+  if (!text.ends_with(')')) fail("not an entry: ", text);
+  entry.progress = entry.progressTotal = amount(text.substr(parenthesis + 1, text.size() - parenthesis - 2));
+  return entry;
+}
+
+std::string textOf(const LoggedEntry& entry) {
+  std::string text(nameOf(entry.entryType));
+  if (entry.progressTotal == 0) return text;
+  std::array<char, 32> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), entry.progressTotal).ptr;
+  return text + "(" + std::string(digits.data(), end) + ")";
+}
+
 TaskFrequency frequency(const std::string& text, std::int64_t times) {
   TaskFrequency frequency = ruleOf(wordsOf(text));
   frequency.numPartialCompletions = times;
@@ -159,9 +204,41 @@ TaskFrequency frequency(const std::string& text, std::int64_t times) {
   return frequency;
 }
 
-bool isToAvoid(const std::string& text) {
-  if (text != "to do" && text != "to avoid") fail("neither to do nor to avoid: ", text);
-  return text == "to avoid";
+std::string take(Settings& settings, const std::string& name, const std::string& absent) {
+  auto node = settings.extract(name);
+  return node ? node.mapped() : absent;
+}
+
+TaskRules takeRules(Settings& settings) {
+  TaskRules rules;
+  rules.frequency = frequency(take(settings, "due"), number(take(settings, "times", "1")));
+  rules.isNegative = isToAvoid(take(settings, "sign"));
+  rules.firstDayOfWeek = weekday(take(settings, "weeks", "sunday"));
+  rules.pauses = pauses(take(settings, "paused"));
+  rules.measure = measure(take(settings, "measure"));
+  if (settings.contains("reference")) rules.referenceDate = day(take(settings, "reference"));
+  return rules;
+}
+
+void expectNoneLeft(const Settings& settings) {
+  if (!settings.empty()) fail("no setting is called ", settings.begin()->first);
+}
+
+std::vector<std::string> linesOf(const std::vector<std::vector<std::string>>& table) {
+  std::vector<std::size_t> widths;
+  for (const auto& row : table) {
+    widths.resize(row.size());
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  if (!widths.empty() && widths.back() == 0) widths.pop_back();
+  std::vector<std::string> lines;
+  for (const auto& row : table) {
+    std::string line;
+    for (std::size_t i = 0; i < widths.size(); ++i)
+      line += (i == 0 ? "" : " | ") + row[i] + std::string(widths[i] - row[i].size(), ' ');
+    lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
+  }
+  return lines;
 }
 
 }  // namespace habitra::scenario_words
