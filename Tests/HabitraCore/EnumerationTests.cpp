@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
-#include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskFrequency.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraCore/TaskLogEntryType.h>
-#include <HabitraCore/TaskMeasure.h>
 #include <HabitraCore/TaskRecentHistory.h>
 
 #include <array>
-#include <cstdint>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,43 +15,27 @@ namespace {
 
 using T = TaskLogEntryType;
 
-// The order of declaration, beside the values that stores have held from the beginning.
-constexpr std::array<std::pair<T, std::int16_t>, 16> storedTypes{{
-    {T::unknown, 0},
-    {T::completedManuallyFull, 1},
-    {T::completedAutomaticallyFull, 2},
-    {T::completedManuallyPartial, 6},
-    {T::skippedManuallyFull, 3},
-    {T::skippedAutomaticallyFull, 4},
-    {T::allowableMissManuallyFull, 13},
-    {T::allowableMissAutomaticallyFull, 14},
-    {T::missedAutomaticallyFull, 5},
-    {T::missedManuallyFull, 7},
-    {T::missedManuallyPartial, 8},
-    {T::missedAutomaticallyPartial, 9},
-    {T::completedAutomaticallyPartial, 10},
-    {T::timerManual, 11},
-    {T::timerAutomatic, 12},
-    {T::externalHealthData, 15},
-}};
-
+// In the order of declaration, with the values that stores have held from the beginning.
 TEST(Enumerations, EntryTypesKeepTheirStoredValuesAndOrder) {
-  ASSERT_EQ(RawValueTable<T>::rows.size(), storedTypes.size());
-  for (std::size_t i = 0; i < storedTypes.size(); ++i) {
-    const auto& [type, raw] = storedTypes[i];
-    EXPECT_EQ(RawValueTable<T>::rows[i].value, type) << i;
-    EXPECT_EQ(rawValue(type), raw);
-    EXPECT_EQ(fromRawValue<T>(raw), type);
-    EXPECT_EQ(fromCaseName<T>(caseName(type)), type);
+  std::string found;
+  for (const auto& row : RawValueTable<T>::rows) {
+    found += std::string(row.name) + " " + std::to_string(row.raw) + " ";
+    EXPECT_EQ(fromRawValue<T>(row.raw), row.value);
+    EXPECT_EQ(fromCaseName<T>(row.name), row.value);
   }
+  EXPECT_EQ(found,
+            "unknown 0 completedManuallyFull 1 completedAutomaticallyFull 2 completedManuallyPartial 6 "
+            "skippedManuallyFull 3 skippedAutomaticallyFull 4 allowableMissManuallyFull 13 "
+            "allowableMissAutomaticallyFull 14 missedAutomaticallyFull 5 missedManuallyFull 7 missedManuallyPartial 8 "
+            "missedAutomaticallyPartial 9 completedAutomaticallyPartial 10 timerManual 11 timerAutomatic 12 "
+            "externalHealthData 15 ");
   for (const int raw : {-1, 16, 65'536 + 1}) EXPECT_EQ(fromRawValue<T>(raw), std::nullopt) << raw;
 }
 
 TEST(Enumerations, EntryTypesAreClassifiedByTheWordsOfTheirNames) {
-  for (const auto& [type, raw] : storedTypes) {
-    const std::string_view name = caseName(type);
+  for (const auto& [type, raw, name] : RawValueTable<T>::rows) {
     SCOPED_TRACE(name);
-    const auto has = [&](std::string_view word) { return name.find(word) != std::string_view::npos; };
+    const auto has = [&name = name](std::string_view word) { return name.find(word) != std::string_view::npos; };
     EXPECT_EQ(isFull(type), has("Full"));
     EXPECT_EQ(isPartial(type), has("Partial"));
     EXPECT_EQ(isAutomatic(type), has("Automatic"));
@@ -71,29 +52,15 @@ TEST(Enumerations, EntryTypesAreClassifiedByTheWordsOfTheirNames) {
 }
 
 TEST(Enumerations, ModesSkipModesAndPeriodTypesReadOnlyWhatTheyKnow) {
-  using Mode = TaskFrequency::DayMode;
   using Type = TaskFrequencyPeriodType;
-  constexpr std::array<std::pair<Type, Type>, 11> columns{{
-      {Type::day, Type::day},
-      {Type::day, Type::week},
-      {Type::day, Type::day},
-      {Type::day, Type::month},
-      {Type::day, Type::year},
-      {Type::day, Type::fortnight},
-      {Type::week, Type::week},
-      {Type::month, Type::month},
-      {Type::fortnight, Type::fortnight},
-      {Type::year, Type::year},
-      {Type::day, Type::month},
-  }};
-  for (int raw = 0; raw < 11; ++raw) {
-    TaskFrequency frequency;
-    frequency.dayMode = fromRawValue<Mode>(raw).value();
-    const auto& [measured, counted] = columns[static_cast<std::size_t>(raw)];
-    EXPECT_EQ(frequency.measurementDuration(), measured) << raw;
-    EXPECT_EQ(frequency.periodTypeForCompletionCountCalculation(), counted) << raw;
+  std::string columns;
+  for (const auto& row : RawValueTable<TaskFrequency::DayMode>::rows) {
+    const TaskFrequency frequency{.dayMode = row.value};
+    columns += std::string(rawValue(frequency.measurementDuration())) +
+               std::string(rawValue(frequency.periodTypeForCompletionCountCalculation())) + " ";
   }
-  EXPECT_EQ(fromRawValue<Mode>(11), std::nullopt);
+  EXPECT_EQ(columns, "dd dw dd dm dy df ww mm ff yy dm ");
+  EXPECT_EQ(fromRawValue<TaskFrequency::DayMode>(11), std::nullopt);
   EXPECT_EQ(fromRawValue<TaskFrequency::SkipMode>("mwoi"), TaskFrequency::SkipMode::willMissWithoutIndicator);
   EXPECT_EQ(fromRawValue<TaskFrequency::SkipMode>("swi"), TaskFrequency::SkipMode::willSkipWithIndicator);
   EXPECT_EQ(fromRawValue<TaskFrequency::SkipMode>("xyz"), std::nullopt);
@@ -159,40 +126,9 @@ TEST(EntryChoice, ANewEntryTakesThePlaceOfOthers) {
   }};
   for (const auto& [type, row] : taken) {
     std::string found;
-    for (const auto& [existing, raw] : storedTypes) found += supersedes(type, existing) ? 'x' : '.';
+    for (const auto& existing : RawValueTable<T>::rows) found += supersedes(type, existing.value) ? 'x' : '.';
     EXPECT_EQ(found, row) << caseName(type);
   }
-}
-
-/// Taps a task of which a day needs `units` until it is where it began, and spells the kinds and streaks on the way.
-std::string tapRound(CompletionStatus status, bool isPartial, const CompletionStatus::TapRules& rules) {
-  const CompletionStatus start = status;
-  std::string round;
-  for (int taps = 0; taps < 10; ++taps) {
-    const StreakedCompletionStatus next = status.next({.current = 4, .best = 9}, isPartial, rules);
-    round +=
-        std::string(caseName(next.completionStatus.status.kind())) + " " + std::to_string(next.streak.current) + "; ";
-    status = next.completionStatus;
-    if (status.status == start.status && status.codableProgress == start.codableProgress) break;
-  }
-  return round;
-}
-
-TEST(EntryChoice, TapsGoRound) {
-  using Status = CompletionStatus::Status;
-  const CompletionStatus::TapRules due{};
-  const CompletionStatus::TapRules allowed{.missIsAllowed = true};
-  const auto mode = TaskFrequency::SkipMode::willMissWithoutIndicator;
-  const CompletionStatus toDo = CompletionStatus::unchecked(progressRecord({}, {}, 3));
-  EXPECT_EQ(tapRound(toDo, false, due), "positiveComplete 5; positiveSkip 4; positiveIncomplete 4; ");
-  EXPECT_EQ(tapRound(toDo, true, due),
-            "positiveIncomplete 4; positiveIncomplete 4; positiveComplete 5; positiveSkip 4; positiveIncomplete 4; ");
-  const CompletionStatus missed{Status::positiveMiss(), progressRecord({}, {}, 1)};
-  EXPECT_EQ(missed.next({.current = 4, .best = 9}, false).completionStatus.status, Status::positiveComplete());
-  const CompletionStatus clean{Status::negativeComplete(mode), progressRecord({}, {}, 2)};
-  EXPECT_EQ(tapRound(clean, false, due), "negativeMiss 0; negativeComplete 4; ");
-  EXPECT_EQ(tapRound(clean, false, allowed), "negativeAllowedMiss 4; negativeComplete 4; ");
-  EXPECT_EQ(tapRound(clean, true, due), "negativeComplete 4; negativeMiss 0; negativeComplete 4; ");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "CodingComplaints.h"
 #include "FrequencyGenerators.h"
 #include "QZDateTime/Printing.h"
 
@@ -108,16 +109,7 @@ RC_GTEST_PROP(Periods, ReferenceDatesOfOneWeekGiveTheSameFortnights, ()) {
   RC_ASSERT(firstDate(Type::fortnight, reference, first, reference) == reference.startOfWeek(first));
 }
 
-TEST(Periods, HaveOneOfNineLengths) {
-  const auto rawOf = [](Type type, const qz::YYYYMMDD& day) { return rawValue(multiDayCount(type, day)); };
-  EXPECT_EQ(rawOf(Type::day, {2024, 2, 1}), "d1");
-  EXPECT_EQ(rawOf(Type::week, {2024, 2, 1}), "d7");
-  EXPECT_EQ(rawOf(Type::fortnight, {2024, 2, 1}), "d14");
-  EXPECT_EQ(rawOf(Type::month, {2023, 2, 1}), "d28");
-  EXPECT_EQ(rawOf(Type::month, {2024, 2, 1}), "d29");
-  EXPECT_EQ(rawOf(Type::month, {1900, 2, 28}), "d28");
-  EXPECT_EQ(rawOf(Type::year, {2023, 12, 31}), "d365");
-  EXPECT_EQ(rawOf(Type::year, {2024, 12, 31}), "d366");
+TEST(Periods, OfAMomentHaveTheLengthOfItsDay) {
   // Before 03:00 on 1 May it is still April; in Tokyo it is long May.
   const qz::HHMMSS three(3, 0);
   const auto tokyo = qz::TimeZone::fromIdentifier("Asia/Tokyo").value();
@@ -137,17 +129,6 @@ TEST(Periods, ProgressIsTheShareOfDaysThatAreOver) {
   EXPECT_EQ(progressAt("2024-05-01T02:59:59Z"), 1.0);  // 30 April
   EXPECT_EQ(progressAt("2024-06-01T12:00:00Z"), 1.0);
   EXPECT_EQ(april.period.progressAtEndOf({2023, 4, 10}), 0.0);
-}
-
-/// What the reader of a coded value complains of; nothing when it reads it.
-template <typename T>
-std::string complaint(const nlohmann::json& json) {
-  try {
-    static_cast<void>(json.get<T>());
-  } catch (const qz::DecodingError& error) {
-    return error.what();
-  }
-  return {};
 }
 
 RC_GTEST_PROP(PeriodForms, RoundTrip, ()) {
@@ -213,19 +194,6 @@ TEST(Pauses, HoldTheirDaysUntilTheyEnd) {
   EXPECT_EQ(withoutEnd.get<TaskPause>(), open);
   const nlohmann::json backwards{{"from", 20240228}, {"to", 20240227}};
   EXPECT_FALSE(backwards.get<TaskPause>().contains({2024, 2, 28}));
-}
-
-TEST(RecentHistory, SpansDependOnWhatIsMeasured) {
-  const auto spans = [](Mode mode) {
-    const SuccessSpans found = successSpans({.dayMode = mode});
-    return std::string(rawValue(found.shortTerm)) + " " + std::string(rawValue(found.longTerm));
-  };
-  EXPECT_EQ(spans(Mode::specificDaysOfWeek), "last7 last30");
-  EXPECT_EQ(spans(Mode::numberOfDaysInYear), "last7 last30");
-  EXPECT_EQ(spans(Mode::aggregateOverWeek), "pastMonth pastYear");
-  EXPECT_EQ(spans(Mode::aggregateOverFortnight), "pastMonth pastYear");
-  EXPECT_EQ(spans(Mode::aggregateOverMonth), "pastYear allTime");
-  EXPECT_EQ(spans(Mode::aggregateOverYear), "allTime allTime");
 }
 
 TEST(RecentHistory, SpansEndToday) {
