@@ -60,8 +60,6 @@ TEST(Periods, OfAFrequencyAreOfTheTypeItMeasures) {
   const TaskFrequency fortnightly{.dayMode = Mode::aggregateOverFortnight};
   const DatedPeriod period = fortnightly.period({2024, 3, 1}, monday, reference);
   EXPECT_EQ(period, DatedPeriod(qz::YYYYMMDD(2024, 3, 1), Type::fortnight, monday, reference));
-  EXPECT_EQ(period.period.startDate, qz::YYYYMMDD(2024, 2, 19));
-  EXPECT_EQ(fortnightly.startOfPeriod({2024, 3, 3}, monday, reference), qz::YYYYMMDD(2024, 2, 19));
   EXPECT_EQ(fortnightly.startOfPeriod({2024, 3, 4}, monday, reference), qz::YYYYMMDD(2024, 3, 4));
   EXPECT_FALSE(period.isLastDay());
   EXPECT_TRUE(fortnightly.period({2024, 3, 3}, monday, reference).isLastDay());
