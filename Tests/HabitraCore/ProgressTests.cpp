@@ -95,6 +95,7 @@ TEST(ProgressShares, OfEveryRecord) {
                         .currentCompletionDuration = 300}),
             0.75);
   EXPECT_EQ(share(TaskProgressActivityRings{.energy = 2.5, .exercise = 0.5, .stand = 0.75}), 0.75);
+  EXPECT_EQ(share(TaskProgressActivityRings{.energy = 0.99, .exercise = 0.99, .stand = 0.99}), 0.99);
   for (const double target : {0.0, -1.0, notANumber}) {
     EXPECT_EQ(share(TaskProgressContinuous{.targetValue = target, .currentValue = 5}), 0.0);
     EXPECT_EQ(share(Timer{.numCompletions = 1, .totalTargetDuration = target, .currentCompletionDuration = 9}), 0.0);

@@ -32,7 +32,10 @@ CalendarStatus calendarStatus(const WalkedPeriod& walked) {
   return walked.hasSkip ? CalendarStatus::skipped : CalendarStatus::past;
 }
 
-bool isInterval(const TaskFrequency& frequency) { return frequency.dayMode == TaskFrequency::DayMode::dayInterval; }
+bool isFailed(const WalkedPeriod& walked) {
+  using Kind = CompletionStatus::Status::Kind;
+  return walked.status.kind() == Kind::negativeMiss || walked.status.kind() == Kind::negativeAllowedMiss;
+}
 
 bool holdsPartialMiss(const WalkedPeriod& walked) {
   return std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
@@ -121,12 +124,15 @@ std::vector<FillIn> HistoryWalk::seals(std::span<const LoggedEntry> entries) con
   return seals;
 }
 
-std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from) const {
+std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& date) const {
   std::vector<Retyping> retypings;
-  if (!rules_.isNegative || !(rules_.frequency.isCountedDays() || isInterval(rules_.frequency))) return retypings;
-  const std::int32_t firstDay = intForm(from);
+  const auto following = followingDays(rules_, date);
+  if (!rules_.isNegative || !(rules_.frequency.isCountedDays() || following)) return retypings;
+  const std::int32_t first = intForm(date);
+  std::int32_t last = first;
+  if (following) last = intForm(following->last.value_or(scope_.today));
   static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
-    if (walked.from < firstDay || walked.from != walked.to) return;
+    if (walked.from < first || walked.from > last || walked.from != walked.to) return;
     const bool failedByParts = holdsPartialMiss(walked);
     for (const LoggedEntry& entry : walked.entries) {
       // The automatic miss of a day that partial misses failed stands whatever room there was.
@@ -135,6 +141,9 @@ std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entrie
       if (type != entry.entryType)
         retypings.push_back({.order = entry.order, .entryDate = entry.entryDate, .entryType = type});
     }
+    // An interval is counted from the failed day before; those after the next one have not changed.
+    const bool isInterval = following && !following->last;
+    if (isInterval && isFailed(walked) && walked.from > first) last = walked.from;
   }));
   return retypings;
 }

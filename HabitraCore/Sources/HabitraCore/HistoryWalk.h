@@ -151,9 +151,10 @@ class HistoryWalk {
   /// filled in is to be written before.
   [[nodiscard]] std::vector<FillIn> seals(std::span<const LoggedEntry> entries) const;
 
-  /// The entries to re-type after a failure was recorded for a day from `from` on that is not the last, in order of
-  /// days: counted days and day intervals, to avoid. An automatic miss that partial misses made necessary stays one.
-  [[nodiscard]] std::vector<Retyping> retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from) const;
+  /// The entries to re-type after a failure was recorded or taken back on `date`, to avoid, in order of days. Counted
+  /// days: those of that day and of later ones of its counting period. Day intervals: those of that day and of the next
+  /// failed one. The automatic miss of a day that partial misses failed stays one.
+  [[nodiscard]] std::vector<Retyping> retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& date) const;
 
   /// What a calendar shows of the days from `from` to `to`, both included: periods before the history are past, those
   /// after today lie in the future.

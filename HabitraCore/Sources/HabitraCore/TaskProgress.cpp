@@ -147,8 +147,9 @@ double TaskProgressDateRange::progressShare() const {
 }
 
 double TaskProgressActivityRings::progressShare() const {
-  const auto cut = [](double ring) { return std::min(nearestFinite(ring), 1.0); };
-  return nearestFinite((cut(energy) + cut(exercise) + cut(stand)) / 3.0);
+  // In more digits than the result has, so that the mean of three equal rings is that of each.
+  const auto cut = [](double ring) -> long double { return std::min(nearestFinite(ring), 1.0); };
+  return nearestFinite(static_cast<double>((cut(energy) + cut(exercise) + cut(stand)) / 3.0L));
 }
 
 void TaskProgressActivityRings::fill() {
