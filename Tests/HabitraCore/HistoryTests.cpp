@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <HabitraCore/HistoryWalk.h>
 
+#include <optional>
 #include <vector>
 
 namespace habitra {
@@ -51,6 +52,20 @@ TEST(Histories, ResumedTakeThePartOfAPeriodThatIsLeft) {
   EXPECT_EQ(whole.checkpoint.value().closedThrough, 20240114);
   EXPECT_EQ(whole.figures.streak.best, 2);
   EXPECT_EQ(walk.resume(*whole.checkpoint, std::span(log).last(1)).figures, whole.figures);
+}
+
+TEST(Histories, BeginAndAreFilledInFromTheSameDayOnEveryPass) {
+  const qz::YYYYMMDD creation(2024, 1, 20);
+  const qz::YYYYMMDD today(2024, 1, 31);
+  const auto fillFrom = [&](std::optional<qz::YYYYMMDD> earliest, std::optional<qz::YYYYMMDD> processed) {
+    return HistoryScope::of(creation, earliest, processed, today).fillFrom;
+  };
+  EXPECT_EQ(fillFrom({}, {}), creation);
+  EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), {}), qz::YYYYMMDD(2024, 1, 25));
+  EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), qz::YYYYMMDD(2024, 1, 22)), qz::YYYYMMDD(2024, 1, 25))
+      << "a later pass begins nowhere before the first";
+  EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), qz::YYYYMMDD(2024, 1, 29)), qz::YYYYMMDD(2024, 1, 29));
+  EXPECT_EQ(HistoryScope::of(creation, qz::YYYYMMDD(2024, 1, 3), {}, today).created, qz::YYYYMMDD(2024, 1, 3));
 }
 
 TEST(Histories, ThatBeginAfterTodayAreEmpty) {

@@ -122,7 +122,7 @@ LoggedEntry madeEntry(const History& history, std::size_t number) {
   storeSomePeriod(entry, history.rules, day);
   reportSomeProgress(entry, history.rules.measure);
   entry.isAhead = day > scope.today && oneIn(2);
-  if (oneIn(40)) entry.entryDate = 20230230;
+  if (oneIn(40)) entry.entryDate = *rc::gen::element(20230230, 20231100, 20231232, 20231399, 20240230);
   return entry;
 }
 

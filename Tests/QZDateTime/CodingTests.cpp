@@ -79,6 +79,15 @@ TEST(Coding, MembersAreReadStrictly) {
             "Unable to read \"x\" from null");
 }
 
+TEST(Coding, WhatIsFoundIsQuotedBriefly) {
+  const std::string deep = std::string(100'000, '[') + std::string(100'000, ']');
+  EXPECT_EQ(failure(deep, YYYYMMDD()), "Unable to create YYYYMMDD from a list of lists");
+  EXPECT_EQ(coded_form::text(json{{"a", {1, 2}}}), "{\"a\":[1,2]}");
+  EXPECT_EQ(coded_form::text(std::string(9000, 'b')).size(), 203u);
+  EXPECT_EQ(coded_form::text(std::string(198, 'a') + "\u00e4" + std::string(9000, 'b')).size(), 202u)
+      << "not cut inside a character";
+}
+
 TEST(Coding, WhatCannotBeFailsWithItsMessage) {
   EXPECT_EQ(failure("0", YYYYMMDD()), "Unable to create YYYYMMDD from 0");
   EXPECT_EQ(failure("-20240131", YYYYMMDD()), "Unable to create YYYYMMDD from -20240131");

@@ -1,3 +1,4 @@
+#include <HabitraCore/TaskFrequencyPeriodType.h>
 #include <HabitraModel/Store/CheckpointTable.h>
 #include <HabitraModel/Store/RowCoding.h>
 
@@ -11,8 +12,10 @@ CheckpointTable::CheckpointTable(Connection& connection)
       write_(connection, "INSERT OR REPLACE INTO habitra_checkpoint VALUES (?, ?, ?, ?, ?)") {}
 
 void CheckpointTable::noteChange(const TaskLogEntryEntity& entry) {
-  const std::int32_t day =
-      entry.entryPeriodFrom > 0 ? std::min(entry.entryDate, entry.entryPeriodFrom) : entry.entryDate;
+  // Without a usable period the entry counts for one that only the task's rules tell; it may begin long before.
+  const bool hasPeriod = entry.entryPeriodFrom > 0 && entry.entryPeriodFrom <= entry.entryPeriodTo &&
+                         fromRawValue<TaskFrequencyPeriodType>(entry.entryPeriodType);
+  const std::int32_t day = hasPeriod ? std::min(entry.entryDate, entry.entryPeriodFrom) : 0;
   const auto [noted, isFirst] = changedFrom_.try_emplace(entry.task, day);
   if (!isFirst) noted->second = std::min(noted->second, day);
 }

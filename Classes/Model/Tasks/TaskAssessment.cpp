@@ -153,7 +153,7 @@ qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, q
   if (!task.created) return today;
   const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
   const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
-  return std::clamp(day, std::min(earliestDay, today), today);
+  return day < earliestDay || day > today ? today : day;
 }
 
 HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
@@ -241,6 +241,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   for (LoggedEntry& entry : later.ahead) entry.isAhead = true;
   assessment.futureEntries = std::move(later.future);
   assessment.rules = rulesOf(task);
+  if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
   if (assessment.rules) walkHistory(context, task, later.ahead, assessment);
   return assessment;

@@ -6,6 +6,14 @@
 
 namespace habitra {
 
+namespace {
+
+std::optional<qz::YYYYMMDD> existing(const std::optional<qz::YYYYMMDD>& day) {
+  return day && day->exists() ? day : std::nullopt;
+}
+
+}  // namespace
+
 bool isActive(const TaskEntity& task) { return task.status == task_status::active; }
 
 std::optional<TaskFrequency> frequencyOf(const TaskEntity& task) {
@@ -32,7 +40,7 @@ std::optional<TaskRules> rulesOf(const TaskEntity& task) {
       .frequency = *frequency,
       .isNegative = task.isNegative,
       .firstDayOfWeek = qz::DayOfWeek::fromRawValue(task.firstDayOfWeekValue).value_or(qz::DayOfWeek::sunday),
-      .referenceDate = dayFromStored(task.referenceDateValue)};
+      .referenceDate = existing(dayFromStored(task.referenceDateValue))};
 }
 
 TaskEntity newlyMadeTask(std::string title, qz::DayOfWeek firstDayOfWeek, qz::Moment now, std::string timeZone) {

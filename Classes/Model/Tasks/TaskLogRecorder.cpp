@@ -24,21 +24,28 @@ std::string description(const TaskFrequencyPeriod& period) {
   return fmt::format("{} to {}", period.startDate.debugDescription(), period.finishDate.debugDescription());
 }
 
-/// Whether a row of the log counts for the period: it is the one stored with the row, or the row has none and its day
-/// lies in it.
-bool countsFor(const TaskLogEntryEntity& row, const TaskFrequencyPeriod& period) {
-  const auto from = dayFromStored(row.entryPeriodFrom);
-  const auto to = dayFromStored(row.entryPeriodTo);
-  return !from || !to || (*from == period.startDate && *to == period.finishDate);
+/// Whether a row of the log counts for the period: it is the one stored with the row, or the row has none and it is
+/// that of its day.
+bool countsFor(const TaskLogEntryEntity& row, const TaskFrequencyPeriod& period,
+               const std::optional<TaskRules>& rules) {
+  auto from = dayFromStored(row.entryPeriodFrom);
+  auto to = dayFromStored(row.entryPeriodTo);
+  if (const auto day = dayFromStored(row.entryDate); (!from || !to) && day && rules) {
+    const DatedPeriod own = rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate);
+    from = own.period.startDate;
+    to = own.period.finishDate;
+  }
+  return from && to && *from == period.startDate && *to == period.finishDate;
 }
 
 /// Deletes the rows of the period that an entry of `type` takes the place of, but for `kept`.
 void removeSuperseded(StoreContext& context, const TaskEntity& task, const TaskFrequencyPeriod& period,
                       TaskLogEntryType type, ObjectID kept) {
+  const std::optional<TaskRules> rules = rulesOf(task);
   for (const TaskLogEntryEntity& row :
        context.fetchLogEntries(task.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
     const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (existing && row.objectID != kept && countsFor(row, period) && supersedes(type, *existing))
+    if (existing && row.objectID != kept && countsFor(row, period, rules) && supersedes(type, *existing))
       context.removeLogEntry(row.key());
   }
 }

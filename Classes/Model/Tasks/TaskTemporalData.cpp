@@ -1,8 +1,21 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
-#include <QZKit/Checked.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 
 namespace habitra {
+
+namespace {
+
+/// Over all time there can be more judged periods than 16 bits count: a century of days, before a task was asked for by
+/// the month. The share says the same about as many as fit.
+std::int16_t storedSamples(std::int64_t numSamples) {
+  return static_cast<std::int16_t>(std::min<std::int64_t>(numSamples, std::numeric_limits<std::int16_t>::max()));
+}
+
+}  // namespace
 
 TaskTemporalDataEntity* findTemporalData(StoreContext& context, const TaskEntity& task) {
   const auto found = context.fetchRelated<TaskTemporalDataEntity>("task", task.objectID);
@@ -26,9 +39,9 @@ void putFigures(TaskTemporalDataEntity& data, const TaskFigures& figures) {
   data.lastMissed = storedDay(figures.lastMissed);
   data.lastSkipped = storedDay(figures.lastSkipped);
   data.recentShortTermPct = figures.shortTerm.successPct;
-  data.recentShortTermNumSamples = qz::checkedNarrow<std::int16_t>(figures.shortTerm.numSamples);
+  data.recentShortTermNumSamples = storedSamples(figures.shortTerm.numSamples);
   data.recentLongTermPct = figures.longTerm.successPct;
-  data.recentLongTermNumSamples = qz::checkedNarrow<std::int16_t>(figures.longTerm.numSamples);
+  data.recentLongTermNumSamples = storedSamples(figures.longTerm.numSamples);
   if (figures.isProgressTracked) {
     data.progress = figures.progress;
     data.progressDate = storedDay(figures.progressDate);

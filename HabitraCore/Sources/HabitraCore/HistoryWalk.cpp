@@ -56,7 +56,8 @@ HistoryScope HistoryScope::of(const qz::YYYYMMDD& creationDay, const std::option
   HistoryScope scope;
   scope.today = today;
   scope.created = std::min(creationDay, earliestEntryDay.value_or(creationDay));
-  scope.fillFrom = std::max(scope.created, processedThrough.value_or(earliestEntryDay.value_or(creationDay)));
+  const qz::YYYYMMDD firstFilled = earliestEntryDay.value_or(creationDay);
+  scope.fillFrom = std::max(firstFilled, processedThrough.value_or(firstFilled));
   return scope;
 }
 
@@ -166,13 +167,16 @@ TaskRecentHistory HistoryWalk::recentHistory(std::span<const LoggedEntry> entrie
   };
   const HistoryResult result = walk(entries, [&](const WalkedPeriod& walked) {
     const TaskFrequencyPeriod period = walked.period();
-    if (period.finishDate < from || period.startDate > to) return;
+    if (period.finishDate < from || period.startDate > to || from > to) return;
     putUntil(period.startDate, CalendarStatus::past);
     put(history, period, calendarStatus(walked));
     day = period.finishDate.nextDay();
     isFirst = false;
   });
-  putUntil(to.nextDay(), day <= scope_.today ? CalendarStatus::past : CalendarStatus::future);
+  if (day <= to) {
+    const DatedPeriod last = rules_.frequency.period(to, rules_.firstDayOfWeek, rules_.referenceDate);
+    putUntil(last.period.finishDate.nextDay(), day <= scope_.today ? CalendarStatus::past : CalendarStatus::future);
+  }
   history.shortTerm = result.figures.shortTerm;
   history.longTerm = result.figures.longTerm;
   return history;

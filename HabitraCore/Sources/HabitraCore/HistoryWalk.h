@@ -52,7 +52,8 @@ struct HistoryScope {
 
   /// The days of a task that was made on `creationDay`. `earliestEntryDay` is the entryDate of its earliest entry that
   /// marksHistory(), `processedThrough` the day of the last pass over it. The first pass fills in from the earliest
-  /// entry on, without one from the creation day; later ones from where the last one was.
+  /// entry on, without one from the creation day; later ones from where the last one was, but never from an earlier day
+  /// than the first.
   [[nodiscard]] static HistoryScope of(const qz::YYYYMMDD& creationDay,
                                        const std::optional<qz::YYYYMMDD>& earliestEntryDay,
                                        const std::optional<qz::YYYYMMDD>& processedThrough, const qz::YYYYMMDD& today);
@@ -138,8 +139,8 @@ class HistoryWalk {
   [[nodiscard]] HistoryResult resume(const HistoryCheckpoint& checkpoint, std::span<const LoggedEntry> entries,
                                      const PeriodVisitor& visit = {}) const;
 
-  /// Why the period that holds `date` has its status; none for a day before the history or after today. Walks the whole
-  /// history up to it.
+  /// Why the period that holds `date` has its status; none for a day before the first period or after today. Walks the
+  /// whole history up to it.
   [[nodiscard]] std::optional<PeriodReason> why(const qz::YYYYMMDD& date, std::span<const LoggedEntry> entries) const;
 
   /// Whether a failure on `date` would be one within the allowance of a task to avoid, so that whoever records one
@@ -156,8 +157,8 @@ class HistoryWalk {
   /// failed one. The automatic miss of a day that partial misses failed stays one.
   [[nodiscard]] std::vector<Retyping> retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& date) const;
 
-  /// What a calendar shows of the days from `from` to `to`, both included: periods before the history are past, those
-  /// after today lie in the future.
+  /// What a calendar shows of the periods that hold the days from `from` to `to`, both included: those before the
+  /// history are past, those after today lie in the future. Nothing where `from` comes after `to`.
   [[nodiscard]] TaskRecentHistory recentHistory(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& from,
                                                 const qz::YYYYMMDD& to) const;
 

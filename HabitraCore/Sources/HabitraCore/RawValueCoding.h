@@ -4,6 +4,7 @@
 #include <QZDateTime/CodedForm.h>
 #include <QZDateTime/DecodingError.h>
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -29,6 +30,16 @@ template <RawValued E>
   }
   if (!value) throw qz::DecodingError("Unable to create " + std::string(what) + " from " + qz::coded_form::text(json));
   return *value;
+}
+
+/// The member `key`, a count with room above it: at most 2^62 either way, so that what is added to it does not leave 64
+/// bits. Throws qz::DecodingError naming the key.
+[[nodiscard]] inline std::int64_t decodeCount(const nlohmann::json& json, const char* key) {
+  constexpr std::int64_t most = std::int64_t{1} << 62;
+  const std::int64_t count = qz::coded_form::wholeNumber(json, key);
+  if (count < -most || count > most)
+    throw qz::DecodingError(std::string("Unable to read \"") + key + "\" from " + std::to_string(count));
+  return count;
 }
 
 }  // namespace habitra

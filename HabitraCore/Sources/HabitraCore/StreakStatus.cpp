@@ -1,3 +1,4 @@
+#include <HabitraCore/RawValueCoding.h>
 #include <HabitraCore/StreakStatus.h>
 #include <QZDateTime/CodedForm.h>
 
@@ -24,8 +25,8 @@ void to_json(nlohmann::json& json, const StreakStatus& streak) {
 }
 
 void from_json(const nlohmann::json& json, StreakStatus& streak) {
-  streak.current = qz::coded_form::wholeNumber(json, "current");
-  streak.best = qz::coded_form::wholeNumber(json, "best");
+  streak.current = decodeCount(json, "current");
+  streak.best = decodeCount(json, "best");
 }
 
 }  // namespace habitra

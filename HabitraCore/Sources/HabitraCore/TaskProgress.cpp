@@ -202,8 +202,8 @@ void to_json(nlohmann::json& json, const TaskProgressDiscrete& progress) {
 
 void from_json(const nlohmann::json& json, TaskProgressDiscrete& progress) {
   qz::coded_form::member(json, "period").get_to(progress.period);
-  progress.expectedCompletions = qz::coded_form::wholeNumber(json, "expectedCompletions");
-  progress.numCompletions = qz::coded_form::wholeNumber(json, "numCompletions");
+  progress.expectedCompletions = decodeCount(json, "expectedCompletions");
+  progress.numCompletions = decodeCount(json, "numCompletions");
 }
 
 void to_json(nlohmann::json& json, const TaskProgressContinuous& progress) {
@@ -215,7 +215,7 @@ void to_json(nlohmann::json& json, const TaskProgressContinuous& progress) {
 
 void from_json(const nlohmann::json& json, TaskProgressContinuous& progress) {
   qz::coded_form::member(json, "period").get_to(progress.period);
-  progress.expectedCompletions = qz::coded_form::wholeNumber(json, "expectedCompletions");
+  progress.expectedCompletions = decodeCount(json, "expectedCompletions");
   progress.targetValue = qz::coded_form::number(json, "targetValue");
   progress.currentValue = qz::coded_form::number(json, "currentValue");
 }
@@ -233,8 +233,8 @@ void from_json(const nlohmann::json& json, TaskProgressTimer& progress) {
   qz::coded_form::member(json, "period").get_to(progress.period);
   progress.unit =
       decodeRawValue<TaskProgressTimer::Unit>(qz::coded_form::member(json, "unit"), "TaskProgressTimer.Unit");
-  progress.expectedCompletions = qz::coded_form::wholeNumber(json, "expectedCompletions");
-  progress.numCompletions = qz::coded_form::wholeNumber(json, "numCompletions");
+  progress.expectedCompletions = decodeCount(json, "expectedCompletions");
+  progress.numCompletions = decodeCount(json, "numCompletions");
   progress.totalTargetDuration = qz::coded_form::number(json, "totalTargetDuration");
   progress.currentCompletionDuration = qz::coded_form::number(json, "currentCompletionDuration");
 }

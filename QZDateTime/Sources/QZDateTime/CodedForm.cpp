@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -17,8 +18,26 @@ std::string complaint(const char* key) { return std::string("Unable to read \"")
 
 }  // namespace
 
+namespace {
+
+/// Whether no value lies deeper than so many lists and objects; writing one out takes stack for each.
+bool isNestedAtMost(const nlohmann::json& json, int depth) {
+  if (!json.is_structured()) return true;
+  return depth > 0 && std::all_of(json.begin(), json.end(),
+                                  [&](const nlohmann::json& member) { return isNestedAtMost(member, depth - 1); });
+}
+
+}  // namespace
+
 std::string text(const nlohmann::json& json) {
-  return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  constexpr int depth = 4;
+  constexpr std::size_t length = 200;
+  if (!isNestedAtMost(json, depth)) return json.is_array() ? "a list of lists" : "an object of objects";
+  std::string text = json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  if (text.size() <= length) return text;
+  std::size_t end = length;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // not inside a character
+  return text.substr(0, end) + "...";
 }
 
 std::optional<std::int64_t> wholeNumber(const nlohmann::json& json) {

@@ -9,7 +9,8 @@
 /// into what it is not. A number with a fraction or exponent is no whole number, true is no number, text is neither.
 namespace qz::coded_form {
 
-/// The JSON text of a value, for messages. Bytes that are no UTF-8 are replaced.
+/// The JSON text of a value, for messages: cut after 200 bytes, and only a word for what is nested deeper than a
+/// message needs. Bytes that are no UTF-8 are replaced.
 [[nodiscard]] std::string text(const nlohmann::json& json);
 
 /// A whole number of 64 bits; none for any other value.

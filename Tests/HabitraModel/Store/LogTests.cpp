@@ -145,7 +145,9 @@ TEST_F(LogTest, ACheckpointFallsWithAPeriodThatBeginsBeforeItsEnd) {
   })) << "a period that begins before now";
   EXPECT_FALSE(survives([&] { context->removeLogEntry(week.key()); }));
   week.entryPeriodFrom = 0;
-  EXPECT_TRUE(survives([&] { context->insertLogEntry(week); })) << "no period, so its day counts";
+  EXPECT_FALSE(survives([&] { context->insertLogEntry(week); })) << "no period: that of its day may begin before";
+  TaskLogEntryEntity later = entryOn(task, 20240112);
+  EXPECT_TRUE(survives([&] { context->insertLogEntry(later); }));
 }
 
 TEST_F(LogTest, ADamagedCheckpointReadsAsNone) {
