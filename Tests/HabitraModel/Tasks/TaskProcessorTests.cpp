@@ -10,6 +10,20 @@ constexpr YYYYMMDD firstDay(2024, 1, 31);
 class Processor : public TaskWorld {
  protected:
   void liveUntil(std::string_view moment) { clock_->set(at(moment)); }
+
+  /// What a walk over the whole log comes to, without a checkpoint.
+  TaskFigures wholeFigures(const TaskEntity& task, YYYYMMDD today) {
+    std::vector<LoggedEntry> entries;
+    context_->readLog(task.objectID, StoreContext::firstDay, storedDay(today), [&](const LogRow& row) {
+      entries.push_back({.entryDate = row.entryDate,
+                         .periodFrom = row.entryPeriodFrom,
+                         .periodTo = row.entryPeriodTo,
+                         .entryType = fromRawValue<Type>(row.entryType).value(),
+                         .periodType = TaskFrequencyPeriodType::day});
+    });
+    const HistoryScope scope{.created = firstDay, .today = today, .fillFrom = today};
+    return HistoryWalk(rulesOf(task).value(), scope).walk(entries).figures;
+  }
 };
 
 TEST_F(Processor, FillsInTheDaysThatAreOverAndNothingElse) {
@@ -232,21 +246,7 @@ TEST_F(Processor, CheckpointsNeverChangeAFigure) {
     process();
     resumed = resumed || context_->checkpoint(task.objectID).has_value();
 
-    const TaskAssessment whole = [&] {
-      TaskAssessment assessment = assess(*context_, task, calendars_, clock_->now());
-      std::vector<LoggedEntry> entries;
-      context_->readLog(task.objectID, StoreContext::firstDay, storedDay(today), [&](const LogRow& row) {
-        entries.push_back({.entryDate = row.entryDate,
-                           .periodFrom = row.entryPeriodFrom,
-                           .periodTo = row.entryPeriodTo,
-                           .entryType = fromRawValue<Type>(row.entryType).value(),
-                           .periodType = TaskFrequencyPeriodType::day});
-      });
-      assessment.history =
-          HistoryWalk(*assessment.rules, {.created = firstDay, .today = today, .fillFrom = today}).walk(entries);
-      return assessment;
-    }();
-    const TaskFigures& expected = whole.history->figures;
+    const TaskFigures expected = wholeFigures(task, today);
     ASSERT_EQ(figures(task).activeStreak, expected.streak.current) << today.debugDescription();
     ASSERT_EQ(figures(task).bestStreak, expected.streak.best) << today.debugDescription();
     ASSERT_EQ(figures(task).lastMissed, storedDay(expected.lastMissed)) << today.debugDescription();
@@ -255,6 +255,49 @@ TEST_F(Processor, CheckpointsNeverChangeAFigure) {
     clock_->advance(std::chrono::hours(24));
   }
   EXPECT_TRUE(resumed);
+}
+
+TEST_F(Processor, KeepsWhatARuleCountsWithTheCheckpoint) {
+  TaskEntity& task = addTask();
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInMonth, .numCompletions = 20});
+  context_->save({});
+  bool resumed = false;
+  for (int day = 0; day < 130; ++day) {
+    const YYYYMMDD today = firstDay.add(day);
+    if (day % 3 != 1) record(task, day % 11 == 0 ? Type::skippedManuallyFull : Type::completedManuallyFull, today);
+    process();
+    resumed = resumed || context_->checkpoint(task.objectID).has_value();
+    const TaskFigures expected = wholeFigures(task, today);
+    ASSERT_EQ(figures(task).activeStreak, expected.streak.current) << today.debugDescription();
+    ASSERT_EQ(figures(task).lastMissed, storedDay(expected.lastMissed)) << today.debugDescription();
+    clock_->advance(std::chrono::hours(24));
+  }
+  EXPECT_TRUE(resumed);
+  EXPECT_GT(figures(task).lastMissed, 0);
+}
+
+TEST_F(Processor, EveryPassBeginsWhereTheFirstDid) {
+  TaskEntity& task = addTask();
+  liveUntil("2024-02-02T12:00:00Z");
+  record(task, Type::completedManuallyFull, {2024, 2, 2});
+  EXPECT_EQ(process().filledIn, 0u) << "nobody kept it before the first entry";
+  liveUntil("2024-02-03T12:00:00Z");
+  EXPECT_EQ(process().filledIn, 0u);
+  EXPECT_EQ(figures(task).lastMissed, 0);
+}
+
+TEST_F(Processor, AnEntryWithoutAPeriodKeepsItsPlace) {
+  TaskEntity& task = addTask();
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::aggregateOverMonth, .numCompletions = 1});
+  context_->save({});
+  TaskLogEntryEntity row;
+  row.task = task.objectID;
+  row.entryDate = 20240131;
+  row.entryType = rawValue(Type::completedAutomaticallyFull);
+  context_->insertLogEntry(row);
+  context_->save({});
+  record(task, Type::completedAutomaticallyFull, {2024, 1, 31});
+  EXPECT_EQ(log(task).size(), 2u) << "it counts for the month, not for the day";
 }
 
 }  // namespace
