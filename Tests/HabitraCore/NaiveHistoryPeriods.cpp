@@ -51,6 +51,14 @@ std::vector<NaivePeriod> storedPeriods(const TaskRules& rules, const HistoryScop
   return stored;
 }
 
+/// Whether the first days of a whole period of its type are missing.
+bool isPart(const NaivePeriod& period) {
+  if (period.isDay()) return false;
+  if (period.type == TaskFrequencyPeriodType::month) return period.from.d() != 1;
+  if (period.type == TaskFrequencyPeriodType::year) return period.from.m() != 1 || period.from.d() != 1;
+  return period.from.distance(period.to) + 1 < nominalLength(period.type);
+}
+
 /// Of the stored periods that hold a day the one that ends first, with the entries of all that lie inside it; those
 /// are taken out of `stored`. What reaches beyond it keeps the days after.
 std::optional<NaivePeriod> standing(std::vector<NaivePeriod>& stored, const qz::YYYYMMDD& day, bool isFirst) {
@@ -65,7 +73,7 @@ std::optional<NaivePeriod> standing(std::vector<NaivePeriod>& stored, const qz::
   }
   if (!found) return found;
   if (!isFirst) found->from = day;
-  found->isShortened = !found->isDay() && found->from.distance(found->to) + 1 < leastLength(found->type);
+  found->isShortened = isPart(*found);
   found->entries.clear();
   std::erase_if(stored, [&](const NaivePeriod& period) {
     const bool isInside = period.from <= found->to && period.to <= found->to;

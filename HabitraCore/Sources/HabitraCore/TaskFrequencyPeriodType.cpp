@@ -43,11 +43,6 @@ std::int64_t nominalLength(TaskFrequencyPeriodType type) {
   return 1;
 }
 
-std::int64_t leastLength(TaskFrequencyPeriodType type) {
-  if (type == TaskFrequencyPeriodType::month) return 28;
-  return type == TaskFrequencyPeriodType::year ? 365 : nominalLength(type);
-}
-
 qz::YYYYMMDD firstDate(TaskFrequencyPeriodType type, const qz::YYYYMMDD& date, qz::DayOfWeek firstDayOfWeek,
                        const std::optional<qz::YYYYMMDD>& referenceDate) {
   switch (type) {

@@ -32,8 +32,6 @@ struct RawValueTable<TaskFrequencyPeriodType> {
 
 /// How many days a period of this type has at most: 1, 7, 14, 31, 366.
 [[nodiscard]] std::int64_t nominalLength(TaskFrequencyPeriodType type);
-/// How many it has at least: 1, 7, 14, 28, 365.
-[[nodiscard]] std::int64_t leastLength(TaskFrequencyPeriodType type);
 
 /// The first day of the period of this type that holds `date`. Fortnights are blocks of two whole weeks; one block
 /// begins at the start of the week that holds `referenceDate` (without one: that of 1 January 2000), and they extend

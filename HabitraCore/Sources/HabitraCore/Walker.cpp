@@ -21,10 +21,12 @@ SkipMode skipMode(bool isDue, bool dependsOnLog) {
   return dependsOnLog ? SkipMode::willSkipWithIndicator : SkipMode::willSkipWithoutIndicator;
 }
 
-/// Whether a stored longer period has fewer days than any of its type, since another one has the rest of them.
+/// Whether a stored longer period lacks the first days of a whole one, since another one has them.
 bool isPartOfItsType(const PeriodJudging& judging) {
-  if (judging.isSingleDay() || judging.type == TaskFrequencyPeriodType::day) return false;
-  return numberOf(judging.to) - numberOf(judging.from) + 1 < leastLength(judging.type);
+  if (judging.isSingleDay()) return false;
+  if (judging.type == TaskFrequencyPeriodType::month) return judging.from % 100 != 1;
+  if (judging.type == TaskFrequencyPeriodType::year) return judging.from % 10'000 != 101;
+  return numberOf(judging.to) - numberOf(judging.from) + 1 < nominalLength(judging.type);
 }
 
 /// The first day of a span, in integer form; of all time the first there is.
