@@ -92,10 +92,7 @@ std::vector<LoggedEntry> readEntries(StoreContext& context, const TaskEntity& ta
 
 /// The newest day as of which a walk can be resumed, less a margin.
 qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
-  const SuccessSpans spans = successSpans(frequency);
-  qz::YYYYMMDD day = today;
-  for (const auto span : {spans.shortTerm, spans.longTerm}) day = std::min(day, firstDay(span, today).value_or(day));
-  return day.add(-checkpointDistance);
+  return firstSampledDay(frequency, today).value_or(today).add(-checkpointDistance);
 }
 
 /// The day that an attribute keeps, if the calendar has it: a row may say anything.

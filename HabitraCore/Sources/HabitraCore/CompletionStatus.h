@@ -55,6 +55,11 @@ struct CompletionStatus {
       return kind_ == Kind::negativeComplete || kind_ == Kind::negativeMiss || kind_ == Kind::negativeAllowedMiss;
     }
 
+    /// To avoid, and it was done, within the allowance or not.
+    [[nodiscard]] constexpr bool isFailed() const {
+      return kind_ == Kind::negativeMiss || kind_ == Kind::negativeAllowedMiss;
+    }
+
     [[nodiscard]] static constexpr bool hasSkipMode(Kind kind) {
       return kind == Kind::positiveIncomplete || kind == Kind::negativeComplete;
     }

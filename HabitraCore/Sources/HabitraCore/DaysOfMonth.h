@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QZKit/BitIterator.h>
+
 #include <bit>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <iterator>
 
 namespace habitra {
 
@@ -15,8 +16,6 @@ namespace habitra {
 /// Iterates over its days one by one, each again a set: from the front of the month to its last day.
 class DaysOfMonth {
  public:
-  class Iterator;
-
   static const DaysOfMonth day1, day2, day3, day4, day5, day6, day7, day8, day9, day10, day11, day12, day13, day14,
       day15, day16, day17, day18, day19, day20, day21, day22, day23, day24, day25, day26, day27, day28, day29, day30,
       day31, lastDayMinus1, lastDayMinus2, lastDayMinus3, lastDayMinus4, lastDayMinus5, lastDayMinus6, lastDayMinus7;
@@ -48,8 +47,9 @@ class DaysOfMonth {
   constexpr void insert(DaysOfMonth other) { bits_ |= other.bits_; }
   constexpr void remove(DaysOfMonth other) { bits_ &= ~other.bits_; }
 
-  [[nodiscard]] constexpr Iterator begin() const;
-  [[nodiscard]] constexpr Iterator end() const;
+  using Iterator = qz::BitIterator<DaysOfMonth, &DaysOfMonth::day>;
+  [[nodiscard]] constexpr Iterator begin() const { return Iterator(bits_ & every().bits_); }
+  [[nodiscard]] constexpr Iterator end() const { return Iterator(); }
 
   /// Whether day `d` (1 to 31) of a month of `numberOfDays` days (28 to 31) is in the set.
   [[nodiscard]] constexpr bool isDue(std::int64_t d, std::int64_t numberOfDays) const {
@@ -76,36 +76,6 @@ class DaysOfMonth {
 
   std::uint64_t bits_ = 0;
 };
-
-class DaysOfMonth::Iterator {
- public:
-  using iterator_category = std::forward_iterator_tag;
-  using value_type = DaysOfMonth;
-  using difference_type = std::ptrdiff_t;
-  using pointer = void;
-  using reference = DaysOfMonth;
-
-  constexpr Iterator() = default;
-  explicit constexpr Iterator(std::uint64_t rest) : rest_(rest) {}
-
-  constexpr DaysOfMonth operator*() const { return fromBits(rest_ & (~rest_ + 1)); }
-  constexpr Iterator& operator++() {
-    rest_ &= rest_ - 1;
-    return *this;
-  }
-  constexpr Iterator operator++(int) {
-    const Iterator before = *this;
-    ++*this;
-    return before;
-  }
-  friend bool operator==(const Iterator&, const Iterator&) = default;
-
- private:
-  std::uint64_t rest_ = 0;  // the days not yet passed
-};
-
-constexpr DaysOfMonth::Iterator DaysOfMonth::begin() const { return Iterator(bits_ & every().bits_); }
-constexpr DaysOfMonth::Iterator DaysOfMonth::end() const { return Iterator(0); }
 
 inline constexpr DaysOfMonth DaysOfMonth::day1 = day(1);
 inline constexpr DaysOfMonth DaysOfMonth::day2 = day(2);

@@ -32,15 +32,6 @@ CalendarStatus calendarStatus(const WalkedPeriod& walked) {
   return walked.hasSkip ? CalendarStatus::skipped : CalendarStatus::past;
 }
 
-bool isFailed(const WalkedPeriod& walked) {
-  using Kind = CompletionStatus::Status::Kind;
-  return walked.status.kind() == Kind::negativeMiss || walked.status.kind() == Kind::negativeAllowedMiss;
-}
-
-bool holdsPartialMiss(const WalkedPeriod& walked) {
-  return std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
-}
-
 void put(TaskRecentHistory& history, const TaskFrequencyPeriod& period, CalendarStatus status) {
   if (period.periodType == TaskFrequencyPeriodType::day) {
     history.single.emplace(period.startDate, status);
@@ -71,10 +62,8 @@ HistoryWalk::HistoryWalk(const TaskRules& rules, const HistoryScope& scope) : ru
 bool HistoryWalk::canResume(const HistoryCheckpoint& checkpoint) const {
   const auto closedThrough = qz::YYYYMMDD::fromRawValue(checkpoint.closedThrough);
   if (!closedThrough || !closedThrough->exists() || *closedThrough >= scope_.fillFrom) return false;
-  const auto firstSampled = firstDay(successSpans(rules_.frequency).longTerm, scope_.today);
-  const auto firstSampledShort = firstDay(successSpans(rules_.frequency).shortTerm, scope_.today);
+  const auto firstSampled = firstSampledDay(rules_.frequency, scope_.today);
   if (firstSampled && *closedThrough >= *firstSampled) return false;
-  if (firstSampledShort && *closedThrough >= *firstSampledShort) return false;
   return checkpoint.created == scope_.created.intValue() &&
          checkpoint.fingerprint == fingerprint(rules_, scope_.created);
 }
@@ -134,7 +123,7 @@ std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entrie
   if (following) last = intForm(following->last.value_or(scope_.today));
   static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
     if (walked.from < first || walked.from > last || walked.from != walked.to) return;
-    const bool failedByParts = holdsPartialMiss(walked);
+    const bool failedByParts = walked.holdsPartialMiss();
     for (const LoggedEntry& entry : walked.entries) {
       // The automatic miss of a day that partial misses failed stands whatever room there was.
       if (failedByParts && isAutomatic(entry.entryType)) continue;
@@ -144,7 +133,7 @@ std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entrie
     }
     // An interval is counted from the failed day before; those after the next one have not changed.
     const bool isInterval = following && !following->last;
-    if (isInterval && isFailed(walked) && walked.from > first) last = walked.from;
+    if (isInterval && walked.status.isFailed() && walked.from > first) last = walked.from;
   }));
   return retypings;
 }

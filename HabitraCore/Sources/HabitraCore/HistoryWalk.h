@@ -46,8 +46,8 @@ struct HistoryScope {
   qz::YYYYMMDD today;
   /// Closed periods that end on this day or later are filled in.
   qz::YYYYMMDD fillFrom;
-  /// The day as of which a checkpoint is wanted. It can be resumed from when it lies before `fillFrom` and before the
-  /// first day of the longer span of success (successSpans()).
+  /// The day as of which a checkpoint is wanted. It can be resumed from when it lies before `fillFrom` and before
+  /// firstSampledDay().
   std::optional<qz::YYYYMMDD> checkpointDay;
 
   /// The days of a task that was made on `creationDay`. `earliestEntryDay` is the entryDate of its earliest entry that

@@ -86,10 +86,6 @@ struct PeriodJudging {
 
   [[nodiscard]] bool isSingleDay() const { return from == to; }
   [[nodiscard]] bool isComplete() const { return status.kind() == CompletionStatus::Status::Kind::positiveComplete; }
-  [[nodiscard]] bool isFailed() const {
-    return status.kind() == CompletionStatus::Status::Kind::negativeMiss ||
-           status.kind() == CompletionStatus::Status::Kind::negativeAllowedMiss;
-  }
   /// To do: not complete, and the last full entry is a skip by hand.
   [[nodiscard]] bool isSkippedByHand() const {
     return lastFull == TaskLogEntryType::skippedManuallyFull && !isComplete();
@@ -122,7 +118,7 @@ struct PeriodJudging {
   [[nodiscard]] std::optional<TaskLogEntryType> missingEntry() const {
     if constexpr (isNegative) {
       // Only partial misses can have failed a period without a full entry.
-      if (isFailed()) return TaskLogEntryType::missedAutomaticallyFull;
+      if (status.isFailed()) return TaskLogEntryType::missedAutomaticallyFull;
       if (isDue || isCut) return std::nullopt;
       return TaskLogEntryType::skippedAutomaticallyFull;
     } else {

@@ -39,4 +39,11 @@ std::optional<qz::YYYYMMDD> firstDay(TaskRecentHistory::PreviousSuccessType span
   return std::nullopt;
 }
 
+std::optional<qz::YYYYMMDD> firstSampledDay(const TaskFrequency& frequency, const qz::YYYYMMDD& today) {
+  const SuccessSpans spans = successSpans(frequency);
+  const auto shortTerm = firstDay(spans.shortTerm, today);
+  const auto longTerm = firstDay(spans.longTerm, today);
+  return shortTerm && longTerm ? std::min(shortTerm, longTerm) : shortTerm ? shortTerm : longTerm;
+}
+
 }  // namespace habitra

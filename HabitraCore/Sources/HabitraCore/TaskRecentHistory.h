@@ -54,6 +54,10 @@ struct SuccessSpans {
 [[nodiscard]] std::optional<qz::YYYYMMDD> firstDay(TaskRecentHistory::PreviousSuccessType span,
                                                    const qz::YYYYMMDD& today);
 
+/// The first day that either span of success of a task looks at, but for all time; none where both are of all time.
+/// What ended before it can be counted once and for all.
+[[nodiscard]] std::optional<qz::YYYYMMDD> firstSampledDay(const TaskFrequency& frequency, const qz::YYYYMMDD& today);
+
 template <>
 struct RawValueTable<TaskRecentHistory::PreviousSuccessType> {
   using T = TaskRecentHistory::PreviousSuccessType;

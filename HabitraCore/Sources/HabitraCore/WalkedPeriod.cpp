@@ -29,18 +29,13 @@ bool speaksForItself(TaskLogEntryType type, const WalkedPeriod& walked) {
   return !walked.source.rules->isNegative && isMissedFull(type) != walked.isDue;
 }
 
-bool isFailedByParts(const WalkedPeriod& walked) {
-  return walked.status.kind() == Kind::negativeMiss &&
-         std::ranges::any_of(walked.entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
-}
-
 Ground groundOf(const WalkedPeriod& walked) {
   const auto lastFull = std::ranges::find_if(walked.entries.rbegin(), walked.entries.rend(),
                                              [](const auto& entry) { return isFull(entry.entryType); });
   if (lastFull != walked.entries.rend() && speaksForItself(lastFull->entryType, walked)) return Ground::fullEntry;
   const Kind kind = walked.status.kind();
-  if (kind == Kind::positiveComplete || isFailedByParts(walked)) return Ground::partialEntries;
-  if (kind == Kind::negativeMiss) return Ground::fullEntry;
+  if (kind == Kind::positiveComplete) return Ground::partialEntries;
+  if (kind == Kind::negativeMiss) return walked.holdsPartialMiss() ? Ground::partialEntries : Ground::fullEntry;
   if (kind == Kind::negativeComplete && walked.isDue && !walked.hasSkip) return Ground::keptClean;
   return groundOfRule(walked);
 }
@@ -94,6 +89,10 @@ TaskFrequencyPeriod WalkedPeriod::period() const {
 CompletionStatus WalkedPeriod::completionStatus() const {
   const DatedPeriod dated(dayOf(progressDay), period());
   return {status, progressRecord(source.rules->measure, dated, expectedUnits, progress)};
+}
+
+bool WalkedPeriod::holdsPartialMiss() const {
+  return std::ranges::any_of(entries, [](const LoggedEntry& entry) { return isMissedPartial(entry.entryType); });
 }
 
 PeriodReason WalkedPeriod::reason() const {

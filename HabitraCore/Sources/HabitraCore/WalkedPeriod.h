@@ -46,6 +46,8 @@ struct WalkedPeriod {
 
   [[nodiscard]] TaskFrequencyPeriod period() const;
   [[nodiscard]] CompletionStatus completionStatus() const;
+  /// Whether a partial miss is among its entries.
+  [[nodiscard]] bool holdsPartialMiss() const;
   /// Why it has its status.
   [[nodiscard]] PeriodReason reason() const;
 

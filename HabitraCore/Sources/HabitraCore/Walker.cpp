@@ -258,7 +258,7 @@ void Walker::count(const PeriodJudging& judging, PeriodVerdict verdict, bool isO
   }
   if (verdict == PeriodVerdict::success) due_.countCompleted(judging.number);
   if constexpr (isNegative) {
-    if (judging.isFailed()) due_.countFailed(judging.number);
+    if (judging.status.isFailed()) due_.countFailed(judging.number);
   } else {
     if (judging.isPaused || judging.isSkippedByHand()) due_.countUnavailable(1);
   }
@@ -273,7 +273,7 @@ void Walker::countLongerPeriod(const PeriodJudging& judging) {
   const std::int32_t decided = judging.decidedOn == 0 ? first : numberOf(judging.decidedOn);
   const std::int32_t day = std::clamp(decided, first, lastDay.number());
   if (judging.isComplete()) due_.countCompleted(day);
-  if (judging.isFailed()) due_.countFailed(day);
+  if (judging.status.isFailed()) due_.countFailed(day);
   const std::int32_t counted = std::max({first, due_.periodStart(), numberOf(created_)});
   if (counted > lastDay.number()) return;
   due_.countUnavailable(judging.isSkippedByHand() ? lastDay.number() - counted + 1

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <QZDateTime/DayOfWeek.h>
+#include <QZKit/BitIterator.h>
 
 #include <bit>
 #include <compare>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <iterator>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <vector>
@@ -19,8 +18,6 @@ namespace qz {
 /// Sunday 1 to Saturday 64. Iterates in order, Sunday first. Coded as its raw value.
 class DaysOfWeek {
  public:
-  class Iterator;
-
   static const DaysOfWeek sunday;
   static const DaysOfWeek monday;
   static const DaysOfWeek tuesday;
@@ -56,8 +53,12 @@ class DaysOfWeek {
   /// The weekdays of the set, Sunday first.
   [[nodiscard]] std::vector<DayOfWeek> days() const;
 
-  [[nodiscard]] constexpr Iterator begin() const;
-  [[nodiscard]] constexpr Iterator end() const;
+  /// The weekday of a bit, 0 to 6.
+  [[nodiscard]] static constexpr DayOfWeek weekday(std::int64_t bit) { return static_cast<DayOfWeek::Case>(bit); }
+  using Iterator = BitIterator<DayOfWeek, &DaysOfWeek::weekday>;
+
+  [[nodiscard]] constexpr Iterator begin() const { return Iterator(bits_); }
+  [[nodiscard]] constexpr Iterator end() const { return Iterator(); }
 
   friend constexpr DaysOfWeek operator|(DaysOfWeek a, DaysOfWeek b) {
     a.bits_ = static_cast<std::uint8_t>(a.bits_ | b.bits_);
@@ -73,36 +74,6 @@ class DaysOfWeek {
  private:
   std::uint8_t bits_ = 0;
 };
-
-class DaysOfWeek::Iterator {
- public:
-  using iterator_category = std::forward_iterator_tag;
-  using value_type = DayOfWeek;
-  using difference_type = std::ptrdiff_t;
-  using pointer = void;
-  using reference = DayOfWeek;
-
-  constexpr Iterator() = default;
-  explicit constexpr Iterator(std::uint8_t rest) : rest_(rest) {}
-
-  constexpr DayOfWeek operator*() const { return static_cast<DayOfWeek::Case>(std::countr_zero(rest_)); }
-  constexpr Iterator& operator++() {
-    rest_ = static_cast<std::uint8_t>(rest_ & (rest_ - 1));
-    return *this;
-  }
-  constexpr Iterator operator++(int) {
-    const Iterator before = *this;
-    ++*this;
-    return before;
-  }
-  friend bool operator==(const Iterator&, const Iterator&) = default;
-
- private:
-  std::uint8_t rest_ = 0;  // the weekdays not yet passed
-};
-
-constexpr DaysOfWeek::Iterator DaysOfWeek::begin() const { return Iterator(bits_); }
-constexpr DaysOfWeek::Iterator DaysOfWeek::end() const { return Iterator(0); }
 
 inline constexpr DaysOfWeek DaysOfWeek::sunday{DayOfWeek::sunday};
 inline constexpr DaysOfWeek DaysOfWeek::monday{DayOfWeek::monday};
