@@ -18,9 +18,11 @@ enum class TaskModifyContext : std::int16_t {
   systemInitiatedFromDeviceActivityExtension = 6,  ///< also the context of what processing records by itself
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskModifyContext> {
-  using T = TaskModifyContext;
+struct qz::RawValueTable<habitra::TaskModifyContext> {
+  using T = habitra::TaskModifyContext;
   static constexpr std::array<RawValueRow<T, std::int16_t>, 7> rows{{
       {T::userInitiatedFromMainApp, 0, "userInitiatedFromMainApp"},
       {T::userInitiatedFromAppleWatchApp, 1, "userInitiatedFromAppleWatchApp"},
@@ -31,5 +33,3 @@ struct RawValueTable<TaskModifyContext> {
       {T::systemInitiatedFromDeviceActivityExtension, 6, "systemInitiatedFromDeviceActivityExtension"},
   }};
 };
-
-}  // namespace habitra

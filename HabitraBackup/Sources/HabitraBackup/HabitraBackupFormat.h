@@ -16,14 +16,18 @@ enum class HabitraBackupFormat : std::uint8_t {
   csv,   ///< the log as one row per entry
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<HabitraBackupFormat> {
-  using T = HabitraBackupFormat;
+struct qz::RawValueTable<habitra::HabitraBackupFormat> {
+  using T = habitra::HabitraBackupFormat;
   static constexpr std::array<RawValueRow<T, std::string_view>, 2> rows{{
       {T::json, "habitra", "json"},
       {T::csv, "csv", "csv"},
   }};
 };
+
+namespace habitra {
 
 [[nodiscard]] constexpr std::string_view fileExtension(HabitraBackupFormat format) { return rawValue(format); }
 

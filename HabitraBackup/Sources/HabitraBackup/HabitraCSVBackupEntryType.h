@@ -30,9 +30,11 @@ enum class HabitraCSVBackupEntryType : std::uint8_t {
   externalHealthData,
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<HabitraCSVBackupEntryType> {
-  using T = HabitraCSVBackupEntryType;
+struct qz::RawValueTable<habitra::HabitraCSVBackupEntryType> {
+  using T = habitra::HabitraCSVBackupEntryType;
   static constexpr std::array<RawValueRow<T, std::string_view>, 16> rows{{
       {T::unknown, "unknown", "unknown"},
       {T::completedManuallyFull, "completed_manually", "completedManuallyFull"},
@@ -52,6 +54,8 @@ struct RawValueTable<HabitraCSVBackupEntryType> {
       {T::externalHealthData, "external_health_data", "externalHealthData"},
   }};
 };
+
+namespace habitra {
 
 /// The same case of the other enumeration, by its position.
 [[nodiscard]] HabitraCSVBackupEntryType csvEntryType(TaskLogEntryType type);

@@ -117,9 +117,11 @@ struct StreakedCompletionStatus {
 };
 
 /// A kind is spoken of by its name alone; it has no other raw value.
+}  // namespace habitra
+
 template <>
-struct RawValueTable<CompletionStatus::Status::Kind> {
-  using T = CompletionStatus::Status::Kind;
+struct qz::RawValueTable<habitra::CompletionStatus::Status::Kind> {
+  using T = habitra::CompletionStatus::Status::Kind;
   static constexpr std::array<RawValueRow<T, std::string_view>, 7> rows{{
       {T::positiveIncomplete, "positiveIncomplete", "positiveIncomplete"},
       {T::negativeComplete, "negativeComplete", "negativeComplete"},
@@ -130,6 +132,8 @@ struct RawValueTable<CompletionStatus::Status::Kind> {
       {T::negativeAllowedMiss, "negativeAllowedMiss", "negativeAllowedMiss"},
   }};
 };
+
+namespace habitra {
 
 /// A status is coded as {"positiveIncomplete": {"_0": "mwi"}}, one without skip mode as {"positiveComplete": {}}.
 /// Decoding anything else throws qz::DecodingError.

@@ -76,9 +76,11 @@ struct PeriodReason {
   friend bool operator==(const PeriodReason&, const PeriodReason&) = default;
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<PeriodReason::Ground> {
-  using T = PeriodReason::Ground;
+struct qz::RawValueTable<habitra::PeriodReason::Ground> {
+  using T = habitra::PeriodReason::Ground;
   static constexpr std::array<RawValueRow<T, std::string_view>, 8> rows{{
       {T::fullEntry, "fullEntry", "fullEntry"},
       {T::partialEntries, "partialEntries", "partialEntries"},
@@ -90,6 +92,8 @@ struct RawValueTable<PeriodReason::Ground> {
       {T::cutShort, "cutShort", "cutShort"},
   }};
 };
+
+namespace habitra {
 
 void to_json(nlohmann::json& json, const PeriodReason::Entry& entry);
 void from_json(const nlohmann::json& json, PeriodReason::Entry& entry);

@@ -31,9 +31,11 @@ struct TaskCalendarPeriodInfo {
   friend bool operator==(const TaskCalendarPeriodInfo&, const TaskCalendarPeriodInfo&) = default;
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskCalendarPeriodInfo::TaskCalendarPeriodStatus> {
-  using T = TaskCalendarPeriodInfo::TaskCalendarPeriodStatus;
+struct qz::RawValueTable<habitra::TaskCalendarPeriodInfo::TaskCalendarPeriodStatus> {
+  using T = habitra::TaskCalendarPeriodInfo::TaskCalendarPeriodStatus;
   static constexpr std::array<RawValueRow<T, std::string_view>, 10> rows{{
       {T::completed, "completed", "completed"},
       {T::missed, "missed", "missed"},
@@ -47,6 +49,8 @@ struct RawValueTable<TaskCalendarPeriodInfo::TaskCalendarPeriodStatus> {
       {T::past, "past", "past"},
   }};
 };
+
+namespace habitra {
 
 void to_json(nlohmann::json& json, const TaskCalendarPeriodInfo& info);
 /// Throws qz::DecodingError for an unknown status or a missing key.

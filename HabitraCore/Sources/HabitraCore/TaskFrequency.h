@@ -125,9 +125,11 @@ struct TaskFrequency {
   friend bool operator==(const TaskFrequency&, const TaskFrequency&) = default;
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskFrequency::DayMode> {
-  using T = TaskFrequency::DayMode;
+struct qz::RawValueTable<habitra::TaskFrequency::DayMode> {
+  using T = habitra::TaskFrequency::DayMode;
   static constexpr std::array<RawValueRow<T, std::int16_t>, 11> rows{{
       {T::specificDaysOfWeek, 0, "specificDaysOfWeek"},
       {T::numberOfDaysInWeek, 1, "numberOfDaysInWeek"},
@@ -144,8 +146,8 @@ struct RawValueTable<TaskFrequency::DayMode> {
 };
 
 template <>
-struct RawValueTable<TaskFrequency::SkipMode> {
-  using T = TaskFrequency::SkipMode;
+struct qz::RawValueTable<habitra::TaskFrequency::SkipMode> {
+  using T = habitra::TaskFrequency::SkipMode;
   static constexpr std::array<RawValueRow<T, std::string_view>, 4> rows{{
       {T::willMissWithIndicator, "mwi", "willMissWithIndicator"},
       {T::willMissWithoutIndicator, "mwoi", "willMissWithoutIndicator"},
@@ -153,6 +155,8 @@ struct RawValueTable<TaskFrequency::SkipMode> {
       {T::willSkipWithoutIndicator, "swoi", "willSkipWithoutIndicator"},
   }};
 };
+
+namespace habitra {
 
 void to_json(nlohmann::json& json, const TaskFrequency& frequency);
 /// Throws qz::DecodingError for an unknown raw value, a missing key or a value of the wrong kind, naming the key: 1.9

@@ -18,9 +18,11 @@ namespace habitra {
 /// The kind of calendar span in which a task is measured. Stored as one letter.
 enum class TaskFrequencyPeriodType : std::uint8_t { day, week, fortnight, month, year };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskFrequencyPeriodType> {
-  using T = TaskFrequencyPeriodType;
+struct qz::RawValueTable<habitra::TaskFrequencyPeriodType> {
+  using T = habitra::TaskFrequencyPeriodType;
   static constexpr std::array<RawValueRow<T, std::string_view>, 5> rows{{
       {T::day, "d", "day"},
       {T::week, "w", "week"},
@@ -29,6 +31,8 @@ struct RawValueTable<TaskFrequencyPeriodType> {
       {T::year, "y", "year"},
   }};
 };
+
+namespace habitra {
 
 /// How many days a period of this type has at most: 1, 7, 14, 31, 366.
 [[nodiscard]] std::int64_t nominalLength(TaskFrequencyPeriodType type);
@@ -57,9 +61,11 @@ enum class MultiDayCount : std::uint8_t {
   duration366,
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<MultiDayCount> {
-  using T = MultiDayCount;
+struct qz::RawValueTable<habitra::MultiDayCount> {
+  using T = habitra::MultiDayCount;
   static constexpr std::array<RawValueRow<T, std::string_view>, 9> rows{{
       {T::duration1, "d1", "duration1"},
       {T::duration7, "d7", "duration7"},
@@ -72,6 +78,8 @@ struct RawValueTable<MultiDayCount> {
       {T::duration366, "d366", "duration366"},
   }};
 };
+
+namespace habitra {
 
 [[nodiscard]] std::int64_t numDays(MultiDayCount count);
 /// The name of the picture that stands for it: "calendar.7". Fronts bring the pictures.

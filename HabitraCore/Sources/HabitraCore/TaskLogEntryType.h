@@ -30,9 +30,11 @@ enum class TaskLogEntryType : std::int16_t {
   externalHealthData = 15,  ///< health data from elsewhere; decides nothing by itself
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskLogEntryType> {
-  using T = TaskLogEntryType;
+struct qz::RawValueTable<habitra::TaskLogEntryType> {
+  using T = habitra::TaskLogEntryType;
   static constexpr std::array<RawValueRow<T, std::int16_t>, 16> rows{{
       {T::unknown, 0, "unknown"},
       {T::completedManuallyFull, 1, "completedManuallyFull"},
@@ -52,6 +54,8 @@ struct RawValueTable<TaskLogEntryType> {
       {T::externalHealthData, 15, "externalHealthData"},
   }};
 };
+
+namespace habitra {
 
 /// A set of entry types, one bit per raw value; membership is one instruction.
 class TaskLogEntryTypes {

@@ -27,9 +27,11 @@ namespace habitra {
 
 enum class TaskProgressType : std::uint8_t { discrete, continuous, timer, activity, simple, dateRange };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskProgressType> {
-  using T = TaskProgressType;
+struct qz::RawValueTable<habitra::TaskProgressType> {
+  using T = habitra::TaskProgressType;
   static constexpr std::array<RawValueRow<T, std::string_view>, 6> rows{{
       {T::discrete, "discrete", "discrete"},
       {T::continuous, "continuous", "continuous"},
@@ -39,6 +41,8 @@ struct RawValueTable<TaskProgressType> {
       {T::dateRange, "dateRange", "dateRange"},
   }};
 };
+
+namespace habitra {
 
 /// For a task completed by hand, once a period.
 struct TaskProgressSimple {
@@ -117,15 +121,19 @@ struct TaskProgressTimer {
   friend bool operator==(const TaskProgressTimer&, const TaskProgressTimer&) = default;
 };
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskProgressTimer::Unit> {
-  using T = TaskProgressTimer::Unit;
+struct qz::RawValueTable<habitra::TaskProgressTimer::Unit> {
+  using T = habitra::TaskProgressTimer::Unit;
   static constexpr std::array<RawValueRow<T, std::string_view>, 3> rows{{
       {T::hours, "h", "hours"},
       {T::minutes, "m", "minutes"},
       {T::seconds, "s", "seconds"},
   }};
 };
+
+namespace habitra {
 
 /// How much of the period's own time has gone by. For display only: entries leave it as it is, and it is never reached,
 /// so that no status follows from it.

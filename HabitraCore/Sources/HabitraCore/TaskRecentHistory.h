@@ -58,9 +58,11 @@ struct SuccessSpans {
 /// What ended before it can be counted once and for all.
 [[nodiscard]] std::optional<qz::YYYYMMDD> firstSampledDay(const TaskFrequency& frequency, const qz::YYYYMMDD& today);
 
+}  // namespace habitra
+
 template <>
-struct RawValueTable<TaskRecentHistory::PreviousSuccessType> {
-  using T = TaskRecentHistory::PreviousSuccessType;
+struct qz::RawValueTable<habitra::TaskRecentHistory::PreviousSuccessType> {
+  using T = habitra::TaskRecentHistory::PreviousSuccessType;
   static constexpr std::array<RawValueRow<T, std::string_view>, 5> rows{{
       {T::last7, "last7", "last7"},
       {T::last30, "last30", "last30"},
@@ -69,5 +71,3 @@ struct RawValueTable<TaskRecentHistory::PreviousSuccessType> {
       {T::allTime, "allTime", "allTime"},
   }};
 };
-
-}  // namespace habitra

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QZKit/RawValue.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace qz {
+
+/// A unit of measurement that health data come in. The raw value is the symbol under which files name it.
+enum class QZHKUnit : std::uint8_t {
+  count,
+  metre,
+  centimetre,
+  kilometre,
+  mile,
+  yard,
+  litre,
+  millilitre,
+  fluidOunceUS,
+  cupUS,
+  kilocalorie,
+  kilojoule,
+  second,
+  minute,
+  hour,
+  gram,
+  milligram,
+  microgram,
+  kilogram,
+  percent,
+  countPerMinute,
+  litrePerMinute,
+  degreeCelsius,
+  millimetreOfMercury,
+  millimolePerLitre,
+  internationalUnit,
+};
+
+template <>
+struct RawValueTable<QZHKUnit> {
+  using U = QZHKUnit;
+  static constexpr std::array<RawValueRow<U, std::string_view>, 26> rows{{
+      {U::count, "count", "count"},
+      {U::metre, "m", "metre"},
+      {U::centimetre, "cm", "centimetre"},
+      {U::kilometre, "km", "kilometre"},
+      {U::mile, "mi", "mile"},
+      {U::yard, "yd", "yard"},
+      {U::litre, "L", "litre"},
+      {U::millilitre, "mL", "millilitre"},
+      {U::fluidOunceUS, "fl_oz_us", "fluidOunceUS"},
+      {U::cupUS, "cup_us", "cupUS"},
+      {U::kilocalorie, "kcal", "kilocalorie"},
+      {U::kilojoule, "kJ", "kilojoule"},
+      {U::second, "s", "second"},
+      {U::minute, "min", "minute"},
+      {U::hour, "hr", "hour"},
+      {U::gram, "g", "gram"},
+      {U::milligram, "mg", "milligram"},
+      {U::microgram, "mcg", "microgram"},
+      {U::kilogram, "kg", "kilogram"},
+      {U::percent, "%", "percent"},
+      {U::countPerMinute, "count/min", "countPerMinute"},
+      {U::litrePerMinute, "L/min", "litrePerMinute"},
+      {U::degreeCelsius, "degC", "degreeCelsius"},
+      {U::millimetreOfMercury, "mmHg", "millimetreOfMercury"},
+      {U::millimolePerLitre, "mmol/L", "millimolePerLitre"},
+      {U::internationalUnit, "IU", "internationalUnit"},
+  }};
+};
+
+/// What a unit measures. Amounts convert within a dimension and never between two.
+enum class QZHKDimension : std::uint8_t {
+  count,
+  length,
+  volume,
+  energy,
+  time,
+  mass,
+  fraction,
+  frequency,
+  flow,
+  temperature,
+  pressure,
+  concentration,
+  biologicalActivity,
+};
+
+/// An exact ratio of whole numbers, both at least 1.
+struct QZHKFactor {
+  std::int64_t numerator = 1;
+  std::int64_t denominator = 1;
+
+  friend bool operator==(const QZHKFactor&, const QZHKFactor&) = default;
+};
+
+[[nodiscard]] QZHKDimension dimension(QZHKUnit unit);
+
+/// How many base units of its dimension one unit is, exactly. The base units are the metre, litre, kilojoule, second,
+/// gram and, where a dimension has one unit only, that one.
+[[nodiscard]] QZHKFactor factor(QZHKUnit unit);
+
+/// The same amount in another unit; none when the two do not measure the same. The exact value, rounded once to a double
+/// where the amount is a whole number below 2^53 divided by the factors in between.
+[[nodiscard]] std::optional<double> convert(double quantity, QZHKUnit from, QZHKUnit to);
+
+}  // namespace qz
