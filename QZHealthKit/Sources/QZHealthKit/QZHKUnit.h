@@ -103,8 +103,8 @@ struct QZHKFactor {
 /// gram and, where a dimension has one unit only, that one.
 [[nodiscard]] QZHKFactor factor(QZHKUnit unit);
 
-/// The same amount in another unit; none when the two do not measure the same. The exact value, rounded once to a double
-/// where the amount is a whole number below 2^53 divided by the factors in between.
+/// The same amount in another unit; none when the two do not measure the same. The exact value, rounded once to a
+/// double where the amount is a whole number below 2^53 divided by the factors in between.
 [[nodiscard]] std::optional<double> convert(double quantity, QZHKUnit from, QZHKUnit to);
 
 }  // namespace qz
