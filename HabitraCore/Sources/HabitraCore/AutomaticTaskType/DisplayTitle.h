@@ -1,0 +1,64 @@
+#pragma once
+
+#include <HabitraCore/AutomaticTaskType/HealthType.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+/// The human text of a target.
+namespace habitra {
+
+/// A title with its target built in: as it is kept, with the place of the amount open ("Drink {quantity} of water"),
+/// and as it is read ("Drink 2 litres of water").
+struct TaskDisplayTitle {
+  std::string title;
+  std::string titleFormatted;
+
+  friend bool operator==(const TaskDisplayTitle&, const TaskDisplayTitle&) = default;
+};
+
+/// Where the text of a target belongs.
+class HealthType::DisplayTitleType {
+ public:
+  enum class Kind : std::uint8_t { separate, integrated };
+
+  /// Shown apart from the task's own title: "2 litres".
+  [[nodiscard]] static DisplayTitleType separate(std::string text) { return DisplayTitleType(std::move(text)); }
+  /// Built into the task's title.
+  [[nodiscard]] static DisplayTitleType integrated(TaskDisplayTitle title) {
+    return DisplayTitleType(std::move(title));
+  }
+
+  [[nodiscard]] Kind kind() const { return value_.index() == 0 ? Kind::separate : Kind::integrated; }
+  /// The text as it is read, of either kind.
+  [[nodiscard]] const std::string& text() const;
+  /// The title; null for a text that stands apart.
+  [[nodiscard]] const TaskDisplayTitle* title() const { return std::get_if<TaskDisplayTitle>(&value_); }
+
+  friend bool operator==(const DisplayTitleType&, const DisplayTitleType&) = default;
+
+ private:
+  using Value = std::variant<std::string, TaskDisplayTitle>;
+  explicit DisplayTitleType(Value value) : value_(std::move(value)) {}
+
+  Value value_;
+};
+
+struct DisplayTitleOptions {
+  /// The task's own words. Where they hold "{quantity}" the amount is put there and the title is integrated; where they
+  /// do not, the target is a text of its own, to be shown apart from them.
+  std::optional<std::string> customText;
+  bool isNegative = false;                 ///< a task to avoid: "Under 200 mg caffeine"
+  bool lineBreaks = false;                 ///< break the line where the title has a natural break
+  std::int64_t numPartialCompletions = 1;  ///< how many completions the target is split into; below 1 counts as 1
+};
+
+/// An amount as it is read, with as many decimals as its unit shows and none that are 0: "10,000", "1.5", and "22:30"
+/// for a time of day. Rounded to the nearest. REQUIRES: finite.
+[[nodiscard]] std::string formattedQuantityNumber(double quantity, TypeUnit unit);
+/// The same with its unit: "10,000 steps", "1 litre", "5 km".
+[[nodiscard]] std::string formattedQuantity(double quantity, TypeUnit unit);
+
+}  // namespace habitra
