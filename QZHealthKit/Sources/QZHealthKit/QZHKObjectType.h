@@ -196,12 +196,19 @@ enum class QZHKAggregation : std::uint8_t {
   discrete,    ///< each stands for its moment: a sum means nothing, mean and extremes do
 };
 
+/// Where samples of a type come from, and so what it means when those of two sources lie at the same time.
+enum class QZHKOrigin : std::uint8_t {
+  measured,  ///< devices record it as it goes on: two that do so at the same time record the same
+  entered,   ///< people enter it, one by one: two at the same time are two, as a glass of water during a meal
+};
+
 /// What is fixed about a type.
 struct QZHKObjectTypeRow {
   QZHKObjectType type;
   QZHKObjectKind kind;
   std::optional<QZHKDimension> dimension;  ///< what amounts measure; none unless the kind is quantity
   QZHKAggregation aggregation;
+  QZHKOrigin origin;
 };
 
 /// The table of all types, in the order of declaration.
@@ -211,6 +218,7 @@ struct QZHKObjectTypeRow {
 /// None unless the kind is quantity.
 [[nodiscard]] std::optional<QZHKDimension> dimension(QZHKObjectType type);
 [[nodiscard]] QZHKAggregation aggregation(QZHKObjectType type);
+[[nodiscard]] QZHKOrigin origin(QZHKObjectType type);
 
 /// Whether the amounts of this type can be given in the unit. What has no amounts is counted, in `count`.
 [[nodiscard]] bool isMeasured(QZHKObjectType type, QZHKUnit unit);

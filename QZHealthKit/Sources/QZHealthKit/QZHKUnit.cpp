@@ -11,20 +11,25 @@ struct UnitRow {
   QZHKUnit unit;
   QZHKDimension dimension;
   QZHKFactor factor;
+  double zero = 0;  ///< what the unit reads where the base unit reads 0
 };
 
-// The international yard is 0.9144 m and the mile 1,760 yards (agreement of 1959). The US gallon is 231 cubic inches,
-// 3.785411784 L, with 128 fluid ounces and 16 cups. The calorie is the thermochemical one, 4.184 J.
-constexpr std::array<UnitRow, 26> unitRows = [] {
+// The international yard is 0.9144 m, of 3 feet or 36 inches, the mile 1,760 yards, and the pound 0.45359237 kg
+// (agreement of 1959); a stone is 14 pounds. The US gallon is 231 cubic inches, 3.785411784 L, with 128 fluid ounces
+// and 16 cups. The calorie is the thermochemical one, 4.184 J. A mole of glucose weighs 180.156 g (standard atomic
+// weights), so that 1 mmol/L of it is 18.0156 mg/dL.
+constexpr std::array<UnitRow, 32> unitRows = [] {
   using U = QZHKUnit;
   using D = QZHKDimension;
-  return std::array<UnitRow, 26>{{
+  return std::array<UnitRow, 32>{{
       {U::count, D::count, {1, 1}},
       {U::metre, D::length, {1, 1}},
       {U::centimetre, D::length, {1, 100}},
       {U::kilometre, D::length, {1'000, 1}},
       {U::mile, D::length, {1'609'344, 1'000}},
       {U::yard, D::length, {9'144, 10'000}},
+      {U::foot, D::length, {3'048, 10'000}},
+      {U::inch, D::length, {254, 10'000}},
       {U::litre, D::volume, {1, 1}},
       {U::millilitre, D::volume, {1, 1'000}},
       {U::fluidOunceUS, D::volume, {3'785'411'784, 128'000'000'000}},
@@ -38,15 +43,27 @@ constexpr std::array<UnitRow, 26> unitRows = [] {
       {U::milligram, D::mass, {1, 1'000}},
       {U::microgram, D::mass, {1, 1'000'000}},
       {U::kilogram, D::mass, {1'000, 1}},
+      {U::pound, D::mass, {45'359'237, 100'000}},
+      {U::stone, D::mass, {14 * 45'359'237, 100'000}},
       {U::percent, D::fraction, {1, 1}},
       {U::countPerMinute, D::frequency, {1, 1}},
       {U::litrePerMinute, D::flow, {1, 1}},
       {U::degreeCelsius, D::temperature, {1, 1}},
+      {U::degreeFahrenheit, D::temperature, {5, 9}, 32},
       {U::millimetreOfMercury, D::pressure, {1, 1}},
       {U::millimolePerLitre, D::concentration, {1, 1}},
+      {U::milligramPerDecilitre, D::concentration, {10'000, 180'156}},
       {U::internationalUnit, D::biologicalActivity, {1, 1}},
   }};
 }();
+
+// A row is found by its place.
+static_assert([] {
+  for (std::size_t index = 0; index < unitRows.size(); ++index) {
+    if (static_cast<std::size_t>(unitRows[index].unit) != index) return false;
+  }
+  return unitRows.size() == RawValueTable<QZHKUnit>::rows.size();
+}());
 
 const UnitRow& rowOf(QZHKUnit unit) { return unitRows[static_cast<std::size_t>(unit)]; }
 
@@ -69,8 +86,10 @@ QZHKFactor factor(QZHKUnit unit) { return rowOf(unit).factor; }
 
 std::optional<double> convert(double quantity, QZHKUnit from, QZHKUnit to) {
   if (dimension(from) != dimension(to)) return std::nullopt;
+  if (from == to) return quantity;
   const QZHKFactor ratio = quotient(factor(from), factor(to));
-  return quantity * static_cast<double>(ratio.numerator) / static_cast<double>(ratio.denominator);
+  const double amount = quantity - rowOf(from).zero;
+  return amount * static_cast<double>(ratio.numerator) / static_cast<double>(ratio.denominator) + rowOf(to).zero;
 }
 
 }  // namespace qz

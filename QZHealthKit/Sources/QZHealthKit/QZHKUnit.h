@@ -17,6 +17,8 @@ enum class QZHKUnit : std::uint8_t {
   kilometre,
   mile,
   yard,
+  foot,
+  inch,
   litre,
   millilitre,
   fluidOunceUS,
@@ -30,25 +32,31 @@ enum class QZHKUnit : std::uint8_t {
   milligram,
   microgram,
   kilogram,
+  pound,
+  stone,
   percent,
   countPerMinute,
   litrePerMinute,
   degreeCelsius,
+  degreeFahrenheit,
   millimetreOfMercury,
   millimolePerLitre,
+  milligramPerDecilitre,
   internationalUnit,
 };
 
 template <>
 struct RawValueTable<QZHKUnit> {
   using U = QZHKUnit;
-  static constexpr std::array<RawValueRow<U, std::string_view>, 26> rows{{
+  static constexpr std::array<RawValueRow<U, std::string_view>, 32> rows{{
       {U::count, "count", "count"},
       {U::metre, "m", "metre"},
       {U::centimetre, "cm", "centimetre"},
       {U::kilometre, "km", "kilometre"},
       {U::mile, "mi", "mile"},
       {U::yard, "yd", "yard"},
+      {U::foot, "ft", "foot"},
+      {U::inch, "in", "inch"},
       {U::litre, "L", "litre"},
       {U::millilitre, "mL", "millilitre"},
       {U::fluidOunceUS, "fl_oz_us", "fluidOunceUS"},
@@ -62,12 +70,16 @@ struct RawValueTable<QZHKUnit> {
       {U::milligram, "mg", "milligram"},
       {U::microgram, "mcg", "microgram"},
       {U::kilogram, "kg", "kilogram"},
+      {U::pound, "lb", "pound"},
+      {U::stone, "st", "stone"},
       {U::percent, "%", "percent"},
       {U::countPerMinute, "count/min", "countPerMinute"},
       {U::litrePerMinute, "L/min", "litrePerMinute"},
       {U::degreeCelsius, "degC", "degreeCelsius"},
+      {U::degreeFahrenheit, "degF", "degreeFahrenheit"},
       {U::millimetreOfMercury, "mmHg", "millimetreOfMercury"},
       {U::millimolePerLitre, "mmol/L", "millimolePerLitre"},
+      {U::milligramPerDecilitre, "mg/dL", "milligramPerDecilitre"},
       {U::internationalUnit, "IU", "internationalUnit"},
   }};
 };
@@ -85,7 +97,7 @@ enum class QZHKDimension : std::uint8_t {
   flow,
   temperature,
   pressure,
-  concentration,
+  concentration,  ///< of glucose in blood
   biologicalActivity,
 };
 
@@ -100,11 +112,12 @@ struct QZHKFactor {
 [[nodiscard]] QZHKDimension dimension(QZHKUnit unit);
 
 /// How many base units of its dimension one unit is, exactly. The base units are the metre, litre, kilojoule, second,
-/// gram and, where a dimension has one unit only, that one.
+/// gram, degree Celsius, millimole per litre and, where a dimension has one unit only, that one. Degrees differ in
+/// their zero as well: their factor is that of a difference of temperatures, and convert() moves the zero.
 [[nodiscard]] QZHKFactor factor(QZHKUnit unit);
 
-/// The same amount in another unit; none when the two do not measure the same. The exact value, rounded once to a
-/// double where the amount is a whole number below 2^53 divided by the factors in between.
+/// The same amount in another unit; none when the two do not measure the same. For a whole number of units the nearest
+/// double to the exact result, as long as that number times the factor's numerator stays below 2^53.
 [[nodiscard]] std::optional<double> convert(double quantity, QZHKUnit from, QZHKUnit to);
 
 }  // namespace qz

@@ -67,13 +67,13 @@ constexpr std::array<TitleRow, 50> titleRows = [] {
   }};
 }();
 
-constexpr bool titlesAreInOrder() {
+// A row is found by its place.
+static_assert([] {
   for (std::size_t index = 0; index < titleRows.size(); ++index) {
     if (static_cast<std::size_t>(titleRows[index].type) != index) return false;
   }
   return titleRows.size() == RawValueTable<QZHKWorkoutActivityType>::rows.size();
-}
-static_assert(titlesAreInOrder());
+}());
 
 }  // namespace
 

@@ -1,0 +1,62 @@
+#include <QZHealthKit/QZHKSample.h>
+
+#include <cmath>
+#include <string_view>
+
+namespace qz {
+
+namespace {
+
+template <typename Value>
+std::optional<Value> valueAs(const QZHKSampleValue& value) {
+  const Value* found = std::get_if<Value>(&value);
+  return found ? std::optional(*found) : std::nullopt;
+}
+
+// What is wrong is said in words that follow the name of the type: "heartRate needs an amount".
+
+std::optional<std::string> problemOfAmount(QZHKObjectType type, const QZHKQuantity& quantity) {
+  if (!isMeasured(type, quantity.unit)) return "is not measured in " + std::string(rawValue(quantity.unit));
+  if (!(std::abs(quantity.value) < amountLimit)) return "needs an amount below 10^12";
+  if (quantity.value < 0 && dimension(type) != QZHKDimension::temperature) return "cannot be below zero";
+  return std::nullopt;
+}
+
+std::optional<std::string> problemOfValue(QZHKObjectType type, const QZHKSampleValue& value) {
+  if (kind(type) == QZHKObjectKind::activitySummary) return "has no samples";
+  if (kind(type) == QZHKObjectKind::quantity) {
+    const auto quantity = valueAs<QZHKQuantity>(value);
+    return quantity ? problemOfAmount(type, *quantity) : "needs an amount";
+  }
+  if (type == QZHKObjectType::sleepAnalysis) {
+    return valueAs<QZHKSleepValue>(value) ? std::nullopt : std::optional<std::string>("needs a sleep value");
+  }
+  if (type == QZHKObjectType::workout) {
+    return valueAs<QZHKWorkoutActivityType>(value) ? std::nullopt : std::optional<std::string>("needs an activity");
+  }
+  return valueAs<std::monostate>(value) ? std::nullopt : std::optional<std::string>("takes no value");
+}
+
+std::optional<std::string> problemAfterName(const QZHKSample& sample) {
+  if (sample.end < sample.start) return "ends before it starts";
+  if (sample.source.empty()) return "needs a source";
+  return problemOfValue(sample.objectType, sample.value);
+}
+
+}  // namespace
+
+std::optional<QZHKQuantity> QZHKSample::quantity() const { return valueAs<QZHKQuantity>(value); }
+
+std::optional<QZHKSleepValue> QZHKSample::sleepValue() const { return valueAs<QZHKSleepValue>(value); }
+
+std::optional<QZHKWorkoutActivityType> QZHKSample::workoutActivityType() const {
+  return valueAs<QZHKWorkoutActivityType>(value);
+}
+
+std::optional<std::string> problem(const QZHKSample& sample) {
+  const auto found = problemAfterName(sample);
+  if (!found) return std::nullopt;
+  return std::string(rawValue(sample.objectType)) + " " + *found;
+}
+
+}  // namespace qz
