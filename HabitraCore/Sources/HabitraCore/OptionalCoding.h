@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 /// How the members of a coded record are read and written by the type of the field, those that must be there and those
 /// that may be absent: truth values, finite numbers, whole numbers, texts, days of the calendar, enumerations with a
@@ -39,7 +40,7 @@ template <typename Read>
 /// another kind than the enumeration's raw values.
 template <RawValued E>
 [[nodiscard]] std::optional<E> decodeCaseIfKnown(const char* key, const nlohmann::json& found) {
-  if constexpr (std::is_integral_v<decltype(rawValue(E{}))>) {
+  if constexpr (std::is_integral_v<decltype(rawValue(std::declval<E>()))>) {
     if (const auto number = qz::coded_form::wholeNumber(found)) return fromRawValue<E>(*number);
   } else {
     if (found.is_string()) return fromRawValue<E>(found.get_ref<const std::string&>());
@@ -86,6 +87,16 @@ template <typename T>
     return decodeCaseIfKnown<T>(key, *found);
   } else {
     return decodeMember<T>(json, key);
+  }
+}
+
+/// Calls `take` with each case of a list of cases; unknown ones are left out. Throws qz::DecodingError where it is no
+/// list or holds a value of another kind than the enumeration's raw values.
+template <RawValued E, typename Take>
+void decodeKnownCases(const nlohmann::json& json, Take&& take) {
+  if (!json.is_array()) throw qz::DecodingError("Unable to read a list from " + qz::coded_form::text(json));
+  for (const nlohmann::json& found : json) {
+    if (const std::optional<E> value = decodeCaseIfKnown<E>("a member of a list", found)) take(*value);
   }
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 /// How an enumeration with a table is written into coded forms: as its raw value. For sources of this module.
 namespace habitra {
@@ -21,7 +22,7 @@ void encodeRawValue(nlohmann::json& json, E value) {
 /// Throws qz::DecodingError naming `what` was expected and the value that was found.
 template <RawValued E>
 [[nodiscard]] E decodeRawValue(const nlohmann::json& json, std::string_view what) {
-  using Raw = decltype(rawValue(E{}));
+  using Raw = decltype(rawValue(std::declval<E>()));
   std::optional<E> value;
   if constexpr (std::is_integral_v<Raw>) {
     if (const auto number = qz::coded_form::wholeNumber(json)) value = fromRawValue<E>(*number);

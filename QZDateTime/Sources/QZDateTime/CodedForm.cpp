@@ -1,6 +1,7 @@
 #include <QZDateTime/CodedForm.h>
 #include <QZDateTime/DecodingError.h>
 
+#include <absl/strings/escaping.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -77,6 +78,19 @@ const nlohmann::json& list(const nlohmann::json& json, const char* key) {
   const nlohmann::json& found = member(json, key);
   if (!found.is_array()) refuse(key, found);
   return found;
+}
+
+std::string base64(std::span<const std::uint8_t> bytes) {
+  return absl::Base64Escape(std::string(bytes.begin(), bytes.end()));
+}
+
+std::optional<std::vector<std::uint8_t>> bytes(const nlohmann::json& json) {
+  if (!json.is_string()) return std::nullopt;
+  const std::string& text = json.get_ref<const std::string&>();
+  std::string decoded;
+  // The library passes over white space and missing padding; what does not come back the same is refused.
+  if (!absl::Base64Unescape(text, &decoded) || absl::Base64Escape(decoded) != text) return std::nullopt;
+  return std::vector<std::uint8_t>(decoded.begin(), decoded.end());
 }
 
 }  // namespace qz::coded_form

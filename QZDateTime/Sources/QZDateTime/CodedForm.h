@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 /// Strict reading of coded forms (JSON), for the from_json functions of this module and those above: nothing is turned
 /// into what it is not. A number with a fraction or exponent is no whole number, true is no number, text is neither.
@@ -26,5 +28,9 @@ namespace qz::coded_form {
 /// A finite number, whole or not.
 [[nodiscard]] double number(const nlohmann::json& json, const char* key);
 [[nodiscard]] const nlohmann::json& list(const nlohmann::json& json, const char* key);
+
+/// Bytes as text, in base64 with padding, and back; none for a value that is not exactly such a text.
+[[nodiscard]] std::string base64(std::span<const std::uint8_t> bytes);
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> bytes(const nlohmann::json& json);
 
 }  // namespace qz::coded_form

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string_view>
 
@@ -92,8 +91,6 @@ class TypeUnit {
  private:
   Case value_;
 };
-
-void to_json(nlohmann::json& json, TypeUnit unit);
 
 }  // namespace habitra
 

@@ -1,0 +1,60 @@
+#include <HabitraCore/AutomaticTaskType/StoredAutomaticType.h>
+#include <HabitraCore/OptionalCoding.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+namespace habitra {
+
+namespace {
+
+struct ExtraAndSource {
+  std::optional<TypeExtra> extra;
+  std::optional<DataSource> dataSource;
+};
+
+std::optional<std::vector<std::uint8_t>> encodeExtra(const AutomaticTaskType& type) {
+  if (!type.extra && !type.dataSource) return std::nullopt;
+  nlohmann::json json = nlohmann::json::object();
+  encodeMember(json, "extra", type.extra);
+  encodeMember(json, "dataSource", type.dataSource);
+  const std::string text = json.dump();
+  return std::vector<std::uint8_t>(text.begin(), text.end());
+}
+
+ExtraAndSource decodeExtra(const std::vector<std::uint8_t>& bytes) {
+  const auto json = nlohmann::json::parse(bytes, nullptr, false);
+  try {
+    return {.extra = decodeMemberIfAny<TypeExtra>(json, "extra"),
+            .dataSource = decodeMemberIfAny<DataSource>(json, "dataSource")};
+  } catch (const qz::DecodingError&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+StoredAutomaticType stored(const AutomaticTaskType& type) {
+  StoredAutomaticType stored{.typeName = std::string(type.type.rawValue()),
+                             .typeUnit = std::nullopt,
+                             .typeSpeed = std::nullopt,
+                             .typeTarget = type.quantity,
+                             .typeExtra = encodeExtra(type)};
+  if (type.unit) stored.typeUnit = rawValue(*type.unit);
+  if (!type.speeds.isEmpty()) stored.typeSpeed = type.speeds.storedText();
+  return stored;
+}
+
+std::optional<AutomaticTaskType> automaticType(const StoredAutomaticType& stored) {
+  const auto type = stored.typeName ? AutomaticTaskType::TaskType::fromRawValue(*stored.typeName) : std::nullopt;
+  if (!type) return std::nullopt;
+  const ExtraAndSource extra = stored.typeExtra ? decodeExtra(*stored.typeExtra) : ExtraAndSource{};
+  return AutomaticTaskType{.type = *type,
+                           .quantity = std::isfinite(stored.typeTarget) ? stored.typeTarget : 0.0,
+                           .unit = stored.typeUnit ? fromRawValue<TypeUnit>(*stored.typeUnit) : std::nullopt,
+                           .speeds = stored.typeSpeed ? TypeSpeeds::fromStoredText(*stored.typeSpeed) : TypeSpeeds{},
+                           .extra = extra.extra,
+                           .dataSource = extra.dataSource};
+}
+
+}  // namespace habitra

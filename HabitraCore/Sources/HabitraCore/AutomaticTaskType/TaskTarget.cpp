@@ -1,0 +1,19 @@
+#include <HabitraCore/AutomaticTaskType/TaskTarget.h>
+#include <HabitraCore/OptionalCoding.h>
+
+namespace habitra {
+
+void to_json(nlohmann::json& json, const TaskTarget& target) {
+  json = nlohmann::json::object();
+  encodeMember(json, "quantity", target.quantity);
+  encodeMember(json, "unit", target.unit);
+  encodeMember(json, "speeds", target.speeds);
+}
+
+void from_json(const nlohmann::json& json, TaskTarget& target) {
+  target = {.quantity = decodeMember<double>(json, "quantity"),
+            .unit = decodeMember<TypeUnit>(json, "unit"),
+            .speeds = decodeMember<TypeSpeeds>(json, "speeds")};
+}
+
+}  // namespace habitra
