@@ -119,7 +119,11 @@ QZHKAggregation aggregation(QZHKObjectType type) { return rowOf(type).aggregatio
 QZHKOrigin origin(QZHKObjectType type) { return rowOf(type).origin; }
 
 bool isMeasured(QZHKObjectType type, QZHKUnit unit) {
-  return dimension(unit) == dimension(type).value_or(QZHKDimension::count);
+  const QZHKDimension asked = dimension(unit);
+  if (kind(type) == QZHKObjectKind::workout && (asked == QZHKDimension::energy || asked == QZHKDimension::length)) {
+    return true;
+  }
+  return asked == dimension(type).value_or(QZHKDimension::count);
 }
 
 }  // namespace qz

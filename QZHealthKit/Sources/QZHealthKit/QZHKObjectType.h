@@ -220,7 +220,8 @@ struct QZHKObjectTypeRow {
 [[nodiscard]] QZHKAggregation aggregation(QZHKObjectType type);
 [[nodiscard]] QZHKOrigin origin(QZHKObjectType type);
 
-/// Whether the amounts of this type can be given in the unit. What has no amounts is counted, in `count`.
+/// Whether sums and other figures of this type can be given in the unit. What has no amounts is counted, in `count`;
+/// workouts can be summed by energy and by distance as well.
 [[nodiscard]] bool isMeasured(QZHKObjectType type, QZHKUnit unit);
 
 }  // namespace qz

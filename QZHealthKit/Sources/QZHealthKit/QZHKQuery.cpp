@@ -10,6 +10,17 @@ bool isWanted(const std::set<Value>& wanted, const std::optional<Value>& value) 
   return wanted.empty() || (value && wanted.contains(*value));
 }
 
+std::optional<QZHKWorkoutActivityType> activityTypeOf(const QZHKSample& sample) {
+  const auto workout = sample.workout();
+  return workout ? std::optional(workout->activityType) : std::nullopt;
+}
+
+/// Whether figures are asked for that have the query's unit.
+bool asksForAmounts(QZHKStatisticsOptions options) {
+  constexpr QZHKStatisticsOptions unitless{QZHKStatisticsOption::duration, QZHKStatisticsOption::separateBySource};
+  return (options | unitless) != unitless;
+}
+
 std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType type) {
   const bool hasAmounts = kind(type) == QZHKObjectKind::quantity;
   const bool isDiscrete = aggregation(type) == QZHKAggregation::discrete;
@@ -30,7 +41,7 @@ std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType
 
 bool QZHKPredicate::matches(const QZHKSample& sample) const {
   return (!source || sample.source == *source) && (!task || sample.task == task) &&
-         isWanted(workoutTypes, sample.workoutActivityType()) && isWanted(sleepValues, sample.sleepValue());
+         isWanted(workoutTypes, activityTypeOf(sample)) && isWanted(sleepValues, sample.sleepValue());
 }
 
 bool QZHKSampleQuery::matches(const QZHKSample& sample) const {
@@ -40,7 +51,9 @@ bool QZHKSampleQuery::matches(const QZHKSample& sample) const {
 std::optional<std::string> problem(const QZHKStatisticsQuery& query) {
   const QZHKObjectType type = query.samples.objectType;
   const std::string name(rawValue(type));
-  if (!isMeasured(type, query.unit)) return name + " is not measured in " + std::string(rawValue(query.unit));
+  if (asksForAmounts(query.options) && !isMeasured(type, query.unit)) {
+    return name + " is not measured in " + std::string(rawValue(query.unit));
+  }
   for (const QZHKStatisticsOption option : query.options) {
     if (const auto found = problemOf(option, type)) return name + " " + *found;
   }

@@ -57,15 +57,15 @@ struct QZHKSampleQuery {
 /// Asks for figures over those samples.
 struct QZHKStatisticsQuery {
   QZHKSampleQuery samples;
-  QZHKUnit unit = QZHKUnit::count;  ///< what the figures are given in; `count` for a type without amounts
+  QZHKUnit unit = QZHKUnit::count;  ///< what the figures are given in, but for the duration, which has its own
   QZHKStatisticsOptions options;
 
   friend bool operator==(const QZHKStatisticsQuery&, const QZHKStatisticsQuery&) = default;
 };
 
-/// Why the figures cannot be told, as a sentence fit for an error; none when they can. The unit must measure the type.
-/// A sum needs a cumulative type; mean, least and greatest need amounts of a discrete type; the most recent amount
-/// needs amounts.
+/// Why the figures cannot be told, as a sentence fit for an error; none when they can. The unit must measure the type,
+/// where more than a duration is asked for. A sum needs a cumulative type; mean, least and greatest need amounts of a
+/// discrete type; the most recent amount needs a quantity.
 [[nodiscard]] std::optional<std::string> problem(const QZHKStatisticsQuery& query);
 
 /// Asks to be told when samples or activity summaries of these types come or go.

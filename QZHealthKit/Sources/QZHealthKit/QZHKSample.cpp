@@ -15,24 +15,32 @@ std::optional<Value> valueAs(const QZHKSampleValue& value) {
 
 // What is wrong is said in words that follow the name of the type: "heartRate needs an amount".
 
-std::optional<std::string> problemOfAmount(QZHKObjectType type, const QZHKQuantity& quantity) {
-  if (!isMeasured(type, quantity.unit)) return "is not measured in " + std::string(rawValue(quantity.unit));
+std::optional<std::string> problemOfAmount(QZHKDimension measured, const QZHKQuantity& quantity) {
+  if (dimension(quantity.unit) != measured) return "is not measured in " + std::string(rawValue(quantity.unit));
   if (!(std::abs(quantity.value) < amountLimit)) return "needs an amount below 10^12";
-  if (quantity.value < 0 && dimension(type) != QZHKDimension::temperature) return "cannot be below zero";
+  if (quantity.value < 0 && measured != QZHKDimension::temperature) return "cannot be below zero";
   return std::nullopt;
+}
+
+std::optional<std::string> problemOfWorkout(const QZHKWorkout& workout) {
+  std::optional<std::string> found;
+  if (workout.energy) found = problemOfAmount(QZHKDimension::energy, *workout.energy);
+  if (!found && workout.distance) found = problemOfAmount(QZHKDimension::length, *workout.distance);
+  return found;
 }
 
 std::optional<std::string> problemOfValue(QZHKObjectType type, const QZHKSampleValue& value) {
   if (kind(type) == QZHKObjectKind::activitySummary) return "has no samples";
-  if (kind(type) == QZHKObjectKind::quantity) {
+  if (const auto measured = dimension(type)) {
     const auto quantity = valueAs<QZHKQuantity>(value);
-    return quantity ? problemOfAmount(type, *quantity) : "needs an amount";
+    return quantity ? problemOfAmount(*measured, *quantity) : "needs an amount";
   }
   if (type == QZHKObjectType::sleepAnalysis) {
     return valueAs<QZHKSleepValue>(value) ? std::nullopt : std::optional<std::string>("needs a sleep value");
   }
   if (type == QZHKObjectType::workout) {
-    return valueAs<QZHKWorkoutActivityType>(value) ? std::nullopt : std::optional<std::string>("needs an activity");
+    const auto workout = valueAs<QZHKWorkout>(value);
+    return workout ? problemOfWorkout(*workout) : "needs an activity";
   }
   return valueAs<std::monostate>(value) ? std::nullopt : std::optional<std::string>("takes no value");
 }
@@ -49,8 +57,15 @@ std::optional<QZHKQuantity> QZHKSample::quantity() const { return valueAs<QZHKQu
 
 std::optional<QZHKSleepValue> QZHKSample::sleepValue() const { return valueAs<QZHKSleepValue>(value); }
 
-std::optional<QZHKWorkoutActivityType> QZHKSample::workoutActivityType() const {
-  return valueAs<QZHKWorkoutActivityType>(value);
+std::optional<QZHKWorkout> QZHKSample::workout() const { return valueAs<QZHKWorkout>(value); }
+
+std::optional<QZHKQuantity> QZHKSample::contribution(QZHKUnit unit) const {
+  if (const auto amount = quantity()) return amount;
+  if (const auto done = workout()) {
+    if (dimension(unit) == QZHKDimension::energy) return done->energy;
+    if (dimension(unit) == QZHKDimension::length) return done->distance;
+  }
+  return QZHKQuantity{.value = 1, .unit = QZHKUnit::count};
 }
 
 std::optional<std::string> problem(const QZHKSample& sample) {

@@ -13,10 +13,19 @@
 
 namespace qz {
 
+/// What a sample of `workout` says: the activity, and what it took where that was measured.
+struct QZHKWorkout {
+  QZHKWorkoutActivityType activityType = QZHKWorkoutActivityType::other;
+  std::optional<QZHKQuantity> energy;
+  std::optional<QZHKQuantity> distance;
+
+  friend bool operator==(const QZHKWorkout&, const QZHKWorkout&) = default;
+};
+
 /// What a sample says. Which alternative it is follows from the type: an amount for every quantity, a sleep value for
-/// `sleepAnalysis`, an activity for `workout`. The rest say nothing but that it was so: that the person stood or rolled
+/// `sleepAnalysis`, a workout for `workout`. The rest say nothing but that it was so: that the person stood or rolled
 /// in an hour (there is no sample for an idle one), brushed, washed, was warned, had a recording made.
-using QZHKSampleValue = std::variant<std::monostate, QZHKQuantity, QZHKSleepValue, QZHKWorkoutActivityType>;
+using QZHKSampleValue = std::variant<std::monostate, QZHKQuantity, QZHKSleepValue, QZHKWorkout>;
 
 /// One record of a health store: what was measured, or took place, from one moment to another. A fact: it is written
 /// once and not changed.
@@ -33,7 +42,11 @@ struct QZHKSample {
   /// What it says, where it says that.
   [[nodiscard]] std::optional<QZHKQuantity> quantity() const;
   [[nodiscard]] std::optional<QZHKSleepValue> sleepValue() const;
-  [[nodiscard]] std::optional<QZHKWorkoutActivityType> workoutActivityType() const;
+  [[nodiscard]] std::optional<QZHKWorkout> workout() const;
+
+  /// What it adds to a sum in this unit, in the unit it came in: its amount; of a workout, the energy for a unit of
+  /// energy and the distance for one of length, where they were measured; else one, in `count`.
+  [[nodiscard]] std::optional<QZHKQuantity> contribution(QZHKUnit unit) const;
 
   friend bool operator==(const QZHKSample&, const QZHKSample&) = default;
 };

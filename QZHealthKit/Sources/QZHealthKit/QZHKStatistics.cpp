@@ -30,44 +30,51 @@ class CompensatedSum {
   double lost_ = 0;
 };
 
-QZHKQuantity amountOf(const QZHKSample& sample) { return sample.quantity().value_or(QZHKQuantity{1, QZHKUnit::count}); }
-
 double valueOf(const QZHKQuantity& quantity, QZHKUnit unit) {
   const auto value = quantity.valueIn(unit);
   require(value.has_value(), "a sample is in a unit that does not measure its type");
   return *value;
 }
 
-double sumOf(const Samples& samples, QZHKUnit unit) {
+/// REQUIRES: the sample is a quantity's.
+double valueOf(const QZHKSample& sample, QZHKUnit unit) {
+  const auto quantity = sample.quantity();
+  require(quantity.has_value(), "a sample has no amount");
+  return valueOf(*quantity, unit);
+}
+
+/// None when no sample has a contribution.
+std::optional<double> sumOf(const Samples& samples, QZHKUnit unit) {
   std::map<QZHKUnit, CompensatedSum> sums;
   for (const QZHKSample* sample : samples) {
-    const QZHKQuantity amount = amountOf(*sample);
-    sums[amount.unit].add(amount.value);
+    if (const auto amount = sample->contribution(unit)) sums[amount->unit].add(amount->value);
   }
+  if (sums.empty()) return std::nullopt;
   CompensatedSum all;
-  for (const auto& [from, sum] : sums) all.add(valueOf({sum.value(), from}, unit));
+  for (const auto& [from, sum] : sums) all.add(valueOf(QZHKQuantity{sum.value(), from}, unit));
   return all.value();
 }
 
 /// Temperatures of two scales cannot be added before they are converted.
 double averageOf(const Samples& samples, QZHKUnit unit) {
   CompensatedSum sum;
-  for (const QZHKSample* sample : samples) sum.add(valueOf(amountOf(*sample), unit));
+  for (const QZHKSample* sample : samples) sum.add(valueOf(*sample, unit));
   return sum.value() / static_cast<double>(samples.size());
 }
 
-/// The samples without those that overlap what a source with a greater sum measured.
+/// The samples that contribute to a sum, without those that overlap what a source with a greater sum measured.
 Samples countedOnce(const std::map<std::string, Samples>& bySource, QZHKUnit unit) {
   std::vector<std::pair<double, const Samples*>> sources;
-  for (const auto& [name, samples] : bySource) sources.emplace_back(sumOf(samples, unit), &samples);
+  for (const auto& [name, samples] : bySource) sources.emplace_back(sumOf(samples, unit).value_or(0), &samples);
   std::stable_sort(sources.begin(), sources.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
 
   QZHKCoveredTime covered;
   Samples counted;
   for (const auto& [sum, samples] : sources) {
     const auto begin = static_cast<std::ptrdiff_t>(counted.size());
-    std::copy_if(samples->begin(), samples->end(), std::back_inserter(counted),
-                 [&](const QZHKSample* sample) { return !covered.overlaps(sample->start, sample->end); });
+    std::copy_if(samples->begin(), samples->end(), std::back_inserter(counted), [&](const QZHKSample* sample) {
+      return sample->contribution(unit) && !covered.overlaps(sample->start, sample->end);
+    });
     // Only now, since the samples of one source do not shut each other out.
     std::for_each(counted.begin() + begin, counted.end(),
                   [&](const QZHKSample* sample) { covered.insert(sample->start, sample->end); });
@@ -91,7 +98,7 @@ const QZHKSample& mostRecentOf(const Samples& samples) {
 QZHKFigures figuresOf(const Samples& samples, const QZHKStatisticsQuery& query) {
   using enum QZHKStatisticsOption;
   const QZHKStatisticsOptions options = query.options;
-  const auto value = [&](const QZHKSample* sample) { return valueOf(amountOf(*sample), query.unit); };
+  const auto value = [&](const QZHKSample* sample) { return valueOf(*sample, query.unit); };
   const auto isLess = [&](const QZHKSample* a, const QZHKSample* b) { return value(a) < value(b); };
   QZHKFigures figures;
   if (options.contains(discreteAverage)) figures.average = averageOf(samples, query.unit);

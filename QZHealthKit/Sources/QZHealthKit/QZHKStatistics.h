@@ -13,8 +13,8 @@
 
 namespace qz {
 
-/// Figures over some samples. One that was not asked for is absent, and without any sample all are: that nothing was
-/// measured is not the same as zero.
+/// Figures over some samples. One that was not asked for is absent, and so is one that no sample has anything to say
+/// of: that nothing was measured is not the same as zero.
 struct QZHKFigures {
   std::optional<double> sum;
   std::optional<double> average;
@@ -42,7 +42,8 @@ struct QZHKStatistics {
 ///   of one walk. The source with the greater sum goes first (of equal ones, the first by name); a sample of another is
 ///   left out of the sum when it overlaps one that is in it. What people enter themselves (origin(type)) all counts,
 ///   and so do all samples in the figures of a single source.
-/// - A sample without an amount counts one in a sum.
+/// - A sample without an amount counts one in a sum; a workout adds its energy or distance in such a unit, and nothing
+///   where it was not measured.
 /// - Amounts are added in the unit they came in and converted after that, without the errors of rounding that adding up
 ///   brings: ten times 100 mL make 1 L, and so do ten times 0.1 L.
 /// - The mean takes each sample once, however long it lasted.
