@@ -1,0 +1,21 @@
+#include <HabitraCore/Notifications/TimerReminderTime.h>
+#include <HabitraCore/OptionalCoding.h>
+#include <QZDateTime/ISO8601.h>
+
+#include <nlohmann/json.hpp>
+
+namespace habitra {
+
+void to_json(nlohmann::json& json, const TimerReminderTime& time) {
+  json = {{"type", rawValue(time.type)}, {"duration", time.duration}, {"date", qz::iso8601(time.date)}};
+}
+
+void from_json(const nlohmann::json& json, TimerReminderTime& time) {
+  time.type = decodeMember<TimerReminderType>(json, "type");
+  time.duration = decodeMember<double>(json, "duration");
+  const auto date = qz::momentFromISO8601(decodeMember<std::string>(json, "date"));
+  if (!date) refuseMember("date", json["date"]);
+  time.date = *date;
+}
+
+}  // namespace habitra
