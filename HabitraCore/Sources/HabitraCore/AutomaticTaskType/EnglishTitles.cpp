@@ -219,7 +219,7 @@ constexpr TitleRow titles[] = {
     {.form = F::dietaryEnergy, .amount = energy, .toDo = "Eat {quantity}", .toAvoid = "Eat under {quantity}"},
     {.form = F::dietaryEnergy, .toDo = "Eat", .toAvoid = "Do not eat"},
     {.form = F::nutrient, .amount = mass, .toDo = "Get {quantity}|of {noun}", .toAvoid = "Under {quantity}|{noun}"},
-    {.form = F::nutrient, .toDo = "Get {noun}", .toAvoid = "No {noun}"},
+    {.form = F::nutrient, .toDo = "Take in {noun}", .toAvoid = "No {noun}"},
     {.form = F::energyDeficit,
      .amount = energy,
      .allOf = {S::lessThan},

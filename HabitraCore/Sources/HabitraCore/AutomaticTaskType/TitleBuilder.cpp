@@ -21,10 +21,15 @@ void replaceAll(std::string& text, std::string_view what, std::string_view by) {
   }
 }
 
-std::string withBreaks(std::string_view text, bool lineBreaks) {
-  std::string result(text);
-  std::replace(result.begin(), result.end(), '|', lineBreaks ? '\n' : ' ');
-  return result;
+std::string withBreaks(std::string text, bool lineBreaks) {
+  std::replace(text.begin(), text.end(), '|', lineBreaks ? '\n' : ' ');
+  return text;
+}
+
+TitleTarget withoutAmount(TitleTarget target) {
+  target.quantity.reset();
+  target.unit.reset();
+  return target;
 }
 
 struct Amount {
@@ -40,15 +45,14 @@ class Wording {
     if (target.quantity && target.unit) amount_ = Amount{*target.quantity, *target.unit};
   }
 
-  /// The first of the rows that fits, as a template in which only the amount is open.
-  struct Title {
-    std::string text;
-    std::string quantity;  ///< what belongs into the place of the amount
-  };
-  [[nodiscard]] Title title(std::span<const TitleRow> rows) const {
+  /// In the words of the first of the rows that fits.
+  [[nodiscard]] TaskDisplayTitle title(std::span<const TitleRow> rows, bool lineBreaks) const {
     const auto row = std::find_if(rows.begin(), rows.end(), [this](const TitleRow& r) { return fits(r); });
     qz::require(row != rows.end(), "every target has a title");
-    return {filled(textOf(*row), places(*row)), quantityOf(*row)};
+    std::string title = withBreaks(filled(textOf(*row), places(*row)), lineBreaks);
+    const TitlePlace quantity[] = {{"quantity", quantityOf(*row)}};
+    std::string formatted = filled(title, quantity);
+    return {std::move(title), std::move(formatted)};
   }
 
   /// The amount in its own words, or how often where there is no amount.
@@ -153,10 +157,7 @@ class Wording {
   /// The title of the target without its amount, for a row that puts something around it.
   [[nodiscard]] std::string bareTitle(const TitleRow& row) const {
     if (row.toDo.find("{title}") == std::string_view::npos) return "";
-    TitleTarget bare = target_;
-    bare.quantity.reset();
-    bare.unit.reset();
-    return Wording(texts_, bare, false, 1).title(texts_.titles).text;
+    return Wording(texts_, withoutAmount(target_), false, 1).title(texts_.titles, false).title;
   }
 
   const TitleTexts& texts_;
@@ -200,21 +201,16 @@ HealthType::DisplayTitleType displayTitle(const TitleTexts& texts, const TitleTa
                                           const DisplayTitleOptions& options) {
   using Type = HealthType::DisplayTitleType;
   const Wording wording(texts, target, options.isNegative, options.numPartialCompletions);
-  const auto read = [&](const Wording::Title& title) {
-    const TitlePlace places[] = {{"quantity", title.quantity}};
-    return filled(title.text, places);
-  };
   if (options.customText && !options.customText->empty()) {
     const std::string& own = *options.customText;
-    if (own.find(quantityPlace) == std::string::npos) return Type::separate(read(wording.title(texts.targets)));
-    return Type::integrated({own, customTitle(own, wording.amountOrTimes())});
+    if (own.find(quantityPlace) != std::string::npos) {
+      return Type::integrated({own, customTitle(own, wording.amountOrTimes())});
+    }
+    return Type::separate(wording.title(texts.targets, options.lineBreaks).titleFormatted);
   }
-  TitleTarget titled = target;
-  if (wording.anyFails()) titled.quantity.reset();
-  Wording::Title title = Wording(texts, titled, options.isNegative, options.numPartialCompletions).title(texts.titles);
-  title.text = withBreaks(title.text, options.lineBreaks);
-  std::string formatted = read(title);
-  return Type::integrated({std::move(title.text), std::move(formatted)});
+  if (!wording.anyFails()) return Type::integrated(wording.title(texts.titles, options.lineBreaks));
+  const Wording anyAtAll(texts, withoutAmount(target), options.isNegative, options.numPartialCompletions);
+  return Type::integrated(anyAtAll.title(texts.titles, options.lineBreaks));
 }
 
 HealthType::DisplayTitleType displayTitle(TitleForm form, std::optional<HealthType> healthType,
