@@ -212,8 +212,8 @@ void from_json(const nlohmann::json& json, AutomaticTaskType& type) {
 
 std::size_t std::hash<habitra::AutomaticTaskType>::operator()(const habitra::AutomaticTaskType& type) const noexcept {
   // The rest rarely differs between types that agree in these.
-  std::size_t hash = static_cast<std::size_t>(type.type.compactNumber());
-  hash = hash * 31 + std::hash<double>{}(type.quantity);
-  hash = hash * 31 + std::hash<std::optional<habitra::TypeUnit>>{}(type.unit);
-  return hash * 31 + std::hash<habitra::TypeSpeeds>{}(type.speeds);
+  auto mixed = static_cast<std::size_t>(type.type.compactNumber());
+  mixed = mixed * 31 + std::hash<double>{}(type.quantity);
+  mixed = mixed * 31 + std::hash<std::optional<habitra::TypeUnit>>{}(type.unit);
+  return mixed * 31 + std::hash<habitra::TypeSpeeds>{}(type.speeds);
 }
