@@ -127,7 +127,8 @@ struct HealthTypeRow {
   /// Read as well when only some of the speeds on offer are chosen, to tell them apart.
   ShortList<qz::QZHKObjectType, 4> readsToTellSpeeds = {};
   /// How samples are put together; empty where they are looked at one by one. A time covered is meant for units of
-  /// time, in other units it is a sum: the energy of workouts.
+  /// time, in other units it is a sum: the energy of workouts. The most recent amount is for showing, in a unit of what
+  /// is read: such types only count samples.
   qz::QZHKStatisticsOptions statistics;
   qz::QZHKUpdateFrequency update;
   bool fluctuating = false;

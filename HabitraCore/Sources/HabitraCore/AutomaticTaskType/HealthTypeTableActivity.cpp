@@ -41,7 +41,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
         .measured = Measured::amount,
         .quantities =
             {
-                {.unit = U::durationHours, .lowest = 1, .highest = 16, .step = 0.25, .usual = 8, .steps = timeSteps},
+                {.unit = U::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 8, .steps = timeSteps},
                 {.unit = U::durationMinutes, .lowest = 5, .highest = 960, .step = 5, .usual = 480, .steps = timeSteps},
             },
         .speeds = {S::sleepAsleep, S::sleepCore, S::sleepDeep, S::sleepREM, S::inBed},
@@ -58,7 +58,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
         .measured = Measured::amount,
         .quantities =
             {
-                {.unit = U::durationHours, .lowest = 1, .highest = 16, .step = 0.25, .usual = 8, .steps = timeSteps},
+                {.unit = U::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 8, .steps = timeSteps},
                 {.unit = U::durationMinutes, .lowest = 5, .highest = 960, .step = 5, .usual = 480, .steps = timeSteps},
             },
         .reads = {O::sleepAnalysis},
@@ -180,7 +180,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
     {
         .type = T::climbFlights,
         .measured = Measured::amount,
-        .quantities = {{.unit = U::flights, .lowest = 1, .highest = 200, .step = 1, .usual = 10, .steps = singleSteps}},
+        .quantities = {{.unit = U::flights, .lowest = 1, .highest = 200, .step = 1, .usual = 10}},
         .reads = {O::flightsClimbed},
         .statistics = Statistics::cumulativeSum,
         .update = Update::hourly,
@@ -233,7 +233,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
         .title = TitleForm::wheelchairPushes,
     },
     {
-        // The energy of workouts is the active energy of the time that they cover.
+        // 30 minutes, or what they burn at a brisk pace.
         .type = T::workout,
         .measured = Measured::amount,
         .quantities =
@@ -245,18 +245,8 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
                  .step = 0.25,
                  .usual = 0.5,
                  .steps = timeSteps},
-                {.unit = U::calories,
-                 .lowest = 10,
-                 .highest = 5'000,
-                 .step = 10,
-                 .usual = 250,
-                 .reads = {O::workout, O::activeEnergyBurned}},
-                {.unit = U::kilojoules,
-                 .lowest = 50,
-                 .highest = 20'000,
-                 .step = 50,
-                 .usual = 1'050,
-                 .reads = {O::workout, O::activeEnergyBurned}},
+                {.unit = U::calories, .lowest = 10, .highest = 5'000, .step = 10, .usual = 250},
+                {.unit = U::kilojoules, .lowest = 50, .highest = 20'000, .step = 50, .usual = 1'050},
             },
         .quantityIsOptional = true,
         .reads = {O::workout},
@@ -320,7 +310,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
         .quantities =
             {
                 {.unit = U::durationMinutes, .lowest = 1, .highest = 240, .step = 1, .usual = 10},
-                {.unit = U::durationSeconds, .lowest = 30, .highest = 7'200, .step = 30, .usual = 600},
+                {.unit = U::durationSeconds, .lowest = 30, .highest = 14'400, .step = 30, .usual = 600},
                 {.unit = U::durationHours, .lowest = 0.05, .highest = 4, .step = 0.05, .usual = 0.15},
             },
         .speeds = {S::timed},

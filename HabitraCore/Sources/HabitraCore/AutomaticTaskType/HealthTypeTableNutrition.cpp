@@ -130,7 +130,7 @@ constexpr std::array<HealthTypeRow, numNutritionRows> rows{{
     row({T::dietaryMagnesium, O::dietaryMagnesium, U::milligrams, 10, 420, 2'000, none}, mineral),
     row({T::dietaryVitaminA, O::dietaryVitaminA, U::micrograms, 50, 900, 5'000, none}, vitamin),
     row({T::dietaryVitaminB6, O::dietaryVitaminB6, U::milligrams, 0.1, 1.7, 100, none}, vitamin),
-    row({T::dietaryVitaminB12, O::dietaryVitaminB12, U::micrograms, 0.2, 2.4, 1'000, none}, vitamin),
+    row({T::dietaryVitaminB12, O::dietaryVitaminB12, U::micrograms, 0.2, 2.4, 250, none}, vitamin),
     row({T::dietaryVitaminC, O::dietaryVitaminC, U::milligrams, 10, 90, 5'000, U::grams}, vitamin),
     row({T::dietaryVitaminD, O::dietaryVitaminD, U::micrograms, 5, 20, 500, none}, vitamin),
     row({T::dietaryVitaminE, O::dietaryVitaminE, U::milligrams, 1, 15, 1'000, none}, vitamin),
@@ -152,7 +152,7 @@ constexpr std::array<HealthTypeRow, numNutritionRows> rows{{
     row({T::dietaryCopper, O::dietaryCopper, U::milligrams, 0.1, 0.9, 20, U::micrograms}, mineral),
     row({T::dietaryChromium, O::dietaryChromium, U::micrograms, 5, 35, 1'000, none}, mineral),
     row({T::dietaryChloride, O::dietaryChloride, U::milligrams, 50, 2'300, 10'000, U::grams}, salt),
-    row({T::dietaryBiotin, O::dietaryBiotin, U::micrograms, 5, 30, 10'000, none}, vitamin),
+    row({T::dietaryBiotin, O::dietaryBiotin, U::micrograms, 5, 30, 5'000, none}, vitamin),
     row({T::dietaryMolybdenum, O::dietaryMolybdenum, U::micrograms, 5, 45, 2'000, none}, mineral),
     {
         // What was burned less what was eaten; falls again with every meal.

@@ -12,7 +12,7 @@ namespace {
 std::int64_t thousandths(double value) { return std::llround(value * 1'000); }
 
 std::int64_t lastIndex(const ValueRange& range) {
-  qz::require(0 < range.step && 0 <= range.lowest && range.lowest <= range.highest && range.highest <= 1e12,
+  qz::require(range.step >= 0.001 && 0 <= range.lowest && range.lowest <= range.highest && range.highest <= 1e9,
               "a range of values has no values");
   return (thousandths(range.highest) - thousandths(range.lowest)) / thousandths(range.step);
 }
@@ -52,11 +52,12 @@ double ValueRange::nearest(double value) const {
   const std::int64_t below = numValuesUpTo(*this, value);
   if (below == 0) return lowest;
   if (below == count()) return at(below - 1);
-  // Half-way is a matter of the decimal form as well: 0.15 lies between 0.1 and 0.2.
+  // Half-way is a matter of the decimal form as well: 0.15 lies between 0.1 and 0.2. A millionth is the error of
+  // doubles.
   const double exact = value * 1'000;
   const double down = exact - static_cast<double>(thousandths(at(below - 1)));
   const double up = static_cast<double>(thousandths(at(below))) - exact;
-  return at(down < up ? below - 1 : below);
+  return at(down < up - 1e-3 ? below - 1 : below);
 }
 
 std::optional<double> ValueRange::next(double value) const {

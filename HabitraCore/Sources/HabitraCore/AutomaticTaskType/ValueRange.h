@@ -8,8 +8,8 @@ namespace habitra {
 
 /// Amounts to choose from: lowest, lowest + step, and so on up to the highest, which need not be one of them. Each is
 /// the double nearest to its decimal form (0.3 and not 0.30000000000000004).
-/// REQUIRES of every function: lowest, highest and step are multiples of 0.001, 0 < step, 0 <= lowest <= highest <=
-/// 1e12.
+/// REQUIRES of every function: lowest, highest and step are multiples of 0.001, step > 0, and
+/// 0 <= lowest <= highest <= 1e9.
 struct ValueRange {
   double lowest = 0.0;
   double highest = 0.0;
