@@ -136,7 +136,7 @@ constexpr std::array<HealthTypeRow, numNutritionRows> rows{{
     row({T::dietaryVitaminE, O::dietaryVitaminE, U::milligrams, 1, 15, 1'000, none}, vitamin),
     row({T::dietaryVitaminK, O::dietaryVitaminK, U::micrograms, 5, 120, 1'000, none}, vitamin),
     row({T::dietaryZinc, O::dietaryZinc, U::milligrams, 1, 11, 100, none}, mineral),
-    row({T::dietaryFolate, O::dietaryFolate, U::micrograms, 25, 400, 5'000, U::milligrams}, vitamin),
+    row({T::dietaryFolate, O::dietaryFolate, U::micrograms, 50, 400, 5'000, U::milligrams}, vitamin),
     row({T::dietaryPotassium, O::dietaryPotassium, U::milligrams, 100, 4'700, 15'000, U::grams}, mineral),
     row({T::dietaryRiboflavin, O::dietaryRiboflavin, U::milligrams, 0.1, 1.3, 100, none}, vitamin),
     row({T::dietaryThiamin, O::dietaryThiamin, U::milligrams, 0.1, 1.2, 100, none}, vitamin),
