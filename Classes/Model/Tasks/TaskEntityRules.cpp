@@ -1,3 +1,4 @@
+#include <HabitraCore/AutomaticTaskType/StoredAutomaticType.h>
 #include <HabitraCore/StoredFrequency.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZKit/Checked.h>
@@ -33,14 +34,33 @@ void setFrequency(TaskEntity& task, const TaskFrequency& frequency) {
   task.daysOfMonth = columns.daysOfMonth;
 }
 
+std::optional<AutomaticTaskType> automaticTypeOf(const TaskEntity& task) {
+  return automaticType({.typeName = task.typeName,
+                        .typeUnit = task.typeUnit,
+                        .typeSpeed = task.typeSpeed,
+                        .typeTarget = task.typeTarget,
+                        .typeExtra = task.typeExtra});
+}
+
+void setAutomaticType(TaskEntity& task, const std::optional<AutomaticTaskType>& type) {
+  StoredAutomaticType columns = type ? stored(*type) : StoredAutomaticType{};
+  task.typeName = std::move(columns.typeName);
+  task.typeUnit = std::move(columns.typeUnit);
+  task.typeSpeed = std::move(columns.typeSpeed);
+  task.typeTarget = columns.typeTarget;
+  task.typeExtra = std::move(columns.typeExtra);
+}
+
 std::optional<TaskRules> rulesOf(const TaskEntity& task) {
   const auto frequency = frequencyOf(task);
   if (!frequency) return std::nullopt;
+  const auto type = automaticTypeOf(task);
   return TaskRules{
       .frequency = *frequency,
       .isNegative = task.isNegative,
       .firstDayOfWeek = qz::DayOfWeek::fromRawValue(task.firstDayOfWeekValue).value_or(qz::DayOfWeek::sunday),
-      .referenceDate = existing(dayFromStored(task.referenceDateValue))};
+      .referenceDate = existing(dayFromStored(task.referenceDateValue)),
+      .measure = type ? type->measure() : TaskMeasure{}};
 }
 
 TaskEntity newlyMadeTask(std::string title, qz::DayOfWeek firstDayOfWeek, qz::Moment now, std::string timeZone) {

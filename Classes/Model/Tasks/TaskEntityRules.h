@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
 #include <HabitraCore/TaskFrequency.h>
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/Entities/TaskEntity.h>
@@ -29,6 +30,13 @@ inline constexpr std::string_view deleted = "deleted";
 
 /// Writes a frequency into the columns. Stops the program when a count does not fit its 16 bits.
 void setFrequency(TaskEntity& task, const TaskFrequency& frequency);
+
+/// What completes the task in place of a person; none for a task completed by hand, and none when the type in the row
+/// is not known.
+[[nodiscard]] std::optional<AutomaticTaskType> automaticTypeOf(const TaskEntity& task);
+
+/// Writes an automatic type into the columns, or that a person completes the task.
+void setAutomaticType(TaskEntity& task, const std::optional<AutomaticTaskType>& type);
 
 /// Everything of a task that its history is judged by; none when its frequency cannot be read. A first day of the week
 /// that is no weekday counts as Sunday.

@@ -219,6 +219,31 @@ TEST_F(Processor, AnUnreadableFrequencyIsLeftAloneAndStopsNobody) {
   EXPECT_EQ(log(plain).size(), 2u);
 }
 
+TEST_F(Processor, AMeasuredTaskIsJudgedByItsAmount) {
+  TaskEntity& task = addTask("Water");
+  setAutomaticType(task, AutomaticTaskType::healthKit(HealthType::dietaryDrinkWater, TaskFrequencyPeriodType::day));
+  context_->save({});
+  EXPECT_EQ(task.typeName, "hk_water");
+  EXPECT_EQ(task.typeTarget, 2);
+  const auto drink = [&](YYYYMMDD day, double litres) {
+    auto reported = entry(task, Type::completedAutomaticallyPartial, day);
+    reported.progressValue = litres;
+    reported.progressPct = litres / 2;
+    record(task, {reported});
+  };
+  drink(firstDay, 1.5);
+  drink(firstDay, 2);
+  drink(firstDay.add(1), 1.5);
+  liveUntil("2024-02-02T08:00:00Z");
+  process();
+  EXPECT_EQ(figures(task).lastCompleted, 20240131) << "2 of 2 litres";
+  EXPECT_EQ(figures(task).lastMissed, 20240201) << "1.5 of 2 litres";
+  EXPECT_EQ(log(task).back(), "20240201 missedAutomaticallyFull");
+  setAutomaticType(task, std::nullopt);
+  EXPECT_EQ(task.typeName, std::nullopt);
+  EXPECT_EQ(automaticTypeOf(task), std::nullopt);
+}
+
 TEST_F(Processor, RepairsWhatARowCannotDoWithoutAndTakesOverTheDifficulty) {
   TaskEntity values = newlyMadeTask("Old", qz::DayOfWeek::monday, clock_->now(), "UTC");
   values.created = std::nullopt;
