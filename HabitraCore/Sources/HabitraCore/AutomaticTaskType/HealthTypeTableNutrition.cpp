@@ -73,7 +73,6 @@ constexpr HealthTypeRow row(const Nutrient& nutrient, const Icons& icons) {
   };
 }
 
-constexpr Icons food{"ic_food", "ic_plate"};
 constexpr Icons sweet{"ic_sugar", "ic_candy", "ic_food"};
 constexpr Icons coffee{"ic_coffee", "ic_cup"};
 constexpr Icons protein{"ic_protein", "ic_egg", "ic_food"};
