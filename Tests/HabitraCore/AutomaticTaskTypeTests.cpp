@@ -286,8 +286,9 @@ TEST(AutomaticTypes, TheRecordHoldsThreeTextsANumberAndBytes) {
   record.typeUnit = "furlongs";
   record.typeTarget = std::numeric_limits<double>::quiet_NaN();
   record.typeExtra = {'{', 'x'};
-  const auto read = automaticType(record).value();
-  EXPECT_EQ(read, typed(H::runOrWalk, 0, std::nullopt, type.speeds));
+  EXPECT_EQ(automaticType(record), typed(H::runOrWalk, 0, std::nullopt, type.speeds));
+  record.typeTarget = 1e300;
+  EXPECT_EQ(automaticType(record)->quantity, 0) << "no count that somebody asks for later stops the program";
   for (const auto& name :
        {std::optional<std::string>(), std::optional<std::string>(""), std::optional<std::string>("hk_new")}) {
     record.typeName = name;
@@ -314,6 +315,9 @@ TEST(AutomaticTypes, AreReadStrictlyButForWhatALaterVersionKnows) {
     EXPECT_EQ(complaint<AutomaticTaskType>(json), std::string("Unable to read \"") + key + "\" from true");
   }
   nlohmann::json json = good;
+  json["quantity"] = 1e300;
+  EXPECT_EQ(complaint<AutomaticTaskType>(json), R"(Unable to read "quantity" from 1e+300)");
+  json = good;
   json["type"] = "hk_new";
   EXPECT_EQ(complaint<AutomaticTaskType>(json), R"(Unable to read "type" from "hk_new")");
   json = good;

@@ -1,7 +1,7 @@
 #include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
+#include <HabitraCore/AutomaticTaskType/QuantityCoding.h>
 #include <HabitraCore/AutomaticTaskType/TitleBuilder.h>
-#include <HabitraCore/OptionalCoding.h>
 
 #include <array>
 #include <nlohmann/json.hpp>
@@ -201,7 +201,7 @@ void from_json(const nlohmann::json& json, AutomaticTaskType& type) {
   const auto source = AutomaticTaskType::TaskType::fromRawValue(name);
   if (!source) refuseMember("type", name);
   type = {.type = *source,
-          .quantity = decodeMember<double>(json, "quantity"),
+          .quantity = decodeQuantity(json),
           .unit = decodeMemberIfAny<TypeUnit>(json, "unit"),
           .speeds = decodeMember<TypeSpeeds>(json, "speeds"),
           .extra = decodeMemberIfAny<TypeExtra>(json, "extra"),

@@ -62,7 +62,7 @@ struct AutomaticTaskType {
   };
 
   TaskType type = TaskType::timer();
-  double quantity = 0.0;         ///< the target of a period, in `unit`
+  double quantity = 0.0;         ///< the target of a period, in `unit`; at most greatestQuantity either way
   std::optional<TypeUnit> unit;  ///< absent where there is no quantity
   TypeSpeeds speeds;
   std::optional<TypeExtra> extra;
@@ -146,7 +146,7 @@ struct AutomaticTaskType {
 
 void to_json(nlohmann::json& json, const AutomaticTaskType& type);
 /// Throws qz::DecodingError naming the key that is missing or holds something else, an unknown type and a quantity that
-/// is not finite among it. An unknown unit, speed or data source is none.
+/// is not finite or too great among it. An unknown unit, speed or data source is none.
 void from_json(const nlohmann::json& json, AutomaticTaskType& type);
 
 }  // namespace habitra

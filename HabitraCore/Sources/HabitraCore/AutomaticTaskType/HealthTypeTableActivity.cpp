@@ -311,7 +311,12 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
             {
                 {.unit = U::durationMinutes, .lowest = 1, .highest = 240, .step = 1, .usual = 10},
                 {.unit = U::durationSeconds, .lowest = 30, .highest = 14'400, .step = 30, .usual = 600},
-                {.unit = U::durationHours, .lowest = 0.05, .highest = 4, .step = 0.05, .usual = 0.15},
+                {.unit = U::durationHours,
+                 .lowest = 0.25,
+                 .highest = 4,
+                 .step = 0.25,
+                 .usual = 0.25,
+                 .steps = timeSteps},
             },
         .speeds = {S::timed},
         .speedSelection = Selection::single,

@@ -2,7 +2,7 @@
 // explained in HealthTypeTable.h.
 //
 // Sources of the usual amounts:
-// - brushing: 2 minutes each time, as dental associations advise (twice a day);
+// - brushing: 4 minutes a day, twice 2, as dental associations advise;
 // - drinks: one, the least there is; no amount of alcohol is advised by anybody.
 
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
@@ -82,13 +82,13 @@ constexpr std::array<HealthTypeRow, numRecordRows> rows{{
                  .lowest = 0.5,
                  .highest = 10,
                  .step = 0.5,
-                 .usual = 2,
+                 .usual = 4,
                  .steps = singleSteps},
                 {.unit = U::durationSeconds,
                  .lowest = 10,
                  .highest = 600,
                  .step = 10,
-                 .usual = 120,
+                 .usual = 240,
                  .steps = singleSteps},
             },
         .speeds = {S::timed},

@@ -1,7 +1,6 @@
+#include <HabitraCore/AutomaticTaskType/QuantityCoding.h>
 #include <HabitraCore/AutomaticTaskType/StoredAutomaticType.h>
-#include <HabitraCore/OptionalCoding.h>
 
-#include <cmath>
 #include <nlohmann/json.hpp>
 
 namespace habitra {
@@ -50,7 +49,7 @@ std::optional<AutomaticTaskType> automaticType(const StoredAutomaticType& stored
   if (!type) return std::nullopt;
   const ExtraAndSource extra = stored.typeExtra ? decodeExtra(*stored.typeExtra) : ExtraAndSource{};
   return AutomaticTaskType{.type = *type,
-                           .quantity = std::isfinite(stored.typeTarget) ? stored.typeTarget : 0.0,
+                           .quantity = isQuantity(stored.typeTarget) ? stored.typeTarget : 0.0,
                            .unit = stored.typeUnit ? fromRawValue<TypeUnit>(*stored.typeUnit) : std::nullopt,
                            .speeds = stored.typeSpeed ? TypeSpeeds::fromStoredText(*stored.typeSpeed) : TypeSpeeds{},
                            .extra = extra.extra,

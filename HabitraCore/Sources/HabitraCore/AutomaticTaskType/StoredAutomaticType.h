@@ -25,7 +25,7 @@ struct StoredAutomaticType {
 [[nodiscard]] StoredAutomaticType stored(const AutomaticTaskType& type);
 /// The type that a record keeps; none for a task completed by hand and for a type that is not known. What is not known
 /// of the rest is no value: an unknown unit or speed is none, extra bytes that cannot be read are no extra and no data
-/// source, and a target that is not finite is 0.
+/// source, and a target that is not finite or beyond greatestQuantity is 0.
 [[nodiscard]] std::optional<AutomaticTaskType> automaticType(const StoredAutomaticType& stored);
 
 }  // namespace habitra

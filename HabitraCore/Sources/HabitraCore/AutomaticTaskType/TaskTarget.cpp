@@ -1,3 +1,4 @@
+#include <HabitraCore/AutomaticTaskType/QuantityCoding.h>
 #include <HabitraCore/AutomaticTaskType/TaskTarget.h>
 #include <HabitraCore/OptionalCoding.h>
 
@@ -11,7 +12,7 @@ void to_json(nlohmann::json& json, const TaskTarget& target) {
 }
 
 void from_json(const nlohmann::json& json, TaskTarget& target) {
-  target = {.quantity = decodeMember<double>(json, "quantity"),
+  target = {.quantity = decodeQuantity(json),
             .unit = decodeMember<TypeUnit>(json, "unit"),
             .speeds = decodeMember<TypeSpeeds>(json, "speeds")};
 }

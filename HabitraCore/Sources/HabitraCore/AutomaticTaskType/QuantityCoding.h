@@ -1,0 +1,21 @@
+#pragma once
+
+#include <HabitraCore/AutomaticTaskType/TaskTarget.h>
+#include <HabitraCore/OptionalCoding.h>
+
+#include <cmath>
+
+/// How the quantity of a target is read. For sources of this module.
+namespace habitra {
+
+/// Whether it can be a target; NaN cannot.
+[[nodiscard]] inline bool isQuantity(double value) { return std::abs(value) <= greatestQuantity; }
+
+/// The member "quantity". Throws qz::DecodingError naming the key where it is missing, no number or too great.
+[[nodiscard]] inline double decodeQuantity(const nlohmann::json& json) {
+  const auto quantity = decodeMember<double>(json, "quantity");
+  if (!isQuantity(quantity)) refuseMember("quantity", quantity);
+  return quantity;
+}
+
+}  // namespace habitra
