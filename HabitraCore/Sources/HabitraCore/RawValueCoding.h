@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -19,16 +20,31 @@ void encodeRawValue(nlohmann::json& json, E value) {
   json = rawValue(value);
 }
 
+/// Whether a coded value is of the kind of the enumeration's raw values: a whole number, or a text.
+template <RawValued E>
+[[nodiscard]] bool isRawValueOf(const nlohmann::json& json) {
+  if constexpr (std::is_integral_v<decltype(rawValue(std::declval<E>()))>) {
+    return qz::coded_form::wholeNumber(json).has_value();
+  } else {
+    return json.is_string();
+  }
+}
+
+/// The case that a coded value names; none for an unknown one and for a value of another kind.
+template <RawValued E>
+[[nodiscard]] std::optional<E> caseIfKnown(const nlohmann::json& json) {
+  if (!isRawValueOf<E>(json)) return std::nullopt;
+  if constexpr (std::is_integral_v<decltype(rawValue(std::declval<E>()))>) {
+    return fromRawValue<E>(*qz::coded_form::wholeNumber(json));
+  } else {
+    return fromRawValue<E>(json.get_ref<const std::string&>());
+  }
+}
+
 /// Throws qz::DecodingError naming `what` was expected and the value that was found.
 template <RawValued E>
 [[nodiscard]] E decodeRawValue(const nlohmann::json& json, std::string_view what) {
-  using Raw = decltype(rawValue(std::declval<E>()));
-  std::optional<E> value;
-  if constexpr (std::is_integral_v<Raw>) {
-    if (const auto number = qz::coded_form::wholeNumber(json)) value = fromRawValue<E>(*number);
-  } else {
-    if (json.is_string()) value = fromRawValue<E>(json.get_ref<const std::string&>());
-  }
+  const std::optional<E> value = caseIfKnown<E>(json);
   if (!value) throw qz::DecodingError("Unable to create " + std::string(what) + " from " + qz::coded_form::text(json));
   return *value;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <HabitraCore/AutomaticTaskType/TaskTarget.h>
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include <HabitraCore/AutomaticTaskType/QuantityCoding.h>
 #include <HabitraCore/AutomaticTaskType/TaskTarget.h>
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 
 namespace habitra {
 

@@ -1,5 +1,5 @@
 #include <HabitraCore/AutomaticTaskType/TypeExtra.h>
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 
 namespace habitra {
 

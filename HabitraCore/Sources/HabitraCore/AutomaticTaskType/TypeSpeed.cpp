@@ -1,5 +1,5 @@
 #include <HabitraCore/AutomaticTaskType/TypeSpeed.h>
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 
 #include <nlohmann/json.hpp>
 

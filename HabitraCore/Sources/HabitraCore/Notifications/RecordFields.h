@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 #include <QZDateTime/DaysOfWeek.h>
 #include <QZDateTime/HHMMSS.h>
 #include <QZDateTime/YYYYMMDD.h>
@@ -21,7 +21,7 @@
 /// habitra itself; in an unnamed one it would not be found from here. For sources of this folder.
 namespace habitra {
 
-// Decoding. The kinds of fields that have a form of their own here; all others take that of OptionalCoding.h. All throw
+// Decoding. The kinds of fields that have a form of their own here; all others take that of MemberCoding.h. All throw
 // qz::DecodingError naming the key.
 
 inline void decodeField(const nlohmann::json& json, const char* key, qz::UniqueID& field) {

@@ -1,5 +1,5 @@
 #include <HabitraCore/Notifications/TimerReminderTime.h>
-#include <HabitraCore/OptionalCoding.h>
+#include <HabitraCore/MemberCoding.h>
 #include <QZDateTime/ISO8601.h>
 
 #include <nlohmann/json.hpp>

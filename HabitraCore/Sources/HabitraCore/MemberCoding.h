@@ -40,12 +40,8 @@ template <typename Read>
 /// another kind than the enumeration's raw values.
 template <RawValued E>
 [[nodiscard]] std::optional<E> decodeCaseIfKnown(const char* key, const nlohmann::json& found) {
-  if constexpr (std::is_integral_v<decltype(rawValue(std::declval<E>()))>) {
-    if (const auto number = qz::coded_form::wholeNumber(found)) return fromRawValue<E>(*number);
-  } else {
-    if (found.is_string()) return fromRawValue<E>(found.get_ref<const std::string&>());
-  }
-  refuseMember(key, found);
+  if (!isRawValueOf<E>(found)) refuseMember(key, found);
+  return caseIfKnown<E>(found);
 }
 
 /// The member `key`. Throws qz::DecodingError naming the key where it is missing or null, of the wrong kind, or an
@@ -96,7 +92,8 @@ template <RawValued E, typename Take>
 void decodeKnownCases(const nlohmann::json& json, Take&& take) {
   if (!json.is_array()) throw qz::DecodingError("Unable to read a list from " + qz::coded_form::text(json));
   for (const nlohmann::json& found : json) {
-    if (const std::optional<E> value = decodeCaseIfKnown<E>("a member of a list", found)) take(*value);
+    if (!isRawValueOf<E>(found)) throw qz::DecodingError("Unable to read a case from " + qz::coded_form::text(found));
+    if (const std::optional<E> value = caseIfKnown<E>(found)) take(*value);
   }
 }
 
