@@ -2,6 +2,7 @@
 #include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
 #include <HabitraCore/AutomaticTaskType/EnergyDeficit.h>
 #include <HabitraCore/AutomaticTaskType/StoredAutomaticType.h>
+#include <QZHealthKit/QZHKQuery.h>
 #include <rapidcheck/gtest.h>
 
 #include <cmath>
@@ -25,6 +26,8 @@ AutomaticTaskType typed(HealthType type, double quantity, std::optional<TypeUnit
   automatic.speeds = speeds;
   return automatic;
 }
+
+std::vector<std::uint8_t> bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 
 /// Names and raw values in order of declaration, each read back; the place is the number.
 template <typename E>
@@ -176,6 +179,14 @@ TEST(AutomaticTypes, ATimerKeepsItsTargetInItsUnit) {
   EXPECT_EQ(timer.extra, std::nullopt);
   EXPECT_EQ(timer.dataSource, DataSource::allData);
   EXPECT_EQ(timer.timerDurationPerCompletion(3), 600);
+  for (const double seconds : {31.0, 62.0, 125.0, 500.0, 1'860.0, 1'980.0}) {
+    for (const TypeUnit unit : {U::durationSeconds, U::durationMinutes, U::durationHours}) {
+      timer = AutomaticTaskType::timer(seconds, 7, unit, DataSource::allData);
+      EXPECT_EQ(timer.measure().target, seconds * 7) << "what has run to its end is done";
+      EXPECT_EQ(timer.timerDurationPerCompletion(7), seconds);
+    }
+  }
+  timer = AutomaticTaskType::timer(600, 3, U::durationMinutes, DataSource::allData);
   timer.setTimerDuration(90, 2);
   EXPECT_EQ(timer.quantity, 3);
   EXPECT_EQ(timer.measure(), (TaskMeasure{.kind = TaskMeasure::Kind::timed, .target = 180}));
@@ -206,16 +217,77 @@ TEST(AutomaticTypes, UnitsConvertWithinWhatTheyMeasure) {
 
 TEST(AutomaticTypes, TheRulesMeasureThemByWhatTheyCount) {
   using Kind = TaskMeasure::Kind;
-  const auto measure = [](HealthType type) { return AutomaticTaskType::healthKit(type, Period::day).measure(); };
+  const auto measure = [](HealthType type) {
+    return AutomaticTaskType::ofNewTask(TaskType::healthKit(type), Period::day).measure();
+  };
   EXPECT_EQ(measure(H::activity).kind, Kind::rings);
   EXPECT_EQ(measure(H::dietaryDrinkWater), (TaskMeasure{.kind = Kind::quantity, .target = 2}));
   EXPECT_EQ(measure(H::mindfulMinutes), (TaskMeasure{.kind = Kind::timed, .target = 600}));
   EXPECT_EQ(measure(H::bedtime).kind, Kind::byHand) << "no part of a time of day is reached before the whole";
   EXPECT_EQ(measure(H::recordWeight).kind, Kind::byHand);
-  EXPECT_EQ(typed(H::energyDeficit, 500, U::calories, {TypeSpeed::lessThan}).measure().kind, Kind::byHand);
+  EXPECT_EQ(measure(H::energyDeficit).kind, Kind::byHand) << "it falls again with every meal";
   EXPECT_EQ(typed(H::workout, 0, std::nullopt).measure().kind, Kind::byHand);
   const AutomaticTaskType screenTime{.type = TaskType::screenTime(), .quantity = 45, .unit = U::durationMinutes};
   EXPECT_EQ(screenTime.measure(), (TaskMeasure{.kind = Kind::quantity, .target = 45}));
+}
+
+TEST(AutomaticTypes, StartWithWhatTheirSourceOffers) {
+  for (const TaskType& source : TaskType::allCases()) {
+    SCOPED_TRACE(source.rawValue());
+    const auto type = AutomaticTaskType::ofNewTask(source, Period::week);
+    EXPECT_EQ(type.unit.has_value(), type.quantitySelectionStyle() != QuantitySelectionStyle::unavailable);
+    EXPECT_EQ(type.canAdjustDifficulty(), type.unit.has_value());
+    if (type.unit) {
+      EXPECT_TRUE(type.quantityOptions(Period::week)->contains(type.quantity)) << type.quantity;
+    }
+    EXPECT_EQ(type.icon(), type.suggestedIcons().front());
+    EXPECT_EQ(type.usesHealthKit(), source.healthType().has_value());
+    EXPECT_FALSE(type.displayTitleForTargetQuantity({}).text().empty());
+  }
+  const auto timer = AutomaticTaskType::ofNewTask(TaskType::timer(), Period::day);
+  EXPECT_TRUE(timer.isTimed());
+  EXPECT_TRUE(timer.quantityCanCountdown());
+  EXPECT_EQ(timer.measure(), (TaskMeasure{.kind = TaskMeasure::Kind::timed, .target = 600}));
+  EXPECT_EQ(timer.displayTitleForTargetQuantity({.numPartialCompletions = 2}).text(), "2 × 5 minutes");
+  EXPECT_FALSE(AutomaticTaskType{}.quantityCanCountdown()) << "no amount";
+  EXPECT_FALSE(typed(H::energyDeficit, 500, U::calories).quantityCanCountdown());
+  EXPECT_FALSE(typed(H::bedtime, 0, U::timeOfDay).quantityCanCountdown());
+  EXPECT_EQ(AutomaticTaskType::optionsForTimedTasks(U::durationMinutes, Period::day)->highest, 240);
+  EXPECT_EQ(AutomaticTaskType::optionsForTimedTasks(U::steps, Period::day), std::nullopt);
+  EXPECT_EQ(AutomaticTaskType::optionsForAlcoholConsumption(Period::week).highest, 140);
+  EXPECT_EQ(AutomaticTaskType::supportedFrequencyModes().size(), 11u);
+  EXPECT_EQ(timer.formattedQuantityNumber(12.5), "12.5");
+  std::string ownData;
+  for (const TaskType& source : TaskType::allCases()) {
+    if (defaultDataSource(source) == DataSource::currentTask) ownData += std::string(source.rawValue()) + " ";
+  }
+  EXPECT_EQ(ownData, "hk_workout_habitra timer ");
+}
+
+// A health store can answer what types make us ask of it, with any unit on offer and with none.
+TEST(AutomaticTypes, AskTheHealthStoreWhatItCanAnswer) {
+  for (const HealthType health : HealthType::allCases()) {
+    std::vector<std::optional<TypeUnit>> units{std::nullopt};
+    for (const TypeUnit unit : health.unitOptions()) units.emplace_back(unit);
+    for (const auto& unit : units) {
+      SCOPED_TRACE(std::string(caseName(health)) + " in " + (unit ? std::string(caseName(*unit)) : "no unit"));
+      const AutomaticTaskType type = typed(health, 1, unit);
+      const auto options = type.healthKitStatisticsOptions();
+      EXPECT_EQ(options.isEmpty(), health == H::activity || health == H::bedtime);
+      const auto asked = unit ? unit : health == H::workout ? std::nullopt : health.defaultUnit();
+      for (const qz::QZHKObjectType read : health.healthKitReadTypes(asked, health.defaultSpeeds())) {
+        const qz::QZHKSampleQuery samples{.objectType = read, .span = {}, .predicate = {}};
+        if (options.isEmpty()) continue;
+        EXPECT_EQ(qz::problem({.samples = samples, .unit = type.healthKitCountUnit(), .options = options}),
+                  std::nullopt);
+      }
+    }
+  }
+  EXPECT_EQ(typed(H::recordWeight, 0, std::nullopt).healthKitCountUnit(), qz::QZHKUnit::kilogram);
+  EXPECT_EQ(typed(H::workout, 0, std::nullopt).healthKitStatisticsOptions(), qz::QZHKStatisticsOptions::cumulativeSum);
+  EXPECT_EQ(typed(H::workout, 30, U::durationMinutes).healthKitStatisticsOptions(),
+            qz::QZHKStatisticsOptions::duration);
+  EXPECT_EQ(typed(H::sleep, 8, U::durationHours).healthKitCountUnit(), qz::QZHKUnit::hour);
 }
 
 TEST(AutomaticTypes, NeighboursOfATargetAreOnOffer) {
@@ -287,6 +359,11 @@ TEST(AutomaticTypes, TheRecordHoldsThreeTextsANumberAndBytes) {
   record.typeTarget = std::numeric_limits<double>::quiet_NaN();
   record.typeExtra = {'{', 'x'};
   EXPECT_EQ(automaticType(record), typed(H::runOrWalk, 0, std::nullopt, type.speeds));
+  record.typeExtra = bytesOf(R"({"dataSource": "curr", "extra": {"workoutTypes": 5}})");
+  EXPECT_EQ(automaticType(record)->dataSource, DataSource::currentTask)
+      << "one bad member does not take the other along";
+  record.typeTarget = -5;
+  EXPECT_EQ(automaticType(record)->quantity, 0);
   record.typeTarget = 1e300;
   EXPECT_EQ(automaticType(record)->quantity, 0) << "no count that somebody asks for later stops the program";
   for (const auto& name :
@@ -317,6 +394,17 @@ TEST(AutomaticTypes, AreReadStrictlyButForWhatALaterVersionKnows) {
   nlohmann::json json = good;
   json["quantity"] = 1e300;
   EXPECT_EQ(complaint<AutomaticTaskType>(json), R"(Unable to read "quantity" from 1e+300)");
+  json = good;
+  json["quantity"] = -5;
+  EXPECT_EQ(complaint<AutomaticTaskType>(json), R"(Unable to read "quantity" from -5.0)");
+  json["type"] = "hk_energy_deficit";
+  EXPECT_EQ(complaint<AutomaticTaskType>(json), "") << "a surplus of 5";
+  json = good;
+  json["extra"]["healthKitRecordDuration"] = 1e300;
+  EXPECT_EQ(complaint<AutomaticTaskType>(json),
+            R"(Unable to read "extra": Unable to read "healthKitRecordDuration" from 1e+300)");
+  json["extra"] = {{"workoutTypes", {"hovering"}}};
+  EXPECT_EQ(json.get<AutomaticTaskType>().extra->workoutTypes, std::set{WorkoutType::other}) << "and not all of them";
   json = good;
   json["type"] = "hk_new";
   EXPECT_EQ(complaint<AutomaticTaskType>(json), R"(Unable to read "type" from "hk_new")");

@@ -122,29 +122,6 @@ TEST(HealthTypes, SpeedsOnOfferFitHowManyMayBeChosen) {
   }
 }
 
-// A health store can answer what the rows make us ask of it.
-TEST(HealthTypes, ReadWhatCanBeMeasuredInTheirUnits) {
-  for (const HealthType type : HealthType::allCases()) {
-    const HealthTypeRow& row = healthTypeRow(type);
-    EXPECT_FALSE(type.healthKitReadTypes(std::nullopt, {}).empty()) << caseName(type);
-    // What is looked at one by one is not asked for in figures.
-    if (row.measured == Measured::amount || row.measured == Measured::balance) {
-      EXPECT_FALSE(row.statistics.isEmpty()) << caseName(type);
-    }
-  }
-  forEachQuantity([](HealthType type, const QuantityRow& row) {
-    const auto usual = healthTypeRow(type).statistics;
-    const bool isTime = usual == qz::QZHKStatisticsOptions::duration;
-    if (isTime && row.unit.isDuration()) return;
-    for (const qz::QZHKObjectType read : type.healthKitReadTypes(row.unit, type.defaultSpeeds())) {
-      const qz::QZHKSampleQuery samples{.objectType = read, .span = {}, .predicate = {}};
-      const auto options = isTime ? qz::QZHKStatisticsOptions::cumulativeSum : usual;
-      const qz::QZHKStatisticsQuery query{.samples = samples, .unit = row.unit.healthKit(), .options = options};
-      EXPECT_EQ(qz::problem(query), std::nullopt);
-    }
-  });
-}
-
 TEST(HealthTypes, ReadMoreToTellPacesApartAndOtherDataForOtherUnits) {
   using O = qz::QZHKObjectType;
   const HealthType walk = H::runOrWalk;
@@ -179,7 +156,9 @@ TEST(HealthTypes, AreClassified) {
       "toothbrushingEventFloss "
       "irregularHeartRhythmEvent lowHeartRateEvent highHeartRateEvent handwashingEvent ";
   EXPECT_EQ(hasStyle(QuantitySelectionStyle::unavailable), withoutQuantity);
-  EXPECT_EQ(typesThat([](HealthType type) { return !type.isQuantityBased() && type != H::bedtime; }), withoutQuantity);
+  EXPECT_EQ(
+      typesThat([](HealthType type) { return !type.isQuantityBased() && !type.isFluctuating() && type != H::bedtime; }),
+      withoutQuantity);
 }
 
 TEST(HealthTypes, HaveUpToFourIconsEach) {

@@ -35,7 +35,8 @@ void setFrequency(TaskEntity& task, const TaskFrequency& frequency);
 /// is not known.
 [[nodiscard]] std::optional<AutomaticTaskType> automaticTypeOf(const TaskEntity& task);
 
-/// Writes an automatic type into the columns, or that a person completes the task.
+/// Writes an automatic type into the columns, or that a person completes the task. Entries keep the amounts that they
+/// reported without their unit: whoever changes the unit converts those of the open period, too.
 void setAutomaticType(TaskEntity& task, const std::optional<AutomaticTaskType>& type);
 
 /// Everything of a task that its history is judged by; none when its frequency cannot be read. A first day of the week

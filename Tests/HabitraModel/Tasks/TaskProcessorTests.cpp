@@ -221,7 +221,8 @@ TEST_F(Processor, AnUnreadableFrequencyIsLeftAloneAndStopsNobody) {
 
 TEST_F(Processor, AMeasuredTaskIsJudgedByItsAmount) {
   TaskEntity& task = addTask("Water");
-  setAutomaticType(task, AutomaticTaskType::healthKit(HealthType::dietaryDrinkWater, TaskFrequencyPeriodType::day));
+  const auto water = AutomaticTaskType::TaskType::healthKit(HealthType::dietaryDrinkWater);
+  setAutomaticType(task, AutomaticTaskType::ofNewTask(water, TaskFrequencyPeriodType::day));
   context_->save({});
   EXPECT_EQ(task.typeName, "hk_water");
   EXPECT_EQ(task.typeTarget, 2);

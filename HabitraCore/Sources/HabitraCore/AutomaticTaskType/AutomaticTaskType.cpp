@@ -3,6 +3,7 @@
 #include <HabitraCore/AutomaticTaskType/QuantityCoding.h>
 #include <HabitraCore/AutomaticTaskType/TitleBuilder.h>
 
+#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -29,8 +30,23 @@ constexpr std::array supportedModes = [] {
   return modes;
 }();
 
-/// Whether what is measured has to stay below the target, so that coming nearer to it is no progress.
-bool isUpperBound(const AutomaticTaskType& type) { return type.speeds.contains(TypeSpeed::lessThan); }
+// A limit is thought of in quarters of an hour and whole hours.
+constexpr std::array<QuantityRow, 2> screenTimeQuantities{{
+    {.unit = TypeUnit::durationMinutes, .lowest = 5, .highest = 720, .step = 5, .usual = 60, .steps = timeSteps},
+    {.unit = TypeUnit::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 1, .steps = timeSteps},
+}};
+
+/// The units that a source offers, the usual one first.
+std::span<const QuantityRow> quantityRows(const AutomaticTaskType::TaskType& type) {
+  if (type.kind() == Kind::timer) return timedQuantities;
+  if (type.kind() == Kind::screenTime) return screenTimeQuantities;
+  return healthTypeRow(*type.healthType()).quantities;
+}
+
+const QuantityRow* quantityRow(std::span<const QuantityRow> rows, TypeUnit unit) {
+  const auto row = std::find_if(rows.begin(), rows.end(), [unit](const QuantityRow& r) { return r.unit == unit; });
+  return row == rows.end() ? nullptr : &*row;
+}
 
 }  // namespace
 
@@ -58,10 +74,16 @@ std::string_view AutomaticTaskType::TaskType::rawValue() const {
   return kind() == Kind::timer ? "timer" : "screenTime";
 }
 
-AutomaticTaskType AutomaticTaskType::healthKit(HealthType type, TaskFrequencyPeriodType measurementDuration) {
-  AutomaticTaskType automatic{.type = TaskType::healthKit(type)};
-  automatic.speeds = type.defaultSpeeds();
-  if (const auto target = type.defaultTarget(measurementDuration)) automatic.setTaskTarget(*target);
+AutomaticTaskType AutomaticTaskType::ofNewTask(const TaskType& type, TaskFrequencyPeriodType measurementDuration) {
+  AutomaticTaskType automatic{.type = type};
+  const auto healthType = type.healthType();
+  if (healthType) automatic.speeds = healthType->defaultSpeeds();
+  if (type.kind() == Kind::timer) automatic.speeds = {TypeSpeed::timed};
+  const auto rows = quantityRows(type);
+  if (!rows.empty()) {
+    automatic.unit = rows.front().unit;
+    automatic.quantity = usualQuantity(rows.front(), measurementDuration);
+  }
   return automatic;
 }
 
@@ -84,8 +106,7 @@ bool AutomaticTaskType::isTimed() const {
 
 bool AutomaticTaskType::quantityCanCountdown() const {
   const auto healthType = type.healthType();
-  if (!healthType) return true;
-  return healthType->isQuantityBased() && !healthType->isFluctuating() && unit && unit->isQuantifiable();
+  return (!healthType || healthType->isQuantityBased()) && unit && unit->isQuantifiable();
 }
 
 QuantitySelectionStyle AutomaticTaskType::quantitySelectionStyle() const {
@@ -96,25 +117,32 @@ QuantitySelectionStyle AutomaticTaskType::quantitySelectionStyle() const {
 TaskMeasure AutomaticTaskType::measure() const {
   if (isTimed()) {
     return {.kind = TaskMeasure::Kind::timed,
-            .target = unit ? unit->convertToTimeInterval(quantity) : quantity,
+            .target = timerDurationPerCompletion(1),
             .unit = unit ? unit->timerUnit() : TaskProgressTimer::Unit::minutes};
   }
   const auto healthType = type.healthType();
   if (healthType == HealthType::activity) return {.kind = TaskMeasure::Kind::rings};
   const bool isQuantityBased = !healthType || healthType->isQuantityBased();
-  if (isQuantityBased && unit && unit->isQuantifiable() && !isUpperBound(*this))
+  if (isQuantityBased && unit && unit->isQuantifiable())
     return {.kind = TaskMeasure::Kind::quantity, .target = quantity};
   return {};
 }
 
-qz::QZHKUnit AutomaticTaskType::healthKitCountUnit() const { return unit ? unit->healthKit() : qz::QZHKUnit::count; }
+qz::QZHKUnit AutomaticTaskType::healthKitCountUnit() const {
+  if (unit) return unit->healthKit();
+  const auto healthType = type.healthType();
+  if (!healthType) return qz::QZHKUnit::count;
+  const HealthTypeRow& row = healthTypeRow(*healthType);
+  const bool needsUnit = !row.quantities.empty() && !row.quantityIsOptional;
+  return needsUnit ? row.quantities.front().unit.healthKit() : row.latestIn;
+}
 
 qz::QZHKStatisticsOptions AutomaticTaskType::healthKitStatisticsOptions() const {
   const auto healthType = type.healthType();
   if (!healthType) return {};
   const qz::QZHKStatisticsOptions usual = healthTypeRow(*healthType).statistics;
-  // What is a time covered in a unit of time is a sum in any other: the energy of workouts.
-  const bool isTime = !unit || unit->isDuration();
+  // What is a time covered in a unit of time is a sum in any other: the energy of workouts, or their number.
+  const bool isTime = qz::dimension(healthKitCountUnit()) == qz::QZHKDimension::time;
   return usual == qz::QZHKStatisticsOptions::duration && !isTime ? qz::QZHKStatisticsOptions::cumulativeSum : usual;
 }
 
@@ -123,10 +151,8 @@ std::optional<double> AutomaticTaskType::taskProgressValueFromMetres(double metr
 }
 
 std::optional<ValueRange> AutomaticTaskType::quantityOptions(TaskFrequencyPeriodType measurementDuration) const {
-  if (!unit) return std::nullopt;
-  const auto healthType = type.healthType();
-  return healthType ? healthType->quantityOptions(*unit, measurementDuration)
-                    : optionsForTimedTasks(*unit, measurementDuration);
+  const QuantityRow* const row = unit ? quantityRow(quantityRows(type), *unit) : nullptr;
+  return row ? std::optional(habitra::quantityOptions(*row, measurementDuration)) : std::nullopt;
 }
 
 std::optional<double> AutomaticTaskType::nextQuantity(TaskFrequencyPeriodType measurementDuration) const {
@@ -165,15 +191,13 @@ HealthType::DisplayTitleType AutomaticTaskType::displayTitleForTargetQuantity(
 }
 
 std::string AutomaticTaskType::formattedQuantityNumber(double value) const {
-  return habitra::formattedQuantityNumber(value, unit.value_or(TypeUnit::steps));
+  return habitra::formattedQuantityNumber(value, unit.value_or(TypeUnit::grams));
 }
 
 std::optional<ValueRange> AutomaticTaskType::optionsForTimedTasks(TypeUnit unit,
                                                                   TaskFrequencyPeriodType measurementDuration) {
-  for (const QuantityRow& row : timedQuantities) {
-    if (row.unit == unit) return habitra::quantityOptions(row, measurementDuration);
-  }
-  return std::nullopt;
+  const QuantityRow* const row = quantityRow(timedQuantities, unit);
+  return row ? std::optional(habitra::quantityOptions(*row, measurementDuration)) : std::nullopt;
 }
 
 ValueRange AutomaticTaskType::optionsForAlcoholConsumption(TaskFrequencyPeriodType measurementDuration) {
@@ -200,8 +224,10 @@ void from_json(const nlohmann::json& json, AutomaticTaskType& type) {
   const auto name = decodeMember<std::string>(json, "type");
   const auto source = AutomaticTaskType::TaskType::fromRawValue(name);
   if (!source) refuseMember("type", name);
+  const double quantity = decodeQuantity(json);
+  if (!isQuantity(quantity, *source)) refuseMember("quantity", quantity);
   type = {.type = *source,
-          .quantity = decodeQuantity(json),
+          .quantity = quantity,
           .unit = decodeMemberIfAny<TypeUnit>(json, "unit"),
           .speeds = decodeMember<TypeSpeeds>(json, "speeds"),
           .extra = decodeMemberIfAny<TypeExtra>(json, "extra"),

@@ -62,7 +62,7 @@ struct AutomaticTaskType {
   };
 
   TaskType type = TaskType::timer();
-  double quantity = 0.0;         ///< the target of a period, in `unit`; at most greatestQuantity either way
+  double quantity = 0.0;         ///< the target of a period, in `unit`; at most greatestQuantity
   std::optional<TypeUnit> unit;  ///< absent where there is no quantity
   TypeSpeeds speeds;
   std::optional<TypeExtra> extra;
@@ -77,8 +77,8 @@ struct AutomaticTaskType {
   /// any but minutes and hours keeps seconds.
   [[nodiscard]] static AutomaticTaskType timer(double durationPerCompletion, std::int64_t numPartialCompletions,
                                                TypeUnit unit, DataSource dataSource);
-  /// What a new task driven by a health type starts with.
-  [[nodiscard]] static AutomaticTaskType healthKit(HealthType type, TaskFrequencyPeriodType measurementDuration);
+  /// What a new task with this source starts with: unit, quantity and speeds, no extra, the default data source.
+  [[nodiscard]] static AutomaticTaskType ofNewTask(const TaskType& type, TaskFrequencyPeriodType measurementDuration);
 
   /// Quantity, unit and speeds together; none without a unit.
   [[nodiscard]] std::optional<TaskTarget> taskTarget() const;
@@ -87,15 +87,20 @@ struct AutomaticTaskType {
   [[nodiscard]] bool usesHealthKit() const { return type.kind() == TaskType::Kind::healthKit; }
   /// Whether a timer of our own measures it.
   [[nodiscard]] bool isTimed() const;
-  /// Whether what is left of the target can be shown counting down: an amount that only grows.
+  /// Whether what is left of the target can be shown counting down: there is an amount, and it only grows.
   [[nodiscard]] bool quantityCanCountdown() const;
   [[nodiscard]] QuantitySelectionStyle quantitySelectionStyle() const;
-  /// What the rules measure such a task by. A period's whole target; of a timed task in seconds.
+  /// What the rules measure such a task by, with the period's whole target; of a timed task in seconds. What does not
+  /// grow towards its target (a balance of energies, a bedtime, what is only counted) is measured as a task by hand is:
+  /// whoever qualifies a period says that it is complete.
   [[nodiscard]] TaskMeasure measure() const;
 
-  /// The unit in which the health store is asked for amounts; count without a unit.
+  /// The unit in which the health store is asked for figures: that of the target; without one the type's own, in which
+  /// the latest record is shown (kilograms of a weight), or `count`.
   [[nodiscard]] qz::QZHKUnit healthKitCountUnit() const;
-  /// How samples are put together; nothing for a timer and for screen time.
+  /// How samples are put together; nothing where they are looked at one by one, as with the rings and bedtimes, nor for
+  /// a timer and screen time. Types that record something have the latest amount, for showing: what counts towards
+  /// completion is that there are samples.
   [[nodiscard]] qz::QZHKStatisticsOptions healthKitStatisticsOptions() const;
   /// A distance as progress in a unit; none where the unit is no distance.
   [[nodiscard]] static std::optional<double> taskProgressValueFromMetres(double metres, TypeUnit unit);
@@ -116,8 +121,8 @@ struct AutomaticTaskType {
   [[nodiscard]] std::int64_t defaultPartialCompletions(TaskFrequencyPeriodType measurementDuration) const;
   [[nodiscard]] std::int64_t suggestedNumPartialCompletions(TaskFrequencyPeriodType measurementDuration) const;
 
-  /// The seconds of one part of a timed target, and the target made of such parts. REQUIRES: numPartialCompletions
-  /// >= 1.
+  /// The seconds of one part of a timed target, the whole of it to the millisecond, and the target made of such parts.
+  /// Less than 1 part counts as 1.
   [[nodiscard]] double timerDurationPerCompletion(std::int64_t numPartialCompletions) const;
   void setTimerDuration(double duration, std::int64_t numPartialCompletions);
 
@@ -127,7 +132,7 @@ struct AutomaticTaskType {
 
   /// The text of the target; see HealthType::displayTitleForQuantity.
   [[nodiscard]] HealthType::DisplayTitleType displayTitleForTargetQuantity(const DisplayTitleOptions& options) const;
-  /// An amount as it is read, without its unit.
+  /// An amount as it is read, without its unit; with up to two decimals where the type has none.
   [[nodiscard]] std::string formattedQuantityNumber(double quantity) const;
 
   /// The durations to choose from for a timed task; none where the unit is no duration.
@@ -135,18 +140,21 @@ struct AutomaticTaskType {
                                                                       TaskFrequencyPeriodType measurementDuration);
   /// The numbers of drinks to choose from.
   [[nodiscard]] static ValueRange optionsForAlcoholConsumption(TaskFrequencyPeriodType measurementDuration);
-  /// The kinds of frequency that an automatic task can have: all, since what is measured adds up over any period.
+  /// The kinds of frequency that an automatic task can have: all, since whether a period is complete can be told from
+  /// its data however long it is.
   [[nodiscard]] static std::span<const TaskFrequency::DayMode> supportedFrequencyModes();
 
   friend bool operator==(const AutomaticTaskType&, const AutomaticTaskType&) = default;
 };
 
-/// Whose data count when nobody chose: this task's own for a timer and for workouts recorded here, all for the rest.
+/// `DataSource.default`: whose data count when nobody chose. This task's own for a timer and for workouts recorded
+/// here, all for the rest, also where a timer of ours can write the data: other devices measure them, too.
 [[nodiscard]] DataSource defaultDataSource(const AutomaticTaskType::TaskType& type);
 
 void to_json(nlohmann::json& json, const AutomaticTaskType& type);
 /// Throws qz::DecodingError naming the key that is missing or holds something else, an unknown type and a quantity that
-/// is not finite or too great among it. An unknown unit, speed or data source is none.
+/// is not finite, too great or, but for a balance of energies, below 0 among it. An unknown unit, speed or data source
+/// is none.
 void from_json(const nlohmann::json& json, AutomaticTaskType& type);
 
 }  // namespace habitra

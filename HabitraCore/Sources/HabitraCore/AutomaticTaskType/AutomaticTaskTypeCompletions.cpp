@@ -4,6 +4,7 @@
 #include <QZKit/Checked.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace habitra {
 
@@ -72,7 +73,10 @@ AutomaticTaskType AutomaticTaskType::timer(double durationPerCompletion, std::in
 
 double AutomaticTaskType::timerDurationPerCompletion(std::int64_t numPartialCompletions) const {
   const double total = unit ? unit->convertToTimeInterval(quantity) : quantity;
-  return total / static_cast<double>(std::max(numPartialCompletions, minPartialCompletions));
+  // To the millisecond: 125 seconds kept in minutes would come back as a little more, and a timer that has run to its
+  // end would not be done.
+  return std::round(total * 1'000) / 1'000 /
+         static_cast<double>(std::max(numPartialCompletions, minPartialCompletions));
 }
 
 void AutomaticTaskType::setTimerDuration(double duration, std::int64_t numPartialCompletions) {

@@ -8,7 +8,8 @@
 
 namespace habitra {
 
-/// Whose health data count for an automatic task.
+/// Whose health data count for an automatic task. defaultDataSource() (AutomaticTaskType.h) says what counts when
+/// nobody chose.
 enum class DataSource : std::uint8_t {
   currentTask,  ///< only what was written for this task
   allData,      ///< everything, whoever wrote it

@@ -100,10 +100,7 @@ QuantitySelectionStyle HealthType::quantitySelectionStyle() const {
 
 bool HealthType::isFluctuating() const { return healthTypeRow(*this).fluctuating; }
 
-bool HealthType::isQuantityBased() const {
-  const Measured measured = healthTypeRow(*this).measured;
-  return measured == Measured::amount || measured == Measured::balance;
-}
+bool HealthType::isQuantityBased() const { return healthTypeRow(*this).measured == Measured::amount; }
 
 bool HealthType::writesToHealthKit() const { return healthTypeRow(*this).writesBack; }
 

@@ -116,7 +116,8 @@ class HealthType {
   };
   using enum Case;
 
-  /// Whether no, one or several of the offered speeds may be chosen.
+  /// Whether no, at most one or several of the offered speeds may be chosen. `timed` is a choice as any other: without
+  /// it the data come from other devices alone.
   enum class SpeedSelectionType : std::uint8_t { noSpeed, single, multi };
   class DisplayTitleType;  ///< see DisplayTitle.h
 
@@ -160,7 +161,8 @@ class HealthType {
   }
   /// Whether the amount can fall again while the period is open, so that a reached target is not yet safe.
   [[nodiscard]] bool isFluctuating() const;
-  /// Whether an amount grows towards the target. Not so for the rings, a bedtime and what is only counted.
+  /// Whether an amount grows towards the target. Not so for the rings, a bedtime, a balance of energies and what is
+  /// only counted.
   [[nodiscard]] bool isQuantityBased() const;
   /// Whether a completion recorded here is written to the health store as a sample.
   [[nodiscard]] bool writesToHealthKit() const;
@@ -182,8 +184,9 @@ class HealthType {
   /// least 0.1.
   [[nodiscard]] static double normalizeDistanceValue(double quantity, TypeUnit unit);
 
-  /// The text of a target: "Drink 2 litres of water", or "Under 200 mg caffeine" for a task to avoid. `unit` and
-  /// `quantity` are absent together.
+  /// The text of a target: "Drink 2 litres of water", or "Under 200 mg caffeine" for a task to avoid. One function for
+  /// all families of titles: which family a type belongs to is a column of its row. `unit` and `quantity` are absent
+  /// together. REQUIRES: the quantity is finite.
   [[nodiscard]] DisplayTitleType displayTitleForQuantity(std::optional<double> quantity, std::optional<TypeUnit> unit,
                                                          TypeSpeeds speeds, const DisplayTitleOptions& options) const;
 

@@ -127,9 +127,10 @@ struct HealthTypeRow {
   /// Read as well when only some of the speeds on offer are chosen, to tell them apart.
   ShortList<qz::QZHKObjectType, 4> readsToTellSpeeds = {};
   /// How samples are put together; empty where they are looked at one by one. A time covered is meant for units of
-  /// time, in other units it is a sum: the energy of workouts. The most recent amount is for showing, in a unit of what
-  /// is read: such types only count samples.
+  /// time, in other units it is a sum: the energy of workouts.
   qz::QZHKStatisticsOptions statistics;
+  /// Without a quantity: the unit of figures, in which the latest amount is shown; `count` where samples are counted.
+  qz::QZHKUnit latestIn = qz::QZHKUnit::count;
   qz::QZHKUpdateFrequency update;
   bool fluctuating = false;
   bool writesBack = false;

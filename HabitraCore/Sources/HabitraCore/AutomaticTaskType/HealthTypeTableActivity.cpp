@@ -4,13 +4,13 @@
 // - times of exercise, workouts and moving: WHO guidelines on physical activity and sedentary behaviour (2020), 150 to
 //   300 minutes of moderate activity a week; 30 minutes a day lie between;
 // - sleep: consensus of the American Academy of Sleep Medicine and the Sleep Research Society (2015), 7 hours or more
-//   for adults;
+//   for adults; 8 is the round figure above it, and time in bed includes some that is not slept;
 // - standing minutes: the expert statement on sedentary office work in the British Journal of Sports Medicine (2015), 2
 //   hours a working day to begin with;
 // - standing and rolling hours: some movement in each of 12 waking hours;
 // - steps: 10,000, the number that people expect; it comes from no guideline.
-// Distances, flights, pushes and energies are round middling figures of our own. The usual amounts of one type in
-// several units are the same amount, as near as the steps allow.
+// Distances, flights, pushes and energies are round middling figures of our own. Usual amounts
+// of one type in several units that measure the same are the same amount, as near as the steps allow.
 
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
 

@@ -1,9 +1,9 @@
-// What is recorded or happens, and counts by having happened: recordWeight to alcoholConsumption. The columns are
-// explained in HealthTypeTable.h.
+// What is recorded or happens, and mostly counts by having happened: recordWeight to alcoholConsumption. The columns
+// are explained in HealthTypeTable.h.
 //
 // Sources of the usual amounts:
 // - brushing: 4 minutes a day, twice 2, as dental associations advise;
-// - drinks: one, the least there is; no amount of alcohol is advised by anybody.
+// - drinks: one a day, the least on offer; no amount of alcohol is advised by anybody.
 
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
 
@@ -18,6 +18,7 @@ using O = qz::QZHKObjectType;
 using Selection = HealthType::SpeedSelectionType;
 using Statistics = qz::QZHKStatisticsOptions;
 using Update = qz::QZHKUpdateFrequency;
+using M = qz::QZHKUnit;
 using Reads = ShortList<qz::QZHKObjectType, 4>;
 using Icons = ShortList<std::string_view, 4>;
 
@@ -36,8 +37,12 @@ constexpr HealthTypeRow row(HealthType type, const Reads& reads, Statistics stat
 }
 
 /// A measurement that somebody takes, of which the last one is shown.
-constexpr HealthTypeRow measurement(HealthType type, const Reads& reads, const Icons& icons) {
-  return row(type, reads, Statistics::mostRecent, icons, TitleForm::record);
+constexpr HealthTypeRow measurement(HealthType type, const Reads& reads, qz::QZHKUnit latestIn, const Icons& icons,
+                                    Update update = Update::immediate) {
+  HealthTypeRow measured = row(type, reads, Statistics::mostRecent, icons, TitleForm::record);
+  measured.latestIn = latestIn;
+  measured.update = update;
+  return measured;
 }
 
 /// Something that is recorded without an amount.
@@ -56,23 +61,26 @@ constexpr TitleForm record = TitleForm::record;
 constexpr TitleForm heart = TitleForm::heartEvent;
 
 constexpr std::array<HealthTypeRow, numRecordRows> rows{{
-    // type, what is read, icons, and of events the form of the title
-    measurement(T::recordWeight, {O::bodyMass}, {"ic_weight", "ic_scales"}),
-    measurement(T::recordBloodPressure, {O::bloodPressureSystolic, O::bloodPressureDiastolic},
+    // type, what is read, of measurements the unit of the latest one, icons; of events the form of the title; of what
+    // devices record all day how soon it wakes us
+    measurement(T::recordWeight, {O::bodyMass}, M::kilogram, {"ic_weight", "ic_scales"}),
+    measurement(T::recordBloodPressure, {O::bloodPressureSystolic, O::bloodPressureDiastolic}, M::millimetreOfMercury,
                 {"ic_blood_pressure", "ic_heart"}),
-    measurement(T::recordBloodGlucose, {O::bloodGlucose}, {"ic_glucose", "ic_drop"}),
-    measurement(T::recordHeartRate, {O::heartRate}, {"ic_heart_rate", "ic_heart"}),
-    measurement(T::recordWaistCircumference, {O::waistCircumference}, {"ic_tape_measure", "ic_person_standing"}),
-    measurement(T::recordBodyTemperature, {O::bodyTemperature}, {"ic_thermometer"}),
+    measurement(T::recordBloodGlucose, {O::bloodGlucose}, M::millimolePerLitre, {"ic_glucose", "ic_drop"}),
+    measurement(T::recordHeartRate, {O::heartRate}, M::countPerMinute, {"ic_heart_rate", "ic_heart"}, Update::hourly),
+    measurement(T::recordWaistCircumference, {O::waistCircumference}, M::centimetre,
+                {"ic_tape_measure", "ic_person_standing"}),
+    measurement(T::recordBodyTemperature, {O::bodyTemperature}, M::degreeCelsius, {"ic_thermometer"}),
     event(T::recordSexualActivity, {O::sexualActivity}, {"ic_intimacy", "ic_heart"}, record),
-    measurement(T::recordBodyFatPercentage, {O::bodyFatPercentage}, {"ic_body_fat", "ic_scales"}),
+    measurement(T::recordBodyFatPercentage, {O::bodyFatPercentage}, M::percent, {"ic_body_fat", "ic_scales"}),
     event(T::recordAudiogram, {O::audiogram}, {"ic_audiogram", "ic_ear"}, record),
     event(T::recordElectroCardiogram, {O::electrocardiogram}, {"ic_ecg", "ic_heart_rate", "ic_heart"}, record),
-    measurement(T::recordPeakExpiratoryFlow, {O::peakExpiratoryFlowRate}, {"ic_lungs", "ic_breathe"}),
-    measurement(T::recordHeight, {O::height}, {"ic_height", "ic_tape_measure"}),
-    measurement(T::recordInsulin, {O::insulinDelivery}, {"ic_syringe", "ic_drop"}),
-    measurement(T::recordInhaler, {O::inhalerUsage}, {"ic_inhaler", "ic_lungs"}),
-    measurement(T::recordOxygenSaturation, {O::oxygenSaturation}, {"ic_oxygen", "ic_lungs"}),
+    measurement(T::recordPeakExpiratoryFlow, {O::peakExpiratoryFlowRate}, M::litrePerMinute,
+                {"ic_lungs", "ic_breathe"}),
+    measurement(T::recordHeight, {O::height}, M::centimetre, {"ic_height", "ic_tape_measure"}),
+    measurement(T::recordInsulin, {O::insulinDelivery}, M::internationalUnit, {"ic_syringe", "ic_drop"}),
+    measurement(T::recordInhaler, {O::inhalerUsage}, M::count, {"ic_inhaler", "ic_lungs"}),
+    measurement(T::recordOxygenSaturation, {O::oxygenSaturation}, M::percent, {"ic_oxygen", "ic_lungs"}),
     {
         .type = T::toothbrushingEventBrush,
         .measured = Measured::amount,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
 #include <HabitraCore/AutomaticTaskType/TaskTarget.h>
 #include <HabitraCore/MemberCoding.h>
 
@@ -10,6 +11,10 @@ namespace habitra {
 
 /// Whether it can be a target; NaN cannot.
 [[nodiscard]] inline bool isQuantity(double value) { return std::abs(value) <= greatestQuantity; }
+/// The same for a certain source: only a balance of energies can be wanted below 0.
+[[nodiscard]] inline bool isQuantity(double value, const AutomaticTaskType::TaskType& type) {
+  return isQuantity(value) && (value >= 0 || type.healthType() == HealthType::energyDeficit);
+}
 
 /// The member "quantity". Throws qz::DecodingError naming the key where it is missing, no number or too great.
 [[nodiscard]] inline double decodeQuantity(const nlohmann::json& json) {

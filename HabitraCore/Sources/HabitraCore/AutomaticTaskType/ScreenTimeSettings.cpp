@@ -1,5 +1,7 @@
 #include <HabitraCore/AutomaticTaskType/ScreenTimeSettings.h>
 #include <HabitraCore/MemberCoding.h>
+#include <QZKit/Trap.h>
+#include <QZKit/UTF8.h>
 
 #include <nlohmann/json.hpp>
 
@@ -36,6 +38,10 @@ void ScreenTimeSettings::setFamilyActivitySelection(const std::optional<FamilyAc
   if (!selection) {
     _familyActivitySelection.reset();
     return;
+  }
+  for (const auto* tokens : {&selection->applications, &selection->categories, &selection->webDomains}) {
+    for (const std::string& token : *tokens)
+      qz::require(!qz::utf8::firstInvalidByte(token), "a token of a selection is not UTF-8");
   }
   const nlohmann::json json = {{"applications", selection->applications},
                                {"categories", selection->categories},

@@ -25,6 +25,7 @@ struct ScreenTimeSettings {
 
   /// The selection that the data hold; none without data, and none when they cannot be read here.
   [[nodiscard]] std::optional<FamilyActivitySelection> familyActivitySelection() const;
+  /// REQUIRES: tokens are UTF-8.
   void setFamilyActivitySelection(const std::optional<FamilyActivitySelection>& selection);
   /// How many applications, categories and sites are chosen; 0 when the selection cannot be read.
   [[nodiscard]] std::int64_t numSelections() const;

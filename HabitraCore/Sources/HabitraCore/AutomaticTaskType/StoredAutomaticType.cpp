@@ -21,14 +21,20 @@ std::optional<std::vector<std::uint8_t>> encodeExtra(const AutomaticTaskType& ty
   return std::vector<std::uint8_t>(text.begin(), text.end());
 }
 
+/// The member of a type; none where it cannot be read.
+template <typename T>
+std::optional<T> readableMember(const nlohmann::json& json, const char* key) {
+  try {
+    return decodeMemberIfAny<T>(json, key);
+  } catch (const qz::DecodingError&) {
+    return std::nullopt;
+  }
+}
+
 ExtraAndSource decodeExtra(const std::vector<std::uint8_t>& bytes) {
   const auto json = nlohmann::json::parse(bytes, nullptr, false);
-  try {
-    return {.extra = decodeMemberIfAny<TypeExtra>(json, "extra"),
-            .dataSource = decodeMemberIfAny<DataSource>(json, "dataSource")};
-  } catch (const qz::DecodingError&) {
-    return {};
-  }
+  return {.extra = readableMember<TypeExtra>(json, "extra"),
+          .dataSource = readableMember<DataSource>(json, "dataSource")};
 }
 
 }  // namespace
@@ -49,7 +55,7 @@ std::optional<AutomaticTaskType> automaticType(const StoredAutomaticType& stored
   if (!type) return std::nullopt;
   const ExtraAndSource extra = stored.typeExtra ? decodeExtra(*stored.typeExtra) : ExtraAndSource{};
   return AutomaticTaskType{.type = *type,
-                           .quantity = isQuantity(stored.typeTarget) ? stored.typeTarget : 0.0,
+                           .quantity = isQuantity(stored.typeTarget, *type) ? stored.typeTarget : 0.0,
                            .unit = stored.typeUnit ? fromRawValue<TypeUnit>(*stored.typeUnit) : std::nullopt,
                            .speeds = stored.typeSpeed ? TypeSpeeds::fromStoredText(*stored.typeSpeed) : TypeSpeeds{},
                            .extra = extra.extra,

@@ -24,8 +24,8 @@ struct StoredAutomaticType {
 
 [[nodiscard]] StoredAutomaticType stored(const AutomaticTaskType& type);
 /// The type that a record keeps; none for a task completed by hand and for a type that is not known. What is not known
-/// of the rest is no value: an unknown unit or speed is none, extra bytes that cannot be read are no extra and no data
-/// source, and a target that is not finite or beyond greatestQuantity is 0.
+/// of the rest, or cannot be read, is no value, each by itself: unit, speeds, extra, data source. A target that cannot
+/// be one (not finite, too great, below 0 where there is nothing below) is 0.
 [[nodiscard]] std::optional<AutomaticTaskType> automaticType(const StoredAutomaticType& stored);
 
 }  // namespace habitra

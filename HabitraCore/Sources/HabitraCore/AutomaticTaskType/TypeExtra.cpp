@@ -5,9 +5,14 @@ namespace habitra {
 
 namespace {
 
+/// A year in seconds: no sample that we write lasts longer.
+constexpr double longestRecordDuration = 366.0 * 86'400;
+
 std::set<WorkoutType> decodeWorkoutTypes(const nlohmann::json& json) {
   std::set<WorkoutType> types;
   decodeKnownCases<WorkoutType>(json, [&](WorkoutType type) { types.insert(type); });
+  // Empty means all: a choice of which nothing is known here must not become one of everything.
+  if (types.empty() && !json.empty()) types.insert(WorkoutType::other);
   return types;
 }
 
@@ -23,8 +28,11 @@ void to_json(nlohmann::json& json, const TypeExtra& extra) {
 
 void from_json(const nlohmann::json& json, TypeExtra& extra) {
   const char* const key = "workoutTypes";
+  const auto duration = decodeMemberIfAny<double>(json, "healthKitRecordDuration");
+  if (duration && !(*duration >= 0 && *duration <= longestRecordDuration))
+    refuseMember("healthKitRecordDuration", *duration);
   extra = {.workoutTypes = namingMember(key, qz::coded_form::member(json, key), decodeWorkoutTypes),
-           .healthKitRecordDuration = decodeMemberIfAny<double>(json, "healthKitRecordDuration"),
+           .healthKitRecordDuration = duration,
            .screenTimeSettings = decodeMemberIfAny<ScreenTimeSettings>(json, "screenTimeSettings")};
 }
 

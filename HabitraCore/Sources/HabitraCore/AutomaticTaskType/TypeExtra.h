@@ -21,7 +21,8 @@ struct TypeExtra {
 };
 
 void to_json(nlohmann::json& json, const TypeExtra& extra);
-/// Unknown workout types are left out. Throws qz::DecodingError naming the key.
+/// Unknown workout types are left out; where none of those chosen is known, it is `other` that counts. Throws
+/// qz::DecodingError naming the key, also for a duration below 0 or of more than a year.
 void from_json(const nlohmann::json& json, TypeExtra& extra);
 
 }  // namespace habitra

@@ -25,13 +25,10 @@ std::string TypeSpeeds::storedText() const {
 }
 
 std::vector<TypeSpeed> TypeSpeeds::sortedSleepOptions() const {
-  constexpr std::array shown{TypeSpeed::inBed, TypeSpeed::sleepAsleep, TypeSpeed::sleepCore, TypeSpeed::sleepDeep,
-                             TypeSpeed::sleepREM};
-  std::vector<TypeSpeed> options;
-  for (const TypeSpeed speed : shown) {
-    if (contains(speed)) options.push_back(speed);
-  }
-  return options;
+  constexpr TypeSpeeds options{TypeSpeed::sleepAsleep, TypeSpeed::sleepCore, TypeSpeed::sleepDeep, TypeSpeed::sleepREM,
+                               TypeSpeed::inBed};
+  const TypeSpeeds chosen = *this & options;
+  return {chosen.begin(), chosen.end()};
 }
 
 void to_json(nlohmann::json& json, const TypeSpeeds& speeds) {

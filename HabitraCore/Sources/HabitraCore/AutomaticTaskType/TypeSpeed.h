@@ -90,8 +90,7 @@ class TypeSpeeds {
   constexpr void insert(TypeSpeed speed) { bits_ |= bit(speed); }
   constexpr void remove(TypeSpeed speed) { bits_ &= ~bit(speed); }
 
-  /// The stages of sleep in the set, in the order in which they are shown: in bed, asleep, then the stages from the
-  /// lightest on.
+  /// What the set chooses of a night, in the order in which it is shown: asleep, the stages, in bed.
   [[nodiscard]] std::vector<TypeSpeed> sortedSleepOptions() const;
 
   [[nodiscard]] static constexpr TypeSpeed speed(std::int64_t bit) { return static_cast<TypeSpeed>(bit); }

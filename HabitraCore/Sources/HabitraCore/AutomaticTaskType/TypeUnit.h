@@ -64,7 +64,7 @@ class TypeUnit {
   /// The unit in which the health store counts it; of a time of day, seconds since midnight. Its factor() to the base
   /// unit of the dimension is exact.
   [[nodiscard]] qz::QZHKUnit healthKit() const;
-  /// The sign that stands for it in any language: "km", "kcal". Units that are things to count have their raw value.
+  /// A sign for it where there is no room for words: "km", "kcal", "fl oz". A time of day has none.
   [[nodiscard]] std::string_view symbol() const;
   /// How many decimals of an amount are shown at most.
   [[nodiscard]] std::int64_t decimals() const;
@@ -74,7 +74,7 @@ class TypeUnit {
   [[nodiscard]] bool isDuration() const { return dimension() == Dimension::duration; }
   /// Whether amounts of it add up, so that a target can be reached by parts: all but a time of day.
   [[nodiscard]] bool isQuantifiable() const { return dimension() != Dimension::timeOfDay; }
-  /// Whether it counts things, of which there are no halves: steps, pushes, drinks, flights.
+  /// Whether it counts things, of which a target asks for whole ones: steps, pushes, drinks, flights.
   [[nodiscard]] bool isCounted() const { return isQuantifiable() && healthKit() == qz::QZHKUnit::count; }
 
   /// The same amount in another unit, by exact factors; none when the two measure different things.
