@@ -15,14 +15,15 @@ struct DefaultsRow {
   Kind kind;
   bool completedNotification = false;
   std::optional<SoundEffect> completionSound;
+  std::optional<SoundEffect> timerSound;
   std::optional<SoundEffect> everyOtherSound;
   std::optional<bool> timerIsTimeSensitive;
   std::optional<bool> everythingElseIsTimeSensitive;
   std::optional<LiveActivity> liveActivity;
 };
 
-/// In the order of declaration of Kind. A tick by hand needs no telling; what ends by itself does. Who meditates is not
-/// to be startled.
+/// A tick by hand needs no telling; what ends by itself does. Who meditates hears when the time is up, is not startled
+/// by it, and hears nothing else.
 constexpr std::array<DefaultsRow, 4> defaults{{
     {.kind = Kind::timer,
      .completedNotification = true,
@@ -33,10 +34,19 @@ constexpr std::array<DefaultsRow, 4> defaults{{
     {.kind = Kind::meditation,
      .completedNotification = true,
      .completionSound = SoundEffect::softBell,
+     .timerSound = SoundEffect::softBell,
      .everyOtherSound = SoundEffect::silent,
      .timerIsTimeSensitive = false,
      .everythingElseIsTimeSensitive = false},
 }};
+
+constexpr bool standInOrder() {
+  for (std::size_t i = 0; i < defaults.size(); ++i) {
+    if (static_cast<std::size_t>(defaults[i].kind) != i) return false;
+  }
+  return true;
+}
+static_assert(standInOrder(), "a kind's place is its number");
 
 /// A timer that is over before anyone has looked at it is not shown (seconds).
 constexpr double shortestShownTimer = 60;
@@ -54,7 +64,7 @@ TaskNotificationSettings defaultNotificationSettings(const DefaultSettingsTaskTy
   settings.completedOrMissedSound = row.completionSound;
   settings.partiallyCompletedOrMissedSound = row.everyOtherSound;
   settings.reminderSound = row.everyOtherSound;
-  settings.timerNotificationSound = row.everyOtherSound;
+  settings.timerNotificationSound = row.timerSound;
   settings.automaticRemindersAreTimeSensitive = row.everythingElseIsTimeSensitive;
   settings.completedNotificationIsTimeSensitive = row.everythingElseIsTimeSensitive;
   settings.partiallyCompletedNotificationIsTimeSensitive = row.everythingElseIsTimeSensitive;

@@ -32,10 +32,11 @@ class DefaultSettingsTaskType {
   double duration_;
 };
 
-/// The settings of a newly made task. All kinds: it counts on the badge while incomplete, automatic reminders are off,
-/// and it has no reminders of its own, but for a screen-time limit of more than 10 minutes, which reminds 5 minutes
-/// before it is reached. What differs by kind stands in one table in the source. `reminderID` is the identifier of that
-/// one reminder.
+/// The settings of a newly made task. All kinds: it counts on the badge while incomplete, and reminderType is none: no
+/// automatic reminders, and none of its own. Only for a screen-time limit of more than 10 minutes it is custom, with
+/// one reminder 5 minutes before the limit is reached. What else differs by kind stands in one table in the source.
+/// `reminderID` becomes the identifier of that one reminder, since nothing here makes identifiers; where there is no
+/// reminder it is not used.
 [[nodiscard]] TaskNotificationSettings defaultNotificationSettings(const DefaultSettingsTaskType& type,
                                                                    const qz::UniqueID& reminderID);
 

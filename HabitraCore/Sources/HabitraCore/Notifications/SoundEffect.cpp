@@ -6,12 +6,40 @@ namespace habitra {
 
 namespace {
 
+/// Whether each row stands at the place of its case, where it is looked for, and no case is without one.
+template <typename Row, std::size_t count, typename E>
+constexpr bool standInOrder(const std::array<Row, count>& rows, E Row::*key) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (static_cast<std::size_t>(rows[i].*key) != i) return false;
+  }
+  return count == RawValueTable<E>::rows.size();
+}
+
+struct SoundTitle {
+  SoundEffect sound;
+  std::string_view title;
+};
+
+constexpr std::array<SoundTitle, 10> soundTitles{{
+    {SoundEffect::silent, "Silent"},
+    {SoundEffect::chime, "Chime"},
+    {SoundEffect::bell, "Bell"},
+    {SoundEffect::softBell, "Soft bell"},
+    {SoundEffect::gong, "Gong"},
+    {SoundEffect::singingBowl, "Singing bowl"},
+    {SoundEffect::waterDrop, "Water drop"},
+    {SoundEffect::marimba, "Marimba"},
+    {SoundEffect::fanfare, "Fanfare"},
+    {SoundEffect::knock, "Knock"},
+}};
+static_assert(standInOrder(soundTitles, &SoundTitle::sound), "a sound's place is its number");
+
 struct SlotSound {
   SoundType slot;
   SoundEffect sound;
 };
 
-/// In the order of declaration of SoundType. Progress sounds lighter than success, and a miss is never a fanfare.
+/// Progress sounds lighter than success, and a miss is never a fanfare.
 constexpr std::array<SlotSound, 6> slotSounds{{
     {SoundType::taskComplete, SoundEffect::chime},
     {SoundType::taskPartiallyComplete, SoundEffect::waterDrop},
@@ -20,8 +48,11 @@ constexpr std::array<SlotSound, 6> slotSounds{{
     {SoundType::reminder, SoundEffect::bell},
     {SoundType::timerNotification, SoundEffect::gong},
 }};
+static_assert(standInOrder(slotSounds, &SlotSound::slot), "a slot's place is its number");
 
 }  // namespace
+
+std::string_view title(SoundEffect sound) { return soundTitles[static_cast<std::size_t>(sound)].title; }
 
 SoundEffect defaultSound(SoundType slot) { return slotSounds[static_cast<std::size_t>(slot)].sound; }
 
