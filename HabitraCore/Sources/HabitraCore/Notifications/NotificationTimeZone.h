@@ -8,8 +8,12 @@
 
 namespace habitra {
 
-/// Whose clock a time of day is read in, for a task shared between people.
-enum class NotificationTimeZone : std::uint8_t { taskOwner, taskViewer };
+/// Whose clock a time of day is read in, for a task shared between people. Where none is chosen it is the viewer's: who
+/// is to be reminded at seven means seven on their own clock.
+enum class NotificationTimeZone : std::uint8_t {
+  taskOwner,   ///< the clock of whose task it is: all are reminded at the same moment
+  taskViewer,  ///< the clock of whoever is shown the task: each is reminded at the same time of their own day
+};
 
 }  // namespace habitra
 
