@@ -3,6 +3,7 @@
 #include <HabitraCore/Notifications/TaskNotificationSettings.h>
 #include <rapidcheck.h>
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -23,7 +24,18 @@ inline bool anyBool() { return qz::between(0, 1) == 1; }
 /// With a fraction that does not come out even in binary, so that digits lost on the way would show.
 inline double anyNumber() { return static_cast<double>(qz::between(-1'000'000'000, 1'000'000'000)) / 997.0; }
 
-inline std::set<std::int64_t> anyDayIndexes() { return *rc::gen::arbitrary<std::set<std::int64_t>>(); }
+/// Not below 0; sometimes one of the bounds.
+inline double anyNumberTo(double most) {
+  return *rc::gen::weightedElement<double>({{1, 0.0}, {1, most}, {8, std::abs(anyNumber())}});
+}
+
+inline double anyDuration() { return anyNumberTo(TaskReminder::Trigger::longestDuration); }
+
+inline std::set<std::int64_t> anyDayIndexes() {
+  std::set<std::int64_t> indexes;
+  for (std::int64_t i = qz::between(0, 5); i > 0; --i) indexes.insert(qz::between(0, TaskReminder::greatestDayIndex));
+  return indexes;
+}
 
 inline qz::UniqueID anyID() { return qz::UniqueID(*rc::gen::arbitrary<qz::UniqueID::Bytes>()); }
 
@@ -33,24 +45,18 @@ inline TriggerRegion anyRegion() {
           .title = anyOrNone(anyText),
           .latitude = anyNumber(),
           .longitude = anyNumber(),
-          .radius = anyNumber(),
+          .radius = anyNumberTo(TriggerRegion::longestRadius),
           .notifyOnEntry = anyBool(),
           .notifyOnExit = anyBool(),
           .icon = anyOrNone(anyText)};
 }
 
-/// One that has what its type needs, and perhaps more.
+/// Perhaps without what its type needs, and perhaps with more.
 inline TaskReminder::Trigger anyTrigger() {
-  TaskReminder::Trigger trigger{.type = anyCase<TaskReminder::TriggerType>(),
-                                .timeOfDay = anyOrNone(qz::anyTime),
-                                .region = anyOrNone(anyRegion),
-                                .duration = anyOrNone(anyNumber)};
-  if (!trigger.isComplete()) {
-    trigger.timeOfDay = qz::anyTime();
-    trigger.region = anyRegion();
-    trigger.duration = anyNumber();
-  }
-  return trigger;
+  return {.type = anyCase<TaskReminder::TriggerType>(),
+          .timeOfDay = anyOrNone(qz::anyTime),
+          .region = anyOrNone(anyRegion),
+          .duration = anyOrNone(anyDuration)};
 }
 
 inline TaskReminder anyReminder() {
@@ -74,7 +80,7 @@ inline TaskNotificationSettings anyNotificationSettings() {
       .badgeTo = anyOrNone(qz::anyTime),
       .badgeTimeZone = anyOrNone(anyCase<NotificationTimeZone>),
       .reminderType = anyCase<ReminderType>(),
-      .maxReminders = *rc::gen::arbitrary<std::int64_t>(),
+      .maxReminders = qz::between(0, TaskNotificationSettings::greatestMaxReminders),
       .completedNotification = anyBool(),
       .partiallyCompletedNotification = anyOrNone(anyBool),
       .completedOrMissedSound = anyOrNone(anyCase<SoundEffect>),

@@ -46,14 +46,23 @@ TEST(NotificationEnumerations, KeepTheirStoredTexts) {
             "taskComplete taskPartiallyComplete taskMissed taskPartiallyMissed reminder timerNotification");
   EXPECT_EQ(storedTexts<SoundEffect>(),
             "silent chime bell soft_bell gong singing_bowl water_drop marimba fanfare knock");
+  EXPECT_EQ(title(SoundEffect::softBell), "Soft bell");
+}
+
+/// Of the years 0 to 9999, sometimes the first or the last one.
+qz::Moment anyWritableMoment() {
+  const qz::Moment last = TimerReminderTime::endOfDates - std::chrono::microseconds(1);
+  const std::int64_t between = qz::between(TimerReminderTime::firstDate.time_since_epoch().count(),  //
+                                           last.time_since_epoch().count());
+  return *rc::gen::weightedElement<qz::Moment>(
+      {{1, TimerReminderTime::firstDate}, {1, last}, {8, qz::Moment(std::chrono::microseconds(between))}});
 }
 
 RC_GTEST_PROP(NotificationCoding, WhatIsWrittenIsReadBackThroughText, ()) {
   const TaskNotificationSettings settings = anyNotificationSettings();
   RC_ASSERT(json::parse(json(settings).dump()).get<TaskNotificationSettings>() == settings);
-  const TimerReminderTime time{.type = anyCase<TimerReminderType>(),
-                               .duration = anyNumber(),
-                               .date = qz::Moment(std::chrono::microseconds(qz::between(0, 4'000'000'000'000'000)))};
+  const TimerReminderTime time{
+      .type = anyCase<TimerReminderType>(), .duration = anyDuration(), .date = anyWritableMoment()};
   RC_ASSERT(json::parse(json(time).dump()).get<TimerReminderTime>() == time);
 }
 
@@ -149,7 +158,7 @@ TEST(NotificationCoding, NamesWhatIsMissingOrWrongAndLeavesAbsentWhatIsAbsent) {
   checkMembers<TaskNotificationSettings>(
       settings, {"badgeMode", "reminderType", "maxReminders", "completedNotification", "reminders"});
   checkMembers<TaskReminder>(reminder, {"uniqueId", "trigger", "daysOfWeek"});
-  checkMembers<Trigger>(reminder["trigger"], {"type", "region"});
+  checkMembers<Trigger>(reminder["trigger"], {"type"});
   checkMembers<TriggerRegion>(reminder["trigger"]["region"],
                               {"latitude", "longitude", "radius", "notifyOnEntry", "notifyOnExit"});
   checkMembers<TimerReminderTime>(TimerReminderTime{}, {"type", "duration", "date"});
@@ -182,39 +191,84 @@ TEST(NotificationCoding, ReadsUnknownTextsOfChoicesAsNoneAndRefusesWhatCannotBe)
   EXPECT_EQ(complaintOf("/reminders/0/snoozeDate", 20230229), inReminder + "\"snoozeDate\" from 20230229");
   EXPECT_EQ(complaintOf("/reminders/0/trigger/type", "timeOfDay"),
             inReminder + "\"trigger\": Unable to read \"type\" from \"timeOfDay\"");
-  EXPECT_EQ(complaintOf("/reminders/0/trigger/duration", std::numeric_limits<double>::infinity()),
-            inReminder + "\"trigger\": Unable to read \"duration\" from null");
   EXPECT_EQ(complaint<TimerReminderTime>({{"type", "completed"}, {"duration", 1}, {"date", "2024-02-30T00:00:00Z"}}),
             "Unable to read \"date\" from \"2024-02-30T00:00:00Z\"");
 }
 
-TEST(NotificationCoding, ATriggerHasWhatItsTypeNeeds) {
+/// Puts each value into a coded record at a place: the good ones must be read and written again, the bad ones refused
+/// by the name of their key.
+template <typename T>
+void checkBounds(json record, const char* place, const std::vector<json>& good, const std::vector<json>& bad) {
+  const json::json_pointer pointer(place);
+  for (const json& value : good) {
+    record[pointer] = value;
+    EXPECT_EQ(json(record.get<T>()), record) << place << " " << value;
+  }
+  for (const json& value : bad) {
+    record[pointer] = value;
+    const std::string refused = (value.is_array() ? value.back() : value).dump();
+    const std::string key = pointer.back();
+    EXPECT_TRUE(complaint<T>(record).ends_with("Unable to read \"" + key + "\" from " + refused))
+        << place << " " << value << ": " << complaint<T>(record);
+  }
+}
+
+// Nothing that a file says may stop the program later, or be written and not read back.
+TEST(NotificationCoding, RefusesWhatIsOutOfBounds) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const auto check = checkBounds<TaskNotificationSettings>;
+  const json settings = fullSettings();
+  check(settings, "/maxReminders", {0, 2'147'483'647}, {-1, 2'147'483'648});
+  for (const char* const indexes : {"/reminders/0/dayIndexesFromStart", "/reminders/0/dayIndexesFromFinish"})
+    check(settings, indexes, {json::array({0, 366})}, {json::array({-1}), json::array({0, 367})});
+  check(settings, "/reminders/0/trigger/duration", {0.0, 1e9}, {-0.5, 1000000000.5, 1e300, infinity});
+  check(settings, "/reminders/0/trigger/region/radius", {0.0, 1e8}, {-0.5, 1e9, infinity});
+  check(settings, "/reminders/0/trigger/region/latitude", {-91.0, 1e300}, {infinity, -infinity});
+  check(settings, "/reminders/0/trigger/region/longitude", {-181.0, 1e300}, {infinity, -infinity});
+
+  const json time = TimerReminderTime{};
+  checkBounds<TimerReminderTime>(time, "/duration", {0.0, 1e9}, {-0.5, 1000000000.5});
+  checkBounds<TimerReminderTime>(
+      time, "/date", {"0000-01-01T00:00:00Z", "9999-12-31T23:59:59.999999Z"},
+      {"0000-01-01T00:00:00+00:01", "9999-12-31T23:59:59-00:01", "9999-12-31T23:59:60Z", "10000-01-01T00:00:00Z"});
+}
+
+// One without is read as it was written; only its editor complains.
+TEST(NotificationCoding, ATriggerMayLackWhatItsTypeNeeds) {
   std::string needed;
   for (const auto& row : RawValueTable<TriggerType>::rows) {
+    const Trigger trigger{.type = row.value};
+    EXPECT_EQ(json(trigger), json({{"type", row.raw}}));
+    EXPECT_EQ(json(trigger).get<Trigger>(), trigger);
+    EXPECT_EQ(problems(trigger).front().message(), std::string(neededField(row.value)) + " must be given");
     needed += std::string(neededField(row.value)) + " ";
-    EXPECT_EQ(complaint<Trigger>({{"type", row.raw}}),
-              std::string("Unable to read \"") + neededField(row.value) + "\": missing");
-    EXPECT_EQ(problems(Trigger{.type = row.value}).front().message(),
-              std::string(neededField(row.value)) + " must be given");
   }
   EXPECT_EQ(needed, "timeOfDay timeOfDay region duration duration ");
 }
 
 TEST(NotificationDescription, SaysEveryFieldInOrder) {
-  EXPECT_EQ(fullSettings().debugDescription(),
-            "badgeMode=incomplete, badgeFrom=22:30:00, badgeTo=06:00:00, badgeTimeZone=owner, reminderType=custom, "
-            "maxReminders=3, completedNotification=true, partiallyCompletedNotification=false, "
-            "completedOrMissedSound=fanfare, partiallyCompletedOrMissedSound=silent, reminderSound=bell, "
-            "timerNotificationSound=gong, automaticRemindersAreTimeSensitive=false, "
-            "completedNotificationIsTimeSensitive=true, partiallyCompletedNotificationIsTimeSensitive=false, "
-            "timerNotificationsAreTimeSensitive=true, liveActivityDisplayMode=yes, "
-            "reminders=[{uniqueId=0195E8D4-7A00-7000-8000-00000000ABCD, trigger={type=loc, timeOfDay=22:30:00, "
-            "region={type=gym, title=Boulder hall, latitude=48.25, longitude=-11.5, radius=150, notifyOnEntry=true, "
-            "notifyOnExit=false, icon=ic_dumbbell}, duration=300.5}, daysOfWeek=[1, 3], sound=soft_bell, "
-            "timeSensitive=true}]");
+  EXPECT_EQ(
+      fullSettings().debugDescription(),
+      "badgeMode=incomplete, badgeFrom=22:30:00, badgeTo=06:00:00, badgeTimeZone=owner, reminderType=custom, "
+      "maxReminders=3, completedNotification=true, partiallyCompletedNotification=false, "
+      "completedOrMissedSound=fanfare, partiallyCompletedOrMissedSound=silent, reminderSound=bell, "
+      "timerNotificationSound=gong, automaticRemindersAreTimeSensitive=false, "
+      "completedNotificationIsTimeSensitive=true, partiallyCompletedNotificationIsTimeSensitive=false, "
+      "timerNotificationsAreTimeSensitive=true, liveActivityDisplayMode=yes, "
+      "reminders=[{uniqueId=0195E8D4-7A00-7000-8000-00000000ABCD, trigger={type=loc, timeOfDay=22:30:00, "
+      "region={type=gym, title=\"Boulder hall\", latitude=48.25, longitude=-11.5, radius=150, notifyOnEntry=true, "
+      "notifyOnExit=false, icon=\"ic_dumbbell\"}, duration=300.5}, daysOfWeek=[1, 3], sound=soft_bell, "
+      "timeSensitive=true}]");
   EXPECT_EQ((TaskReminder{.uniqueId = someID, .daysOfWeek = {}}).debugDescription(),
             "uniqueId=0195E8D4-7A00-7000-8000-00000000ABCD, trigger={type=tod, timeOfDay=nil, region=nil, "
             "duration=nil}, daysOfWeek=[], sound=nil, timeSensitive=nil");
+
+  // However a place is called, it is one field in one line.
+  const TriggerRegion forged{.title = "gym\", latitude=0\n", .icon = std::string(50, 'i') + "\\"};
+  EXPECT_EQ(forged.debugDescription(),
+            "type=nil, title=\"gym\\\", latitude=0\\n\", latitude=0, longitude=0, radius=100, notifyOnEntry=true, "
+            "notifyOnExit=false, icon=\"" +
+                std::string(50, 'i') + "\\\\\"");
 }
 
 TEST(NotificationValidation, SaysWhatAPersonHasToMend) {
@@ -225,23 +279,28 @@ TEST(NotificationValidation, SaysWhatAPersonHasToMend) {
   };
   EXPECT_EQ(messages(fullSettings()), "");
   EXPECT_EQ(messages(TriggerRegion{.latitude = -90, .longitude = 180, .radius = 0.1}), "");
-  EXPECT_EQ(messages(TriggerRegion{.latitude = 90.5, .longitude = -181, .radius = 0, .notifyOnEntry = false}),
-            "latitude must be from -90 to 90, not 90.5; longitude must be from -180 to 180, not -181; "
-            "radius must be above 0, not 0; notifyOnEntry must be true where notifyOnExit is false; ");
+  EXPECT_EQ(
+      messages(TriggerRegion{.latitude = 90.5, .longitude = -181, .radius = 0, .notifyOnEntry = false}),
+      "latitude must be from -90 to 90, not 90.5; longitude must be from -180 to 180, not -181; "
+      "radius must be above 0 and at most 100000000, not 0; notifyOnEntry must be true where notifyOnExit is false; ");
   EXPECT_EQ(messages(Trigger{.type = TriggerType::durationAfterStart, .duration = 0}), "");
-  // What the type does not use is not looked at.
-  EXPECT_EQ(messages(Trigger{.type = TriggerType::timeOfDay, .timeOfDay = qz::HHMMSS::midnight, .duration = -1}), "");
+  // What the type does not use is kept and written, too.
+  EXPECT_EQ(messages(Trigger{.type = TriggerType::timeOfDay, .timeOfDay = qz::HHMMSS::midnight, .duration = -1}),
+            "duration must be from 0 to 1000000000, not -1; ");
 
   TaskNotificationSettings settings{.badgeTo = qz::HHMMSS::midday, .maxReminders = -1};
   settings.reminders.push_back({.uniqueId = someID,
                                 .trigger = {.type = TriggerType::durationBeforeFinish, .duration = -1},
                                 .daysOfWeek = {},
+                                .dayIndexesFromStart = std::set<std::int64_t>{0, 367},
                                 .dayIndexesFromFinish = std::set<std::int64_t>{-2, 4},
-                                .snoozeTime = qz::HHMMSS::midday});
+                                .snoozeDate = qz::YYYYMMDD(2023, 2, 29)});
   EXPECT_EQ(messages(settings),
-            "badgeFrom must be given; maxReminders must be 0 or more, not -1; duration must be 0 or more, not -1; "
-            "daysOfWeek must hold at least one day; dayIndexesFromFinish must hold numbers from 0 on, not -2; "
-            "snoozeDate must be given; ");
+            "badgeFrom must be given; maxReminders must be from 0 to 2147483647, not -1; "
+            "duration must be from 0 to 1000000000, not -1; daysOfWeek must hold at least one day; "
+            "dayIndexesFromStart must hold numbers from 0 to 366, not 367; "
+            "dayIndexesFromFinish must hold numbers from 0 to 366, not -2; "
+            "snoozeTime must be given; snoozeDate must be a day of the calendar; ");
   EXPECT_EQ(problems(settings).front().reminder, std::nullopt);
   EXPECT_EQ(problems(settings).back().reminder, someID);
 }
@@ -271,8 +330,9 @@ TEST(NotificationDefaults, FollowTheKindOfTask) {
 
   const TaskNotificationSettings meditation = of(Type::meditation());
   for (const auto& row : RawValueTable<SoundType>::rows) {
-    const bool isCompletion = row.value == SoundType::taskComplete || row.value == SoundType::taskMissed;
-    EXPECT_EQ(meditation.sound(row.value), isCompletion ? SoundEffect::softBell : SoundEffect::silent) << row.name;
+    const bool isOver = row.value == SoundType::taskComplete || row.value == SoundType::taskMissed ||
+                        row.value == SoundType::timerNotification;
+    EXPECT_EQ(meditation.sound(row.value), isOver ? SoundEffect::softBell : SoundEffect::silent) << row.name;
     EXPECT_EQ(TaskNotificationSettings().sound(row.value), defaultSound(row.value)) << row.name;
   }
   for (const auto& sensitive :

@@ -5,10 +5,10 @@
 #include <QZDateTime/HHMMSS.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/UniqueID.h>
+#include <QZKit/UTF8.h>
 
 #include <array>
 #include <charconv>
-#include <concepts>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -33,10 +33,9 @@ inline void decodeField(const nlohmann::json& json, const char* key, qz::UniqueI
 inline void decodeField(const nlohmann::json& json, const char* key, qz::DaysOfWeek& field) {
   field = {};
   for (const nlohmann::json& element : qz::coded_form::list(json, key)) {
-    const auto number = qz::coded_form::wholeNumber(element);
-    const auto day = number ? qz::DayOfWeek::fromRawValue(*number) : std::nullopt;
-    if (!day) refuseMember(key, element);
-    field.insert(*day);
+    qz::DayOfWeek day = qz::DayOfWeek::sunday;
+    namingMember(key, element, [&day](const nlohmann::json& value) { value.get_to(day); });
+    field.insert(day);
   }
 }
 
@@ -61,19 +60,26 @@ void decodeField(const nlohmann::json& json, const char* key, T& field) {
   field = decodeMember<T>(json, key);
 }
 
+/// Where it is there it is read as what must be there; only a choice may be one that a later version has added.
 template <typename T>
 void decodeField(const nlohmann::json& json, const char* key, std::optional<T>& field) {
-  if constexpr (std::same_as<T, std::set<std::int64_t>>) {
-    field = std::nullopt;
-    if (qz::coded_form::memberIfAny(json, key) != nullptr) decodeField(json, key, field.emplace());
-  } else {
-    field = decodeMemberIfAny<T>(json, key);
-  }
+  field = std::nullopt;
+  if (qz::coded_form::memberIfAny(json, key) != nullptr) decodeField(json, key, field.emplace());
+}
+template <RawValued E>
+void decodeField(const nlohmann::json& json, const char* key, std::optional<E>& field) {
+  field = decodeMemberIfAny<E>(json, key);
 }
 
 template <typename Record>
 void decodeFields(const nlohmann::json& json, Record& record) {
   visitFields(record, [&json](const char* name, auto& field) { decodeField(json, name, field); });
+}
+
+/// Refuses a number that was read under `key` and lies outside of two bounds.
+template <typename Number>
+void refuseOutside(const char* key, Number value, Number least, Number most) {
+  if (value < least || value > most) refuseMember(key, value);
 }
 
 // Coding.
@@ -101,10 +107,20 @@ template <typename Record>
 
 [[nodiscard]] inline std::string describe(bool value) { return value ? "true" : "false"; }
 [[nodiscard]] inline std::string describe(std::int64_t value) { return std::to_string(value); }
-[[nodiscard]] inline std::string describe(const std::string& value) { return value; }
 [[nodiscard]] inline std::string describe(const qz::UniqueID& value) { return value.text(); }
 [[nodiscard]] inline std::string describe(const qz::HHMMSS& value) { return value.debugDescription(); }
 [[nodiscard]] inline std::string describe(const qz::YYYYMMDD& value) { return std::to_string(value.intValue()); }
+
+/// Whatever a person wrote, in one line and in double quotes: those within, and backslashes, follow a backslash, so
+/// that no text can pass for further fields.
+[[nodiscard]] inline std::string describe(const std::string& value) {
+  std::string text;
+  for (const char c : value) {
+    if (c == '"' || c == '\\') text += '\\';
+    text += c;
+  }
+  return "\"" + qz::utf8::printable(text, std::string::npos) + "\"";
+}
 
 /// With as few digits as tell it from every other number: "300", "0.5".
 [[nodiscard]] inline std::string describe(double value) {

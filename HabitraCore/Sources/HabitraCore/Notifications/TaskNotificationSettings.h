@@ -61,16 +61,20 @@ namespace habitra {
 /// How the system may draw attention to a task. An absent choice is not "no": it means that the default applies.
 struct TaskNotificationSettings {
   static constexpr std::int64_t defaultMaxReminders = 3;
+  /// As high as 32 bits count.
+  static constexpr std::int64_t greatestMaxReminders = 2'147'483'647;
 
   BadgeMode badgeMode = BadgeMode::includeWhenIncomplete;
   /// The hours of the day in which it counts, the last moment excluded; from an evening to a morning they go past
-  /// midnight. Without either: all day.
+  /// midnight. Both are there or neither is, and with neither it counts all day, as it does from a time to the same
+  /// time. With one alone, which NotificationValidation.h complains of, it counts all day, too.
   std::optional<qz::HHMMSS> badgeFrom;
   std::optional<qz::HHMMSS> badgeTo;
+  /// Whose clock they are read in; none: the viewer's.
   std::optional<NotificationTimeZone> badgeTimeZone;
   ReminderType reminderType = ReminderType::none;
   /// The most automatic reminders that a task sends on one day, however long it stays undone; reminders of the task's
-  /// own are not counted. 0 is none.
+  /// own are not counted. 0 is none; up to greatestMaxReminders.
   std::int64_t maxReminders = defaultMaxReminders;
   bool completedNotification = false;
   std::optional<bool> partiallyCompletedNotification;
@@ -97,8 +101,8 @@ struct TaskNotificationSettings {
 
 /// Coded under the names of the fields; an absent field is an absent key.
 void to_json(nlohmann::json& json, const TaskNotificationSettings& settings);
-/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, or an unknown badgeMode or
-/// reminderType; an unknown text of an optional choice is no choice.
+/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown badgeMode or
+/// reminderType, or maxReminders out of its range; an unknown text of an optional choice is no choice.
 void from_json(const nlohmann::json& json, TaskNotificationSettings& settings);
 
 }  // namespace habitra

@@ -29,13 +29,17 @@ struct TaskReminder {
     durationBeforeFinish  ///< of the same: before its target is reached
   };
 
-  /// What sets a reminder off. Each type needs one of the other fields (neededField); the rest is kept as it is, so
-  /// that a person who changes the type and changes it back loses nothing.
+  /// What sets a reminder off. Each type needs one of the other fields (neededField). One without it can be held and
+  /// read, and never goes off; NotificationValidation.h complains of it. The rest is kept as it is, so that a person
+  /// who changes the type and changes it back loses nothing.
   struct Trigger {
+    /// Seconds: some 30 years, beyond any timer.
+    static constexpr double longestDuration = 1'000'000'000;
+
     TriggerType type = TriggerType::timeOfDay;
     std::optional<qz::HHMMSS> timeOfDay;
     std::optional<TriggerRegion> region;
-    std::optional<double> duration;  ///< seconds
+    std::optional<double> duration;  ///< seconds, 0 to longestDuration
 
     /// Whether the field that the type needs is there.
     [[nodiscard]] bool isComplete() const;
@@ -46,18 +50,22 @@ struct TaskReminder {
     friend bool operator==(const Trigger&, const Trigger&) = default;
   };
 
+  /// As many as the longest period, a leap year, has days.
+  static constexpr std::int64_t greatestDayIndex = 366;
+
   qz::UniqueID uniqueId;
+  /// Whose clock the trigger's time of day and the weekdays are read in; none: the viewer's.
   std::optional<NotificationTimeZone> timeZone;
   Trigger trigger;
   qz::DaysOfWeek daysOfWeek = qz::DayOfWeek::every();  ///< the weekdays on which it applies
 
   /// For a task measured over more than a day: the days of the period on which it applies, counted from the first, and
-  /// counted back from the last. 0 is the first day itself, or the last. Where both are there either one will do, and
-  /// where neither is every day will.
+  /// counted back from the last: 0, the first day itself or the last, to greatestDayIndex. Where both are there either
+  /// one will do, and where neither is every day will.
   std::optional<std::set<std::int64_t>> dayIndexesFromStart;
   std::optional<std::set<std::int64_t>> dayIndexesFromFinish;
 
-  /// This one time it waits until that time of that day.
+  /// This one time it waits until that time of that day, by the clock of snoozeTimeZone; none: the viewer's.
   std::optional<qz::HHMMSS> snoozeTime;
   std::optional<qz::YYYYMMDD> snoozeDate;
   std::optional<NotificationTimeZone> snoozeTimeZone;
@@ -78,14 +86,15 @@ struct TaskReminder {
 /// Coded under the names of the fields; an absent field is an absent key. Weekdays and day indexes are lists in
 /// ascending order.
 void to_json(nlohmann::json& json, const TaskReminder::Trigger& trigger);
-/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, or an unknown type; the field that the
-/// type needs must be there.
+/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown type, or a duration out of
+/// its range. Only the type must be there.
 void from_json(const nlohmann::json& json, TaskReminder::Trigger& trigger);
 
 }  // namespace habitra
 
 /// The same for a reminder. Its identifier is read from any text that qz::UniqueID::fromText reads; a snoozeDate must
-/// be a day that the calendar has. The form for a type without a default: no reminder is without its identifier.
+/// be a day that the calendar has, weekdays and day indexes numbers in their range. The form for a type without a
+/// default: no reminder is without its identifier.
 template <>
 struct nlohmann::adl_serializer<habitra::TaskReminder> {
   static void to_json(json& json, const habitra::TaskReminder& reminder);

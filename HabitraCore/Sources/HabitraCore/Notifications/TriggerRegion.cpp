@@ -8,7 +8,7 @@ namespace habitra {
 
 template <typename Region, typename Visit>
 requires std::same_as<std::remove_const_t<Region>, TriggerRegion>
-void visitFields(Region& region, Visit&& visit) {
+static void visitFields(Region& region, Visit&& visit) {
   visit("type", region.type);
   visit("title", region.title);
   visit("latitude", region.latitude);
@@ -23,6 +23,9 @@ std::string TriggerRegion::debugDescription() const { return describeFields(*thi
 
 void to_json(nlohmann::json& json, const TriggerRegion& region) { json = encodeFields(region); }
 
-void from_json(const nlohmann::json& json, TriggerRegion& region) { decodeFields(json, region); }
+void from_json(const nlohmann::json& json, TriggerRegion& region) {
+  decodeFields(json, region);
+  refuseOutside("radius", region.radius, 0.0, TriggerRegion::longestRadius);
+}
 
 }  // namespace habitra
