@@ -39,17 +39,17 @@ std::string digits(double magnitude, std::int64_t decimals) {
   return text;
 }
 
-std::string formattedNumber(const NumberTexts& texts, double number, std::int64_t decimals) {
-  const std::string plain = digits(std::abs(number), decimals);
+/// A number of which `plain` is the magnitude, in the signs of a language.
+std::string formattedNumber(const NumberTexts& texts, bool isNegative, std::string_view plain) {
   const std::size_t wholeDigits = std::min(plain.find_first_not_of("0123456789"), plain.size());
-  std::string text(number < 0 && plain != "0" ? texts.minus : "");
+  std::string text(isNegative && plain != "0" ? texts.minus : "");
   for (std::size_t i = 0; i < wholeDigits; ++i) {
     if (i > 0 && (wholeDigits - i) % digitsPerGroup == 0) text += texts.groupSeparator;
     text += plain[i];
   }
   if (wholeDigits == plain.size()) return text;
-  if (plain[wholeDigits] != '.') return text + plain.substr(wholeDigits);
-  return text.append(texts.decimalPoint).append(plain, wholeDigits + 1);
+  if (plain[wholeDigits] != '.') return text.append(plain.substr(wholeDigits));
+  return text.append(texts.decimalPoint).append(plain.substr(wholeDigits + 1));
 }
 
 std::string twoDigits(std::int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); }
@@ -71,8 +71,8 @@ std::string formattedTimeOfDay(const NumberTexts& texts, double secondsSinceMidn
 
 std::string formattedQuantityNumber(const TitleTexts& texts, double quantity, TypeUnit unit) {
   qz::require(std::isfinite(quantity), "an amount to be shown is finite");
-  return unit == TypeUnit::timeOfDay ? formattedTimeOfDay(texts.numbers, quantity)
-                                     : formattedNumber(texts.numbers, quantity, unit.decimals());
+  if (unit == TypeUnit::timeOfDay) return formattedTimeOfDay(texts.numbers, quantity);
+  return formattedNumber(texts.numbers, quantity < 0, digits(std::abs(quantity), unit.decimals()));
 }
 
 std::string formattedQuantity(const TitleTexts& texts, double quantity, TypeUnit unit, const CountTexts& amountTexts) {
@@ -85,7 +85,8 @@ std::string formattedQuantity(const TitleTexts& texts, double quantity, TypeUnit
 }
 
 std::string formattedCount(const TitleTexts& texts, std::int64_t count) {
-  return formattedNumber(texts.numbers, static_cast<double>(count), 0);
+  const std::string plain = std::to_string(count);
+  return formattedNumber(texts.numbers, count < 0, std::string_view(plain).substr(count < 0 ? 1 : 0));
 }
 
 std::string formattedQuantityNumber(double quantity, TypeUnit unit) {
