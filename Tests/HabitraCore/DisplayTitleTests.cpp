@@ -63,15 +63,44 @@ TEST(DisplayTitle, SaysWhatToDo) {
 
 TEST(DisplayTitle, SaysWhatToAvoid) {
   EXPECT_EQ(toAvoid({H::dietaryCaffeine, 200, U::milligrams}), "Under 200 mg caffeine");
-  EXPECT_EQ(toAvoid({H::dietaryCaffeine, 200, U::milligrams}, 4), "Under 200 mg caffeine in 4 parts");
-  EXPECT_EQ(toAvoid({H::alcoholConsumption, 1, U::drinks}), "No alcohol");
+  EXPECT_EQ(toAvoid({H::dietaryCaffeine, 200, U::milligrams}, 4), "Under 200 mg caffeine");
   EXPECT_EQ(toAvoid({H::alcoholConsumption, 3, U::drinks}, 3), "Under 3 alcoholic drinks");
   EXPECT_EQ(toAvoid({H::runOrWalk, 5, U::distanceKm, {S::run}}), "Run under 5 km");
   EXPECT_EQ(toAvoid({H::energyDeficit, 500, U::calories, {S::lessThan}}), "Energy deficit over 500 kcal");
   EXPECT_EQ(toAvoid({H::highHeartRateEvent, {}, {}}), "No high heart rate alerts");
-  EXPECT_EQ(toAvoid({H::highHeartRateEvent, {}, {}}, 3), "Under 3 high heart rate alerts");
-  EXPECT_EQ(toAvoid({H::handwashingEvent, {}, {}}, 6), "Wash your hands less than 6 times");
+  EXPECT_EQ(toAvoid({H::highHeartRateEvent, {}, {}}, 3), "Fewer than 3 high heart rate alerts");
+  EXPECT_EQ(toAvoid({H::handwashingEvent, {}, {}}, 6), "Wash your hands fewer than 6 times");
+  EXPECT_EQ(toAvoid({H::recordInhaler, {}, {}}, 2), "Use your inhaler fewer than 2 times");
   EXPECT_EQ(toAvoid({H::recordInhaler, {}, {}}), "Do not use your inhaler");
+}
+
+TEST(DisplayTitle, SaysNoneWhereAnyAtAllFails) {
+  EXPECT_EQ(toAvoid({H::alcoholConsumption, 1, U::drinks}), "No alcohol");
+  EXPECT_EQ(toAvoid({H::alcoholConsumption, 1, U::drinks}, 3), "No alcohol");
+  EXPECT_EQ(toAvoid({H::alcoholConsumption, 2, U::drinks}), "Under 2 alcoholic drinks");
+  EXPECT_EQ(toAvoid({H::dietaryDrinkWater, 0, U::litres}), "No water");
+  EXPECT_EQ(toAvoid({H::dietaryDrinkWater, 1, U::litres}), "Under 1 litre of water");
+  EXPECT_EQ(toAvoid({H::dietarySugar, -1, U::grams}, 3), "No sugar");
+  EXPECT_EQ(toDo({H::dietarySugar, 0, U::grams}), "Get 0 g of sugar");
+  EXPECT_EQ(toAvoid({H::bedtime, 0, U::timeOfDay, {S::inBedAfter}}), "Do not go to bed after 00:00");
+  // To stay out of "0 at most" takes more than 0.
+  EXPECT_EQ(toAvoid({H::energyDeficit, 0, U::calories, {S::lessThan}}), "Energy deficit over 0 kcal");
+}
+
+TEST(DisplayTitle, SpeaksOfPartsOnlyWhereThereAreAny) {
+  EXPECT_EQ(toDo({H::bedtime, 0, U::timeOfDay}, 3), "Go to bed at 00:00");
+  EXPECT_EQ(toDo({H::alcoholConsumption, 7, U::drinks}, 7), "Have 7 alcoholic drinks");
+  EXPECT_EQ(toDo({H::standHours, 12, U::durationHours}, 3), "Get 12 stand hours");
+  EXPECT_EQ(toAvoid({H::toothbrushingEventBrush, 4, U::durationMinutes}, 2), "Brush your teeth for under 4 minutes");
+}
+
+TEST(DisplayTitle, ShortDurationsAreInAFinerUnit) {
+  EXPECT_EQ(toDo({H::workout, 0.5, U::durationHours}), "Work out for 30 minutes");
+  EXPECT_EQ(toDo({H::workout, 0.5, U::durationMinutes}), "Work out for 30 seconds");
+  EXPECT_EQ(toDo({H::workout, 0.01, U::durationHours}), "Work out for 36 seconds");
+  EXPECT_EQ(toDo({H::sleep, 7.5, U::durationHours}), "Sleep 7.5 hours");
+  EXPECT_EQ(toDo({H::workout, 0, U::durationHours}), "Work out for 0 hours");
+  EXPECT_EQ(toDo({H::standHours, 0.5, U::durationHours}), "Get 0.5 stand hours");
 }
 
 TEST(DisplayTitle, NamesSleepByWhatIsChosen) {
@@ -82,6 +111,7 @@ TEST(DisplayTitle, NamesSleepByWhatIsChosen) {
   EXPECT_EQ(toDo(sleep({S::sleepREM, S::sleepDeep})), "Get 2 hours of deep and REM sleep");
   EXPECT_EQ(toDo(sleep({S::sleepREM, S::sleepDeep, S::sleepCore})), "Get 2 hours of core, deep and REM sleep");
   EXPECT_EQ(toAvoid(sleep({S::sleepCore})), "Under 2 hours of core sleep");
+  EXPECT_EQ(toAvoid({H::sleep, 0, U::durationHours, {S::sleepREM, S::sleepDeep}}), "No deep and REM sleep");
 
   const auto bedtime = [](double hour, S speed) { return Target{H::bedtime, hour * 3'600, U::timeOfDay, {speed}}; };
   EXPECT_EQ(toDo(bedtime(22.5, S::asleepBefore)), "Be asleep before 22:30");
@@ -99,9 +129,10 @@ TEST(DisplayTitle, TimersAndScreenTimeAreTargetsToo) {
   EXPECT_EQ(text(F::timer, 10, U::durationMinutes, false, 1), "10 minutes");
   EXPECT_EQ(text(F::timer, 30, U::durationMinutes, false, 3), "3 × 10 minutes");
   EXPECT_EQ(text(F::timer, 10, U::durationMinutes, false, 3), "3 × 200 seconds");  // not 3.3 minutes
-  EXPECT_EQ(text(F::timer, 1, U::durationHours, true, 2), "Under 2 × 30 minutes");
+  EXPECT_EQ(text(F::timer, 1, U::durationHours, true, 2), "Under 1 hour");
   EXPECT_EQ(text(F::timer, 1e308, U::durationHours, false, 2), "2 × 5e+307 hours");
   EXPECT_EQ(text(F::screenTime, 30, U::durationMinutes, true, 1), "Under 30 minutes of screen time");
+  EXPECT_EQ(text(F::screenTime, 0, U::durationMinutes, true, 1), "No screen time");
   EXPECT_EQ(text(F::screenTime, 30, U::durationMinutes, false, 1), "Spend 30 minutes on the chosen apps");
 }
 
@@ -110,6 +141,8 @@ TEST(DisplayTitle, AmountsThatATypeShouldNotHaveAreSaidAllTheSame) {
   EXPECT_EQ(toDo({H::recordWeight, 70, U::grams}), "Record your weight (70 g)");
   EXPECT_EQ(toDo({H::bedtime, 8, U::durationHours, {S::asleepBefore}}), "Go to bed on time (8 hours)");
   EXPECT_EQ(toAvoid({H::dietaryDrinkWater, 5, U::distanceKm}), "Drink water (under 5 km)");
+  EXPECT_EQ(toDo({H::standHours, 120, U::durationMinutes}), "Stand up (120 minutes)");
+  EXPECT_EQ(toAvoid({H::rollHours, 120, U::durationMinutes}), "Roll in your wheelchair (under 120 minutes)");
   EXPECT_EQ(toDo({H::handwashingEvent, 2, U::durationMinutes}), "Wash your hands for 2 minutes");
   EXPECT_EQ(toDo({H::cycle, {}, U::distanceKm}), "Cycle");
   EXPECT_EQ(toAvoid({H::dietarySugar, 5, {}}), "No sugar");
@@ -144,6 +177,9 @@ TEST(DisplayTitle, EveryTypeHasATitleForEachOfItsUnits) {
           const std::string kept = title.title()->title;
           const std::size_t place = kept.find("{quantity}");
           EXPECT_EQ(place != std::string::npos, unit.has_value()) << kept;
+          DisplayTitleOptions again = options;
+          again.customText = kept;
+          EXPECT_EQ(type.displayTitleForQuantity(quantity, unit, speeds, again), title) << kept;
           if (!unit) continue;
           EXPECT_NE(title.text().find(formattedQuantityNumber(3.0, *unit)), std::string::npos) << title.text();
           EXPECT_EQ(kept.find('('), std::string::npos) << kept;
@@ -178,12 +214,19 @@ TEST(DisplayTitle, ATasksOwnWordsHoldTheAmountOrStandBesideIt) {
   EXPECT_EQ(custom(water, "Hydrate"), Type::separate("2 litres"));
   EXPECT_EQ(custom(water, "Hydrate", false, 8), Type::separate("2 litres in 8 parts"));
   EXPECT_EQ(custom({H::dietaryCaffeine, 200, U::milligrams}, "Calm", true), Type::separate("Under 200 mg"));
-  EXPECT_EQ(custom({H::alcoholConsumption, 1, U::drinks}, "Dry", true), Type::separate("Under 1 drink"));
+  EXPECT_EQ(custom({H::alcoholConsumption, 1, U::drinks}, "Dry", true), Type::separate("No alcohol"));
+  EXPECT_EQ(custom({H::alcoholConsumption, 7, U::drinks}, "Wine", false, 7), Type::separate("7 alcoholic drinks"));
+  EXPECT_EQ(custom({H::alcoholConsumption, 7, U::drinks}, "Max {quantity}").text(), "Max 7 alcoholic drinks");
+  EXPECT_EQ(custom({H::standHours, 12, U::durationHours}, "Up"), Type::separate("12 stand hours"));
+  EXPECT_EQ(custom({H::workout, 0.5, U::durationHours}, "Gym, {quantity}").text(), "Gym, 30 minutes");
   EXPECT_EQ(custom({H::bedtime, 81'000, U::timeOfDay, {S::inBedBefore}}, "Early"), Type::separate("Before 22:30"));
   EXPECT_EQ(custom({H::energyDeficit, 9, U::calories, {S::lessThan}}, "Slow"), Type::separate("At most 9 kcal"));
   EXPECT_EQ(custom(weight, "Scales"), Type::separate(""));
   EXPECT_EQ(custom(weight, "Scales", false, 3), Type::separate("3 times"));
-  EXPECT_EQ(custom(weight, "").text(), "Record your weight");
+  for (const char* words : {"", " \n", "{quantity}", "{quantity} {quantity}", "Record your weight"}) {
+    EXPECT_EQ(custom(weight, words), Type::integrated({"Record your weight", "Record your weight"})) << words;
+  }
+  EXPECT_EQ(custom(weight, "Record\nyour weight\n3 times", false, 3).kind(), Type::Kind::integrated);
 }
 
 TEST(DisplayTitle, NumbersAreWrittenAsTheyAreRead) {
@@ -200,6 +243,10 @@ TEST(DisplayTitle, NumbersAreWrittenAsTheyAreRead) {
   EXPECT_EQ(formattedQuantityNumber(86'399, U::timeOfDay), "00:00");
   EXPECT_EQ(formattedQuantityNumber(-3'600, U::timeOfDay), "23:00");
   EXPECT_EQ(formattedQuantityNumber(1e300, U::timeOfDay).size(), 5U);
+  constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+  EXPECT_EQ(formattedCount(englishTitles, least), "-9,223,372,036,854,775,808");
+  EXPECT_EQ(formattedCount(englishTitles, 9'007'199'254'740'993), "9,007,199,254,740,993");
+  EXPECT_EQ(formattedCount(englishTitles, 0), "0");
   EXPECT_DEATH(static_cast<void>(formattedQuantity(std::numeric_limits<double>::quiet_NaN(), U::grams)), "finite");
 }
 
@@ -208,7 +255,8 @@ TEST(DisplayTitle, AnotherLanguageIsAnotherTable) {
   const TitleRow titles[] = {{.form = TitleForm::cycle,
                               .amount = {.given = true, .dimension = U::Dimension::distance},
                               .toDo = "{quantity}|Rad fahren",
-                              .toAvoid = "Weniger als {quantity}|Rad fahren"}};
+                              .toAvoid = "Weniger als {quantity}|Rad fahren"},
+                             {.amount = {.given = true}, .toDo = "{quantity}", .toAvoid = "Unter {quantity}"}};
   const TitleRow bedtimes[] = {{.amount = {.given = true}, .toDo = "Um {quantity}", .toAvoid = "Nicht um {quantity}"}};
   TitleTexts german = englishTitles;
   german.titles = titles;

@@ -48,12 +48,15 @@ class HealthType::DisplayTitleType {
 };
 
 struct DisplayTitleOptions {
-  /// The task's own words; none or empty for ours. Where they hold "{quantity}" the amount is put there and the title
-  /// is integrated; where they do not, the target is a text of its own, to be shown apart from them.
+  /// The task's own words; none for ours. Where they hold "{quantity}" the amount is put there and the title is
+  /// integrated; where they do not, the target is a text of its own, to be shown apart from them. A title of ours that
+  /// was kept reads as it did, and words that come to nothing but blanks are none.
   std::optional<std::string> customText;
   bool isNegative = false;  ///< a task to avoid, which fails when the amount is reached: "Under 200 mg caffeine"
   bool lineBreaks = false;  ///< a line feed in place of a blank where one of our titles has a natural break
-  std::int64_t numPartialCompletions = 1;  ///< how many completions the target is split into; below 1 counts as 1
+  /// How many completions the target is split into; below 1 counts as 1. Makes no difference to a time of day, to what
+  /// is done one by one (drinks, stand hours) and to an amount to avoid.
+  std::int64_t numPartialCompletions = 1;
 };
 
 /// An amount as it is read, with as many decimals as its unit shows and none that are 0: "10,000", "1.5", and "22:30"

@@ -1,3 +1,4 @@
+#include <HabitraCore/AutomaticTaskType/EnglishWords.h>
 #include <HabitraCore/AutomaticTaskType/TitleTexts.h>
 
 namespace habitra {
@@ -18,6 +19,7 @@ constexpr AmountCondition drinks{.given = true, .dimension = D::drinks};
 constexpr AmountCondition volume{.given = true, .dimension = D::volume};
 constexpr AmountCondition energy{.given = true, .dimension = D::energy};
 constexpr AmountCondition duration{.given = true, .dimension = D::duration};
+constexpr AmountCondition hours{.given = true, .unit = U::durationHours};
 constexpr AmountCondition flights{.given = true, .dimension = D::flights};
 constexpr AmountCondition mass{.given = true, .dimension = D::mass};
 constexpr AmountCondition timeOfDay{.given = true, .dimension = D::timeOfDay};
@@ -51,6 +53,9 @@ constexpr TitleRow titles[] = {
      .toDo = "Get {quantity}|of {speeds} sleep",
      .toAvoid = "Under {quantity}|of {speeds} sleep"},
     {.form = F::sleep, .amount = duration, .toDo = "Sleep {quantity}", .toAvoid = "Sleep under {quantity}"},
+    {.form = F::sleep, .allOf = {S::inBed}, .toDo = "Spend time in bed", .toAvoid = "Do not stay in bed"},
+    {.form = F::sleep, .allOf = {S::sleepAsleep}, .toDo = "Sleep", .toAvoid = "Do not sleep"},
+    {.form = F::sleep, .oneOf = sleepStages, .toDo = "Get {speeds} sleep", .toAvoid = "No {speeds} sleep"},
     {.form = F::sleep, .toDo = "Sleep", .toAvoid = "Do not sleep"},
     {.form = F::inBed, .amount = duration, .toDo = "Spend {quantity}|in bed", .toAvoid = "Under {quantity}|in bed"},
     {.form = F::inBed, .toDo = "Spend time in bed", .toAvoid = "Do not stay in bed"},
@@ -102,7 +107,7 @@ constexpr TitleRow titles[] = {
     {.form = F::bedtime, .toDo = "Go to bed on time", .toAvoid = "Do not go to bed on time"},
 
     {.form = F::standHours,
-     .amount = duration,
+     .amount = hours,
      .toDo = "Get {quantity}",
      .toAvoid = "Under {quantity}",
      .amountTexts = standHours},
@@ -113,7 +118,7 @@ constexpr TitleRow titles[] = {
      .toAvoid = "Stand for under {quantity}"},
     {.form = F::standMinutes, .toDo = "Stand", .toAvoid = "Do not stand"},
     {.form = F::rollHours,
-     .amount = duration,
+     .amount = hours,
      .toDo = "Get {quantity}",
      .toAvoid = "Under {quantity}",
      .amountTexts = rollHours},
@@ -236,12 +241,12 @@ constexpr TitleRow titles[] = {
      .type = H::recordSexualActivity,
      .toDo = "Record {noun}",
      .toAvoid = "No {noun}",
-     .toAvoidInParts = "Sexual activity|less than {times}"},
+     .toAvoidInParts = "Sexual activity|fewer than {count} times"},
     {.form = F::record,
      .type = H::recordInhaler,
      .toDo = "Record {noun}",
      .toAvoid = "Do not use your inhaler",
-     .toAvoidInParts = "Use your inhaler|less than {times}"},
+     .toAvoidInParts = "Use your inhaler|fewer than {count} times"},
     {.form = F::record, .toDo = "Record {noun}", .toAvoid = "Do not record {noun}"},
 
     {.form = F::brush,
@@ -254,20 +259,17 @@ constexpr TitleRow titles[] = {
      .toDo = "At least 1 {noun}",
      .toDoInParts = "At least {count}|{nouns}",
      .toAvoid = "No {nouns}",
-     .toAvoidInParts = "Under {count}|{nouns}"},
+     .toAvoidInParts = "Fewer than {count}|{nouns}"},
     {.form = F::handwashing,
      .amount = duration,
      .toDo = "Wash your hands|for {quantity}",
      .toAvoid = "Wash your hands|for under {quantity}"},
     {.form = F::handwashing, .toDo = "Wash your hands", .toAvoid = "Do not wash your hands"},
 
-    // Every drink is one completion, so the number of drinks says it all.
     {.form = F::alcohol,
      .amount = drinks,
      .toDo = "Have {quantity}",
-     .toDoInParts = "Have {quantity}",
      .toAvoid = "Under {quantity}",
-     .toAvoidInParts = "Under {quantity}",
      .amountTexts = alcoholicDrinks},
     {.form = F::alcohol, .toDo = "Drink alcohol", .toAvoid = "No alcohol"},
 
@@ -275,8 +277,7 @@ constexpr TitleRow titles[] = {
      .amount = duration,
      .toDo = "{quantity}",
      .toDoInParts = "{count} × {part}",
-     .toAvoid = "Under {quantity}",
-     .toAvoidInParts = "Under {count} × {part}"},
+     .toAvoid = "Under {quantity}"},
     {.form = F::timer, .toDo = "Run the timer", .toAvoid = "Do not run the timer"},
     {.form = F::screenTime,
      .amount = duration,
@@ -292,103 +293,14 @@ constexpr TitleRow targets[] = {
      .amount = duration,
      .toDo = "{quantity}",
      .toDoInParts = "{count} × {part}",
-     .toAvoid = "Under {quantity}",
-     .toAvoidInParts = "Under {count} × {part}"},
+     .toAvoid = "Under {quantity}"},
     {.amount = timeOfDay, .oneOf = beforeTimes, .toDo = "Before {quantity}", .toAvoid = "Not before {quantity}"},
     {.amount = timeOfDay, .oneOf = afterTimes, .toDo = "After {quantity}", .toAvoid = "Not after {quantity}"},
     {.amount = timeOfDay, .toDo = "{quantity}", .toAvoid = "Not {quantity}"},
     {.amount = anyAmount, .allOf = {S::greaterThan}, .toDo = "At least {quantity}", .toAvoid = "Under {quantity}"},
     {.amount = anyAmount, .allOf = {S::lessThan}, .toDo = "At most {quantity}", .toAvoid = "Over {quantity}"},
     {.amount = anyAmount, .toDo = "{quantity}", .toAvoid = "Under {quantity}"},
-    {.toDo = "", .toDoInParts = "{count} times", .toAvoid = "", .toAvoidInParts = "Under {count} times"},
-};
-
-constexpr UnitTexts units[] = {
-    {U::distanceKm, {"{number} km", "{number} km"}},
-    {U::distanceMeters, {"{number} m", "{number} m"}},
-    {U::distanceMiles, {"{number} mile", "{number} miles"}},
-    {U::distanceYards, {"{number} yard", "{number} yards"}},
-    {U::steps, {"{number} step", "{number} steps"}},
-    {U::pushes, {"{number} push", "{number} pushes"}},
-    {U::drinks, {"{number} drink", "{number} drinks"}},
-    {U::fluidOuncesUS, {"{number} fl oz", "{number} fl oz"}},
-    {U::litres, {"{number} litre", "{number} litres"}},
-    {U::millilitres, {"{number} ml", "{number} ml"}},
-    {U::cupsUS, {"{number} cup", "{number} cups"}},
-    {U::calories, {"{number} kcal", "{number} kcal"}},
-    {U::kilojoules, {"{number} kJ", "{number} kJ"}},
-    {U::durationSeconds, {"{number} second", "{number} seconds"}},
-    {U::durationMinutes, {"{number} minute", "{number} minutes"}},
-    {U::durationHours, {"{number} hour", "{number} hours"}},
-    {U::flights, {"{number} flight", "{number} flights"}},
-    {U::milligrams, {"{number} mg", "{number} mg"}},
-    {U::micrograms, {"{number} mcg", "{number} mcg"}},
-    {U::grams, {"{number} g", "{number} g"}},
-    {U::timeOfDay, {"{number}", "{number}"}},
-};
-
-constexpr SpeedText speeds[] = {
-    {S::sleepCore, "core"},
-    {S::sleepDeep, "deep"},
-    {S::sleepREM, "REM"},
-};
-
-// What is taken in, what is recorded, and what the store reports of the heart. Only the last are counted.
-constexpr NounTexts nouns[] = {
-    {H::dietarySugar, {"sugar", ""}},
-    {H::dietaryCaffeine, {"caffeine", ""}},
-    {H::dietaryProtein, {"protein", ""}},
-    {H::dietaryFiber, {"fibre", ""}},
-    {H::dietarySodium, {"sodium", ""}},
-    {H::dietaryCalcium, {"calcium", ""}},
-    {H::dietaryCarbohydrates, {"carbohydrates", ""}},
-    {H::dietaryCholesterol, {"cholesterol", ""}},
-    {H::dietaryIron, {"iron", ""}},
-    {H::dietaryMagnesium, {"magnesium", ""}},
-    {H::dietaryVitaminA, {"vitamin A", ""}},
-    {H::dietaryVitaminB6, {"vitamin B6", ""}},
-    {H::dietaryVitaminB12, {"vitamin B12", ""}},
-    {H::dietaryVitaminC, {"vitamin C", ""}},
-    {H::dietaryVitaminD, {"vitamin D", ""}},
-    {H::dietaryVitaminE, {"vitamin E", ""}},
-    {H::dietaryVitaminK, {"vitamin K", ""}},
-    {H::dietaryZinc, {"zinc", ""}},
-    {H::dietaryFolate, {"folate", ""}},
-    {H::dietaryPotassium, {"potassium", ""}},
-    {H::dietaryRiboflavin, {"riboflavin", ""}},
-    {H::dietaryThiamin, {"thiamin", ""}},
-    {H::dietarySelenium, {"selenium", ""}},
-    {H::dietaryFatTotal, {"fat", ""}},
-    {H::dietaryFatMonounsaturated, {"monounsaturated fat", ""}},
-    {H::dietaryFatPolyunsaturated, {"polyunsaturated fat", ""}},
-    {H::dietaryFatSaturated, {"saturated fat", ""}},
-    {H::dietaryPhosphorus, {"phosphorus", ""}},
-    {H::dietaryNiacin, {"niacin", ""}},
-    {H::dietaryManganese, {"manganese", ""}},
-    {H::dietaryIodine, {"iodine", ""}},
-    {H::dietaryCopper, {"copper", ""}},
-    {H::dietaryChromium, {"chromium", ""}},
-    {H::dietaryChloride, {"chloride", ""}},
-    {H::dietaryBiotin, {"biotin", ""}},
-    {H::dietaryMolybdenum, {"molybdenum", ""}},
-    {H::recordWeight, {"your weight", ""}},
-    {H::recordBloodPressure, {"your blood pressure", ""}},
-    {H::recordBloodGlucose, {"your blood glucose", ""}},
-    {H::recordHeartRate, {"your heart rate", ""}},
-    {H::recordWaistCircumference, {"your waist circumference", ""}},
-    {H::recordBodyTemperature, {"your body temperature", ""}},
-    {H::recordSexualActivity, {"sexual activity", ""}},
-    {H::recordBodyFatPercentage, {"your body fat percentage", ""}},
-    {H::recordAudiogram, {"an audiogram", ""}},
-    {H::recordElectroCardiogram, {"an ECG", ""}},
-    {H::recordPeakExpiratoryFlow, {"your peak expiratory flow", ""}},
-    {H::recordHeight, {"your height", ""}},
-    {H::recordInsulin, {"your insulin", ""}},
-    {H::recordInhaler, {"your inhaler use", ""}},
-    {H::recordOxygenSaturation, {"your oxygen saturation", ""}},
-    {H::irregularHeartRhythmEvent, {"irregular heart rhythm alert", "irregular heart rhythm alerts"}},
-    {H::lowHeartRateEvent, {"low heart rate alert", "low heart rate alerts"}},
-    {H::highHeartRateEvent, {"high heart rate alert", "high heart rate alerts"}},
+    {.toDo = "", .toDoInParts = "{count} times", .toAvoid = "", .toAvoidInParts = "Fewer than {count} times"},
 };
 
 }  // namespace
@@ -398,7 +310,7 @@ constinit const TitleTexts englishTitles{
     .targets = targets,
     .inParts = "{title}|in {count} parts",
     .times = "{title}|{times}",
-    .timesToAvoid = "{title}|less than {times}",
+    .timesToAvoid = "{title}|fewer than {count} times",
     .twice = "twice",
     .manyTimes = "{count} times",
     .listSeparator = ", ",
@@ -408,9 +320,9 @@ constinit const TitleTexts englishTitles{
                 .minus = "-",
                 .timeOfDay = "{hour24}:{minute}",
                 .halves = {"am", "pm"}},
-    .units = units,
-    .speeds = speeds,
-    .nouns = nouns,
+    .units = englishUnits,
+    .speeds = englishSpeeds,
+    .nouns = englishNouns,
 };
 
 }  // namespace habitra

@@ -14,15 +14,15 @@ namespace habitra {
 namespace {
 
 constexpr std::string_view quantityPlace = "{quantity}";
-
-void replaceAll(std::string& text, std::string_view what, std::string_view by) {
-  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
-    text.replace(at, what.size(), by);
-  }
-}
+constexpr std::string_view blanks = " \t\r\n";
 
 std::string withBreaks(std::string text, bool lineBreaks) {
   std::replace(text.begin(), text.end(), '|', lineBreaks ? '\n' : ' ');
+  return text;
+}
+
+std::string withBlanksForBreaks(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
   return text;
 }
 
@@ -37,6 +37,30 @@ struct Amount {
   TypeUnit unit;
 };
 
+/// Whether it is less than one of its unit.
+bool isFractionOfOne(const Amount& amount) { return amount.quantity != 0 && std::abs(amount.quantity) < 1; }
+
+/// Whether the decimals that its unit shows do not tell all of it.
+bool isShownRounded(const Amount& amount) {
+  constexpr double tolerance = 1e-9;
+  constexpr double tooGreatForDecimals = 1e15;
+  if (std::abs(amount.quantity) >= tooGreatForDecimals) return false;
+  const double scaled = amount.quantity * std::pow(10.0, static_cast<double>(amount.unit.decimals()));
+  return std::abs(scaled - std::round(scaled)) > tolerance * std::abs(scaled);
+}
+
+/// A duration in the first unit, from its own on to finer ones, in which it does not read badly; any other amount as it
+/// is.
+Amount inFinerUnitWhere(bool (*readsBadly)(const Amount&), const Amount& amount) {
+  if (!amount.unit.isDuration()) return amount;
+  constexpr std::array<TypeUnit, 3> coarsestFirst{TypeUnit::durationHours, TypeUnit::durationMinutes,
+                                                  TypeUnit::durationSeconds};
+  auto unit = std::find(coarsestFirst.begin(), coarsestFirst.end(), amount.unit);
+  const auto shown = [&] { return Amount{*amount.unit.convert(amount.quantity, *unit), *unit}; };
+  while (*unit != TypeUnit::durationSeconds && readsBadly(shown())) ++unit;
+  return shown();
+}
+
 /// One target in the words of one language.
 class Wording {
  public:
@@ -47,38 +71,48 @@ class Wording {
 
   /// In the words of the first of the rows that fits.
   [[nodiscard]] TaskDisplayTitle title(std::span<const TitleRow> rows, bool lineBreaks) const {
-    const auto row = std::find_if(rows.begin(), rows.end(), [this](const TitleRow& r) { return fits(r); });
-    qz::require(row != rows.end(), "every target has a title");
-    std::string title = withBreaks(filled(textOf(*row), places(*row)), lineBreaks);
-    const TitlePlace quantity[] = {{"quantity", quantityOf(*row)}};
-    std::string formatted = filled(title, quantity);
+    const TitleRow& row = firstFit(rows);
+    std::string title = withBreaks(filled(textOf(row), places(row)), lineBreaks);
+    const TitlePlace places[] = {{"quantity", quantity()}};
+    std::string formatted = filled(title, places);
     return {std::move(title), std::move(formatted)};
   }
 
-  /// The amount in its own words, or how often where there is no amount.
+  /// The amount as the title says it, or how often where there is no amount.
   [[nodiscard]] std::string amountOrTimes() const {
-    if (amount_) return formattedQuantity(texts_, amount_->quantity, amount_->unit);
+    if (amount_) return quantity();
     return count_ > 1 ? times() : "";
   }
 
-  /// Whether a task to avoid fails at any at all.
-  [[nodiscard]] bool anyFails() const {
-    return isNegative_ && count_ == 1 && amount_ && amount_->unit.isCounted() && amount_->quantity <= 1;
+ private:
+  [[nodiscard]] const TitleRow& firstFit(std::span<const TitleRow> rows) const {
+    const auto row = std::find_if(rows.begin(), rows.end(), [this](const TitleRow& r) { return fits(r); });
+    qz::require(row != rows.end(), "every target has a title");
+    return *row;
   }
 
- private:
   [[nodiscard]] bool fits(const TitleRow& row) const {
     if (row.form && row.form != target_.form) return false;
     if (row.type && row.type != target_.healthType) return false;
     if (row.amount.given != amount_.has_value()) return false;
     if (row.amount.dimension && row.amount.dimension != amount_->unit.dimension()) return false;
+    if (row.amount.unit && row.amount.unit != amount_->unit) return false;
     return target_.speeds.contains(row.allOf) && (row.oneOf.isEmpty() || !(target_.speeds & row.oneOf).isEmpty());
+  }
+
+  /// Whether the number of completions is worth a word: not of an amount to avoid, of which parts mean nothing, nor of
+  /// one that has none: a time of day, and what is done one by one (every drink and every hour is a completion).
+  [[nodiscard]] bool isInParts() const {
+    if (count_ == 1 || !amount_) return count_ > 1;
+    const bool isOneByOne = target_.form == TitleForm::alcohol || target_.form == TitleForm::standHours ||
+                            target_.form == TitleForm::rollHours;
+    return !isNegative_ && amount_->unit.isQuantifiable() && !isOneByOne;
   }
 
   /// The template of a row for the sign and the number of completions, with what the language puts around it.
   [[nodiscard]] std::string textOf(const TitleRow& row) const {
     const std::string_view text = isNegative_ ? row.toAvoid : row.toDo;
-    if (count_ == 1) return std::string(text);
+    if (!isInParts()) return std::string(text);
     const std::string_view own = isNegative_ ? row.toAvoidInParts : row.toDoInParts;
     if (!own.empty()) return std::string(own);
     if (row.amount.given) return around(texts_.inParts, text);
@@ -100,10 +134,13 @@ class Wording {
             {"title", bareTitle(row)}};
   }
 
-  [[nodiscard]] std::string quantityOf(const TitleRow& row) const {
+  /// The amount in the words of the target's title, whichever text it stands in.
+  [[nodiscard]] std::string quantity() const {
     if (!amount_) return "";
-    return row.amountTexts.other.empty() ? formattedQuantity(texts_, amount_->quantity, amount_->unit)
-                                         : formattedQuantity(texts_, amount_->quantity, amount_->unit, row.amountTexts);
+    const CountTexts& own = firstFit(texts_.titles).amountTexts;
+    if (!own.other.empty()) return formattedQuantity(texts_, amount_->quantity, amount_->unit, own);
+    const Amount shown = inFinerUnitWhere(isFractionOfOne, *amount_);
+    return formattedQuantity(texts_, shown.quantity, shown.unit);
   }
 
   [[nodiscard]] std::string times() const {
@@ -112,25 +149,13 @@ class Wording {
     return filled(texts_.manyTimes, places);
   }
 
-  /// What one completion has to reach. A duration is put in a finer unit where its own would show it rounded or as a
-  /// fraction of one: "30 minutes", not "0.5 hours".
+  /// What one completion has to reach, in a unit that shows it as it is: "3 × 200 seconds", not 3.3 minutes.
   [[nodiscard]] std::string part() const {
     if (!amount_) return "";
+    const auto readsBadly = [](const Amount& amount) { return isFractionOfOne(amount) || isShownRounded(amount); };
     const double share = amount_->quantity / static_cast<double>(count_);
-    if (!amount_->unit.isDuration()) return formattedQuantity(texts_, share, amount_->unit);
-    constexpr std::array<TypeUnit, 3> coarsestFirst{TypeUnit::durationHours, TypeUnit::durationMinutes,
-                                                    TypeUnit::durationSeconds};
-    auto unit = std::find(coarsestFirst.begin(), coarsestFirst.end(), amount_->unit);
-    while (*unit != TypeUnit::durationSeconds && !readsWell(*amount_->unit.convert(share, *unit), *unit)) ++unit;
-    return formattedQuantity(texts_, *amount_->unit.convert(share, *unit), *unit);
-  }
-
-  [[nodiscard]] static bool readsWell(double quantity, TypeUnit unit) {
-    constexpr double tolerance = 1e-9;
-    constexpr double tooGreatToSplit = 1e15;
-    if (std::abs(quantity) >= tooGreatToSplit) return true;
-    const double scaled = quantity * std::pow(10.0, static_cast<double>(unit.decimals()));
-    return std::abs(quantity) >= 1 && std::abs(scaled - std::round(scaled)) <= tolerance * std::abs(scaled);
+    const Amount shown = inFinerUnitWhere(readsBadly, {share, amount_->unit});
+    return formattedQuantity(texts_, shown.quantity, shown.unit);
   }
 
   [[nodiscard]] std::string speeds(const TitleRow& row) const {
@@ -167,14 +192,32 @@ class Wording {
   std::optional<Amount> amount_;
 };
 
-/// The task's own words with the amount in its place; where there is none, its blank goes with it.
+bool isBlank(std::string_view text) { return text.find_first_not_of(blanks) == std::string_view::npos; }
+
+bool isBlankAt(const std::string& text, std::size_t at) { return at < text.size() && isBlank({&text[at], 1}); }
+
+/// The task's own words with the amount in its place; where there is none, a blank goes with it.
 std::string customTitle(std::string text, const std::string& quantity) {
-  if (quantity.empty()) {
-    replaceAll(text, " {quantity}", "");
-    replaceAll(text, "{quantity} ", "");
+  for (std::size_t at = text.find(quantityPlace); at != std::string::npos; at = text.find(quantityPlace, at)) {
+    std::size_t length = quantityPlace.size();
+    if (quantity.empty() && at > 0 && isBlankAt(text, at - 1)) {
+      --at;
+      ++length;
+    } else if (quantity.empty() && isBlankAt(text, at + length)) {
+      ++length;
+    }
+    text.replace(at, length, quantity);
+    at += quantity.size();
   }
-  replaceAll(text, quantityPlace, quantity);
   return text;
+}
+
+/// Whether any at all fails: of something to avoid, one thing or nothing. An amount of a deficit that may be at most so
+/// great is avoided by a greater one; 0 o'clock is a time like any other.
+bool anyFails(const TitleTarget& target, bool isNegative) {
+  if (!isNegative || !target.quantity || !target.unit) return false;
+  if (!target.unit->isQuantifiable() || target.speeds.contains(TypeSpeed::lessThan)) return false;
+  return *target.quantity <= (target.unit->isCounted() ? 1 : 0);
 }
 
 }  // namespace
@@ -201,16 +244,19 @@ HealthType::DisplayTitleType displayTitle(const TitleTexts& texts, const TitleTa
                                           const DisplayTitleOptions& options) {
   using Type = HealthType::DisplayTitleType;
   const Wording wording(texts, target, options.isNegative, options.numPartialCompletions);
-  if (options.customText && !options.customText->empty()) {
-    const std::string& own = *options.customText;
-    if (own.find(quantityPlace) != std::string::npos) {
-      return Type::integrated({own, customTitle(own, wording.amountOrTimes())});
-    }
+  const bool isAnyAtAll = anyFails(target, options.isNegative);
+  const Wording titleWording = isAnyAtAll ? Wording(texts, withoutAmount(target), options.isNegative, 1) : wording;
+  TaskDisplayTitle title = titleWording.title(texts.titles, options.lineBreaks);
+
+  const std::string own = options.customText.value_or("");
+  if (own.find(quantityPlace) != std::string::npos) {
+    std::string formatted = customTitle(own, wording.amountOrTimes());
+    if (!isBlank(formatted)) return Type::integrated({own, std::move(formatted)});
+  } else if (!isBlank(own) && withBlanksForBreaks(own) != withBlanksForBreaks(title.title)) {
+    if (isAnyAtAll) return Type::separate(std::move(title.titleFormatted));
     return Type::separate(wording.title(texts.targets, options.lineBreaks).titleFormatted);
   }
-  if (!wording.anyFails()) return Type::integrated(wording.title(texts.titles, options.lineBreaks));
-  const Wording anyAtAll(texts, withoutAmount(target), options.isNegative, options.numPartialCompletions);
-  return Type::integrated(anyAtAll.title(texts.titles, options.lineBreaks));
+  return Type::integrated(std::move(title));
 }
 
 HealthType::DisplayTitleType displayTitle(TitleForm form, std::optional<HealthType> healthType,

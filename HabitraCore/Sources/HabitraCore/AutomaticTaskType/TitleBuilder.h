@@ -21,8 +21,9 @@ struct TitleTarget {
   TypeSpeeds speeds;
 };
 
-/// The title of a target. A task to avoid whose amount is one counted thing or less fails at any at all and has the
-/// title of one without an amount ("No alcohol"); an amount of which a form knows nothing stands behind the title.
+/// The title of a target. A task to avoid whose amount is one counted thing, or nothing, fails at any at all and has
+/// the title of one without an amount ("No alcohol"); an amount of which a form knows nothing stands behind the title;
+/// a duration of less than one of its unit is said in a finer one ("30 minutes", not "0.5 hours").
 [[nodiscard]] HealthType::DisplayTitleType displayTitle(const TitleTexts& texts, const TitleTarget& target,
                                                         const DisplayTitleOptions& options);
 

@@ -43,10 +43,11 @@ struct NounTexts {
   CountTexts noun;
 };
 
-/// What a row asks of the target: that it has no amount, any amount or one of a dimension.
+/// What a row asks of the target: that it has no amount, any amount, one of a dimension or one in a unit.
 struct AmountCondition {
   bool given = false;
   std::optional<TypeUnit::Dimension> dimension = std::nullopt;
+  std::optional<TypeUnit> unit = std::nullopt;
 };
 
 /// A title. Rows are tried in order and the first one whose conditions hold is taken.
@@ -60,8 +61,11 @@ struct TitleRow {
   std::string_view toDo;
   std::string_view toDoInParts = {};  ///< for several completions; none: what the language puts around `toDo`
   std::string_view toAvoid;
-  std::string_view toAvoidInParts = {};  ///< likewise, around `toAvoid`, or around `toDo` where there is no amount
-  CountTexts amountTexts = {};           ///< in place of those of the unit: "3 alcoholic drinks"
+  /// For several completions of a title without an amount; none: what the language puts around `toDo`. An amount to
+  /// avoid has no parts.
+  std::string_view toAvoidInParts = {};
+  CountTexts amountTexts = {};  ///< of a title: in place of those of the unit, wherever the amount of such a target is
+                                ///< said: "3 alcoholic drinks"
 };
 
 struct NumberTexts {

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <HabitraCore/AutomaticTaskType/TitleTexts.h>
+
+/// The English words that stand in for the places of titles. For EnglishTitles.cpp.
+namespace habitra {
+
+inline constexpr UnitTexts englishUnits[] = {
+    {TypeUnit::distanceKm, {"{number} km", "{number} km"}},
+    {TypeUnit::distanceMeters, {"{number} m", "{number} m"}},
+    {TypeUnit::distanceMiles, {"{number} mile", "{number} miles"}},
+    {TypeUnit::distanceYards, {"{number} yard", "{number} yards"}},
+    {TypeUnit::steps, {"{number} step", "{number} steps"}},
+    {TypeUnit::pushes, {"{number} push", "{number} pushes"}},
+    {TypeUnit::drinks, {"{number} drink", "{number} drinks"}},
+    {TypeUnit::fluidOuncesUS, {"{number} fl oz", "{number} fl oz"}},
+    {TypeUnit::litres, {"{number} litre", "{number} litres"}},
+    {TypeUnit::millilitres, {"{number} ml", "{number} ml"}},
+    {TypeUnit::cupsUS, {"{number} cup", "{number} cups"}},
+    {TypeUnit::calories, {"{number} kcal", "{number} kcal"}},
+    {TypeUnit::kilojoules, {"{number} kJ", "{number} kJ"}},
+    {TypeUnit::durationSeconds, {"{number} second", "{number} seconds"}},
+    {TypeUnit::durationMinutes, {"{number} minute", "{number} minutes"}},
+    {TypeUnit::durationHours, {"{number} hour", "{number} hours"}},
+    {TypeUnit::flights, {"{number} flight", "{number} flights"}},
+    {TypeUnit::milligrams, {"{number} mg", "{number} mg"}},
+    {TypeUnit::micrograms, {"{number} mcg", "{number} mcg"}},
+    {TypeUnit::grams, {"{number} g", "{number} g"}},
+    {TypeUnit::timeOfDay, {"{number}", "{number}"}},
+};
+
+inline constexpr SpeedText englishSpeeds[] = {
+    {TypeSpeed::sleepCore, "core"},
+    {TypeSpeed::sleepDeep, "deep"},
+    {TypeSpeed::sleepREM, "REM"},
+};
+
+// What is taken in, what is recorded, and what the store reports of the heart. Only the last are counted.
+inline constexpr NounTexts englishNouns[] = {
+    {HealthType::dietarySugar, {"sugar", ""}},
+    {HealthType::dietaryCaffeine, {"caffeine", ""}},
+    {HealthType::dietaryProtein, {"protein", ""}},
+    {HealthType::dietaryFiber, {"fibre", ""}},
+    {HealthType::dietarySodium, {"sodium", ""}},
+    {HealthType::dietaryCalcium, {"calcium", ""}},
+    {HealthType::dietaryCarbohydrates, {"carbohydrates", ""}},
+    {HealthType::dietaryCholesterol, {"cholesterol", ""}},
+    {HealthType::dietaryIron, {"iron", ""}},
+    {HealthType::dietaryMagnesium, {"magnesium", ""}},
+    {HealthType::dietaryVitaminA, {"vitamin A", ""}},
+    {HealthType::dietaryVitaminB6, {"vitamin B6", ""}},
+    {HealthType::dietaryVitaminB12, {"vitamin B12", ""}},
+    {HealthType::dietaryVitaminC, {"vitamin C", ""}},
+    {HealthType::dietaryVitaminD, {"vitamin D", ""}},
+    {HealthType::dietaryVitaminE, {"vitamin E", ""}},
+    {HealthType::dietaryVitaminK, {"vitamin K", ""}},
+    {HealthType::dietaryZinc, {"zinc", ""}},
+    {HealthType::dietaryFolate, {"folate", ""}},
+    {HealthType::dietaryPotassium, {"potassium", ""}},
+    {HealthType::dietaryRiboflavin, {"riboflavin", ""}},
+    {HealthType::dietaryThiamin, {"thiamin", ""}},
+    {HealthType::dietarySelenium, {"selenium", ""}},
+    {HealthType::dietaryFatTotal, {"fat", ""}},
+    {HealthType::dietaryFatMonounsaturated, {"monounsaturated fat", ""}},
+    {HealthType::dietaryFatPolyunsaturated, {"polyunsaturated fat", ""}},
+    {HealthType::dietaryFatSaturated, {"saturated fat", ""}},
+    {HealthType::dietaryPhosphorus, {"phosphorus", ""}},
+    {HealthType::dietaryNiacin, {"niacin", ""}},
+    {HealthType::dietaryManganese, {"manganese", ""}},
+    {HealthType::dietaryIodine, {"iodine", ""}},
+    {HealthType::dietaryCopper, {"copper", ""}},
+    {HealthType::dietaryChromium, {"chromium", ""}},
+    {HealthType::dietaryChloride, {"chloride", ""}},
+    {HealthType::dietaryBiotin, {"biotin", ""}},
+    {HealthType::dietaryMolybdenum, {"molybdenum", ""}},
+    {HealthType::recordWeight, {"your weight", ""}},
+    {HealthType::recordBloodPressure, {"your blood pressure", ""}},
+    {HealthType::recordBloodGlucose, {"your blood glucose", ""}},
+    {HealthType::recordHeartRate, {"your heart rate", ""}},
+    {HealthType::recordWaistCircumference, {"your waist circumference", ""}},
+    {HealthType::recordBodyTemperature, {"your body temperature", ""}},
+    {HealthType::recordSexualActivity, {"sexual activity", ""}},
+    {HealthType::recordBodyFatPercentage, {"your body fat percentage", ""}},
+    {HealthType::recordAudiogram, {"an audiogram", ""}},
+    {HealthType::recordElectroCardiogram, {"an ECG", ""}},
+    {HealthType::recordPeakExpiratoryFlow, {"your peak expiratory flow", ""}},
+    {HealthType::recordHeight, {"your height", ""}},
+    {HealthType::recordInsulin, {"your insulin", ""}},
+    {HealthType::recordInhaler, {"your inhaler use", ""}},
+    {HealthType::recordOxygenSaturation, {"your oxygen saturation", ""}},
+    {HealthType::irregularHeartRhythmEvent, {"irregular heart rhythm alert", "irregular heart rhythm alerts"}},
+    {HealthType::lowHeartRateEvent, {"low heart rate alert", "low heart rate alerts"}},
+    {HealthType::highHeartRateEvent, {"high heart rate alert", "high heart rate alerts"}},
+};
+
+}  // namespace habitra
