@@ -68,8 +68,8 @@ static_assert([] {
 const UnitRow& rowOf(QZHKUnit unit) { return unitRows[static_cast<std::size_t>(unit)]; }
 
 /// The quotient of two factors in lowest terms, so that converting between litres and millilitres multiplies by 1,000
-/// and does nothing else. The terms of any two units of one dimension multiply to less than 2^63.
-QZHKFactor quotient(const QZHKFactor& a, const QZHKFactor& b) {
+/// and does nothing else.
+constexpr QZHKFactor quotient(const QZHKFactor& a, const QZHKFactor& b) {
   const std::int64_t above = std::gcd(a.numerator, b.numerator);
   const std::int64_t below = std::gcd(a.denominator, b.denominator);
   const std::int64_t numerator = a.numerator / above * (b.denominator / below);
@@ -77,6 +77,20 @@ QZHKFactor quotient(const QZHKFactor& a, const QZHKFactor& b) {
   const std::int64_t common = std::gcd(numerator, denominator);
   return {numerator / common, denominator / common};
 }
+
+// The terms of every quotient that convert() needs are doubles without rounding. On the way to them nothing overflows,
+// or this would not be a constant.
+static_assert([] {
+  constexpr std::int64_t exact = std::int64_t{1} << 53;
+  for (const UnitRow& from : unitRows) {
+    for (const UnitRow& to : unitRows) {
+      if (from.dimension != to.dimension) continue;
+      const QZHKFactor ratio = quotient(from.factor, to.factor);
+      if (ratio.numerator > exact || ratio.denominator > exact) return false;
+    }
+  }
+  return true;
+}());
 
 }  // namespace
 

@@ -34,7 +34,7 @@ enum class QZHKUnit : std::uint8_t {
   kilogram,
   pound,
   stone,
-  percent,
+  percent,  ///< 100 is the whole
   countPerMinute,
   litrePerMinute,
   degreeCelsius,
@@ -116,8 +116,10 @@ struct QZHKFactor {
 /// their zero as well: their factor is that of a difference of temperatures, and convert() moves the zero.
 [[nodiscard]] QZHKFactor factor(QZHKUnit unit);
 
-/// The same amount in another unit; none when the two do not measure the same. For a whole number of units the nearest
-/// double to the exact result, as long as that number times the factor's numerator stays below 2^53.
+/// The same amount in another unit; none when the two do not measure the same. The amount is multiplied by the
+/// numerator and divided by the denominator of the one factor over the other in lowest terms. So a whole number of
+/// units becomes the double nearest to the exact result as long as the product stays below 2^53; temperatures, whose
+/// zero moves as well, are right to within a few roundings.
 [[nodiscard]] std::optional<double> convert(double quantity, QZHKUnit from, QZHKUnit to);
 
 }  // namespace qz
