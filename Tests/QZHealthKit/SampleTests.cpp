@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <QZHealthKit/QZHKActivitySummary.h>
-#include <QZHealthKit/QZHKQuery.h>
 
+#include <chrono>
 #include <limits>
+#include <string>
 
 namespace qz {
 namespace {
@@ -37,52 +38,32 @@ TEST(SampleTests, SaysWhatItsTypeAsksFor) {
   EXPECT_EQ(problem(sample(T::activitySummary, 0, 1)), "activitySummary has no samples");
 }
 
-TEST(SampleTests, BelongsToTheSpanInWhichItStarts) {
-  const QZHKSampleQuery query{.objectType = T::mindfulSession, .span = {minute(60), minute(120)}, .predicate = {}};
-  EXPECT_TRUE(query.matches(sample(T::mindfulSession, 60, 60)));
-  EXPECT_TRUE(query.matches(sample(T::mindfulSession, 119, 140)));
-  EXPECT_FALSE(query.matches(sample(T::mindfulSession, 59, 100)));
-  EXPECT_FALSE(query.matches(sample(T::mindfulSession, 120, 130)));
-  EXPECT_FALSE(query.matches(sample(T::flossingEvent, 60, 61)));
-  EXPECT_FALSE((QZHKSpan{minute(2), minute(1)}.contains(minute(1))));
-}
-
-TEST(SampleTests, PredicatesLetThroughWhatTheyName) {
-  QZHKSample walk = sample(T::workout, 0, 30, QZHKWorkout{walking});
-  EXPECT_TRUE(QZHKPredicate{}.matches(walk));
-
-  QZHKPredicate ofTask;
-  ofTask.task = identifier(200);
-  EXPECT_FALSE(ofTask.matches(walk));
-  walk.task = identifier(201);
-  EXPECT_FALSE(ofTask.matches(walk));
-  walk.task = identifier(200);
-  EXPECT_TRUE(ofTask.matches(walk));
-
-  QZHKPredicate ofSource;
-  ofSource.source = "Phone";
-  EXPECT_FALSE(ofSource.matches(walk));
-  walk.source = "Phone";
-  EXPECT_TRUE(ofSource.matches(walk));
-
-  QZHKPredicate onFoot;
-  onFoot.workoutTypes = {walking, hiking};
-  EXPECT_TRUE(onFoot.matches(walk));
-  EXPECT_FALSE(onFoot.matches(sample(T::workout, 0, 30, QZHKWorkout{rowing})));
-  EXPECT_FALSE(onFoot.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::core)));
-
-  QZHKPredicate asleep;
-  asleep.sleepValues = {QZHKSleepValue::deep, QZHKSleepValue::core};
-  EXPECT_TRUE(asleep.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::core)));
-  EXPECT_FALSE(asleep.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::awake)));
+TEST(SampleTests, LiesInAYearAndLastsAMonthAtMost) {
+  const auto complaint = [](T type, Moment start, Moment end) {
+    QZHKSample changed = sample(type, 0, 0);
+    if (type == T::stepCount) changed.value = QZHKQuantity{1, U::count};
+    changed.start = start;
+    changed.end = end;
+    return problem(changed).value_or("");
+  };
+  constexpr std::chrono::microseconds tick{1};
+  const std::string outside = "stepCount lies outside the years 1900 to 2999";
+  EXPECT_EQ(complaint(T::stepCount, Moment::min(), Moment::max()), outside);
+  EXPECT_EQ(complaint(T::stepCount, Moment::max(), Moment::min()), "stepCount ends before it starts");
+  EXPECT_EQ(complaint(T::stepCount, earliestSampleMoment - tick, earliestSampleMoment), outside);
+  EXPECT_EQ(complaint(T::stepCount, latestSampleMoment, latestSampleMoment + tick), outside);
+  EXPECT_EQ(complaint(T::stepCount, earliestSampleMoment, earliestSampleMoment + longestSample), "");
+  EXPECT_EQ(complaint(T::stepCount, latestSampleMoment - longestSample, latestSampleMoment), "");
+  EXPECT_EQ(complaint(T::stepCount, minute(0), minute(0) + longestSample + tick),
+            "stepCount lasts longer than 31 days");
+  EXPECT_EQ(complaint(T::standHour, minute(30), minute(90)), "");
+  EXPECT_EQ(complaint(T::standHour, minute(30), minute(31)), "standHour needs to last one hour");
+  EXPECT_EQ(complaint(T::rollHour, minute(30), minute(30)), "rollHour needs to last one hour");
 }
 
 TEST(SampleTests, RingsWithoutAGoalAreNotClosed) {
-  QZHKActivitySummary summary{.day = {minute(0), minute(1440)},
-                              .move = {420, 400},
-                              .moveUnit = U::kilocalorie,
-                              .exercise = {15, 30},
-                              .stand = {12, 0}};
+  QZHKActivitySummary summary{
+      .day = {minute(0), minute(1440)}, .move = {420, 400}, .exercise = {15, 30}, .stand = {12, 0}};
   EXPECT_EQ(summary.move.share(), 1.05);
   EXPECT_EQ(summary.exercise.share(), 0.5);
   EXPECT_EQ(summary.stand.share(), 0);

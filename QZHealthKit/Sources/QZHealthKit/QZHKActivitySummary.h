@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QZHealthKit/QZHKQuery.h>
-#include <QZHealthKit/QZHKUnit.h>
 
 namespace qz {
 
@@ -16,13 +15,14 @@ struct QZHKActivityRing {
   friend bool operator==(const QZHKActivityRing&, const QZHKActivityRing&) = default;
 };
 
-/// The three rings of one day.
+/// The three rings of one day. The values are sums over the day, as QZHKStatistics tells them; goals are samples as
+/// well, of `activeEnergyGoal`, `exerciseGoal` and `standGoal`: on a day stands the one that starts last before the day
+/// is over (of several, the one with the greatest identifier), however long ago, and without any the goal is 0.
 struct QZHKActivitySummary {
-  QZHKSpan day;                               ///< from the first moment of the day to that of the next
-  QZHKActivityRing move;                      ///< energy spent by moving, or the time spent moving
-  QZHKUnit moveUnit = QZHKUnit::kilocalorie;  ///< of the move ring: a unit of energy or of time
-  QZHKActivityRing exercise;                  ///< minutes of exercise
-  QZHKActivityRing stand;                     ///< hours in which the person stood, or rolled in a wheelchair
+  QZHKSpan day;               ///< from the first moment of the day to that of the next
+  QZHKActivityRing move;      ///< `activeEnergyBurned`, in kilocalories
+  QZHKActivityRing exercise;  ///< `exerciseTime`, in minutes
+  QZHKActivityRing stand;     ///< the number of `standHour` or, where it is greater, of `rollHour`
 
   /// Whether each ring has a goal and reached it.
   [[nodiscard]] bool isComplete() const { return move.share() >= 1 && exercise.share() >= 1 && stand.share() >= 1; }

@@ -1,19 +1,29 @@
 #include <QZHealthKit/QZHKObjectType.h>
 
+#include <array>
 #include <cstddef>
 
 namespace qz {
 
 namespace {
 
-constexpr std::array<QZHKObjectTypeRow, 79> rows = [] {
+/// What is fixed about a type.
+struct ObjectTypeRow {
+  QZHKObjectType type;
+  QZHKObjectKind kind;
+  std::optional<QZHKDimension> dimension;
+  QZHKAggregation aggregation;
+  QZHKOrigin origin;
+};
+
+constexpr std::array<ObjectTypeRow, 82> rows = [] {
   using T = QZHKObjectType;
   using K = QZHKObjectKind;
   using D = QZHKDimension;
   using A = QZHKAggregation;
   using O = QZHKOrigin;
   constexpr std::nullopt_t none = std::nullopt;
-  return std::array<QZHKObjectTypeRow, 79>{{
+  return std::array<ObjectTypeRow, 82>{{
       {T::stepCount, K::quantity, D::count, A::cumulative, O::measured},
       {T::distanceWalkingRunning, K::quantity, D::length, A::cumulative, O::measured},
       {T::distanceCycling, K::quantity, D::length, A::cumulative, O::measured},
@@ -78,6 +88,9 @@ constexpr std::array<QZHKObjectTypeRow, 79> rows = [] {
       {T::insulinDelivery, K::quantity, D::biologicalActivity, A::cumulative, O::entered},
       {T::inhalerUsage, K::quantity, D::count, A::cumulative, O::entered},
       {T::oxygenSaturation, K::quantity, D::fraction, A::discrete, O::measured},
+      {T::activeEnergyGoal, K::quantity, D::energy, A::discrete, O::entered},
+      {T::exerciseGoal, K::quantity, D::time, A::discrete, O::entered},
+      {T::standGoal, K::quantity, D::count, A::discrete, O::entered},
       {T::sleepAnalysis, K::category, none, A::cumulative, O::measured},
       {T::standHour, K::category, none, A::cumulative, O::measured},
       {T::rollHour, K::category, none, A::cumulative, O::measured},
@@ -91,8 +104,8 @@ constexpr std::array<QZHKObjectTypeRow, 79> rows = [] {
       {T::handwashingEvent, K::category, none, A::cumulative, O::measured},
       {T::workout, K::workout, none, A::cumulative, O::measured},
       {T::activitySummary, K::activitySummary, none, A::discrete, O::measured},
-      {T::audiogram, K::audiogram, none, A::cumulative, O::measured},
-      {T::electrocardiogram, K::electrocardiogram, none, A::cumulative, O::measured},
+      {T::audiogram, K::category, none, A::cumulative, O::measured},
+      {T::electrocardiogram, K::category, none, A::cumulative, O::measured},
   }};
 }();
 
@@ -104,11 +117,9 @@ static_assert([] {
   return rows.size() == RawValueTable<QZHKObjectType>::rows.size();
 }());
 
-const QZHKObjectTypeRow& rowOf(QZHKObjectType type) { return rows[static_cast<std::size_t>(type)]; }
+const ObjectTypeRow& rowOf(QZHKObjectType type) { return rows[static_cast<std::size_t>(type)]; }
 
 }  // namespace
-
-const std::array<QZHKObjectTypeRow, 79>& objectTypeRows() { return rows; }
 
 QZHKObjectKind kind(QZHKObjectType type) { return rowOf(type).kind; }
 

@@ -10,8 +10,8 @@
 
 namespace qz {
 
-/// What a record of a health store is about. The raw value, under which files name it, is the name of the case; the
-/// order is that of quantities, categories and the rest, and new types come last in their group.
+/// What a record of a health store is about. The raw value, under which files name it, is the name of the case.
+/// Quantities come first, new ones last among them; new types of another kind come at the end.
 enum class QZHKObjectType : std::uint8_t {
   stepCount,
   distanceWalkingRunning,
@@ -77,9 +77,12 @@ enum class QZHKObjectType : std::uint8_t {
   insulinDelivery,
   inhalerUsage,
   oxygenSaturation,
+  activeEnergyGoal,  ///< of the move ring: what is to be spent in a day; it stands until the next one
+  exerciseGoal,      ///< of the exercise ring, likewise
+  standGoal,         ///< of the stand ring, likewise: a number of hours, in `count`
   sleepAnalysis,
-  standHour,
-  rollHour,
+  standHour,  ///< an hour in which the person stood for a while; the sample covers the whole hour
+  rollHour,   ///< an hour in which the person rolled in a wheelchair for a while; likewise
   mindfulSession,
   sexualActivity,
   toothbrushingEvent,
@@ -97,7 +100,7 @@ enum class QZHKObjectType : std::uint8_t {
 template <>
 struct RawValueTable<QZHKObjectType> {
   using T = QZHKObjectType;
-  static constexpr std::array<RawValueRow<T, std::string_view>, 79> rows{{
+  static constexpr std::array<RawValueRow<T, std::string_view>, 82> rows{{
       {T::stepCount, "stepCount", "stepCount"},
       {T::distanceWalkingRunning, "distanceWalkingRunning", "distanceWalkingRunning"},
       {T::distanceCycling, "distanceCycling", "distanceCycling"},
@@ -162,6 +165,9 @@ struct RawValueTable<QZHKObjectType> {
       {T::insulinDelivery, "insulinDelivery", "insulinDelivery"},
       {T::inhalerUsage, "inhalerUsage", "inhalerUsage"},
       {T::oxygenSaturation, "oxygenSaturation", "oxygenSaturation"},
+      {T::activeEnergyGoal, "activeEnergyGoal", "activeEnergyGoal"},
+      {T::exerciseGoal, "exerciseGoal", "exerciseGoal"},
+      {T::standGoal, "standGoal", "standGoal"},
       {T::sleepAnalysis, "sleepAnalysis", "sleepAnalysis"},
       {T::standHour, "standHour", "standHour"},
       {T::rollHour, "rollHour", "rollHour"},
@@ -182,40 +188,27 @@ struct RawValueTable<QZHKObjectType> {
 
 /// What form the records of a type have.
 enum class QZHKObjectKind : std::uint8_t {
-  quantity,           ///< samples with an amount in a unit
-  category,           ///< samples that say what was the case, or only that something was
-  workout,            ///< samples of one activity each
-  activitySummary,    ///< one summary a day: no samples
-  audiogram,          ///< samples that say that a hearing test was recorded
-  electrocardiogram,  ///< samples that say that an electrocardiogram was recorded
+  quantity,         ///< samples with an amount in a unit
+  category,         ///< samples that say what was the case, or only that something was
+  workout,          ///< samples of one activity each
+  activitySummary,  ///< one summary a day: no samples
 };
 
 /// What several samples of a type amount to.
 enum class QZHKAggregation : std::uint8_t {
   cumulative,  ///< they add up over time: amounts, or the number of samples where a sample has no amount
-  discrete,    ///< each stands for its moment: a sum means nothing, mean and extremes do
+  discrete,    ///< each stands for its moment: a sum means nothing, extremes and the latest do
 };
 
-/// Where samples of a type come from, and so what it means when those of two sources lie at the same time.
+/// Whether what two sources say of the same time is one thing or two, in the sum of a cumulative type. Nothing asks it
+/// of a discrete one.
 enum class QZHKOrigin : std::uint8_t {
-  measured,  ///< devices record it as it goes on: two that do so at the same time record the same
-  entered,   ///< people enter it, one by one: two at the same time are two, as a glass of water during a meal
+  measured,  ///< one: devices record it as it goes on, and two that do so at the same time record the same
+  entered,   ///< two: people enter it, one by one, as a glass of water during a meal
 };
-
-/// What is fixed about a type.
-struct QZHKObjectTypeRow {
-  QZHKObjectType type;
-  QZHKObjectKind kind;
-  std::optional<QZHKDimension> dimension;  ///< what amounts measure; none unless the kind is quantity
-  QZHKAggregation aggregation;
-  QZHKOrigin origin;
-};
-
-/// The table of all types, in the order of declaration.
-[[nodiscard]] const std::array<QZHKObjectTypeRow, 79>& objectTypeRows();
 
 [[nodiscard]] QZHKObjectKind kind(QZHKObjectType type);
-/// None unless the kind is quantity.
+/// What amounts measure; none unless the kind is quantity.
 [[nodiscard]] std::optional<QZHKDimension> dimension(QZHKObjectType type);
 [[nodiscard]] QZHKAggregation aggregation(QZHKObjectType type);
 [[nodiscard]] QZHKOrigin origin(QZHKObjectType type);

@@ -17,7 +17,7 @@ std::optional<QZHKWorkoutActivityType> activityTypeOf(const QZHKSample& sample) 
 
 /// Whether figures are asked for that have the query's unit.
 bool asksForAmounts(QZHKStatisticsOptions options) {
-  constexpr QZHKStatisticsOptions unitless{QZHKStatisticsOption::duration, QZHKStatisticsOption::separateBySource};
+  constexpr QZHKStatisticsOptions unitless{QZHKStatisticsOption::duration};
   return (options | unitless) != unitless;
 }
 
@@ -26,13 +26,11 @@ std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType
   const bool isDiscrete = aggregation(type) == QZHKAggregation::discrete;
   switch (option) {
     case QZHKStatisticsOption::cumulativeSum: return isDiscrete ? std::optional("does not add up") : std::nullopt;
-    case QZHKStatisticsOption::discreteAverage:
     case QZHKStatisticsOption::discreteMin:
     case QZHKStatisticsOption::discreteMax:
-      return hasAmounts && isDiscrete ? std::nullopt : std::optional("has neither a mean nor extremes");
+      return hasAmounts && isDiscrete ? std::nullopt : std::optional("has no extremes");
     case QZHKStatisticsOption::mostRecent: return hasAmounts ? std::nullopt : std::optional("has no amounts");
-    case QZHKStatisticsOption::duration:
-    case QZHKStatisticsOption::separateBySource: return std::nullopt;
+    case QZHKStatisticsOption::duration: return std::nullopt;
   }
   return std::nullopt;
 }
@@ -40,17 +38,18 @@ std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType
 }  // namespace
 
 bool QZHKPredicate::matches(const QZHKSample& sample) const {
-  return (!source || sample.source == *source) && (!task || sample.task == task) &&
-         isWanted(workoutTypes, activityTypeOf(sample)) && isWanted(sleepValues, sample.sleepValue());
+  return (!task || sample.task == task) && isWanted(workoutTypes, activityTypeOf(sample)) &&
+         isWanted(sleepValues, sample.sleepValue());
 }
 
 bool QZHKSampleQuery::matches(const QZHKSample& sample) const {
-  return sample.objectType == objectType && span.contains(sample.start) && predicate.matches(sample);
+  return sample.objectType == objectType && span.overlaps(sample.start, sample.end) && predicate.matches(sample);
 }
 
 std::optional<std::string> problem(const QZHKStatisticsQuery& query) {
   const QZHKObjectType type = query.samples.objectType;
   const std::string name(rawValue(type));
+  if (kind(type) == QZHKObjectKind::activitySummary && !query.options.isEmpty()) return name + " has no samples";
   if (asksForAmounts(query.options) && !isMeasured(type, query.unit)) {
     return name + " is not measured in " + std::string(rawValue(query.unit));
   }
@@ -58,6 +57,16 @@ std::optional<std::string> problem(const QZHKStatisticsQuery& query) {
     if (const auto found = problemOf(option, type)) return name + " " + *found;
   }
   return std::nullopt;
+}
+
+std::string QZHKObserverQuery::debugDescription() const {
+  std::string types;
+  for (const QZHKObjectType type : objectTypes) {
+    if (!types.empty()) types += ", ";
+    types += rawValue(type);
+  }
+  return "identifier=" + identifier.text() + ", objectTypes=[" + types +
+         "], updateFrequency=" + std::string(rawValue(updateFrequency));
 }
 
 }  // namespace qz

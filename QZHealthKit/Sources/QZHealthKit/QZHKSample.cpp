@@ -45,8 +45,19 @@ std::optional<std::string> problemOfValue(QZHKObjectType type, const QZHKSampleV
   return valueAs<std::monostate>(value) ? std::nullopt : std::optional<std::string>("takes no value");
 }
 
-std::optional<std::string> problemAfterName(const QZHKSample& sample) {
+std::optional<std::string> problemOfTime(const QZHKSample& sample) {
   if (sample.end < sample.start) return "ends before it starts";
+  if (sample.start < earliestSampleMoment || sample.end > latestSampleMoment) {
+    return "lies outside the years 1900 to 2999";
+  }
+  if (sample.end - sample.start > longestSample) return "lasts longer than 31 days";
+  const bool isOfHour = sample.objectType == QZHKObjectType::standHour || sample.objectType == QZHKObjectType::rollHour;
+  if (isOfHour && sample.end - sample.start != std::chrono::hours(1)) return "needs to last one hour";
+  return std::nullopt;
+}
+
+std::optional<std::string> problemAfterName(const QZHKSample& sample) {
+  if (auto found = problemOfTime(sample)) return found;
   if (sample.source.empty()) return "needs a source";
   return problemOfValue(sample.objectType, sample.value);
 }
@@ -58,15 +69,6 @@ std::optional<QZHKQuantity> QZHKSample::quantity() const { return valueAs<QZHKQu
 std::optional<QZHKSleepValue> QZHKSample::sleepValue() const { return valueAs<QZHKSleepValue>(value); }
 
 std::optional<QZHKWorkout> QZHKSample::workout() const { return valueAs<QZHKWorkout>(value); }
-
-std::optional<QZHKQuantity> QZHKSample::contribution(QZHKUnit unit) const {
-  if (const auto amount = quantity()) return amount;
-  if (const auto done = workout()) {
-    if (dimension(unit) == QZHKDimension::energy) return done->energy;
-    if (dimension(unit) == QZHKDimension::length) return done->distance;
-  }
-  return QZHKQuantity{.value = 1, .unit = QZHKUnit::count};
-}
 
 std::optional<std::string> problem(const QZHKSample& sample) {
   const auto found = problemAfterName(sample);

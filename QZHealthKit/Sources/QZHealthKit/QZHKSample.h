@@ -7,6 +7,7 @@
 #include <QZKit/Clock.h>
 #include <QZKit/UniqueID.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <variant>
@@ -23,8 +24,9 @@ struct QZHKWorkout {
 };
 
 /// What a sample says. Which alternative it is follows from the type: an amount for every quantity, a sleep value for
-/// `sleepAnalysis`, a workout for `workout`. The rest say nothing but that it was so: that the person stood or rolled
-/// in an hour (there is no sample for an idle one), brushed, washed, was warned, had a recording made.
+/// `sleepAnalysis`, a workout for `workout`. The rest say nothing but that it was so: that the person brushed, washed,
+/// was warned, had a recording made, or stood or rolled in an hour. Such a sample covers its whole hour, however much
+/// of it the person stood, and there is none for an idle hour.
 using QZHKSampleValue = std::variant<std::monostate, QZHKQuantity, QZHKSleepValue, QZHKWorkout>;
 
 /// One record of a health store: what was measured, or took place, from one moment to another. A fact: it is written
@@ -35,7 +37,7 @@ struct QZHKSample {
   Moment start;
   Moment end;  ///< not before the start; equal to it for what has no length
   QZHKSampleValue value;
-  std::string source;                 ///< the program that wrote it, not empty; what statistics tell sources apart by
+  std::string source;                 ///< the program that wrote it, not empty; sums tell sources apart by it
   std::optional<std::string> device;  ///< what measured it
   std::optional<UniqueID> task;       ///< the task it was written for
 
@@ -44,19 +46,25 @@ struct QZHKSample {
   [[nodiscard]] std::optional<QZHKSleepValue> sleepValue() const;
   [[nodiscard]] std::optional<QZHKWorkout> workout() const;
 
-  /// What it adds to a sum in this unit, in the unit it came in: its amount; of a workout, the energy for a unit of
-  /// energy and the distance for one of length, where they were measured; else one, in `count`.
-  [[nodiscard]] std::optional<QZHKQuantity> contribution(QZHKUnit unit) const;
-
   friend bool operator==(const QZHKSample&, const QZHKSample&) = default;
 };
 
 /// What every amount is below, in any unit: no measurement comes near it, and sums of amounts stay finite.
 inline constexpr double amountLimit = 1e12;
 
+/// The years 1900 to 2999 in UTC, between which every sample lies: no living person was measured before, what lies
+/// beyond is a slip of the pen, and differences of such moments never overflow.
+inline constexpr Moment earliestSampleMoment = std::chrono::sys_days(std::chrono::year(1900) / 1 / 1);
+inline constexpr Moment latestSampleMoment = std::chrono::sys_days(std::chrono::year(3000) / 1 / 1);
+
+/// The longest that a sample lasts: programs export totals of days, weeks and months at most. What is longer is a total
+/// that says nothing of a day, and a store need not look further back than this for what reaches into a span.
+inline constexpr std::chrono::days longestSample{31};
+
 /// Why this cannot be a record, as a sentence fit for an error; none when it can. A record says what its type asks for,
-/// does not end before it starts and names its source. Amounts are in a unit that measures the type, below the limit
-/// (and so finite), and not below zero unless they are temperatures.
+/// does not end before it starts, lies within the years above, lasts no longer than that (`standHour` and `rollHour`:
+/// one hour exactly) and names its source. Amounts are in a unit that measures the type, below the limit (and so
+/// finite), and not below zero unless they are temperatures.
 [[nodiscard]] std::optional<std::string> problem(const QZHKSample& sample);
 
 }  // namespace qz

@@ -1,56 +1,50 @@
 #pragma once
 
-#include <QZHealthKit/QZHKQuery.h>
-#include <QZHealthKit/QZHKSample.h>
 #include <QZHealthKit/QZHKUnit.h>
 #include <QZKit/Clock.h>
 
 #include <chrono>
-#include <map>
 #include <optional>
-#include <span>
-#include <string>
 
 namespace qz {
 
-/// Figures over some samples. One that was not asked for is absent, and so is one that no sample has anything to say
-/// of: that nothing was measured is not the same as zero.
-struct QZHKFigures {
+/// Figures over the samples that a query matches. One that was not asked for is absent, and so is one of which no
+/// sample has anything to say: that nothing was measured is not the same as zero. Every store answers by these rules.
+///
+/// The sum. A sample that lies only partly in the span adds the share of its amount that falls to the share of its time
+/// in the span; one without length adds all of it where its moment lies. What has no amount adds one where it starts,
+/// and nothing to a span that it only reaches into. A workout is such a thing in `count`; in a unit of energy or of
+/// length it adds what it took, like an amount, and nothing where that was not measured.
+///
+/// What people enter (origin()) all adds up. Of what is measured, what several sources measured at the same time counts
+/// once: a phone and a watch that both count the steps of one walk. To tell, the span is cut at every quarter of an
+/// hour since 1970-01-01T00:00:00Z, and in each of these stretches the source that adds most stands, alone, with all of
+/// its samples. The stretch is what makes two records of one thing meet: clocks that differ by seconds, a total of a
+/// moment beside another source's walk of minutes, long samples beside short ones.
+///
+/// So one more sample never lowers a sum; the sum is no less than that of any source by itself, and no more than those
+/// of all sources together; and the sums of two spans that meet at a whole quarter of an hour, as days do that begin at
+/// one in any zone of today, add up to that of both, but for the rounding of doubles. Where several sources measured in
+/// a quarter of an hour that is cut, each of its parts is judged by itself, and the two may come to more than the
+/// whole.
+///
+/// The duration is the time of the span that some sample covers, whichever source it is of: what several cover counts
+/// once, and a sample without length covers none.
+///
+/// Least, greatest and most recent take each sample with its whole amount, however little of it lies in the span. The
+/// most recent sample is the one that ended last; of several, the one that started last, and of those the one with the
+/// greatest identifier.
+struct QZHKStatistics {
+  QZHKUnit unit = QZHKUnit::count;  ///< of all figures but the duration
   std::optional<double> sum;
-  std::optional<double> average;
   std::optional<double> minimum;
   std::optional<double> maximum;
   std::optional<double> mostRecent;
-  std::optional<Moment> mostRecentEnd;  ///< when the sample of the most recent amount ended
+  std::optional<Moment>
+      mostRecentEnd;  ///< when the sample of the most recent amount ended, which may be after the span
   std::optional<std::chrono::microseconds> duration;
-
-  friend bool operator==(const QZHKFigures&, const QZHKFigures&) = default;
-};
-
-/// What a statistics query answers.
-struct QZHKStatistics {
-  QZHKUnit unit = QZHKUnit::count;              ///< of all figures but the duration
-  QZHKFigures figures;                          ///< of all sources together
-  std::map<std::string, QZHKFigures> bySource;  ///< of each source by itself; empty unless asked for
 
   friend bool operator==(const QZHKStatistics&, const QZHKStatistics&) = default;
 };
-
-/// The answer to a query from a list of samples: those that match are taken, in whatever order they come.
-///
-/// - The sum counts once what several sources measured at the same time: a phone and a watch that both count the steps
-///   of one walk. The source with the greater sum goes first (of equal ones, the first by name); a sample of another is
-///   left out of the sum when it overlaps one that is in it. What people enter themselves (origin(type)) all counts,
-///   and so do all samples in the figures of a single source.
-/// - A sample without an amount counts one in a sum; a workout adds its energy or distance in such a unit, and nothing
-///   where it was not measured.
-/// - Amounts are added in the unit they came in and converted after that, without the errors of rounding that adding up
-///   brings: ten times 100 mL make 1 L, and so do ten times 0.1 L.
-/// - The mean takes each sample once, however long it lasted.
-/// - The most recent sample is the one that ended last; of several, the one that also started last.
-///
-/// Throws QZHealthStoreError (`invalidQuery`) where problem(query) says why.
-/// REQUIRES: no sample that matches has a problem().
-[[nodiscard]] QZHKStatistics statistics(std::span<const QZHKSample> samples, const QZHKStatisticsQuery& query);
 
 }  // namespace qz

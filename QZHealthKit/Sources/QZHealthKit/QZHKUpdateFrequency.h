@@ -8,8 +8,10 @@
 
 namespace qz {
 
-/// How often, at most, an observer is told of new samples. What comes in between is told together when the hour, day or
-/// week is over. The raw value is the name of the case.
+/// How often, at most, an observer is told of changes. The first change is told at once; what follows within an hour,
+/// day or week of it is told together when that time is over. The time runs within one process and is not kept: a
+/// process that ends before it is over finds the rest by asking when it starts again. The raw value is the name of the
+/// case.
 enum class QZHKUpdateFrequency : std::uint8_t {
   immediate,  ///< with every change
   hourly,     ///< once an hour

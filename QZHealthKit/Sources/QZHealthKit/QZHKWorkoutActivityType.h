@@ -120,7 +120,4 @@ struct RawValueTable<QZHKWorkoutActivityType> {
   }};
 };
 
-/// The plain English title, fit to stand alone: "Strength training".
-[[nodiscard]] std::string_view title(QZHKWorkoutActivityType type);
-
 }  // namespace qz

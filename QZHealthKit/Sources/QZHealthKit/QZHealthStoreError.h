@@ -11,7 +11,6 @@ namespace qz {
 class QZHealthStoreError : public Error {
  public:
   enum class Reason : std::uint8_t {
-    notAvailable,   ///< there are no health data here
     invalidQuery,   ///< the figures that were asked for do not exist for the type
     invalidSample,  ///< a sample that was to be saved cannot be a record
     storage,        ///< what holds the samples could not be read or written
