@@ -40,8 +40,7 @@ struct QZHKStatistics {
   std::optional<double> minimum;
   std::optional<double> maximum;
   std::optional<double> mostRecent;
-  std::optional<Moment>
-      mostRecentEnd;  ///< when the sample of the most recent amount ended, which may be after the span
+  std::optional<Moment> mostRecentEnd;  ///< when that sample ended, which may be after the span
   std::optional<std::chrono::microseconds> duration;
 
   friend bool operator==(const QZHKStatistics&, const QZHKStatistics&) = default;
