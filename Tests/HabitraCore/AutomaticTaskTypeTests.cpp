@@ -6,11 +6,13 @@
 #include <rapidcheck/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <set>
 #include <string>
-#include <unordered_set>
+#include <vector>
 
 #include "HabitraCore/AutomaticTypeGenerators.h"
 #include "HabitraCore/CodingComplaints.h"
@@ -108,49 +110,84 @@ TEST(AutomaticTypes, SourcesAreNumberedAndReadOnlyWhatTheyKnow) {
     EXPECT_EQ(TaskType::fromRawValue(unknown), std::nullopt) << unknown;
 }
 
-struct Parts {
-  AutomaticTaskType type;
-  Period period;
-  std::int64_t suggested;
-  std::int64_t standard;
-  std::int64_t most;
-};
-
-class Completions : public testing::TestWithParam<Parts> {};
-
-TEST_P(Completions, SplitATarget) {
-  const auto& [type, period, suggested, standard, most] = GetParam();
-  EXPECT_EQ(type.suggestedNumPartialCompletions(period), suggested);
-  EXPECT_EQ(type.defaultPartialCompletions(period), standard);
-  EXPECT_EQ(type.maxPartialCompletions(period), most);
-}
-
 using H = HealthType;
 using U = TypeUnit;
+
+/// Something that is computed, and what it has to come to.
+struct Sum {
+  std::string what;
+  std::function<std::vector<double>()> compute;
+  std::vector<double> expected;
+
+  friend void PrintTo(const Sum& sum, std::ostream* out) { *out << sum.what; }
+};
+
+/// Into how many parts a target is split: suggested, to begin with, at most.
+Sum parts(const AutomaticTaskType& type, Period period, double suggested, double standard, double most) {
+  const auto compute = [type, period]() -> std::vector<double> {
+    return {static_cast<double>(type.suggestedNumPartialCompletions(period)),
+            static_cast<double>(type.defaultPartialCompletions(period)),
+            static_cast<double>(type.maxPartialCompletions(period))};
+  };
+  return {nlohmann::json(type).dump() + " in a " + std::string(caseName(period)), compute, {suggested, standard, most}};
+}
+
+/// A timer: the quantity it keeps, what the rules measure it by, and what one completion lasts, to the very second.
+Sum timed(double seconds, std::int64_t count, TypeUnit unit, double quantity) {
+  const auto compute = [=]() -> std::vector<double> {
+    const auto timer = AutomaticTaskType::timer(seconds, count, unit, DataSource::currentTask);
+    return {timer.quantity, timer.measure().target, timer.timerDurationPerCompletion(count)};
+  };
+  return {std::to_string(count) + " x " + std::to_string(seconds) + " s in " + std::string(rawValue(unit)),
+          compute,
+          {quantity, seconds * static_cast<double>(count), seconds}};
+}
+
+/// An amount as it is recorded, of water and as a distance; each also sees the units of the other.
+Sum cut(double quantity, TypeUnit unit, double water, double distance) {
+  const auto compute = [=]() -> std::vector<double> {
+    return {HealthType::normalizeWaterValue(quantity, unit), HealthType::normalizeDistanceValue(quantity, unit)};
+  };
+  return {std::to_string(quantity) + " " + std::string(rawValue(unit)), compute, {water, distance}};
+}
+
+class Arithmetic : public testing::TestWithParam<Sum> {};
+
+TEST_P(Arithmetic, IsExact) { EXPECT_EQ(GetParam().compute(), GetParam().expected); }
+
 INSTANTIATE_TEST_SUITE_P(
-    AutomaticTypes, Completions,
-    testing::Values(Parts{typed(H::dietaryDrinkWater, 2, U::litres), Period::day, 8, 1, 18},
-                    Parts{typed(H::dietaryDrinkWater, 64, U::fluidOuncesUS), Period::day, 8, 1, 18},
-                    Parts{typed(H::dietaryDrinkWater, 3000, U::millilitres), Period::day, 12, 1, 18},
-                    Parts{typed(H::dietaryDrinkWater, 20, U::cupsUS), Period::day, 18, 18, 18},
-                    Parts{typed(H::dietaryDrinkWater, 20, U::cupsUS), Period::week, 20, 20, 36},
-                    Parts{typed(H::dietaryDrinkWater, 12, U::cupsUS), Period::day, 12, 12, 18},
-                    Parts{typed(H::dietaryDrinkWater, 0.5, U::cupsUS), Period::day, 1, 1, 18},
-                    Parts{typed(H::dietaryDrinkWater, 500, U::grams), Period::day, 1, 1, 18},
-                    Parts{typed(H::handwashingEvent, 0, std::nullopt), Period::day, 6, 1, 18},
-                    Parts{typed(H::handwashingEvent, 20, U::durationSeconds), Period::day, 1, 1, 1},
-                    Parts{typed(H::alcoholConsumption, 3.9, U::drinks), Period::day, 3, 1, 18},
-                    Parts{typed(H::alcoholConsumption, 60, U::drinks), Period::month, 36, 1, 36},
-                    Parts{typed(H::toothbrushingEventBrush, 2, U::durationMinutes), Period::day, 2, 1, 18},
-                    Parts{typed(H::mindfulMinutes, 10, U::durationMinutes), Period::year, 1, 1, 36},
-                    Parts{typed(H::dietaryIron, 18, U::milligrams), Period::day, 1, 1, 18},
-                    Parts{typed(H::energyDeficit, 500, U::calories), Period::day, 1, 1, 1},
-                    Parts{typed(H::activity, 0, std::nullopt), Period::day, 1, 1, 1},
-                    Parts{typed(H::workout, 0, std::nullopt), Period::fortnight, 1, 1, 36},
-                    Parts{typed(H::workout, 30, U::durationMinutes), Period::week, 1, 1, 1},
-                    Parts{typed(H::recordWeight, 0, std::nullopt), Period::day, 1, 1, 18},
-                    Parts{AutomaticTaskType{}, Period::day, 1, 1, 18},
-                    Parts{AutomaticTaskType{.type = TaskType::screenTime()}, Period::week, 1, 1, 1}));
+    AutomaticTypes, Arithmetic,
+    testing::Values(parts(typed(H::dietaryDrinkWater, 2, U::litres), Period::day, 8, 1, 18),
+                    parts(typed(H::dietaryDrinkWater, 64, U::fluidOuncesUS), Period::day, 8, 1, 18),
+                    parts(typed(H::dietaryDrinkWater, 3000, U::millilitres), Period::day, 12, 1, 18),
+                    parts(typed(H::dietaryDrinkWater, 20, U::cupsUS), Period::day, 18, 18, 18),
+                    parts(typed(H::dietaryDrinkWater, 20, U::cupsUS), Period::week, 20, 20, 36),
+                    parts(typed(H::dietaryDrinkWater, 12, U::cupsUS), Period::day, 12, 12, 18),
+                    parts(typed(H::dietaryDrinkWater, 0.5, U::cupsUS), Period::day, 1, 1, 18),
+                    parts(typed(H::dietaryDrinkWater, 500, U::grams), Period::day, 1, 1, 18),
+                    parts(typed(H::handwashingEvent, 0, std::nullopt), Period::day, 6, 1, 18),
+                    parts(typed(H::handwashingEvent, 20, U::durationSeconds), Period::day, 1, 1, 1),
+                    parts(typed(H::alcoholConsumption, 3.9, U::drinks), Period::day, 3, 1, 18),
+                    parts(typed(H::alcoholConsumption, 60, U::drinks), Period::month, 36, 1, 36),
+                    parts(typed(H::toothbrushingEventBrush, 2, U::durationMinutes), Period::day, 2, 1, 18),
+                    parts(typed(H::mindfulMinutes, 10, U::durationMinutes), Period::year, 1, 1, 36),
+                    parts(typed(H::dietaryIron, 18, U::milligrams), Period::day, 1, 1, 18),
+                    parts(typed(H::energyDeficit, 500, U::calories), Period::day, 1, 1, 1),
+                    parts(typed(H::activity, 0, std::nullopt), Period::day, 1, 1, 1),
+                    parts(typed(H::workout, 0, std::nullopt), Period::fortnight, 1, 1, 36),
+                    parts(typed(H::workout, 30, U::durationMinutes), Period::week, 1, 1, 1),
+                    parts(typed(H::recordWeight, 0, std::nullopt), Period::day, 1, 1, 18),
+                    parts(AutomaticTaskType{}, Period::day, 1, 1, 18),
+                    parts(AutomaticTaskType{.type = TaskType::screenTime()}, Period::week, 1, 1, 1),
+                    timed(600, 3, U::durationMinutes, 30), timed(600, 3, U::durationHours, 0.5),
+                    timed(600, 3, U::durationSeconds, 1800), timed(600, 3, U::litres, 1800),
+                    timed(125, 1, U::durationMinutes, 125.0 / 60), timed(1'980, 7, U::durationHours, 3.85),
+                    timed(31, 36, U::durationMinutes, 18.6), cut(0, U::litres, 0, 0), cut(0.04, U::litres, 0.1, 0.1),
+                    cut(1.29, U::litres, 1.2, 1.2), cut(0.3, U::litres, 0.3, 0.3), cut(-2, U::litres, 0.1, 0.1),
+                    cut(0.2, U::cupsUS, 1, 0.2), cut(2.57, U::cupsUS, 2.5, 2.5), cut(0.99, U::fluidOuncesUS, 1, 0.9),
+                    cut(250.06, U::millilitres, 250, 250), cut(4.99, U::distanceKm, 4.9, 4.9),
+                    cut(0.01, U::distanceMiles, 0.1, 0.1), cut(399.9, U::distanceMeters, 399.9, 399),
+                    cut(0.4, U::distanceYards, 0.4, 1)));
 
 TEST(AutomaticTypes, AnAmountThatIsNoCountStopsTheProgram) {
   for (const double wild : {std::numeric_limits<double>::infinity(), std::nan(""), 1e300}) {
@@ -163,30 +200,17 @@ TEST(AutomaticTypes, AnAmountThatIsNoCountStopsTheProgram) {
         static_cast<void>(typed(H::alcoholConsumption, wild, U::drinks).suggestedNumPartialCompletions(Period::day)),
         "not a count");
     EXPECT_DEATH(static_cast<void>(HealthType::normalizeWaterValue(wild, U::litres)), "not a count");
+    EXPECT_DEATH(static_cast<void>(HealthType::normalizeDistanceValue(wild, U::distanceKm)), "not a count");
   }
 }
 
-TEST(AutomaticTypes, ATimerKeepsItsTargetInItsUnit) {
-  const auto quantity = [](TypeUnit unit) {
-    return AutomaticTaskType::timer(600, 3, unit, DataSource::currentTask).quantity;
-  };
-  EXPECT_EQ(quantity(U::durationMinutes), 30);
-  EXPECT_EQ(quantity(U::durationHours), 0.5);
-  EXPECT_EQ(quantity(U::durationSeconds), 1800);
+TEST(AutomaticTypes, ATimerIsMadeOfItsCompletions) {
   AutomaticTaskType timer = AutomaticTaskType::timer(600, 3, U::durationMinutes, DataSource::allData);
   EXPECT_EQ(timer.type, TaskType::timer());
   EXPECT_EQ(timer.speeds, TypeSpeeds{TypeSpeed::timed});
   EXPECT_EQ(timer.extra, std::nullopt);
   EXPECT_EQ(timer.dataSource, DataSource::allData);
-  EXPECT_EQ(timer.timerDurationPerCompletion(3), 600);
-  for (const double seconds : {31.0, 62.0, 125.0, 500.0, 1'860.0, 1'980.0}) {
-    for (const TypeUnit unit : {U::durationSeconds, U::durationMinutes, U::durationHours}) {
-      timer = AutomaticTaskType::timer(seconds, 7, unit, DataSource::allData);
-      EXPECT_EQ(timer.measure().target, seconds * 7) << "what has run to its end is done";
-      EXPECT_EQ(timer.timerDurationPerCompletion(7), seconds);
-    }
-  }
-  timer = AutomaticTaskType::timer(600, 3, U::durationMinutes, DataSource::allData);
+  EXPECT_EQ(timer.unit, U::durationMinutes);
   timer.setTimerDuration(90, 2);
   EXPECT_EQ(timer.quantity, 3);
   EXPECT_EQ(timer.measure(), (TaskMeasure{.kind = TaskMeasure::Kind::timed, .target = 180}));
@@ -240,8 +264,6 @@ TEST(AutomaticTypes, StartWithWhatTheirSourceOffers) {
     if (type.unit) {
       EXPECT_TRUE(type.quantityOptions(Period::week)->contains(type.quantity)) << type.quantity;
     }
-    EXPECT_EQ(type.icon(), type.suggestedIcons().front());
-    EXPECT_EQ(type.usesHealthKit(), source.healthType().has_value());
     EXPECT_FALSE(type.displayTitleForTargetQuantity({}).text().empty());
   }
   const auto timer = AutomaticTaskType::ofNewTask(TaskType::timer(), Period::day);
@@ -275,7 +297,9 @@ TEST(AutomaticTypes, AskTheHealthStoreWhatItCanAnswer) {
       const auto options = type.healthKitStatisticsOptions();
       EXPECT_EQ(options.isEmpty(), health == H::activity || health == H::bedtime);
       const auto asked = unit ? unit : health == H::workout ? std::nullopt : health.defaultUnit();
-      for (const qz::QZHKObjectType read : health.healthKitReadTypes(asked, health.defaultSpeeds())) {
+      const auto reads = health.healthKitReadTypes(asked, health.defaultSpeeds());
+      EXPECT_FALSE(reads.empty());
+      for (const qz::QZHKObjectType read : reads) {
         const qz::QZHKSampleQuery samples{.objectType = read, .span = {}, .predicate = {}};
         if (options.isEmpty()) continue;
         EXPECT_EQ(qz::problem({.samples = samples, .unit = type.healthKitCountUnit(), .options = options}),
@@ -288,6 +312,11 @@ TEST(AutomaticTypes, AskTheHealthStoreWhatItCanAnswer) {
   EXPECT_EQ(typed(H::workout, 30, U::durationMinutes).healthKitStatisticsOptions(),
             qz::QZHKStatisticsOptions::duration);
   EXPECT_EQ(typed(H::sleep, 8, U::durationHours).healthKitCountUnit(), qz::QZHKUnit::hour);
+}
+
+TEST(AutomaticTypes, SpeedsOfANightAreShownFromTheWholeToTheBed) {
+  const TypeSpeeds chosen{TypeSpeed::inBed, TypeSpeed::sleepREM, TypeSpeed::timed, TypeSpeed::sleepAsleep};
+  EXPECT_EQ(chosen.sortedSleepOptions(), (std::vector{TypeSpeed::sleepAsleep, TypeSpeed::sleepREM, TypeSpeed::inBed}));
 }
 
 TEST(AutomaticTypes, NeighboursOfATargetAreOnOffer) {

@@ -44,6 +44,8 @@ inline std::optional<TypeExtra> anyExtra() {
 
 inline AutomaticTaskType anyAutomaticType() {
   AutomaticTaskType type{.type = anyTaskType(), .quantity = anyQuantity()};
+  const bool canBeBelowZero = type.type.healthType() == HealthType::energyDeficit;
+  if (canBeBelowZero && qz::between(0, 1) == 1) type.quantity = -type.quantity;
   if (qz::between(0, 3) != 0) type.unit = anyCase<TypeUnit>();
   type.speeds = anySpeeds();
   type.extra = anyExtra();

@@ -85,6 +85,7 @@ TEST(DisplayTitle, SaysNoneWhereAnyAtAllFails) {
   EXPECT_EQ(toAvoid({H::bedtime, 0, U::timeOfDay, {S::inBedAfter}}), "Do not go to bed after 00:00");
   // To stay out of "0 at most" takes more than 0.
   EXPECT_EQ(toAvoid({H::energyDeficit, 0, U::calories, {S::lessThan}}), "Energy deficit over 0 kcal");
+  EXPECT_EQ(toAvoid({H::energyDeficit, -500, U::calories, {S::greaterThan}}), "Energy deficit under -500 kcal");
 }
 
 TEST(DisplayTitle, SpeaksOfPartsOnlyWhereThereAreAny) {

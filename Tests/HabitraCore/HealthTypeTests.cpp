@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <HabitraCore/AutomaticTaskType/HealthType.h>
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
-#include <QZHealthKit/QZHKQuery.h>
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
@@ -72,7 +71,7 @@ TEST(HealthTypes, EveryAmountOfEveryPeriodIsOneOnOffer) {
 
 TEST(HealthTypes, UnitsOfATypeOfferTheSameAmounts) {
   forEachQuantity([](HealthType type, const QuantityRow& row) {
-    EXPECT_EQ(quantityRow(type, row.unit), &row) << "offered twice";
+    EXPECT_EQ(quantityRow(healthTypeRow(type).quantities, row.unit), &row) << "offered twice";
     for (const QuantityRow& other : healthTypeRow(type).quantities) {
       const auto usual = other.unit.convert(other.usual, row.unit);
       if (!usual) continue;
@@ -168,38 +167,6 @@ TEST(HealthTypes, HaveUpToFourIconsEach) {
     EXPECT_EQ(std::set(icons.begin(), icons.end()).size(), icons.size()) << caseName(type);
     for (const std::string_view icon : icons) EXPECT_TRUE(icon.starts_with("ic_") && icon.size() > 3) << icon;
   }
-}
-
-struct Normalisation {
-  double quantity;
-  TypeUnit unit;
-  double water;
-  double distance;
-};
-
-TEST(HealthTypes, RecordedAmountsAreCutAndHaveALeast) {
-  // Amounts of water, and of distance; each function also sees the units of the other.
-  for (const auto& [quantity, unit, water, distance] : {
-           Normalisation{0, U::litres, 0, 0},
-           Normalisation{0.04, U::litres, 0.1, 0.1},
-           Normalisation{1.29, U::litres, 1.2, 1.2},
-           Normalisation{0.3, U::litres, 0.3, 0.3},
-           Normalisation{-2, U::litres, 0.1, 0.1},
-           Normalisation{0.2, U::cupsUS, 1, 0.2},
-           Normalisation{2.57, U::cupsUS, 2.5, 2.5},
-           Normalisation{0.99, U::fluidOuncesUS, 1, 0.9},
-           Normalisation{250.06, U::millilitres, 250, 250},
-           Normalisation{4.99, U::distanceKm, 4.9, 4.9},
-           Normalisation{0.01, U::distanceMiles, 0.1, 0.1},
-           Normalisation{399.9, U::distanceMeters, 399.9, 399},
-           Normalisation{0.4, U::distanceYards, 0.4, 1},
-       }) {
-    SCOPED_TRACE(std::to_string(quantity) + " " + std::string(rawValue(unit)));
-    EXPECT_EQ(HealthType::normalizeWaterValue(quantity, unit), water);
-    EXPECT_EQ(HealthType::normalizeDistanceValue(quantity, unit), distance);
-  }
-  for (const double wild : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), -1e18})
-    EXPECT_DEATH(static_cast<void>(HealthType::normalizeDistanceValue(wild, U::distanceKm)), "not a count");
 }
 
 TEST(ValueRanges, HoldDecimalsAsTheyAreWritten) {

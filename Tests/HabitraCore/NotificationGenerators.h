@@ -3,7 +3,6 @@
 #include <HabitraCore/Notifications/TaskNotificationSettings.h>
 #include <rapidcheck.h>
 
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -24,16 +23,9 @@ inline bool anyBool() { return qz::between(0, 1) == 1; }
 /// With a fraction that does not come out even in binary, so that digits lost on the way would show.
 inline double anyNumber() { return static_cast<double>(qz::between(-1'000'000'000, 1'000'000'000)) / 997.0; }
 
-/// Not below 0; sometimes one of the bounds.
-inline double anyNumberTo(double most) {
-  return *rc::gen::weightedElement<double>({{1, 0.0}, {1, most}, {8, std::abs(anyNumber())}});
-}
-
-inline double anyDuration() { return anyNumberTo(TaskReminder::Trigger::longestDuration); }
-
 inline std::set<std::int64_t> anyDayIndexes() {
   std::set<std::int64_t> indexes;
-  for (std::int64_t i = qz::between(0, 5); i > 0; --i) indexes.insert(qz::between(0, TaskReminder::greatestDayIndex));
+  for (std::int64_t i = qz::between(0, 5); i > 0; --i) indexes.insert(*rc::gen::arbitrary<std::int64_t>());
   return indexes;
 }
 
@@ -45,7 +37,7 @@ inline TriggerRegion anyRegion() {
           .title = anyOrNone(anyText),
           .latitude = anyNumber(),
           .longitude = anyNumber(),
-          .radius = anyNumberTo(TriggerRegion::longestRadius),
+          .radius = anyNumber(),
           .notifyOnEntry = anyBool(),
           .notifyOnExit = anyBool(),
           .icon = anyOrNone(anyText)};
@@ -56,7 +48,7 @@ inline TaskReminder::Trigger anyTrigger() {
   return {.type = anyCase<TaskReminder::TriggerType>(),
           .timeOfDay = anyOrNone(qz::anyTime),
           .region = anyOrNone(anyRegion),
-          .duration = anyOrNone(anyDuration)};
+          .duration = anyOrNone(anyNumber)};
 }
 
 inline TaskReminder anyReminder() {
@@ -80,7 +72,7 @@ inline TaskNotificationSettings anyNotificationSettings() {
       .badgeTo = anyOrNone(qz::anyTime),
       .badgeTimeZone = anyOrNone(anyCase<NotificationTimeZone>),
       .reminderType = anyCase<ReminderType>(),
-      .maxReminders = qz::between(0, TaskNotificationSettings::greatestMaxReminders),
+      .maxReminders = *rc::gen::arbitrary<std::int64_t>(),
       .completedNotification = anyBool(),
       .partiallyCompletedNotification = anyOrNone(anyBool),
       .completedOrMissedSound = anyOrNone(anyCase<SoundEffect>),

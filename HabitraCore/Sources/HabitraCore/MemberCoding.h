@@ -11,8 +11,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <type_traits>
-#include <utility>
 
 /// How the members of a coded record are read and written by the type of the field, those that must be there and those
 /// that may be absent: truth values, finite numbers, whole numbers, texts, days of the calendar, enumerations with a

@@ -20,7 +20,9 @@ namespace qz {
 /// once: a phone and a watch that both count the steps of one walk. To tell, the span is cut at every quarter of an
 /// hour since 1970-01-01T00:00:00Z, and in each of these stretches the source that adds most stands, alone, with all of
 /// its samples. The stretch is what makes two records of one thing meet: clocks that differ by seconds, a total of a
-/// moment beside another source's walk of minutes, long samples beside short ones.
+/// moment beside another source's walk of minutes, long samples beside short ones. What has no length, or counts one
+/// where it starts, can still fall to both sides of a cut and count twice; and what two sources recorded within one
+/// stretch counts as one thing, though it may have been two.
 ///
 /// So one more sample never lowers a sum; the sum is no less than that of any source by itself, and no more than those
 /// of all sources together; and the sums of two spans that meet at a whole quarter of an hour, as days do that begin at

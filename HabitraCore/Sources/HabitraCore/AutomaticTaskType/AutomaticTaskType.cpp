@@ -43,11 +43,6 @@ std::span<const QuantityRow> quantityRows(const AutomaticTaskType::TaskType& typ
   return healthTypeRow(*type.healthType()).quantities;
 }
 
-const QuantityRow* quantityRow(std::span<const QuantityRow> rows, TypeUnit unit) {
-  const auto row = std::find_if(rows.begin(), rows.end(), [unit](const QuantityRow& r) { return r.unit == unit; });
-  return row == rows.end() ? nullptr : &*row;
-}
-
 }  // namespace
 
 std::optional<AutomaticTaskType::TaskType> AutomaticTaskType::TaskType::fromRawValue(std::string_view rawValue) {
@@ -76,14 +71,15 @@ std::string_view AutomaticTaskType::TaskType::rawValue() const {
 
 AutomaticTaskType AutomaticTaskType::ofNewTask(const TaskType& type, TaskFrequencyPeriodType measurementDuration) {
   AutomaticTaskType automatic{.type = type};
-  const auto healthType = type.healthType();
-  if (healthType) automatic.speeds = healthType->defaultSpeeds();
-  if (type.kind() == Kind::timer) automatic.speeds = {TypeSpeed::timed};
-  const auto rows = quantityRows(type);
-  if (!rows.empty()) {
-    automatic.unit = rows.front().unit;
-    automatic.quantity = usualQuantity(rows.front(), measurementDuration);
+  if (const auto healthType = type.healthType()) {
+    automatic.speeds = healthType->defaultSpeeds();
+    if (const auto target = healthType->defaultTarget(measurementDuration)) automatic.setTaskTarget(*target);
+    return automatic;
   }
+  const QuantityRow& usual = quantityRows(type).front();
+  automatic.setTaskTarget({.quantity = usualQuantity(usual, measurementDuration),
+                           .unit = usual.unit,
+                           .speeds = type.kind() == Kind::timer ? TypeSpeeds{TypeSpeed::timed} : TypeSpeeds{}});
   return automatic;
 }
 
@@ -121,7 +117,7 @@ TaskMeasure AutomaticTaskType::measure() const {
             .unit = unit ? unit->timerUnit() : TaskProgressTimer::Unit::minutes};
   }
   const auto healthType = type.healthType();
-  if (healthType == HealthType::activity) return {.kind = TaskMeasure::Kind::rings};
+  if (healthType && healthTypeRow(*healthType).measured == Measured::rings) return {.kind = TaskMeasure::Kind::rings};
   const bool isQuantityBased = !healthType || healthType->isQuantityBased();
   if (isQuantityBased && unit && unit->isQuantifiable())
     return {.kind = TaskMeasure::Kind::quantity, .target = quantity};

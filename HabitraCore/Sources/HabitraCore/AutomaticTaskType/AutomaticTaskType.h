@@ -62,7 +62,8 @@ struct AutomaticTaskType {
   };
 
   TaskType type = TaskType::timer();
-  double quantity = 0.0;         ///< the target of a period, in `unit`; at most greatestQuantity
+  /// The target of a period, in `unit`: at most greatestQuantity, and not below 0 but for an energy deficit.
+  double quantity = 0.0;
   std::optional<TypeUnit> unit;  ///< absent where there is no quantity
   TypeSpeeds speeds;
   std::optional<TypeExtra> extra;
@@ -74,7 +75,7 @@ struct AutomaticTaskType {
   static constexpr std::int64_t minPartialCompletions = 1;
 
   /// A timer of so many completions of so many seconds each. The unit is that in which the target is kept and shown;
-  /// any but minutes and hours keeps seconds.
+  /// any but minutes and hours keeps seconds. REQUIRES: the seconds are finite and not below 0.
   [[nodiscard]] static AutomaticTaskType timer(double durationPerCompletion, std::int64_t numPartialCompletions,
                                                TypeUnit unit, DataSource dataSource);
   /// What a new task with this source starts with: unit, quantity and speeds, no extra, the default data source.

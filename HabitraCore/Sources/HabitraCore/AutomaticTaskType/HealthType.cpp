@@ -41,7 +41,7 @@ std::optional<TypeUnit> HealthType::defaultUnit() const {
 }
 
 std::optional<double> HealthType::defaultQuantity(TypeUnit unit, TaskFrequencyPeriodType measurementDuration) const {
-  const QuantityRow* row = quantityRow(*this, unit);
+  const QuantityRow* row = quantityRow(healthTypeRow(*this).quantities, unit);
   return row ? std::optional(usualQuantity(*row, measurementDuration)) : std::nullopt;
 }
 
@@ -57,7 +57,7 @@ std::optional<TaskTarget> HealthType::defaultTarget(TaskFrequencyPeriodType meas
 
 std::optional<ValueRange> HealthType::quantityOptions(TypeUnit unit,
                                                       TaskFrequencyPeriodType measurementDuration) const {
-  const QuantityRow* row = quantityRow(*this, unit);
+  const QuantityRow* row = quantityRow(healthTypeRow(*this).quantities, unit);
   return row ? std::optional(habitra::quantityOptions(*row, measurementDuration)) : std::nullopt;
 }
 
@@ -106,7 +106,7 @@ bool HealthType::writesToHealthKit() const { return healthTypeRow(*this).writesB
 
 std::vector<qz::QZHKObjectType> HealthType::healthKitReadTypes(std::optional<TypeUnit> unit, TypeSpeeds speeds) const {
   const HealthTypeRow& row = healthTypeRow(*this);
-  const QuantityRow* quantity = unit ? quantityRow(*this, *unit) : nullptr;
+  const QuantityRow* quantity = unit ? quantityRow(row.quantities, *unit) : nullptr;
   const auto& reads = quantity && !quantity->reads.empty() ? quantity->reads : row.reads;
   std::vector<qz::QZHKObjectType> types(reads.begin(), reads.end());
   if (!isPartOfSpeeds(row, speeds)) return types;

@@ -35,8 +35,8 @@ const HealthTypeRow& healthTypeRow(HealthType type) {
   return index < numNutritionRows ? nutritionRows()[index] : recordRows()[index - numNutritionRows];
 }
 
-const QuantityRow* quantityRow(HealthType type, TypeUnit unit) {
-  for (const QuantityRow& row : healthTypeRow(type).quantities) {
+const QuantityRow* quantityRow(std::span<const QuantityRow> rows, TypeUnit unit) {
+  for (const QuantityRow& row : rows) {
     if (row.unit == unit) return &row;
   }
   return nullptr;

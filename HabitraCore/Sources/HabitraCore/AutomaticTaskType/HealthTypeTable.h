@@ -139,8 +139,8 @@ struct HealthTypeRow {
 };
 
 [[nodiscard]] const HealthTypeRow& healthTypeRow(HealthType type);
-/// The row of a unit that a type offers; null for any other unit.
-[[nodiscard]] const QuantityRow* quantityRow(HealthType type, TypeUnit unit);
+/// The row of a unit among those that are offered; null for any other unit.
+[[nodiscard]] const QuantityRow* quantityRow(std::span<const QuantityRow> rows, TypeUnit unit);
 
 inline constexpr std::size_t numActivityRows = static_cast<std::size_t>(HealthType::dietaryDrinkWater);
 inline constexpr std::size_t numNutritionRows = static_cast<std::size_t>(HealthType::recordWeight) - numActivityRows;

@@ -9,8 +9,8 @@
 //   hours a working day to begin with;
 // - standing and rolling hours: some movement in each of 12 waking hours;
 // - steps: 10,000, the number that people expect; it comes from no guideline.
-// Distances, flights, pushes and energies are round middling figures of our own. Usual amounts
-// of one type in several units that measure the same are the same amount, as near as the steps allow.
+// Distances, flights, pushes and energies are round middling figures of our own. Usual amounts of one type in several
+// units that measure the same are the same amount, as near as the steps allow.
 
 #include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
+#include <HabitraCore/AutomaticTaskType/HealthTypeTable.h>
 #include <HabitraCore/AutomaticTaskType/TaskTarget.h>
 #include <HabitraCore/MemberCoding.h>
 
@@ -13,7 +14,9 @@ namespace habitra {
 [[nodiscard]] inline bool isQuantity(double value) { return std::abs(value) <= greatestQuantity; }
 /// The same for a certain source: only a balance of energies can be wanted below 0.
 [[nodiscard]] inline bool isQuantity(double value, const AutomaticTaskType::TaskType& type) {
-  return isQuantity(value) && (value >= 0 || type.healthType() == HealthType::energyDeficit);
+  const auto healthType = type.healthType();
+  const bool isBalance = healthType && healthTypeRow(*healthType).measured == Measured::balance;
+  return isQuantity(value) && (value >= 0 || isBalance);
 }
 
 /// The member "quantity". Throws qz::DecodingError naming the key where it is missing, no number or too great.

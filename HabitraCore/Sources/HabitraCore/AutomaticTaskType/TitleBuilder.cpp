@@ -212,11 +212,11 @@ std::string customTitle(std::string text, const std::string& quantity) {
   return text;
 }
 
-/// Whether any at all fails: of something to avoid, one thing or nothing. An amount of a deficit that may be at most so
-/// great is avoided by a greater one; 0 o'clock is a time like any other.
+/// Whether any at all fails: of something to avoid, one thing or nothing. A balance can be below nothing, and 0 o'clock
+/// is a time like any other.
 bool anyFails(const TitleTarget& target, bool isNegative) {
-  if (!isNegative || !target.quantity || !target.unit) return false;
-  if (!target.unit->isQuantifiable() || target.speeds.contains(TypeSpeed::lessThan)) return false;
+  if (!isNegative || !target.quantity || !target.unit || target.form == TitleForm::energyDeficit) return false;
+  if (!target.unit->isQuantifiable()) return false;
   return *target.quantity <= (target.unit->isCounted() ? 1 : 0);
 }
 

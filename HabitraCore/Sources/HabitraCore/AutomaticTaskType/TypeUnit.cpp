@@ -1,4 +1,5 @@
 #include <HabitraCore/AutomaticTaskType/TypeUnit.h>
+#include <HabitraCore/OrderedRows.h>
 
 #include <cstddef>
 
@@ -7,7 +8,7 @@ namespace habitra {
 namespace {
 
 struct UnitRow {
-  TypeUnit unit;
+  TypeUnit::Case unit;
   std::string_view symbol;
   TypeUnit::Dimension dimension;
   qz::QZHKUnit healthKit;  ///< whose row holds the factor to the base unit
@@ -45,13 +46,7 @@ constexpr std::array<UnitRow, 21> unitRows = [] {
   }};
 }();
 
-constexpr bool standInOrder() {
-  for (std::size_t i = 0; i < unitRows.size(); ++i) {
-    if (static_cast<std::size_t>(TypeUnit::Case(unitRows[i].unit)) != i) return false;
-  }
-  return true;
-}
-static_assert(standInOrder(), "a unit's place is its number");
+static_assert(standInOrder(unitRows, &UnitRow::unit), "a unit's place is its number");
 
 const UnitRow& rowOf(TypeUnit unit) { return unitRows[static_cast<std::size_t>(TypeUnit::Case(unit))]; }
 

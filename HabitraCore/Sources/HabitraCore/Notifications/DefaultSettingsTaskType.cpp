@@ -1,4 +1,5 @@
 #include <HabitraCore/Notifications/DefaultSettingsTaskType.h>
+#include <HabitraCore/OrderedRows.h>
 
 #include <array>
 #include <cstddef>
@@ -40,13 +41,7 @@ constexpr std::array<DefaultsRow, 4> defaults{{
      .everythingElseIsTimeSensitive = false},
 }};
 
-constexpr bool standInOrder() {
-  for (std::size_t i = 0; i < defaults.size(); ++i) {
-    if (static_cast<std::size_t>(defaults[i].kind) != i) return false;
-  }
-  return true;
-}
-static_assert(standInOrder(), "a kind's place is its number");
+static_assert(standInOrder(defaults, &DefaultsRow::kind), "a kind's place is its number");
 
 /// A timer that is over before anyone has looked at it is not shown (seconds).
 constexpr double shortestShownTimer = 60;

@@ -11,8 +11,7 @@ namespace {
 using Problems = std::vector<NotificationProblem>;
 
 static_assert(TaskReminder::greatestDayIndex == 366 && TaskReminder::Trigger::longestDuration == 1'000'000'000 &&
-                  TriggerRegion::longestRadius == 100'000'000 &&
-                  TaskNotificationSettings::greatestMaxReminders == 2'147'483'647,
+                  TriggerRegion::longestRadius == 100'000'000,
               "the rules below spell these out");
 
 void append(Problems& problems, const Problems& more) { problems.insert(problems.end(), more.begin(), more.end()); }
@@ -81,10 +80,9 @@ std::vector<NotificationProblem> problems(const TaskReminder& reminder) {
 std::vector<NotificationProblem> problems(const TaskNotificationSettings& settings) {
   Problems found;
   requireBoth(found, "badgeFrom", settings.badgeFrom, "badgeTo", settings.badgeTo);
-  if (settings.maxReminders < 0 || settings.maxReminders > TaskNotificationSettings::greatestMaxReminders) {
-    found.push_back({.field = "maxReminders",
-                     .rule = "be from 0 to 2147483647",
-                     .found = static_cast<double>(settings.maxReminders)});
+  if (settings.maxReminders < 0) {
+    found.push_back(
+        {.field = "maxReminders", .rule = "be 0 or more", .found = static_cast<double>(settings.maxReminders)});
   }
   for (const TaskReminder& reminder : settings.reminders) {
     Problems own = problems(reminder);

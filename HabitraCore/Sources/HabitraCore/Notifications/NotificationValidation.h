@@ -27,15 +27,14 @@ struct NotificationProblem {
 };
 
 /// What a person has to mend; nothing when all is good:
-/// - badgeFrom and badgeTo: both or neither; maxReminders: 0 to greatestMaxReminders; every reminder as below;
+/// - badgeFrom and badgeTo: both or neither; maxReminders: 0 or more; every reminder as below;
 /// - of a reminder: daysOfWeek holds a day, day indexes are 0 to greatestDayIndex, snoozeTime and snoozeDate both or
 ///   neither, the date one that exists;
-/// - of its trigger: the field that its type needs (neededField) is there; region and duration, needed or not, are
-/// good,
-///   the duration 0 to longestDuration;
+/// - of its trigger: the field that its type needs (neededField) is there; a duration, needed or not, is 0 to
+///   longestDuration, and a region is good;
 /// - of a region: latitude -90 to 90, longitude -180 to 180, radius above 0 and up to longestRadius, notifyOnEntry or
 ///   notifyOnExit.
-/// What has no problems, and no text that is not UTF-8, is read back as it was written.
+/// Readers let all of this pass, so whoever counts or schedules by such a number asks here first.
 [[nodiscard]] std::vector<NotificationProblem> problems(const TaskNotificationSettings& settings);
 [[nodiscard]] std::vector<NotificationProblem> problems(const TaskReminder& reminder);
 [[nodiscard]] std::vector<NotificationProblem> problems(const TaskReminder::Trigger& trigger);

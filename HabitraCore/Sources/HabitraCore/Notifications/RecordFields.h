@@ -76,12 +76,6 @@ void decodeFields(const nlohmann::json& json, Record& record) {
   visitFields(record, [&json](const char* name, auto& field) { decodeField(json, name, field); });
 }
 
-/// Refuses a number that was read under `key` and lies outside of two bounds.
-template <typename Number>
-void refuseOutside(const char* key, Number value, Number least, Number most) {
-  if (value < least || value > most) refuseMember(key, value);
-}
-
 // Coding.
 
 inline void encodeField(nlohmann::json& json, const char* key, const qz::UniqueID& field) { json[key] = field.text(); }

@@ -1,4 +1,5 @@
 #include <HabitraCore/Notifications/SoundEffect.h>
+#include <HabitraCore/OrderedRows.h>
 
 #include <cstddef>
 
@@ -6,21 +7,12 @@ namespace habitra {
 
 namespace {
 
-/// Whether each row stands at the place of its case, where it is looked for, and no case is without one.
-template <typename Row, std::size_t count, typename E>
-constexpr bool standInOrder(const std::array<Row, count>& rows, E Row::*key) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (static_cast<std::size_t>(rows[i].*key) != i) return false;
-  }
-  return count == RawValueTable<E>::rows.size();
-}
-
 struct SoundTitle {
   SoundEffect sound;
   std::string_view title;
 };
 
-constexpr std::array<SoundTitle, 10> soundTitles{{
+constexpr std::array<SoundTitle, RawValueTable<SoundEffect>::rows.size()> soundTitles{{
     {SoundEffect::silent, "Silent"},
     {SoundEffect::chime, "Chime"},
     {SoundEffect::bell, "Bell"},
@@ -40,7 +32,7 @@ struct SlotSound {
 };
 
 /// Progress sounds lighter than success, and a miss is never a fanfare.
-constexpr std::array<SlotSound, 6> slotSounds{{
+constexpr std::array<SlotSound, RawValueTable<SoundType>::rows.size()> slotSounds{{
     {SoundType::taskComplete, SoundEffect::chime},
     {SoundType::taskPartiallyComplete, SoundEffect::waterDrop},
     {SoundType::taskMissed, SoundEffect::knock},

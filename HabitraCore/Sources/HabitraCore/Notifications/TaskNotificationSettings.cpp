@@ -53,9 +53,6 @@ std::string TaskNotificationSettings::debugDescription() const { return describe
 
 void to_json(nlohmann::json& json, const TaskNotificationSettings& settings) { json = encodeFields(settings); }
 
-void from_json(const nlohmann::json& json, TaskNotificationSettings& settings) {
-  decodeFields(json, settings);
-  refuseOutside("maxReminders", settings.maxReminders, std::int64_t{0}, TaskNotificationSettings::greatestMaxReminders);
-}
+void from_json(const nlohmann::json& json, TaskNotificationSettings& settings) { decodeFields(json, settings); }
 
 }  // namespace habitra

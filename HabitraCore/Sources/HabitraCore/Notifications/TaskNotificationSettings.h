@@ -61,8 +61,6 @@ namespace habitra {
 /// How the system may draw attention to a task. An absent choice is not "no": it means that the default applies.
 struct TaskNotificationSettings {
   static constexpr std::int64_t defaultMaxReminders = 3;
-  /// As high as 32 bits count.
-  static constexpr std::int64_t greatestMaxReminders = 2'147'483'647;
 
   BadgeMode badgeMode = BadgeMode::includeWhenIncomplete;
   /// The hours of the day in which it counts, the last moment excluded; from an evening to a morning they go past
@@ -74,7 +72,7 @@ struct TaskNotificationSettings {
   std::optional<NotificationTimeZone> badgeTimeZone;
   ReminderType reminderType = ReminderType::none;
   /// The most automatic reminders that a task sends on one day, however long it stays undone; reminders of the task's
-  /// own are not counted. 0 is none; up to greatestMaxReminders.
+  /// own are not counted. 0, or less, is none.
   std::int64_t maxReminders = defaultMaxReminders;
   bool completedNotification = false;
   std::optional<bool> partiallyCompletedNotification;
@@ -101,8 +99,8 @@ struct TaskNotificationSettings {
 
 /// Coded under the names of the fields; an absent field is an absent key.
 void to_json(nlohmann::json& json, const TaskNotificationSettings& settings);
-/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown badgeMode or
-/// reminderType, or maxReminders out of its range; an unknown text of an optional choice is no choice.
+/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, or an unknown badgeMode or
+/// reminderType; an unknown text of an optional choice is no choice.
 void from_json(const nlohmann::json& json, TaskNotificationSettings& settings);
 
 }  // namespace habitra

@@ -54,15 +54,6 @@ bool TaskReminder::Trigger::isComplete() const {
   return timeOfDay.has_value();
 }
 
-namespace {
-
-void refuseImpossible(const char* key, const std::optional<std::set<std::int64_t>>& indexes) {
-  if (!indexes) return;
-  for (const std::int64_t index : *indexes) refuseOutside(key, index, std::int64_t{0}, TaskReminder::greatestDayIndex);
-}
-
-}  // namespace
-
 std::string TaskReminder::Trigger::debugDescription() const { return describeFields(*this); }
 
 std::string TaskReminder::debugDescription() const {
@@ -77,10 +68,7 @@ std::string TaskReminder::debugDescription() const {
 
 void to_json(nlohmann::json& json, const TaskReminder::Trigger& trigger) { json = encodeFields(trigger); }
 
-void from_json(const nlohmann::json& json, TaskReminder::Trigger& trigger) {
-  decodeFields(json, trigger);
-  if (trigger.duration) refuseOutside("duration", *trigger.duration, 0.0, TaskReminder::Trigger::longestDuration);
-}
+void from_json(const nlohmann::json& json, TaskReminder::Trigger& trigger) { decodeFields(json, trigger); }
 
 }  // namespace habitra
 
@@ -91,7 +79,5 @@ void nlohmann::adl_serializer<habitra::TaskReminder>::to_json(json& json, const 
 habitra::TaskReminder nlohmann::adl_serializer<habitra::TaskReminder>::from_json(const json& json) {
   habitra::TaskReminder reminder{.uniqueId = qz::UniqueID(qz::UniqueID::Bytes{})};
   habitra::decodeFields(json, reminder);
-  habitra::refuseImpossible("dayIndexesFromStart", reminder.dayIndexesFromStart);
-  habitra::refuseImpossible("dayIndexesFromFinish", reminder.dayIndexesFromFinish);
   return reminder;
 }

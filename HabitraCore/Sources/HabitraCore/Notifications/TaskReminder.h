@@ -39,7 +39,7 @@ struct TaskReminder {
     TriggerType type = TriggerType::timeOfDay;
     std::optional<qz::HHMMSS> timeOfDay;
     std::optional<TriggerRegion> region;
-    std::optional<double> duration;  ///< seconds, 0 to longestDuration
+    std::optional<double> duration;  ///< seconds; 0 to longestDuration make sense
 
     /// Whether the field that the type needs is there.
     [[nodiscard]] bool isComplete() const;
@@ -60,8 +60,9 @@ struct TaskReminder {
   qz::DaysOfWeek daysOfWeek = qz::DayOfWeek::every();  ///< the weekdays on which it applies
 
   /// For a task measured over more than a day: the days of the period on which it applies, counted from the first, and
-  /// counted back from the last: 0, the first day itself or the last, to greatestDayIndex. Where both are there either
-  /// one will do, and where neither is every day will.
+  /// counted back from the last; 0 is the first day itself, or the last. Any number can be held and read; those beyond
+  /// 0 to greatestDayIndex are days of no period. Where both are there either one will do, and where neither is every
+  /// day will.
   std::optional<std::set<std::int64_t>> dayIndexesFromStart;
   std::optional<std::set<std::int64_t>> dayIndexesFromFinish;
 
@@ -86,14 +87,14 @@ struct TaskReminder {
 /// Coded under the names of the fields; an absent field is an absent key. Weekdays and day indexes are lists in
 /// ascending order.
 void to_json(nlohmann::json& json, const TaskReminder::Trigger& trigger);
-/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown type, or a duration out of
-/// its range. Only the type must be there.
+/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, or an unknown type. Only the type
+/// must be there.
 void from_json(const nlohmann::json& json, TaskReminder::Trigger& trigger);
 
 }  // namespace habitra
 
 /// The same for a reminder. Its identifier is read from any text that qz::UniqueID::fromText reads; a snoozeDate must
-/// be a day that the calendar has, weekdays and day indexes numbers in their range. The form for a type without a
+/// be a day that the calendar has, weekdays numbers from 0 to 6. The form for a type without a
 /// default: no reminder is without its identifier.
 template <>
 struct nlohmann::adl_serializer<habitra::TaskReminder> {

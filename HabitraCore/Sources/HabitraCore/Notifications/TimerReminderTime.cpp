@@ -1,5 +1,4 @@
 #include <HabitraCore/Notifications/RecordFields.h>
-#include <HabitraCore/Notifications/TaskReminder.h>
 #include <HabitraCore/Notifications/TimerReminderTime.h>
 #include <QZDateTime/ISO8601.h>
 
@@ -14,7 +13,6 @@ void to_json(nlohmann::json& json, const TimerReminderTime& time) {
 void from_json(const nlohmann::json& json, TimerReminderTime& time) {
   time.type = decodeMember<TimerReminderType>(json, "type");
   time.duration = decodeMember<double>(json, "duration");
-  refuseOutside("duration", time.duration, 0.0, TaskReminder::Trigger::longestDuration);
   const auto date = qz::momentFromISO8601(decodeMember<std::string>(json, "date"));
   // With an offset, a text of the first or the last day can name a moment outside of the years that are written.
   if (!date || *date < TimerReminderTime::firstDate || *date >= TimerReminderTime::endOfDates)

@@ -34,7 +34,7 @@ struct TimerReminderTime {
   static constexpr qz::Moment endOfDates = std::chrono::sys_days(std::chrono::year(10'000) / 1 / 1);
 
   TimerReminderType type = TimerReminderType::completed;
-  double duration = 0;  ///< seconds, 0 to TaskReminder::Trigger::longestDuration
+  double duration = 0;  ///< seconds
   qz::Moment date{};    ///< the moment at which that will be so, from firstDate to before endOfDates
 
   friend bool operator==(const TimerReminderTime&, const TimerReminderTime&) = default;
@@ -42,7 +42,7 @@ struct TimerReminderTime {
 
 /// Coded under the names of the fields, the moment as ISO 8601 in UTC.
 void to_json(nlohmann::json& json, const TimerReminderTime& time);
-/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown type, or what is out of
+/// Throws qz::DecodingError naming the key that is missing or of the wrong kind, an unknown type, or a date out of
 /// its range.
 void from_json(const nlohmann::json& json, TimerReminderTime& time);
 

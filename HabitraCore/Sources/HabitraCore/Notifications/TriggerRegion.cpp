@@ -23,9 +23,6 @@ std::string TriggerRegion::debugDescription() const { return describeFields(*thi
 
 void to_json(nlohmann::json& json, const TriggerRegion& region) { json = encodeFields(region); }
 
-void from_json(const nlohmann::json& json, TriggerRegion& region) {
-  decodeFields(json, region);
-  refuseOutside("radius", region.radius, 0.0, TriggerRegion::longestRadius);
-}
+void from_json(const nlohmann::json& json, TriggerRegion& region) { decodeFields(json, region); }
 
 }  // namespace habitra
