@@ -64,8 +64,7 @@ std::optional<HealthType> AutomaticTaskType::TaskType::healthType() const {
 }
 
 std::string_view AutomaticTaskType::TaskType::rawValue() const {
-  const auto type = healthType();
-  if (type) return habitra::rawValue(*type);
+  if (const auto health = healthType()) return habitra::rawValue(*health);
   return kind() == Kind::timer ? "timer" : "screenTime";
 }
 
