@@ -47,6 +47,7 @@ TEST(UTF8Tests, RefusesWhatIsNotWellFormed) {
 
 TEST(UTF8Tests, MessagesStayOnOneLine) {
   EXPECT_EQ(qz::utf8::quoted("a\n\x1B[31m\xFF\u202E\u0085"), "\"a\\n\\x1B[31m\\xFF\\u202E\\u0085\"");
+  EXPECT_EQ(qz::utf8::quoted("say \"a\\b\""), "\"say \\\"a\\\\b\\\"\"");
   EXPECT_EQ(qz::utf8::quoted(std::string(41, 'x')), "\"" + std::string(40, 'x') + "...\"");
   EXPECT_EQ(qz::utf8::quoted(std::string(40, 'x')), "\"" + std::string(40, 'x') + "\"");
 }

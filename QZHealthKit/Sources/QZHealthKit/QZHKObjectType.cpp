@@ -1,4 +1,5 @@
 #include <QZHealthKit/QZHKObjectType.h>
+#include <QZKit/OrderedRows.h>
 
 #include <array>
 #include <cstddef>
@@ -109,13 +110,7 @@ constexpr std::array<ObjectTypeRow, 82> rows = [] {
   }};
 }();
 
-// A row is found by its place.
-static_assert([] {
-  for (std::size_t index = 0; index < rows.size(); ++index) {
-    if (static_cast<std::size_t>(rows[index].type) != index) return false;
-  }
-  return rows.size() == RawValueTable<QZHKObjectType>::rows.size();
-}());
+static_assert(standInOrder(rows, &ObjectTypeRow::type), "a row is found by its place");
 
 const ObjectTypeRow& rowOf(QZHKObjectType type) { return rows[static_cast<std::size_t>(type)]; }
 

@@ -1,4 +1,5 @@
 #include <QZHealthKit/QZHKUnit.h>
+#include <QZKit/OrderedRows.h>
 
 #include <cstddef>
 #include <numeric>
@@ -57,13 +58,7 @@ constexpr std::array<UnitRow, 32> unitRows = [] {
   }};
 }();
 
-// A row is found by its place.
-static_assert([] {
-  for (std::size_t index = 0; index < unitRows.size(); ++index) {
-    if (static_cast<std::size_t>(unitRows[index].unit) != index) return false;
-  }
-  return unitRows.size() == RawValueTable<QZHKUnit>::rows.size();
-}());
+static_assert(standInOrder(unitRows, &UnitRow::unit), "a row is found by its place");
 
 const UnitRow& rowOf(QZHKUnit unit) { return unitRows[static_cast<std::size_t>(unit)]; }
 

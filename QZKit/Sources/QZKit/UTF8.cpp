@@ -39,6 +39,31 @@ std::string escaped(char32_t c) {
   return number < 0x80 ? fmt::format("\\x{:02X}", number) : fmt::format("\\u{:04X}", number);
 }
 
+/// `text` in one line, cut after `longest` characters; with a backslash before each of `marked`.
+std::string inOneLine(std::string_view text, std::size_t longest, std::string_view marked) {
+  std::string result;
+  std::size_t shown = 0;
+  for (std::size_t at = 0; at < text.size(); ++shown) {
+    if (shown == longest) {
+      result += "...";
+      break;
+    }
+    const auto character = firstCharacter(text.substr(at));
+    if (!character) {
+      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[at++]));
+      continue;
+    }
+    if (marked.find(text[at]) != std::string_view::npos) result += '\\';
+    if (isUnprintable(character->value)) {
+      result += escaped(character->value);
+    } else {
+      result += text.substr(at, character->length);
+    }
+    at += character->length;
+  }
+  return result;
+}
+
 }  // namespace
 
 std::optional<Character> firstCharacter(std::string_view text) {
@@ -79,29 +104,10 @@ std::string repaired(std::string_view text) {
   return result;
 }
 
-std::string printable(std::string_view text, std::size_t longest) {
-  std::string result;
-  std::size_t shown = 0;
-  for (std::size_t at = 0; at < text.size(); ++shown) {
-    if (shown == longest) {
-      result += "...";
-      break;
-    }
-    const auto character = firstCharacter(text.substr(at));
-    if (!character) {
-      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(text[at++]));
-      continue;
-    }
-    if (isUnprintable(character->value)) {
-      result += escaped(character->value);
-    } else {
-      result += text.substr(at, character->length);
-    }
-    at += character->length;
-  }
-  return result;
-}
+std::string printable(std::string_view text, std::size_t longest) { return inOneLine(text, longest, ""); }
 
-std::string quoted(std::string_view text) { return "\"" + printable(text) + "\""; }
+std::string quoted(std::string_view text, std::size_t longest) {
+  return "\"" + inOneLine(text, longest, "\"\\") + "\"";
+}
 
 }  // namespace qz::utf8

@@ -28,7 +28,8 @@ struct Character {
 /// (\n, \x07, \u202E), and what is longer than `longest` characters is cut and ends in "...".
 [[nodiscard]] std::string printable(std::string_view text, std::size_t longest = 40);
 
-/// The same in double quotes.
-[[nodiscard]] std::string quoted(std::string_view text);
+/// The same in double quotes. Those within, and backslashes, are escaped by a backslash, so that no text can pass for
+/// more than itself.
+[[nodiscard]] std::string quoted(std::string_view text, std::size_t longest = 40);
 
 }  // namespace qz::utf8

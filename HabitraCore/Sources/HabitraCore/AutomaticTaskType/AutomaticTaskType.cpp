@@ -21,6 +21,12 @@ constexpr std::array<QuantityRow, 3> timedQuantities{{
     {.unit = TypeUnit::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 1},
 }};
 
+// A limit is thought of in quarters of an hour and whole hours.
+constexpr std::array<QuantityRow, 2> screenTimeQuantities{{
+    {.unit = TypeUnit::durationMinutes, .lowest = 5, .highest = 720, .step = 5, .usual = 60, .steps = timeSteps},
+    {.unit = TypeUnit::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 1, .steps = timeSteps},
+}};
+
 constexpr std::array<std::string_view, 3> timerIcons{"ic_timer", "ic_stopwatch", "ic_hourglass"};
 constexpr std::array<std::string_view, 3> screenTimeIcons{"ic_screen_time", "ic_phone", "ic_laptop"};
 
@@ -29,12 +35,6 @@ constexpr std::array supportedModes = [] {
   for (std::size_t i = 0; i < modes.size(); ++i) modes[i] = RawValueTable<TaskFrequency::DayMode>::rows[i].value;
   return modes;
 }();
-
-// A limit is thought of in quarters of an hour and whole hours.
-constexpr std::array<QuantityRow, 2> screenTimeQuantities{{
-    {.unit = TypeUnit::durationMinutes, .lowest = 5, .highest = 720, .step = 5, .usual = 60, .steps = timeSteps},
-    {.unit = TypeUnit::durationHours, .lowest = 0.25, .highest = 16, .step = 0.25, .usual = 1, .steps = timeSteps},
-}};
 
 /// The units that a source offers, the usual one first.
 std::span<const QuantityRow> quantityRows(const AutomaticTaskType::TaskType& type) {

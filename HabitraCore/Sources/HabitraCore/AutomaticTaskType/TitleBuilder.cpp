@@ -101,12 +101,10 @@ class Wording {
   }
 
   /// Whether the number of completions is worth a word: not of an amount to avoid, of which parts mean nothing, nor of
-  /// one that has none: a time of day, and what is done one by one (every drink and every hour is a completion).
+  /// a time of day, which has none.
   [[nodiscard]] bool isInParts() const {
     if (count_ == 1 || !amount_) return count_ > 1;
-    const bool isOneByOne = target_.form == TitleForm::alcohol || target_.form == TitleForm::standHours ||
-                            target_.form == TitleForm::rollHours;
-    return !isNegative_ && amount_->unit.isQuantifiable() && !isOneByOne;
+    return !isNegative_ && amount_->unit.isQuantifiable();
   }
 
   /// The template of a row for the sign and the number of completions, with what the language puts around it.

@@ -1,5 +1,5 @@
 #include <HabitraCore/AutomaticTaskType/TypeUnit.h>
-#include <HabitraCore/OrderedRows.h>
+#include <QZKit/OrderedRows.h>
 
 #include <cstddef>
 
@@ -17,11 +17,11 @@ struct UnitRow {
 
 // In order of declaration. The decimals are those that people use: a hundredth of a kilometre is ten paces, nobody
 // drinks a tenth of a millilitre; of vitamins a tenth of a microgram matters (2.4 mcg of B12).
-constexpr std::array<UnitRow, 21> unitRows = [] {
+constexpr std::array<UnitRow, RawValueTable<TypeUnit>::rows.size()> unitRows = [] {
   using U = TypeUnit;
   using D = TypeUnit::Dimension;
   using H = qz::QZHKUnit;
-  return std::array<UnitRow, 21>{{
+  return std::array<UnitRow, RawValueTable<TypeUnit>::rows.size()>{{
       {U::distanceKm, "km", D::distance, H::kilometre, 2},
       {U::distanceMeters, "m", D::distance, H::metre, 0},
       {U::distanceMiles, "mi", D::distance, H::mile, 2},
@@ -46,7 +46,7 @@ constexpr std::array<UnitRow, 21> unitRows = [] {
   }};
 }();
 
-static_assert(standInOrder(unitRows, &UnitRow::unit), "a unit's place is its number");
+static_assert(qz::standInOrder(unitRows, &UnitRow::unit), "a unit's place is its number");
 
 const UnitRow& rowOf(TypeUnit unit) { return unitRows[static_cast<std::size_t>(TypeUnit::Case(unit))]; }
 

@@ -1,5 +1,5 @@
 #include <HabitraCore/Notifications/DefaultSettingsTaskType.h>
-#include <HabitraCore/OrderedRows.h>
+#include <QZKit/OrderedRows.h>
 
 #include <array>
 #include <cstddef>
@@ -41,7 +41,7 @@ constexpr std::array<DefaultsRow, 4> defaults{{
      .everythingElseIsTimeSensitive = false},
 }};
 
-static_assert(standInOrder(defaults, &DefaultsRow::kind), "a kind's place is its number");
+static_assert(qz::standInOrder(defaults, &DefaultsRow::kind), "a kind's place is its number");
 
 /// A timer that is over before anyone has looked at it is not shown (seconds).
 constexpr double shortestShownTimer = 60;

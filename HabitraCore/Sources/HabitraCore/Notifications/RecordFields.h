@@ -105,15 +105,9 @@ template <typename Record>
 [[nodiscard]] inline std::string describe(const qz::HHMMSS& value) { return value.debugDescription(); }
 [[nodiscard]] inline std::string describe(const qz::YYYYMMDD& value) { return std::to_string(value.intValue()); }
 
-/// Whatever a person wrote, in one line and in double quotes: those within, and backslashes, follow a backslash, so
-/// that no text can pass for further fields.
+/// Whatever a person wrote stands in double quotes, so that no text can pass for further fields.
 [[nodiscard]] inline std::string describe(const std::string& value) {
-  std::string text;
-  for (const char c : value) {
-    if (c == '"' || c == '\\') text += '\\';
-    text += c;
-  }
-  return "\"" + qz::utf8::printable(text, std::string::npos) + "\"";
+  return qz::utf8::quoted(value, std::string::npos);
 }
 
 /// With as few digits as tell it from every other number: "300", "0.5".

@@ -1,5 +1,5 @@
 #include <HabitraCore/Notifications/SoundEffect.h>
-#include <HabitraCore/OrderedRows.h>
+#include <QZKit/OrderedRows.h>
 
 #include <cstddef>
 
@@ -24,7 +24,7 @@ constexpr std::array<SoundTitle, RawValueTable<SoundEffect>::rows.size()> soundT
     {SoundEffect::fanfare, "Fanfare"},
     {SoundEffect::knock, "Knock"},
 }};
-static_assert(standInOrder(soundTitles, &SoundTitle::sound), "a sound's place is its number");
+static_assert(qz::standInOrder(soundTitles, &SoundTitle::sound), "a sound's place is its number");
 
 struct SlotSound {
   SoundType slot;
@@ -40,7 +40,7 @@ constexpr std::array<SlotSound, RawValueTable<SoundType>::rows.size()> slotSound
     {SoundType::reminder, SoundEffect::bell},
     {SoundType::timerNotification, SoundEffect::gong},
 }};
-static_assert(standInOrder(slotSounds, &SlotSound::slot), "a slot's place is its number");
+static_assert(qz::standInOrder(slotSounds, &SlotSound::slot), "a slot's place is its number");
 
 }  // namespace
 
