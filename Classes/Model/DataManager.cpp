@@ -21,14 +21,6 @@ std::string_view DataManager::fileName(StoreFile file) {
   return "Habitra-Local.sqlite";
 }
 
-DataManager::ContainerLocation DataManager::ContainerLocation::url(std::filesystem::path file) {
-  ContainerLocation location;
-  location.file_ = std::move(file);
-  return location;
-}
-
-DataManager::ContainerLocation DataManager::ContainerLocation::inMemory() { return {}; }
-
 DataManager::Environment DataManager::processEnvironment() {
   return [](const std::string& name) -> std::optional<std::string> {
     const char* value = std::getenv(name.c_str());

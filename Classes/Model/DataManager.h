@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraModel/ContainerLocation.h>
 #include <HabitraModel/Store/Author.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
@@ -30,21 +31,7 @@ class DataManager {
   };
   [[nodiscard]] static std::string_view fileName(StoreFile file);
 
-  /// Where a container keeps its store.
-  class ContainerLocation {
-   public:
-    /// A file; its folder is the home.
-    [[nodiscard]] static ContainerLocation url(std::filesystem::path file);
-    [[nodiscard]] static ContainerLocation inMemory();
-
-    /// None: in memory.
-    [[nodiscard]] const std::optional<std::filesystem::path>& file() const { return file_; }
-
-    friend bool operator==(const ContainerLocation&, const ContainerLocation&) = default;
-
-   private:
-    std::optional<std::filesystem::path> file_;
-  };
+  using ContainerLocation = habitra::ContainerLocation;
 
   /// Looks up an environment variable; none when it is not set.
   using Environment = std::function<std::optional<std::string>(const std::string& name)>;

@@ -1,0 +1,76 @@
+#include <HabitraModel/HabitraNSPersistentCloudKitContainer.h>
+
+#include <utility>
+
+namespace habitra {
+
+HabitraNSPersistentCloudKitContainer::HabitraNSPersistentCloudKitContainer(ContainerLocation location,
+                                                                           std::shared_ptr<const qz::Clock> clock)
+    : clock_(std::move(clock)), location_(std::move(location)) {}
+
+HabitraNSPersistentCloudKitContainer::~HabitraNSPersistentCloudKitContainer() = default;
+
+ContainerLocation HabitraNSPersistentCloudKitContainer::location() const {
+  const std::scoped_lock lock(mutex_);
+  return location_;
+}
+
+void HabitraNSPersistentCloudKitContainer::setLocation(ContainerLocation location) {
+  const std::scoped_lock lock(mutex_);
+  location_ = std::move(location);
+  store_.reset();
+}
+
+std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::store() { return open(true); }
+
+std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::storeForReading() { return open(false); }
+
+bool HabitraNSPersistentCloudKitContainer::isOpen() const {
+  const std::scoped_lock lock(mutex_);
+  return store_ != nullptr;
+}
+
+void HabitraNSPersistentCloudKitContainer::close() {
+  const std::scoped_lock lock(mutex_);
+  store_.reset();
+}
+
+std::unique_ptr<StoreContext> HabitraNSPersistentCloudKitContainer::newBackgroundContext() {
+  return std::make_unique<StoreContext>(store());
+}
+
+std::unique_ptr<StoreContext> HabitraNSPersistentCloudKitContainer::newReadingContext() {
+  auto opened = storeForReading();
+  return opened == nullptr ? nullptr : std::make_unique<StoreContext>(std::move(opened));
+}
+
+std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::open(bool mayMake) {
+  const std::scoped_lock lock(mutex_);
+  if (store_ != nullptr) return store_;
+  const auto& file = location_.file();
+  if (!file)
+    store_ = Store::inMemory(clock_);
+  else
+    store_ = mayMake ? Store::open(*file, clock_) : Store::openForReading(*file, clock_);
+  return store_;
+}
+
+std::shared_ptr<void> HabitraNSPersistentCloudKitContainer::addObserver(EventObserver observer) {
+  auto token = std::make_shared<const EventObserver>(std::move(observer));
+  const std::scoped_lock lock(mutex_);
+  std::erase_if(observers_, [](const auto& observed) { return observed.expired(); });
+  observers_.push_back(token);
+  return std::const_pointer_cast<EventObserver>(token);
+}
+
+void HabitraNSPersistentCloudKitContainer::post(const SyncEvent& event) {
+  std::vector<std::shared_ptr<const EventObserver>> present;
+  {
+    const std::scoped_lock lock(mutex_);
+    for (const auto& observed : observers_)
+      if (auto observer = observed.lock()) present.push_back(std::move(observer));
+  }
+  for (const auto& observer : present) (*observer)(event);
+}
+
+}  // namespace habitra
