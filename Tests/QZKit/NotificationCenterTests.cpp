@@ -96,7 +96,7 @@ TEST(NotificationCenter, AfterTheEndOfAnObservationNoOtherThreadIsInItsHandler) 
       }
     });
   while (posts == 0) std::this_thread::yield();
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 100; ++round) {
     auto calls = std::make_unique<std::atomic<int>>(0);
     auto observation = center.addObserver("a", [target = calls.get()] { ++*target; });
     if (round % 2 == 0)
