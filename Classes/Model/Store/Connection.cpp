@@ -82,24 +82,29 @@ bool Statement::step() {
 
 void Statement::reset() noexcept { sqlite3_reset(handle_); }
 
-bool Statement::isNull(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_NULL; }
-bool Statement::isInteger(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_INTEGER; }
-bool Statement::isReal(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_FLOAT; }
-bool Statement::isText(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_TEXT; }
-bool Statement::isBytes(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_BLOB; }
-std::int64_t Statement::integer(int column) const { return sqlite3_column_int64(handle_, column); }
-double Statement::real(int column) const { return sqlite3_column_double(handle_, column); }
+Column Statement::column(int column) const { return Column(sqlite3_column_value(handle_, column)); }
 
-std::string_view Statement::text(int column) const {
-  const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
+// The engine calls such a value unprotected: only its connection's own thread may look at it, and only that does.
+Column::Column(sqlite3_value* value) : value_(value), type_(sqlite3_value_type(value)) {}
+
+bool Column::isNull() const { return type_ == SQLITE_NULL; }
+bool Column::isInteger() const { return type_ == SQLITE_INTEGER; }
+bool Column::isReal() const { return type_ == SQLITE_FLOAT; }
+bool Column::isText() const { return type_ == SQLITE_TEXT; }
+bool Column::isBytes() const { return type_ == SQLITE_BLOB; }
+std::int64_t Column::integer() const { return sqlite3_value_int64(value_); }
+double Column::real() const { return sqlite3_value_double(value_); }
+
+std::string_view Column::text() const {
+  const auto* data = reinterpret_cast<const char*>(sqlite3_value_text(value_));
   if (data == nullptr) return {};
-  return {data, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column))};
+  return {data, static_cast<std::size_t>(sqlite3_value_bytes(value_))};
 }
 
-Bytes Statement::bytes(int column) const {
-  const auto* data = static_cast<const std::uint8_t*>(sqlite3_column_blob(handle_, column));
+Bytes Column::bytes() const {
+  const auto* data = static_cast<const std::uint8_t*>(sqlite3_value_blob(value_));
   if (data == nullptr) return {};
-  return {data, data + sqlite3_column_bytes(handle_, column)};
+  return {data, data + sqlite3_value_bytes(value_)};
 }
 
 Query::Use::Use(Query& query) : query_(query) {

@@ -12,10 +12,31 @@
 
 struct sqlite3;
 struct sqlite3_stmt;
+struct sqlite3_value;
 
 namespace habitra {
 
 class Connection;
+
+/// One column of the row that a statement stands on, found once for several questions. Good until the next step.
+class Column {
+ public:
+  explicit Column(sqlite3_value* value);
+
+  [[nodiscard]] bool isNull() const;
+  [[nodiscard]] bool isInteger() const;
+  [[nodiscard]] bool isReal() const;
+  [[nodiscard]] bool isText() const;
+  [[nodiscard]] bool isBytes() const;
+  [[nodiscard]] std::int64_t integer() const;
+  [[nodiscard]] double real() const;
+  [[nodiscard]] std::string_view text() const;
+  [[nodiscard]] Bytes bytes() const;
+
+ private:
+  sqlite3_value* value_;
+  int type_;  // one of the engine's
+};
 
 /// A prepared statement. Every failure is a StoreError that names the store.
 class Statement {
@@ -37,15 +58,11 @@ class Statement {
   void reset() noexcept;
 
   // Columns are numbered from 0.
-  [[nodiscard]] bool isNull(int column) const;
-  [[nodiscard]] bool isInteger(int column) const;
-  [[nodiscard]] bool isReal(int column) const;
-  [[nodiscard]] bool isText(int column) const;
-  [[nodiscard]] bool isBytes(int column) const;
-  [[nodiscard]] std::int64_t integer(int column) const;
-  [[nodiscard]] double real(int column) const;
-  [[nodiscard]] std::string_view text(int column) const;  ///< good until the next step
-  [[nodiscard]] Bytes bytes(int column) const;
+  [[nodiscard]] Column column(int column) const;
+  [[nodiscard]] bool isNull(int column) const { return this->column(column).isNull(); }
+  [[nodiscard]] std::int64_t integer(int column) const { return this->column(column).integer(); }
+  [[nodiscard]] std::string_view text(int column) const { return this->column(column).text(); }
+  [[nodiscard]] Bytes bytes(int column) const { return this->column(column).bytes(); }
 
   [[nodiscard]] sqlite3_stmt* handle() const { return handle_; }
 

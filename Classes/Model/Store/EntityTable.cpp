@@ -32,35 +32,35 @@ std::string keyCondition(const EntityDescription& entity) {
 
 // A column that holds what its type says is read into the field; anything else is damage.
 
-bool read(Statement& row, int column, bool& value) {
-  const std::int64_t raw = row.integer(column);
+bool read(const Column& column, bool& value) {
+  const std::int64_t raw = column.integer();
   value = raw != 0;
-  return row.isInteger(column) && (raw == 0 || raw == 1);
+  return column.isInteger() && (raw == 0 || raw == 1);
 }
 template <std::signed_integral T>
-bool read(Statement& row, int column, T& value) {
-  const std::int64_t raw = row.integer(column);
-  if (!row.isInteger(column) || !std::in_range<T>(raw)) return false;
+bool read(const Column& column, T& value) {
+  const std::int64_t raw = column.integer();
+  if (!column.isInteger() || !std::in_range<T>(raw)) return false;
   value = static_cast<T>(raw);
   return true;
 }
-bool read(Statement& row, int column, double& value) {
-  value = row.real(column);
-  return row.isReal(column) && std::isfinite(value);
+bool read(const Column& column, double& value) {
+  value = column.real();
+  return column.isReal() && std::isfinite(value);
 }
-bool read(Statement& row, int column, std::string& value) {
-  if (!row.isText(column)) return false;
-  value = row.text(column);
+bool read(const Column& column, std::string& value) {
+  if (!column.isText()) return false;
+  value = column.text();
   return true;
 }
-bool read(Statement& row, int column, Bytes& value) {
-  if (!row.isBytes(column)) return false;
-  value = row.bytes(column);
+bool read(const Column& column, Bytes& value) {
+  if (!column.isBytes()) return false;
+  value = column.bytes();
   return true;
 }
-bool read(Statement& row, int column, qz::Moment& value) {
-  value = qz::Moment(std::chrono::microseconds(row.integer(column)));
-  return row.isInteger(column);
+bool read(const Column& column, qz::Moment& value) {
+  value = qz::Moment(std::chrono::microseconds(column.integer()));
+  return column.isInteger();
 }
 
 void bind(Statement& statement, int parameter, bool value) { statement.bind(parameter, std::int64_t{value}); }
@@ -99,17 +99,17 @@ std::string EntityTable::select(std::string_view rest) const {
 std::int64_t EntityTable::load(Statement& statement, void* object) const {
   entity_.objectID(object) = ObjectID{statement.integer(0)};
   for (std::size_t i = 0; i < entity_.attributes.size(); ++i) {
-    const int column = static_cast<int>(i) + 2;
-    const bool isRead = visitField(entity_.attributes[i], object, [&]<typename T>(T& value) {
+    const Column column = statement.column(static_cast<int>(i) + 2);
+    const bool isRead = visitField(entity_.attributes[i], object, [&column]<typename T>(T& value) {
       if constexpr (std::is_same_v<T, ObjectID>) {
-        value = ObjectID{statement.integer(column)};
-        return statement.isNull(column) || statement.isInteger(column);
+        value = ObjectID{column.integer()};
+        return column.isNull() || column.isInteger();
       } else if constexpr (isOptionalField<T>) {
-        if (!statement.isNull(column)) return read(statement, column, value.emplace());
+        if (!column.isNull()) return read(column, value.emplace());
         value.reset();
         return true;
       } else {
-        return read(statement, column, value);
+        return read(column, value);
       }
     });
     if (!isRead) refuse(statement, entity_.attributes[i].name);

@@ -76,8 +76,12 @@ void StoreContext::readLogEntries(ObjectID task, std::int32_t from, std::int32_t
 }
 
 std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std::int32_t from, std::int32_t to) {
+  parts_->beginView();
+  EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+  auto statement = table.betweenDays().use();
+  bindDays(*statement, task, from, to);
   std::vector<TaskLogEntryEntity> entries;
-  readLogEntries(task, from, to, [&entries](const TaskLogEntryEntity& entry) { entries.push_back(entry); });
+  while (statement->step()) table.load(*statement, &entries.emplace_back());
   return entries;
 }
 
