@@ -3,12 +3,14 @@
 #include <HabitraModel/Store/Schema.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/WritersTurn.h>
+#include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <map>
 #include <system_error>
 
 namespace habitra {
@@ -36,6 +38,13 @@ std::string immutableAddress(const std::filesystem::path& file) {
 }
 
 }  // namespace
+
+/// Who listens, by number.
+struct Store::Listeners {
+  std::mutex mutex;
+  int count = 0;
+  std::map<int, std::function<void()>> listeners;
+};
 
 Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock)
     : file_(std::move(file)),
@@ -67,6 +76,7 @@ std::shared_ptr<Store> Store::inMemory(std::shared_ptr<const qz::Clock> clock) {
   std::shared_ptr<Store> store(new Store({}, std::move(clock)));
   store->address_ = fmt::format("file:/habitra-{}?vfs=memdb", ++count);
   store->memoryTurn_ = std::make_shared<std::binary_semaphore>(1);
+  store->listeners_ = std::make_shared<Listeners>();
   store->keeper_ = store->makeConnection();
   store->makeSchema(*store->keeper_);
   return store;
@@ -123,6 +133,22 @@ std::unique_ptr<Connection> Store::connect() {
 std::unique_ptr<WritersTurn> Store::makeTurn() const {
   if (isInMemory()) return std::make_unique<WritersTurn>(memoryTurn_);
   return std::make_unique<WritersTurn>(file_.parent_path());
+}
+
+std::shared_ptr<void> Store::listen(std::function<void()> listener) {
+  qz::require(isInMemory(), "a store in a file is listened to");
+  const std::scoped_lock lock(listeners_->mutex);
+  const int number = ++listeners_->count;
+  listeners_->listeners.emplace(number, std::move(listener));
+  return {nullptr, [listeners = listeners_, number](void*) {
+            const std::scoped_lock ending(listeners->mutex);
+            listeners->listeners.erase(number);
+          }};
+}
+
+void Store::tellListeners() const {
+  const std::scoped_lock lock(listeners_->mutex);
+  for (const auto& [number, listener] : listeners_->listeners) listener();
 }
 
 ObjectID Store::nextObjectID(ObjectID newestStored) {

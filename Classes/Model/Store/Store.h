@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <semaphore>
@@ -55,8 +56,16 @@ class Store : public std::enable_shared_from_this<Store> {
   /// Names this object among all that write to the file; kept with each transaction.
   [[nodiscard]] const std::string& writer() const { return writer_; }
 
+  // For a StoreChangeWatcher of a store in memory, which has no file to watch.
+  /// Calls `listener` after each transaction of this object, on the thread that saved and under its turn, until the
+  /// token is let go of. It must not call back.
+  [[nodiscard]] std::shared_ptr<void> listen(std::function<void()> listener);
+
  private:
+  friend class StoreChangeSignal;
   friend class StoreUnit;
+
+  struct Listeners;
 
   Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock);
 
@@ -71,6 +80,7 @@ class Store : public std::enable_shared_from_this<Store> {
   [[nodiscard]] std::unique_ptr<WritersTurn> makeTurn() const;
   /// The number after `newestStored`, or after a greater one that was given to a row that was rolled back.
   [[nodiscard]] ObjectID nextObjectID(ObjectID newestStored);
+  void tellListeners() const;
 
   std::filesystem::path file_;
   std::string address_;  // what SQLite is asked to open
@@ -80,6 +90,7 @@ class Store : public std::enable_shared_from_this<Store> {
   std::atomic<std::int64_t> newestGivenID_{0};
   std::shared_ptr<std::binary_semaphore> memoryTurn_;  // in memory only
   std::unique_ptr<Connection> keeper_;                 // in memory only: keeps the content alive
+  std::shared_ptr<Listeners> listeners_;               // in memory only
   std::mutex firstConnectionMutex_;
   std::unique_ptr<Connection> firstConnection_;
 };

@@ -19,6 +19,7 @@ StoreUnit::StoreUnit(std::shared_ptr<Store> store)
     : store_(std::move(store)),
       connection_(store_->connect()),
       turn_(store_->makeTurn()),
+      signal_(store_),
       beginView_(*connection_, "BEGIN"),
       beginUnit_(*connection_, "BEGIN IMMEDIATE"),
       commit_(*connection_, "COMMIT"),
@@ -74,6 +75,7 @@ void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
   }
   state_ = State::idle;
   newest_ = newest;
+  if (transaction) signal_.announce(newest.sequence);
   if (connection_->pagesInLog() > longLogPages && !connection_->checkpoint())
     qz::log::warning("Could not shorten the write-ahead log of {}", store_->file().string());
   turn_->release();

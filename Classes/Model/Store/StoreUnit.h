@@ -3,6 +3,7 @@
 #include <HabitraModel/Store/Connection.h>
 #include <HabitraModel/Store/HistoryTable.h>
 #include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/StoreChangeSignal.h>
 #include <HabitraModel/Store/WritersTurn.h>
 
 #include <memory>
@@ -28,8 +29,8 @@ class StoreUnit {
   void endView() noexcept;
   /// Takes the turn and begins a unit. Gives true when the store has moved since the last view. REQUIRES: no unit.
   bool begin();
-  /// Commits a unit, makes the write-ahead log shorter when it is long, and gives up the turn. With a transaction it
-  /// becomes the newest one. On failure everything is rolled back.
+  /// Commits a unit, makes the write-ahead log shorter when it is long, and gives up the turn. A transaction becomes
+  /// the newest one, and others are told of it. On failure everything is rolled back.
   void commit(const std::optional<StoredTransaction>& transaction);
   /// Ends a unit or view and takes back what was written in it.
   void rollback() noexcept;
@@ -62,6 +63,7 @@ class StoreUnit {
   std::shared_ptr<Store> store_;
   std::unique_ptr<Connection> connection_;
   std::unique_ptr<WritersTurn> turn_;
+  StoreChangeSignal signal_;
   Query beginView_;
   Query beginUnit_;
   Query commit_;

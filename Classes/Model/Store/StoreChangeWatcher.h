@@ -1,0 +1,32 @@
+#pragma once
+
+#include <HabitraModel/Store/Store.h>
+
+#include <functional>
+#include <memory>
+
+namespace habitra {
+
+/// Calls a function each time the store has been written to, by this process or another, until it is destroyed. Changes
+/// that come quickly one after the other may give one call; a call without a change is possible. Every transaction that
+/// is committed after the watcher was made is followed by a call that can see it.
+///
+/// Watches the file "Habitra.changed" of the home, or the home until that is there, so it works where nothing may be
+/// written; a store in memory is listened to directly.
+///
+/// The function runs on a thread of the watcher's own and must not destroy the watcher; what it throws is logged.
+/// Making and destroying belong to one thread; destroying waits for a call that is under way.
+class StoreChangeWatcher {
+ public:
+  /// Throws StoreError when the system gives no notifications.
+  StoreChangeWatcher(std::shared_ptr<Store> store, std::function<void()> onChange);
+  ~StoreChangeWatcher();
+  StoreChangeWatcher(const StoreChangeWatcher&) = delete;
+  StoreChangeWatcher& operator=(const StoreChangeWatcher&) = delete;
+
+ private:
+  class Watching;
+  std::unique_ptr<Watching> watching_;
+};
+
+}  // namespace habitra
