@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 /// The description of an entity: the one place that says what a kind of row is made of. Tables, indexes, reads, writes,
 /// change tracking, checksums and history all follow from it.
@@ -19,6 +20,16 @@ enum class EntityNumber : std::uint8_t {
   taskLogEntry = 3,
   userProfile = 4,
   setting = 5,
+  taskCounter = 6,
+  taskNote = 7,
+  taskTimer = 8,
+  taskNotificationSettings = 9,
+  taskNotificationReminders = 10,
+  taskCategory = 11,
+  taskShare = 12,
+  taskShareOwner = 13,
+  healthKitRequest = 14,
+  taskCategoryLink = 15,
 };
 
 /// What a column holds, and how wide. The C++ type of the member follows: bool, std::int16_t, std::int32_t,
@@ -55,17 +66,21 @@ struct AttributeDescription {
 /// How the rows of an entity lie in the file.
 enum class Layout : std::uint8_t {
   byObject,     ///< by objectID; rows are objects with identity in a context
-  byTaskAndDay  ///< clustered by (task or 0, entryDate, objectID); rows are plain values
+  byTaskAndDay  ///< clustered by (task or 0, day, objectID); rows are plain values
 };
 
 struct EntityDescription {
   static constexpr std::size_t maximalAttributeCount = 64;  ///< positions are bits of a 64-bit mask
 
   EntityNumber number;
-  std::string_view name;  ///< of the entity and of its table
-  Layout layout = Layout::byObject;
+  std::string_view name;     ///< of the entity and of its table
+  std::string_view summary;  ///< what one row is
   /// The order is fixed forever, since masks and checksums speak of positions; new attributes are appended.
   std::span<const AttributeDescription> attributes;
+  /// The attribute that holds the day of a row, or empty: rows that a relationship leads from are then fetched between
+  /// two days, and its index is over both.
+  std::string_view dayAttribute;
+  Layout layout = Layout::byObject;
 
   void* (*create)() = nullptr;
   void (*destroy)(void* object) = nullptr;
@@ -81,6 +96,15 @@ struct EntityDescription {
 
 /// The entity of that number, or null for one of a newer version.
 [[nodiscard]] const EntityDescription* entityWithNumber(EntityNumber number);
+
+/// A relationship together with the entity whose rows hold it.
+struct HeldRelationship {
+  const EntityDescription* holder;
+  const AttributeDescription* attribute;
+};
+
+/// The relationships that lead to rows of an entity, in order of their holders' numbers.
+[[nodiscard]] std::vector<HeldRelationship> relationshipsTo(const EntityDescription& target);
 
 /// A set of attributes of one entity, by position.
 class AttributeSet {

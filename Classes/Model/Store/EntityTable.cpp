@@ -27,7 +27,8 @@ std::string insertText(const EntityDescription& entity) {
 bool isLog(const EntityDescription& entity) { return entity.layout == Layout::byTaskAndDay; }
 
 std::string keyCondition(const EntityDescription& entity) {
-  return isLog(entity) ? " WHERE objectID=? AND entryDate=? AND task=?" : " WHERE objectID=?";
+  return isLog(entity) ? fmt::format(" WHERE objectID=? AND {}=? AND task=?", entity.dayAttribute)
+                       : " WHERE objectID=?";
 }
 
 // A column that holds what its type says is read into the field; anything else is damage.
@@ -87,8 +88,8 @@ EntityTable::EntityTable(Connection& connection, const EntityDescription& entity
       columns_(columnList(entity)),
       whereKey_(keyCondition(entity)),
       byKey_(connection, select(whereKey_)),
-      all_(connection, select(isLog(entity) ? " ORDER BY task, entryDate, objectID" : " ORDER BY objectID")),
-      betweenDays_(connection, select(" WHERE task=? AND entryDate BETWEEN ? AND ? ORDER BY entryDate, objectID")),
+      all_(connection, select(isLog(entity) ? fmt::format(" ORDER BY task, {}, objectID", entity.dayAttribute)
+                                            : std::string(" ORDER BY objectID"))),
       insert_(connection, insertText(entity)),
       erase_(connection, fmt::format("DELETE FROM {}{}", entity.name, whereKey_)) {}
 
@@ -133,9 +134,26 @@ std::optional<std::int64_t> EntityTable::find(const LogKey& key, void* object) {
 Query& EntityTable::where(std::string_view attribute) {
   const auto found = byAttribute_.find(attribute);
   if (found != byAttribute_.end()) return found->second;
-  qz::require(entity_.position(attribute).has_value(), "a fetch by an attribute that the entity does not have");
+  qz::require(attribute == "objectID" || entity_.position(attribute).has_value(),
+              "a fetch by an attribute that the entity does not have");
   const std::string sql = select(fmt::format(" WHERE {}=? ORDER BY objectID", attribute));
   return byAttribute_.try_emplace(std::string(attribute), connection_, sql).first->second;
+}
+
+Query& EntityTable::betweenDays(std::string_view relationship) {
+  const auto found = betweenDays_.find(relationship);
+  if (found != betweenDays_.end()) return found->second;
+  qz::require(!entity_.dayAttribute.empty(), "rows without a day are fetched by days");
+  qz::require(entity_.position(relationship).has_value(), "a fetch by a relationship that the entity does not have");
+  const std::string sql = select(
+      fmt::format(" WHERE {0}=? AND {1} BETWEEN ? AND ? ORDER BY {1}, objectID", relationship, entity_.dayAttribute));
+  return betweenDays_.try_emplace(std::string(relationship), connection_, sql).first->second;
+}
+
+void EntityTable::bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to) {
+  statement.bind(1, rawValue(target));
+  statement.bind(2, std::int64_t{from});
+  statement.bind(3, std::int64_t{to});
 }
 
 void EntityTable::insert(const void* object, std::int64_t checksum) {

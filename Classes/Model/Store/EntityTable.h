@@ -29,10 +29,13 @@ class EntityTable {
 
   /// All rows, by key.
   [[nodiscard]] Query& all() { return all_; }
-  /// Rows with a value of an attribute (parameter 1), in order of creation. REQUIRES: the attribute exists.
+  /// Rows with a value of an attribute, or with an objectID (parameter 1), in order of creation. REQUIRES: the
+  /// attribute exists.
   [[nodiscard]] Query& where(std::string_view attribute);
-  /// Of the log: the rows of a task (parameter 1) between two days (2 and 3), in order.
-  [[nodiscard]] Query& betweenDays() { return betweenDays_; }
+  /// Rows whose relationship leads to a row (parameter 1), between two days (2 and 3), in order of day, then of
+  /// creation. REQUIRES: an entity with a day, a relationship of it.
+  [[nodiscard]] Query& betweenDays(std::string_view relationship);
+  static void bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to);
 
   void insert(const void* object, std::int64_t checksum);
   /// Writes those attributes and the checksum over the row at `key`.
@@ -55,10 +58,10 @@ class EntityTable {
   std::string whereKey_;
   Query byKey_;
   Query all_;
-  Query betweenDays_;
   Query insert_;
   Query erase_;
   std::map<std::string, Query, std::less<>> byAttribute_;
+  std::map<std::string, Query, std::less<>> betweenDays_;
   std::map<std::uint64_t, Query> updates_;
 };
 

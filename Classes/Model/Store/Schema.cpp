@@ -18,19 +18,24 @@ std::string_view columnType(StoredType type) {
 }
 
 bool isPartOfLogKey(const EntityDescription& entity, const AttributeDescription& attribute) {
-  return entity.layout == Layout::byTaskAndDay && (attribute.name == "task" || attribute.name == "entryDate");
+  return entity.layout == Layout::byTaskAndDay && (attribute.name == "task" || attribute.name == entity.dayAttribute);
 }
 
 std::string columnDefinition(const EntityDescription& entity, const AttributeDescription& attribute) {
   std::string column = fmt::format("{} {}", attribute.name, columnType(attribute.type));
   if (isPartOfLogKey(entity, attribute)) return column + " NOT NULL";
   if (attribute.type == StoredType::reference) {
-    const EntityDescription& target = attribute.relationship.target();
-    // Of an entry of the log objectID is only a part of the key; a foreign key to it would refuse every row.
-    if (target.layout == Layout::byTaskAndDay) return column;
-    return column + fmt::format(" REFERENCES {}(objectID) DEFERRABLE INITIALLY DEFERRED", target.name);
+    return column +
+           fmt::format(" REFERENCES {}(objectID) DEFERRABLE INITIALLY DEFERRED", attribute.relationship.target().name);
   }
   return attribute.isOptional ? column : column + " NOT NULL DEFAULT 0";
+}
+
+/// An index that finds rows by the attribute. Those that a relationship leads from lie in it by their day.
+std::string indexDefinition(const EntityDescription& entity, const AttributeDescription& attribute) {
+  const bool isByDay = attribute.type == StoredType::reference && !entity.dayAttribute.empty();
+  return fmt::format("CREATE INDEX {0}_{1} ON {0}({1}{2}{3});\n", entity.name, attribute.name, isByDay ? ", " : "",
+                     isByDay ? entity.dayAttribute : "");
 }
 
 /// The store's own tables. History of a transaction lies together, one row per object; the newest numbers stand in
@@ -84,15 +89,16 @@ std::string tableDefinition(const EntityDescription& entity) {
   if (isLog) {
     // The key cannot be NULL, so entries without a task hold 0; the foreign key reads that as NULL. It has no index:
     // only the removal of a task needs one, and a scan then costs less than an index would at every insertion.
-    sql +=
+    sql += fmt::format(
         ",\n  taskReference INTEGER GENERATED ALWAYS AS (nullif(task, 0)) VIRTUAL REFERENCES TaskEntity(objectID),\n"
-        "  PRIMARY KEY (task, entryDate, objectID)\n) STRICT, WITHOUT ROWID;\n";
+        "  PRIMARY KEY (task, {1}, objectID)\n) STRICT, WITHOUT ROWID;\n"
+        "CREATE UNIQUE INDEX {0}_objectID ON {0}(objectID);\n",
+        entity.name, entity.dayAttribute);
   } else {
     sql += "\n) STRICT;\n";
   }
   for (const AttributeDescription& attribute : entity.attributes)
-    if (attribute.isIndexed && !isPartOfLogKey(entity, attribute))
-      sql += fmt::format("CREATE INDEX {0}_{1} ON {0}({1});\n", entity.name, attribute.name);
+    if (attribute.isIndexed && !isPartOfLogKey(entity, attribute)) sql += indexDefinition(entity, attribute);
   return sql;
 }
 

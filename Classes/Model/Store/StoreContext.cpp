@@ -58,9 +58,7 @@ SaveResult StoreContext::save(const SaveRequest& request) {
 
 void StoreContext::rollback() { parts_->rollback(); }
 
-void StoreContext::flush() {
-  if (parts_->hasPendingObjects()) parts_->writing([&] { parts_->flush(); });
-}
+void StoreContext::flush() { parts_->flushIfNeeded(); }
 
 void StoreContext::refresh() { parts_->unit.endView(); }
 
@@ -116,52 +114,35 @@ void* StoreContext::findObject(const EntityDescription& entity, ObjectID id) {
 std::vector<void*> StoreContext::fetchObjects(const EntityDescription& entity, std::string_view attribute,
                                               ObjectID target, std::string_view text, bool onlyFirst) {
   qz::require(entity.layout == Layout::byObject, "entries of the log are fetched as objects");
-  if (parts_->unit.isWriting())
-    flush();  // the engine searches what is written
-  else
-    parts_->beginView();
+  parts_->beginSearch();
   EntityTable& table = parts_->table(entity);
   auto rows = attribute.empty() ? table.all().use() : table.where(attribute).use();
   if (target != ObjectID::none)
     rows->bind(1, rawValue(target));
   else if (!attribute.empty())
     rows->bind(1, text);
-  std::vector<void*> objects;
-  while (rows->step()) {
-    const ObjectRegistry::Entry& entry = parts_->registry.adopt(table, *rows);
-    if (entry.isGone) continue;
-    objects.push_back(entry.live.get());
-    if (onlyFirst) break;
-  }
-  return objects;
+  return parts_->objects(table, *rows, onlyFirst);
+}
+
+std::vector<void*> StoreContext::fetchObjectsBetween(const EntityDescription& entity, std::string_view relationship,
+                                                     ObjectID target, std::int32_t from, std::int32_t to) {
+  qz::require(entity.layout == Layout::byObject, "entries of the log are fetched as objects");
+  parts_->beginSearch();
+  EntityTable& table = parts_->table(entity);
+  auto rows = table.betweenDays(relationship).use();
+  EntityTable::bindDays(*rows, target, from, to);
+  return parts_->objects(table, *rows, false);
 }
 
 void StoreContext::removeObject(const EntityDescription& entity, void* object) {
   parts_->writing([&] {
     parts_->flush();
-    ObjectRegistry::Entry& entry = parts_->registry.entry(entity, object);
-    if (entry.isGone) return;
-    for (const EntityDescription* other : allEntities())
-      for (const AttributeDescription& attribute : other->attributes)
-        if (attribute.type == StoredType::reference && &attribute.relationship.target() == &entity)
-          applyDeleteRule(*other, attribute, entry.live.objectID());
-    parts_->writeRemoval(entry);
+    parts_->remove(parts_->registry.entry(entity, object));
   });
 }
 
-void StoreContext::applyDeleteRule(const EntityDescription& other, const AttributeDescription& relationship,
-                                   ObjectID target) {
-  if (other.layout == Layout::byTaskAndDay) {
-    for (const TaskLogEntryEntity& entry : fetchLogEntries(target)) parts_->removeLogEntry(entry.key());
-    return;
-  }
-  for (void* related : fetchObjects(other, relationship.name, target, {}, false)) {
-    if (relationship.relationship.whenTargetIsRemoved == DeleteRule::cascade)
-      removeObject(other, related);
-    else
-      *static_cast<ObjectID*>(relationship.field(related)) = ObjectID::none;
-  }
-  parts_->flush();
+const void* StoreContext::storedValuesOf(const EntityDescription& entity, const void* object) const {
+  return std::as_const(parts_->registry).entry(entity, object).stored.get();
 }
 
 AttributeSet StoreContext::changedAttributesOf(const EntityDescription& entity, const void* object) const {

@@ -170,6 +170,14 @@ class StoreContext {
     return typed<T>(fetchObjects(T::description(), relationship, target, {}, false));
   }
 
+  /// Those of them of days `from` to `to`, both included, in order of day, then of creation. Rows without a day have
+  /// day 0. REQUIRES: T names the attribute that holds its day.
+  template <typename T>
+  [[nodiscard]] std::vector<T*> fetchRelated(std::string_view relationship, ObjectID target, std::int32_t from,
+                                             std::int32_t to) {
+    return typed<T>(fetchObjectsBetween(T::description(), relationship, target, from, to));
+  }
+
   /// Removes the row, and by the delete rules of the relationships that lead to it, others or their links; a task takes
   /// its log along. Begins a unit. REQUIRES: an object of this context.
   template <typename T>
@@ -181,6 +189,12 @@ class StoreContext {
   template <typename T>
   [[nodiscard]] AttributeSet changedAttributes(const T& object) const {
     return changedAttributesOf(T::description(), &object);
+  }
+  /// The row as it is stored; of an inserted object, the defaults until it is written. Good until the object is next
+  /// written or refreshed. REQUIRES: of this context.
+  template <typename T>
+  [[nodiscard]] const T& storedValues(const T& object) const {
+    return *static_cast<const T*>(storedValuesOf(T::description(), &object));
   }
   template <typename T>
   [[nodiscard]] bool hasChanges(const T& object) const {
@@ -207,6 +221,8 @@ class StoreContext {
   /// The oldest entry with this identifier.
   [[nodiscard]] std::optional<TaskLogEntryEntity> findLogEntry(std::string_view uniqueId);
   [[nodiscard]] std::optional<TaskLogEntryEntity> findLogEntry(const LogKey& key);
+  /// The entry with this number, wherever it lies.
+  [[nodiscard]] std::optional<TaskLogEntryEntity> findLogEntry(ObjectID id);
 
   /// The day of a task's first or last entry, entries without a day left out.
   [[nodiscard]] std::optional<std::int32_t> earliestEntryDay(ObjectID task);
@@ -223,7 +239,8 @@ class StoreContext {
   /// stored. Begins a unit. Throws StoreError of kind `conflict` when there is no such row (any more).
   void updateLogEntry(const LogKey& key, const TaskLogEntryEntity& entry);
 
-  /// Removes the row at `key`; the same error. Begins a unit.
+  /// Removes the row at `key`, and with it the requests to the health store that were made for it; the same error.
+  /// Begins a unit.
   void removeLogEntry(const LogKey& key);
 
   // Checkpoints of the walks over the log
@@ -256,8 +273,10 @@ class StoreContext {
   void* findObject(const EntityDescription& entity, ObjectID id);
   std::vector<void*> fetchObjects(const EntityDescription& entity, std::string_view attribute, ObjectID target,
                                   std::string_view text, bool onlyFirst);
+  std::vector<void*> fetchObjectsBetween(const EntityDescription& entity, std::string_view relationship,
+                                         ObjectID target, std::int32_t from, std::int32_t to);
   void removeObject(const EntityDescription& entity, void* object);
-  void applyDeleteRule(const EntityDescription& other, const AttributeDescription& relationship, ObjectID target);
+  [[nodiscard]] const void* storedValuesOf(const EntityDescription& entity, const void* object) const;
   [[nodiscard]] AttributeSet changedAttributesOf(const EntityDescription& entity, const void* object) const;
   [[nodiscard]] bool isFieldChanged(const EntityDescription& entity, const void* object, const void* field) const;
 

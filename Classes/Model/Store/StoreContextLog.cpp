@@ -24,12 +24,6 @@ class Reading {
   int& count_;
 };
 
-void bindDays(Statement& statement, ObjectID task, std::int32_t from, std::int32_t to) {
-  statement.bind(1, rawValue(task));
-  statement.bind(2, std::int64_t{from});
-  statement.bind(3, std::int64_t{to});
-}
-
 std::optional<std::int32_t> onlyDay(Query& query, ObjectID task) {
   auto statement = query.use();
   statement->bind(1, rawValue(task));
@@ -43,7 +37,7 @@ void StoreContext::readLog(ObjectID task, std::int32_t from, std::int32_t to, Ro
   parts_->beginView();
   const Reading reading(parts_->readingLog);
   auto statement = parts_->light.use();
-  bindDays(*statement, task, from, to);
+  EntityTable::bindDays(*statement, task, from, to);
   // Straight from the engine: whoever rebuilds years of figures waits for nothing else.
   sqlite3_stmt* const handle = statement->handle();
   const auto integer32 = [handle](int column) { return sqlite3_column_int(handle, column); };
@@ -66,8 +60,8 @@ void StoreContext::readLogEntries(ObjectID task, std::int32_t from, std::int32_t
   parts_->beginView();
   const Reading reading(parts_->readingLog);
   EntityTable& table = parts_->table(TaskLogEntryEntity::description());
-  auto statement = table.betweenDays().use();
-  bindDays(*statement, task, from, to);
+  auto statement = table.betweenDays("task").use();
+  EntityTable::bindDays(*statement, task, from, to);
   TaskLogEntryEntity row;
   while (statement->step()) {
     table.load(*statement, &row);
@@ -87,13 +81,9 @@ std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std
 
 std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(std::string_view uniqueId) {
   parts_->beginView();
-  EntityTable& table = parts_->table(TaskLogEntryEntity::description());
-  auto statement = table.where("uniqueId").use();
-  statement->bind(1, uniqueId);
-  if (!statement->step()) return std::nullopt;
-  std::optional<TaskLogEntryEntity> entry(std::in_place);
-  table.load(*statement, &*entry);
-  return entry;
+  auto rows = parts_->table(TaskLogEntryEntity::description()).where("uniqueId").use();
+  rows->bind(1, uniqueId);
+  return parts_->firstLogEntry(*rows);
 }
 
 std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(const LogKey& key) {
@@ -101,6 +91,13 @@ std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(const LogKey& key) 
   std::optional<TaskLogEntryEntity> entry(std::in_place);
   if (!parts_->table(TaskLogEntryEntity::description()).find(key, &*entry)) entry.reset();
   return entry;
+}
+
+std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(ObjectID id) {
+  parts_->beginView();
+  auto rows = parts_->table(TaskLogEntryEntity::description()).where("objectID").use();
+  rows->bind(1, rawValue(id));
+  return parts_->firstLogEntry(*rows);
 }
 
 std::optional<std::int32_t> StoreContext::earliestEntryDay(ObjectID task) {
@@ -161,7 +158,10 @@ void StoreContext::updateLogEntry(const LogKey& key, const TaskLogEntryEntity& e
 }
 
 void StoreContext::removeLogEntry(const LogKey& key) {
-  parts_->writing([&] { parts_->removeLogEntry(key); });
+  parts_->writing([&] {
+    parts_->flushWhatLeadsToTheLog();
+    parts_->removeLogEntry(key);
+  });
 }
 
 std::optional<Checkpoint> StoreContext::checkpoint(ObjectID task) {

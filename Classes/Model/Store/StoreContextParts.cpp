@@ -66,6 +66,28 @@ void StoreContext::Parts::flush() {
   }
 }
 
+void StoreContext::Parts::flushIfNeeded() {
+  if (hasPendingObjects()) writing([this] { flush(); });
+}
+
+void StoreContext::Parts::beginSearch() {
+  if (unit.isWriting())
+    flushIfNeeded();
+  else
+    beginView();
+}
+
+std::vector<void*> StoreContext::Parts::objects(const EntityTable& rowTable, Statement& rows, bool onlyFirst) {
+  std::vector<void*> found;
+  while (rows.step()) {
+    const ObjectRegistry::Entry& entry = registry.adopt(rowTable, rows);
+    if (entry.isGone) continue;
+    found.push_back(entry.live.get());
+    if (onlyFirst) break;
+  }
+  return found;
+}
+
 void StoreContext::Parts::flushInsertions() {
   if (!registry.hasUnwritten()) return;
   for (auto& [id, entry] : registry.entries())
@@ -106,6 +128,53 @@ void StoreContext::Parts::writeRemoval(ObjectRegistry::Entry& entry) {
   ++counts.removed;
 }
 
+void StoreContext::Parts::remove(ObjectRegistry::Entry& entry) {
+  if (entry.isGone) return;
+  for (const HeldRelationship& held : relationshipsTo(*entry.entity)) applyDeleteRule(held, entry.live.objectID());
+  writeRemoval(entry);
+}
+
+void StoreContext::Parts::applyDeleteRule(const HeldRelationship& held, ObjectID target) {
+  if (held.holder->layout == Layout::byTaskAndDay) {
+    std::vector<LogKey> keys;
+    {
+      auto rows = light.use();
+      EntityTable::bindDays(*rows, target, firstDay, lastDay);
+      while (rows->step())
+        keys.push_back({target, static_cast<std::int32_t>(rows->integer(1)), ObjectID{rows->integer(0)}});
+    }
+    for (const LogKey& key : keys) removeLogEntry(key);
+    return;
+  }
+  EntityTable& rowTable = table(*held.holder);
+  auto rows = rowTable.where(held.attribute->name).use();
+  rows->bind(1, rawValue(target));
+  for (void* related : objects(rowTable, *rows, false)) {
+    ObjectRegistry::Entry& entry = registry.entry(*held.holder, related);
+    if (held.attribute->relationship.whenTargetIsRemoved == DeleteRule::cascade) {
+      remove(entry);
+    } else {
+      *static_cast<ObjectID*>(held.attribute->field(related)) = ObjectID::none;
+      writeUpdate(entry, entry.changes());
+    }
+  }
+}
+
+std::deque<StoreContext::Parts::LogHolder>& StoreContext::Parts::holdersOfLogEntries() {
+  if (logHolders.empty())
+    for (const HeldRelationship& held : relationshipsTo(TaskLogEntryEntity::description()))
+      logHolders.push_back({held, Query(unit.connection(), fmt::format("SELECT 1 FROM {} WHERE {}=? LIMIT 1",
+                                                                       held.holder->name, held.attribute->name))});
+  return logHolders;
+}
+
+void StoreContext::Parts::flushWhatLeadsToTheLog() {
+  flushInsertions();
+  // Without its table the context has no objects of an entity.
+  for (const LogHolder& holder : holdersOfLogEntries())
+    if (tables.contains(holder.held.holder->number)) return flush();
+}
+
 std::int64_t StoreContext::Parts::findStoredLogEntry(const LogKey& key) {
   qz::require(readingLog == 0, "the log is changed while it is read");
   const auto checksum = table(TaskLogEntryEntity::description()).find(key, &logBuffer);
@@ -123,6 +192,17 @@ void StoreContext::Parts::removeLogEntry(const LogKey& key) {
   keepsBefore = true;
   checkpoints.noteChange(logBuffer);
   ++counts.removed;
+  for (LogHolder& holder : holdersOfLogEntries()) {
+    auto any = holder.any.use();
+    any->bind(1, rawValue(key.objectID));
+    if (any->step()) applyDeleteRule(holder.held, key.objectID);
+  }
+}
+
+std::optional<TaskLogEntryEntity> StoreContext::Parts::firstLogEntry(Statement& rows) {
+  std::optional<TaskLogEntryEntity> entry;
+  if (rows.step()) table(TaskLogEntryEntity::description()).load(rows, &entry.emplace());
+  return entry;
 }
 
 void StoreContext::Parts::writeNewLogEntry() {

@@ -7,6 +7,7 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <utility>
@@ -25,8 +26,15 @@ struct StoreContext::Parts {
   void beginUnit();
   /// Writes pending changes of objects. REQUIRES: a unit, unless nothing is pending.
   void flush();
+  /// The same, in a unit that is begun for it when something is pending.
+  void flushIfNeeded();
   /// Writes inserted objects, so that rows may lead to them.
   void flushInsertions();
+  /// Before objects are searched for: begins a view, or in a unit writes what is pending, since the engine searches
+  /// what is written.
+  void beginSearch();
+  /// The objects of the rows that a query finds.
+  std::vector<void*> objects(const EntityTable& table, Statement& rows, bool onlyFirst);
   /// Rolls everything back.
   void rollback();
 
@@ -50,10 +58,18 @@ struct StoreContext::Parts {
   void writeInsertion(ObjectRegistry::Entry& entry);
   void writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes);
   void writeRemoval(ObjectRegistry::Entry& entry);
+  /// Removes the row, and by the delete rules others or their links. REQUIRES: a unit in which nothing is pending.
+  void remove(ObjectRegistry::Entry& entry);
+  void applyDeleteRule(const HeldRelationship& held, ObjectID target);
 
   /// The entry at `key` into `logBuffer`; gives its checksum. Throws a conflict when it is not there.
   std::int64_t findStoredLogEntry(const LogKey& key);
+  /// Removes the entry and applies the delete rules. REQUIRES: of what leads to the log, nothing is pending.
   void removeLogEntry(const LogKey& key);
+  /// Writes what is pending, if some of it may lead to an entry of the log.
+  void flushWhatLeadsToTheLog();
+  /// The entry that a query of the log finds first.
+  std::optional<TaskLogEntryEntity> firstLogEntry(Statement& rows);
   /// Inserts `newEntry`.
   void writeNewLogEntry();
   /// The table of a row that is to be put back. Traps when its number was never given; throws a conflict when there is
@@ -68,12 +84,21 @@ struct StoreContext::Parts {
   Query earliest;  ///< first day of a task's log
   Query newest;    ///< last day
   std::map<EntityNumber, EntityTable> tables;
-  TaskLogEntryEntity logBuffer;  ///< an entry as it is stored
-  TaskLogEntryEntity newEntry;   ///< an entry on its way in
-  SaveResult counts;             ///< what the unit has written
-  bool hasCheckpoints = false;   ///< the unit has written checkpoints
-  bool keepsBefore = false;      ///< the unit's history holds values before
-  int readingLog = 0;            ///< reads of the log that are under way
+
+  /// A relationship that leads to the log, and whether any row leads to an entry by it: nearly always none does, and
+  /// then the removal of an entry costs no more than this question.
+  struct LogHolder {
+    HeldRelationship held;
+    Query any;
+  };
+  std::deque<LogHolder>& holdersOfLogEntries();
+  std::deque<LogHolder> logHolders;  ///< made at the first removal
+  TaskLogEntryEntity logBuffer;      ///< an entry as it is stored
+  TaskLogEntryEntity newEntry;       ///< an entry on its way in
+  SaveResult counts;                 ///< what the unit has written
+  bool hasCheckpoints = false;       ///< the unit has written checkpoints
+  bool keepsBefore = false;          ///< the unit's history holds values before
+  int readingLog = 0;                ///< reads of the log that are under way
 };
 
 }  // namespace habitra

@@ -1,5 +1,3 @@
-#include <HabitraModel/Store/Entities/DescribeEntity.h>
-#include <HabitraModel/Store/Schema.h>
 #include <HabitraModel/Store/StoreVerification.h>
 
 #include "SampleRows.h"
@@ -205,26 +203,6 @@ TEST_F(ObjectTest, ALinkToARowThatIsNotThereIsRefused) {
   EXPECT_FALSE(context->hasChanges());
   EXPECT_EQ(errorKind([&] { context->insertLogEntry(entryOn(ObjectID{77}, 20240101)); }), StoreError::Kind::failed);
   EXPECT_EQ(context->sequence(), 0);
-}
-
-/// A kind of row that does not exist: it leads to an entry of the log and to a page.
-struct NoteEntity {
-  ObjectID objectID = ObjectID::none;
-  ObjectID entry = ObjectID::none;
-  ObjectID page = ObjectID::none;
-};
-
-TEST_F(ObjectTest, ALinkToAnEntryOfTheLogIsNoForeignKey) {
-  makeTask();
-  const std::array attributes{
-      relationship<&NoteEntity::entry, TaskLogEntryEntity>("entry", "note", false, DeleteRule::cascade),
-      relationship<&NoteEntity::page, UserProfileEntity>("page", "note", false, DeleteRule::cascade)};
-  const EntityDescription note =
-      describeEntity<NoteEntity>(EntityNumber::setting, "NoteEntity", Layout::byObject, attributes);
-  EXPECT_EQ(runSQL(file(), "PRAGMA foreign_keys=ON;" + tableDefinition(note) +
-                               "INSERT INTO NoteEntity (entry, checksum) VALUES (7, 0);"
-                               "SELECT \"from\", \"table\" FROM pragma_foreign_key_list('NoteEntity')"),
-            std::vector<std::string>{"page|UserProfileEntity"});
 }
 
 TEST_F(ObjectTest, MisuseStopsTheProgram) {

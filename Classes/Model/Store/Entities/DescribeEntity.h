@@ -73,10 +73,12 @@ constexpr AttributeDescription relationship(std::string_view name, std::string_v
   return description;
 }
 
+/// `dayAttribute`: the attribute that holds the day of a row, where its entity has one.
 template <typename Object>
-constexpr EntityDescription describeEntity(EntityNumber number, std::string_view name, Layout layout,
-                                           std::span<const AttributeDescription> attributes) {
-  EntityDescription description{number, name, layout, attributes};
+constexpr EntityDescription describeEntity(EntityNumber number, std::string_view name, std::string_view summary,
+                                           std::span<const AttributeDescription> attributes,
+                                           std::string_view dayAttribute = {}, Layout layout = Layout::byObject) {
+  EntityDescription description{number, name, summary, attributes, dayAttribute, layout};
   description.create = []() -> void* { return new Object; };
   description.destroy = [](void* object) { delete static_cast<Object*>(object); };
   description.assign = [](void* object, const void* from) {

@@ -20,7 +20,7 @@ constexpr std::array attributes{
 static_assert(attributes.size() <= EntityDescription::maximalAttributeCount);
 
 constexpr EntityDescription entity =
-    describeEntity<SettingEntity>(EntityNumber::setting, "SettingEntity", Layout::byObject, attributes);
+    describeEntity<SettingEntity>(EntityNumber::setting, "SettingEntity", "an app-wide setting", attributes);
 
 }  // namespace
 

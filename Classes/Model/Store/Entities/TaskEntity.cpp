@@ -60,7 +60,7 @@ constexpr std::array attributes{
 static_assert(attributes.size() <= EntityDescription::maximalAttributeCount);
 
 constexpr EntityDescription entity =
-    describeEntity<TaskEntity>(EntityNumber::task, "TaskEntity", Layout::byObject, attributes);
+    describeEntity<TaskEntity>(EntityNumber::task, "TaskEntity", "one habit", attributes);
 
 }  // namespace
 

@@ -25,8 +25,9 @@ constexpr std::array attributes{
 };
 static_assert(attributes.size() <= EntityDescription::maximalAttributeCount);
 
-constexpr EntityDescription entity = describeEntity<TaskLogEntryEntity>(
-    EntityNumber::taskLogEntry, "TaskLogEntryEntity", Layout::byTaskAndDay, attributes);
+constexpr EntityDescription entity =
+    describeEntity<TaskLogEntryEntity>(EntityNumber::taskLogEntry, "TaskLogEntryEntity", "one entry of a log",
+                                       attributes, "entryDate", Layout::byTaskAndDay);
 
 }  // namespace
 

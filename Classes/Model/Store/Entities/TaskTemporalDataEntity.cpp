@@ -29,7 +29,7 @@ constexpr std::array attributes{
 static_assert(attributes.size() <= EntityDescription::maximalAttributeCount);
 
 constexpr EntityDescription entity = describeEntity<TaskTemporalDataEntity>(
-    EntityNumber::taskTemporalData, "TaskTemporalDataEntity", Layout::byObject, attributes);
+    EntityNumber::taskTemporalData, "TaskTemporalDataEntity", "the derived figures of a habit", attributes);
 
 }  // namespace
 

@@ -15,8 +15,8 @@ constexpr std::array attributes{
 };
 static_assert(attributes.size() <= EntityDescription::maximalAttributeCount);
 
-constexpr EntityDescription entity =
-    describeEntity<UserProfileEntity>(EntityNumber::userProfile, "UserProfileEntity", Layout::byObject, attributes);
+constexpr EntityDescription entity = describeEntity<UserProfileEntity>(EntityNumber::userProfile, "UserProfileEntity",
+                                                                       "a page, which groups habits", attributes);
 
 }  // namespace
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <HabitraModel/Store/EntityDescription.h>
+#include <HabitraModel/Store/StoredValues.h>
+
+#include <optional>
+#include <string>
+
+namespace habitra {
+
+/// A pending or finished write of a log entry's data to the health store.
+struct HealthKitRequestEntity {
+  static const EntityDescription& description();
+
+  ObjectID objectID = ObjectID::none;
+
+  std::optional<qz::Moment> created;
+  std::optional<Bytes> data;          ///< the encoded request
+  std::optional<std::string> status;  ///< "pending", "done" or "failed"
+  std::optional<qz::Moment> statusDate;
+  std::optional<std::string> type;
+  ObjectID taskLogEntry = ObjectID::none;
+
+  friend bool operator==(const HealthKitRequestEntity&, const HealthKitRequestEntity&) = default;
+};
+
+}  // namespace habitra
