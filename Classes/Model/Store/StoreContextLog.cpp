@@ -72,8 +72,8 @@ void StoreContext::readLogEntries(ObjectID task, std::int32_t from, std::int32_t
 std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std::int32_t from, std::int32_t to) {
   parts_->beginView();
   EntityTable& table = parts_->table(TaskLogEntryEntity::description());
-  auto statement = table.betweenDays().use();
-  bindDays(*statement, task, from, to);
+  auto statement = table.betweenDays("task").use();
+  EntityTable::bindDays(*statement, task, from, to);
   std::vector<TaskLogEntryEntity> entries;
   while (statement->step()) table.load(*statement, &entries.emplace_back());
   return entries;
