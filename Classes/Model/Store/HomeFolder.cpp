@@ -1,5 +1,6 @@
 #include <HabitraModel/Store/HomeFolder.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <HabitraModel/Store/SystemFailure.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -14,14 +15,6 @@ namespace habitra {
 namespace {
 
 using Kind = StoreError::Kind;
-
-[[noreturn]] void failWithErrno(const char* what, const std::filesystem::path& path) {
-  const int error = errno;
-  const Kind kind = error == ENOSPC || error == EDQUOT ? Kind::diskFull
-                    : error == EROFS                   ? Kind::readOnly
-                                                       : Kind::failed;
-  throw StoreError(kind, fmt::format("{} {}: {}", what, path.string(), std::generic_category().message(error)));
-}
 
 /// mkdir obeys the umask, so the mode is set once more; a folder that is there keeps its own.
 void makeFolders(const std::filesystem::path& folder) {

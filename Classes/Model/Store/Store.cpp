@@ -2,42 +2,16 @@
 #include <HabitraModel/Store/HomeFolder.h>
 #include <HabitraModel/Store/Schema.h>
 #include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/StoreFile.h>
 #include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <map>
-#include <system_error>
 
 namespace habitra {
-
-namespace {
-
-bool mayWrite(const std::filesystem::path& path) { return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0; }
-
-bool hasWriteAheadLog(const std::filesystem::path& file) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(file.string() + "-wal", error);
-  return !error && size > 0;
-}
-
-/// A path as the engine's address of a file that nobody can be changing.
-std::string immutableAddress(const std::filesystem::path& file) {
-  std::string address = "file:";
-  for (const char c : file.string()) {
-    if (c == '?' || c == '#' || c == '%')
-      address += fmt::format("%{:02X}", static_cast<unsigned char>(c));
-    else
-      address += c;
-  }
-  return address + "?immutable=1";
-}
-
-}  // namespace
 
 /// Who listens, by number.
 struct Store::Listeners {
@@ -90,9 +64,9 @@ std::unique_ptr<Connection> Store::makeConnection() const {
 }
 
 bool Store::prepare(bool mayMake) {
-  isReadOnly_ = !mayWrite(file_) || !mayWrite(file_.parent_path());
-  // Without a log to read, the file is all there is; the engine then needs no files of its own beside it.
-  if (isReadOnly_ && !hasWriteAheadLog(file_)) address_ = immutableAddress(file_);
+  const StoreFile found = StoreFile::at(file_);
+  isReadOnly_ = found.isReadOnly;
+  address_ = found.address;
   firstConnection_ = makeConnection();
   const std::int64_t owner = firstConnection_->integer("PRAGMA application_id");
   const std::int64_t version = firstConnection_->integer("PRAGMA user_version");
