@@ -1,14 +1,13 @@
 #include <HabitraModel/Settings/DefaultsCoding.h>
+#include <QZDateTime/CodedForm.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UTF8.h>
 
-#include <absl/strings/escaping.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -34,20 +33,15 @@ std::string placeOf(std::string_view text, std::size_t byte) {
 }
 
 std::optional<Value> decodeMoment(const json& coded) {
-  if (coded.is_number_integer() && !coded.is_number_unsigned())
-    return qz::Moment(std::chrono::microseconds(coded.get<std::int64_t>()));
-  if (coded.is_number_unsigned() &&
-      coded.get<std::uint64_t>() <= std::uint64_t{std::numeric_limits<std::int64_t>::max()})
-    return qz::Moment(std::chrono::microseconds(coded.get<std::int64_t>()));
+  if (const auto count = qz::coded_form::wholeNumber(coded)) return qz::Moment(std::chrono::microseconds(*count));
   if (!coded.is_string()) return std::nullopt;
   const auto moment = qz::momentFromISO8601(coded.get_ref<const std::string&>());
   return moment ? std::optional<Value>(*moment) : std::nullopt;
 }
 
 std::optional<Value> decodeBytes(const json& coded) {
-  std::string bytes;
-  if (!coded.is_string() || !absl::Base64Unescape(coded.get_ref<const std::string&>(), &bytes)) return std::nullopt;
-  return Bytes(bytes.begin(), bytes.end());
+  auto bytes = qz::coded_form::bytes(coded);
+  return bytes ? std::optional<Value>(*std::move(bytes)) : std::nullopt;
 }
 
 std::optional<Value> decodeForm(const json& coded) {
@@ -64,9 +58,10 @@ std::optional<Value> decode(const json& coded) {
   switch (coded.type()) {
     case json::value_t::boolean: return coded.get<bool>();
     case json::value_t::number_unsigned:
-      if (coded.get<std::uint64_t>() > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) return std::nullopt;
-      return coded.get<std::int64_t>();
-    case json::value_t::number_integer: return coded.get<std::int64_t>();
+    case json::value_t::number_integer: {
+      const auto number = qz::coded_form::wholeNumber(coded);
+      return number ? std::optional<Value>(*number) : std::nullopt;
+    }
     case json::value_t::number_float: return coded.get<double>();
     case json::value_t::string: return coded.get<std::string>();
     case json::value_t::object: return decodeForm(coded);
@@ -89,9 +84,7 @@ struct Encoder {
     requireText(value);
     return value;
   }
-  json operator()(const Bytes& value) const {
-    return {{bytesForm, absl::Base64Escape(std::string(value.begin(), value.end()))}};
-  }
+  json operator()(const Bytes& value) const { return {{bytesForm, qz::coded_form::base64(value)}}; }
   json operator()(qz::Moment value) const {
     const std::string text = qz::iso8601(value);
     if (qz::momentFromISO8601(text) == value) return {{momentForm, text}};

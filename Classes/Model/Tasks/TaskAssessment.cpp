@@ -44,11 +44,21 @@ struct CheckpointContent {
 };
 static_assert(sizeof(CheckpointContent) == 72 && std::endian::native == std::endian::little);
 
-std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoint>& stored) {
+/// Of the calendar that a walk was made under: when the days begin elsewhere, or at another time, a checkpoint says
+/// nothing any more. FNV-1a, the same on every machine.
+std::uint64_t fingerprint(const TaskCalendar& calendar) {
+  std::uint64_t hash = 0xcbf29ce484222325u;
+  for (const char c : calendar.startOfDay.debugDescription() + calendar.timeZone.identifier())
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+  return hash;
+}
+
+std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoint>& stored,
+                                                   const TaskCalendar& calendar) {
   CheckpointContent content{};
   if (!stored || stored->content.size() != sizeof content) return std::nullopt;
   std::memcpy(&content, stored->content.data(), sizeof content);
-  return HistoryCheckpoint{.fingerprint = std::bit_cast<std::uint64_t>(stored->fingerprint),
+  return HistoryCheckpoint{.fingerprint = std::bit_cast<std::uint64_t>(stored->fingerprint) ^ fingerprint(calendar),
                            .created = content.created,
                            .closedThrough = stored->closedThrough,
                            .lastCompleted = content.lastCompleted,
@@ -215,7 +225,7 @@ void walkHistory(StoreContext& context, const TaskEntity& task, std::span<const 
     return entries;
   };
 
-  const auto checkpoint = historyCheckpoint(context.checkpoint(task.objectID));
+  const auto checkpoint = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
   if (checkpoint && walk.canResume(*checkpoint)) {
     assessment.history =
         walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.resume(*checkpoint, entries); },
@@ -244,7 +254,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   return assessment;
 }
 
-Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint) {
+Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar) {
   const CheckpointContent content{.created = checkpoint.created,
                                   .lastCompleted = checkpoint.lastCompleted,
                                   .lastMissed = checkpoint.lastMissed,
@@ -260,7 +270,7 @@ Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint) {
                                   .numJudged = checkpoint.numJudged,
                                   .numSucceeded = checkpoint.numSucceeded};
   Checkpoint stored{.closedThrough = checkpoint.closedThrough,
-                    .fingerprint = std::bit_cast<std::int64_t>(checkpoint.fingerprint)};
+                    .fingerprint = std::bit_cast<std::int64_t>(checkpoint.fingerprint ^ fingerprint(calendar))};
   stored.content.resize(sizeof content);
   std::memcpy(stored.content.data(), &content, sizeof content);
   return stored;

@@ -32,7 +32,7 @@ struct TaskAssessment {
 [[nodiscard]] TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
                                     qz::Moment now);
 
-/// The row of a checkpoint, for StoreContext::setCheckpoint.
-[[nodiscard]] Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint);
+/// The row of a checkpoint, for StoreContext::setCheckpoint. It holds for that calendar of the task only.
+[[nodiscard]] Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar);
 
 }  // namespace habitra
