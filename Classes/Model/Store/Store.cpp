@@ -23,6 +23,7 @@ struct Store::Listeners {
 Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock)
     : file_(std::move(file)),
       address_(file_.string()),
+      maintenance_(file_.parent_path()),
       clock_(std::move(clock)),
       writer_(qz::UniqueID::generate(clock_->now()).text()) {}
 
@@ -31,6 +32,7 @@ Store::~Store() = default;
 std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock) {
   const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(file).parent_path());
   std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  store->maintenance_.takeShared();
   if (!isPrivateFile(store->file_)) makePrivateFile(store->file_);
   if (!store->prepare(true))
     throw StoreError(StoreError::Kind::readOnly, fmt::format("{} can be read but not written", store->file_.string()));
@@ -42,6 +44,7 @@ std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file,
   const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(file).parent_path());
   if (home.empty() || !isPrivateFile(home / file.filename())) return nullptr;
   std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  store->maintenance_.takeShared();
   return store->prepare(false) ? store : nullptr;
 }
 

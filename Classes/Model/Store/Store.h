@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraModel/Store/MaintenanceLock.h>
 #include <HabitraModel/Store/ObjectID.h>
 #include <HabitraModel/Store/StoreError.h>
 #include <QZKit/Clock.h>
@@ -20,7 +21,8 @@ class WritersTurn;
 /// A store of tasks: one SQLite file in a home folder, or memory alone.
 ///
 /// Opening makes the home 0700 and the files 0600 whatever the umask is, follows no link inside the home, refuses a
-/// home that belongs to somebody else, and leaves alone a file that is no store or was made by a newer version.
+/// home that belongs to somebody else, and leaves alone a file that is no store or was made by a newer version. While a
+/// store is open, maintenance of its home waits; opening waits for maintenance that is under way.
 ///
 /// May be shared by any threads; each reads and writes through a StoreContext of its own.
 class Store : public std::enable_shared_from_this<Store> {
@@ -84,6 +86,7 @@ class Store : public std::enable_shared_from_this<Store> {
 
   std::filesystem::path file_;
   std::string address_;  // what SQLite is asked to open
+  MaintenanceLock maintenance_;
   std::shared_ptr<const qz::Clock> clock_;
   std::string writer_;
   bool isReadOnly_ = false;
