@@ -102,6 +102,8 @@ std::string tableDefinition(const EntityDescription& entity) {
   return sql;
 }
 
+std::string_view ownTableDefinitions() { return ownTables; }
+
 std::string schemaDefinition(const std::string& storeIdentifier) {
   std::string sql;
   for (const EntityDescription* entity : allEntities()) sql += tableDefinition(*entity);
