@@ -14,7 +14,10 @@ Application::Application(ApplicationSettings settings) : rooms_(std::make_unique
 
 Application::~Application() = default;
 
-qz::YYYYMMDD Application::today() const { return rooms_->calendars.ofDevice().day(rooms_->now()); }
+qz::YYYYMMDD Application::today() {
+  (void)rooms_->readingContext();  // knows when the day begins
+  return rooms_->calendars.ofDevice().day(rooms_->now());
+}
 
 std::vector<HabitSummary> Application::list() {
   StoreContext* context = rooms_->readingContext();

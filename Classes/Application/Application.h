@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraApp/HabitSummary.h>
+#include <HabitraApp/SettingSummary.h>
 #include <HabitraBackup/ImportReport.h>
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskLogEntryType.h>
@@ -86,10 +87,10 @@ class Application {
   /// All active habits by page and place on it. Empty when nothing was ever stored; nothing is made then.
   [[nodiscard]] std::vector<HabitSummary> list();
 
-  /// The day that "now" belongs to, in the device's zone.
-  [[nodiscard]] qz::YYYYMMDD today() const;
+  /// The day that "now" belongs to, in the device's zone and by the app-wide start of day.
+  [[nodiscard]] qz::YYYYMMDD today();
 
-  /// A new habit: every day, one completion, to do, on the first page.
+  /// A new habit: to do, on the first page, as often as the setting "default-frequency" says.
   /// Throws qz::Error for a title that is empty, longer than 500 bytes, not UTF-8 or has control characters.
   HabitSummary add(std::string_view title);
 
@@ -119,6 +120,20 @@ class Application {
   /// Writes the history of every habit as nine columns. A file is replaced in one step, or left as it was.
   ExportOutcome exportHistory(std::ostream& stream);
   ExportOutcome exportHistory(const std::filesystem::path& file);
+
+  /// Every setting that a person can choose, in a fixed order.
+  [[nodiscard]] std::vector<SettingSummary> settings();
+
+  /// One of them. `name` is read in any case, words joined or parted by blanks, hyphens or underscores. Throws
+  /// SettingError when there is no such setting, as the following do.
+  [[nodiscard]] SettingSummary setting(std::string_view name);
+
+  /// Chooses a value, in the form in which SettingSummary shows it. Throws SettingError when it is none; nothing is
+  /// changed then. What it is chosen for counts from the next call on, in other programs, too.
+  SettingSummary changeSetting(std::string_view name, std::string_view value);
+
+  /// Gives up what was chosen, so that the default counts again.
+  SettingSummary resetSetting(std::string_view name);
 
  private:
   class Rooms;

@@ -3,7 +3,6 @@
 #include <HabitraBackup/HabitraBackup.h>
 #include <HabitraBackup/TaskDataExporter.h>
 #include <HabitraBackup/TaskDataImporter.h>
-#include <QZDateTime/DayOfWeek.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
 
@@ -13,10 +12,10 @@
 namespace habitra {
 
 ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name) {
-  const auto context = rooms_->manager.context();
-  TaskDataImporter importer(
-      *context,
-      {.calendars = rooms_->calendars, .firstDayOfWeek = qz::DayOfWeek::defaultFirst(), .now = rooms_->now()});
+  const auto context = rooms_->contextToWrite();
+  const qz::DayOfWeek firstDayOfWeek = rooms_->settings(context.get()).get(settings::firstDayOfWeek);
+  TaskDataImporter importer(*context,
+                            {.calendars = rooms_->calendars, .firstDayOfWeek = firstDayOfWeek, .now = rooms_->now()});
   ImportOutcome outcome;
   outcome.report = importer.importBackup(document, ImportStrategy::merge,
                                          {.author = Author::app, .command = fmt::format("import '{}'", name)});

@@ -96,15 +96,16 @@ std::string commandText(std::string_view verb, const std::vector<TaskEntity*>& t
 HabitSummary Application::add(std::string_view title) {
   std::string text = trimmed(title);
   checkTitle(text);
-  const auto context = rooms_->manager.context();
-  context->beginUnit();
+  const auto context = rooms_->contextToWrite();
   const auto tasks = TaskProcessor::activeTasks(*context);
   if (std::any_of(tasks.begin(), tasks.end(), [&](const TaskEntity* task) { return task->title == text; }))
     throw qz::Error(fmt::format("there is a habit called '{}' already", text));
 
   const qz::Moment now = rooms_->now();
-  TaskEntity values = newlyMadeTask(std::move(text), qz::DayOfWeek::defaultFirst(), now,
+  const Settings settings = rooms_->settings(context.get());
+  TaskEntity values = newlyMadeTask(std::move(text), settings.get(settings::firstDayOfWeek), now,
                                     rooms_->calendars.ofDevice().timeZone.identifier());
+  setFrequency(values, settings.get(settings::defaultFrequency));
   values.uniqueId = rooms_->manager.generateUniqueTaskId(*context, qz::UniqueID::generate(now)).text();
   values.displayOrder = StoredPages(*context).nextDisplayOrder(TaskPageNumber::first());
   TaskEntity& task = context->insert(values);

@@ -22,21 +22,38 @@ Application::Rooms::Rooms(const ApplicationSettings& settings)
     : manager(DataManager::storeLocation(settings.home), settings.clock),
       calendars(settings.timeZone, qz::HHMMSS::midnight),
       recorder(calendars, mainQueue),
-      processor(calendars, recorder) {}
+      processor(calendars, recorder),
+      timeZone_(settings.timeZone) {}
 
 StoreContext* Application::Rooms::readingContext() {
   if (!readingContext_)
     readingContext_ = manager.contextForReading();
   else
     readingContext_->refresh();
+  if (readingContext_) followStartOfDay(*readingContext_);
   return readingContext_.get();
 }
 
 std::unique_ptr<StoreContext> Application::Rooms::contextToChange(std::string_view name) {
-  auto context = manager.contextForReading();
+  // One that has looked already serves, so that a command opens the store once.
+  auto context = readingContext_ ? std::move(readingContext_) : manager.contextForReading();
   if (!context) (void)lookUpTask({}, name);  // throws
   context->beginUnit();
+  followStartOfDay(*context);
   return context;
+}
+
+std::unique_ptr<StoreContext> Application::Rooms::contextToWrite() {
+  auto context = readingContext_ ? std::move(readingContext_) : manager.context();
+  context->beginUnit();
+  followStartOfDay(*context);
+  return context;
+}
+
+Settings Application::Rooms::settings(StoreContext* context) const { return {context, nullptr, nullptr}; }
+
+void Application::Rooms::followStartOfDay(StoreContext& context) {
+  calendars = TaskCalendars(timeZone_, settings(&context).get(settings::startOfDay));
 }
 
 HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEntity& task) {

@@ -2,6 +2,7 @@
 
 #include <HabitraApp/Application.h>
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskProcessor.h>
@@ -29,6 +30,12 @@ class Application::Rooms {
   /// no store, since it can then be nobody's.
   [[nodiscard]] std::unique_ptr<StoreContext> contextToChange(std::string_view name);
 
+  /// A context to change anything in, with the writers' turn taken; makes the store when there is none.
+  [[nodiscard]] std::unique_ptr<StoreContext> contextToWrite();
+
+  /// The settings as `context` sees them; null while there is no store.
+  [[nodiscard]] Settings settings(StoreContext* context) const;
+
   /// A habit as it stands now, worked out in memory.
   [[nodiscard]] HabitSummary summarize(StoreContext& context, const TaskEntity& task);
 
@@ -45,12 +52,17 @@ class Application::Rooms {
               qz::Moment startDate);
 
   DataManager manager;
+  /// With the app-wide start of day as the newest of the contexts above has seen it.
   TaskCalendars calendars;
   qz::MainQueue mainQueue;
   TaskLogRecorder recorder;
   TaskProcessor processor;
 
  private:
+  /// Lets the calendars go by the start of day in the store.
+  void followStartOfDay(StoreContext& context);
+
+  qz::TimeZone timeZone_;
   std::unique_ptr<StoreContext> readingContext_;
 };
 
