@@ -23,16 +23,28 @@ std::string systemMessage(sqlite3* handle) {
 StoreError errorFor(int code, sqlite3* handle, const std::string& name) {
   using Kind = StoreError::Kind;
   switch (code & 0xff) {
-    case SQLITE_FULL: return {Kind::diskFull, fmt::format("the disk is full: cannot write {}", name)};
-    case SQLITE_NOTADB: return {Kind::notAStore, fmt::format("{} is not a Habitra store", name)};
-    case SQLITE_CORRUPT: return {Kind::damaged, fmt::format("{} is damaged: {}", name, sqlite3_errmsg(handle))};
-    case SQLITE_READONLY: return {Kind::readOnly, fmt::format("{} can be read but not written", name)};
+    case SQLITE_FULL:
+      return {Kind::diskFull, fmt::format("the disk is full: cannot write {}; make room on it and try again", name)};
+    case SQLITE_NOTADB:
+      return {Kind::notAStore,
+              fmt::format("{} is not a Habitra store; move it away, or choose another home with HABITRA_HOME", name)};
+    case SQLITE_CORRUPT:
+      return {Kind::damaged, fmt::format("{} is damaged: {}; restore a backup of it", name, sqlite3_errmsg(handle))};
+    case SQLITE_READONLY:
+      return {Kind::readOnly,
+              fmt::format("{} can be read but not written; give yourself the right to write it and its folder", name)};
     case SQLITE_BUSY:
-    case SQLITE_LOCKED: return {Kind::busy, fmt::format("{} is in use by another program; try again", name)};
-    case SQLITE_IOERR: return {Kind::failed, fmt::format("cannot read or write {}: {}", name, systemMessage(handle))};
-    case SQLITE_CANTOPEN: return {Kind::failed, fmt::format("cannot open {}: {}", name, systemMessage(handle))};
-    case SQLITE_NOMEM: return {Kind::failed, fmt::format("out of memory with {}", name)};
-    default: return {Kind::failed, fmt::format("{}: {}", name, sqlite3_errmsg(handle))};
+    case SQLITE_LOCKED: return {Kind::busy, fmt::format("{} is in use by another program; end it and try again", name)};
+    case SQLITE_IOERR:
+      return {Kind::failed, fmt::format("cannot read or write {}: {}; check the disk", name, systemMessage(handle))};
+    case SQLITE_CANTOPEN:
+      return {Kind::failed, fmt::format("cannot open {}: {}; give yourself the right to it and its folder", name,
+                                        systemMessage(handle))};
+    case SQLITE_NOMEM:
+      return {Kind::failed, fmt::format("out of memory with {}; end some other programs and try again", name)};
+    default:
+      return {Kind::failed, fmt::format("the store {} refuses a step: {}; restore a backup of it if this goes on", name,
+                                        sqlite3_errmsg(handle))};
   }
 }
 

@@ -120,7 +120,7 @@ std::int64_t EntityTable::load(Statement& statement, void* object) const {
 
 void EntityTable::refuse(Statement& statement, std::string_view attribute) const {
   throw StoreError(StoreError::Kind::damaged,
-                   fmt::format("{} is damaged: {} of row {} of {} holds what it cannot hold",
+                   fmt::format("{} is damaged: {} of row {} of {} holds what it cannot hold; restore a backup of it",
                                connection_.file().string(), attribute, statement.integer(0), entity_.name));
 }
 

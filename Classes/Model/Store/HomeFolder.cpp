@@ -16,6 +16,13 @@ namespace {
 
 using Kind = StoreError::Kind;
 
+constexpr const char* otherHome = "choose another home with HABITRA_HOME";
+
+[[noreturn]] void failForeign(const char* what, const std::filesystem::path& path) {
+  throw StoreError(Kind::foreignOwner, fmt::format("{}{} belongs to another user; run Habitra as that user, or {}",
+                                                   what, path.string(), otherHome));
+}
+
 /// mkdir obeys the umask, so the mode is set once more; a folder that is there keeps its own.
 void makeFolders(const std::filesystem::path& folder) {
   struct stat status {};
@@ -37,20 +44,38 @@ std::filesystem::path existingHomeFolder(const std::filesystem::path& folder) {
     failWithErrno("cannot look into", folder);
   }
   if (!S_ISDIR(status.st_mode))
-    throw StoreError(Kind::insecurePath, fmt::format("{} is not a folder", folder.string()));
-  if (status.st_uid != ::geteuid())
-    throw StoreError(Kind::foreignOwner, fmt::format("the folder {} belongs to another user", folder.string()));
+    throw StoreError(Kind::insecurePath,
+                     fmt::format("{} is not a folder; move it away, or {}", folder.string(), otherHome));
+  if (status.st_uid != ::geteuid()) failForeign("the folder ", folder);
   std::error_code error;
   std::filesystem::path real = std::filesystem::canonical(folder, error);
-  if (error) throw StoreError(Kind::failed, fmt::format("cannot look into {}: {}", folder.string(), error.message()));
+  if (error)
+    throw StoreError(Kind::failed,
+                     fmt::format("cannot look into {}: {}; check the path", folder.string(), error.message()));
   return real;
 }
 
 std::filesystem::path makeHomeFolder(const std::filesystem::path& folder) {
   makeFolders(std::filesystem::absolute(folder).lexically_normal());
   const std::filesystem::path real = existingHomeFolder(folder);
-  if (real.empty()) throw StoreError(Kind::insecurePath, fmt::format("{} leads nowhere", folder.string()));
+  if (real.empty())
+    throw StoreError(Kind::insecurePath,
+                     fmt::format("{} leads nowhere; make what it leads to, or {}", folder.string(), otherHome));
   return real;
+}
+
+void makePrivateFolder(const std::filesystem::path& folder) {
+  if (::mkdir(folder.c_str(), 0700) == 0) {
+    if (::chmod(folder.c_str(), 0700) != 0) failWithErrno("cannot protect", folder);
+    return;
+  }
+  if (errno != EEXIST) failWithErrno("cannot make the folder", folder);
+  struct stat status {};
+  if (::lstat(folder.c_str(), &status) != 0) failWithErrno("cannot look at", folder);
+  if (!S_ISDIR(status.st_mode))
+    throw StoreError(Kind::insecurePath,
+                     fmt::format("{} must be a plain folder and is not; move it away", folder.string()));
+  if (status.st_uid != ::geteuid()) failForeign("the folder ", folder);
 }
 
 bool isPrivateFile(const std::filesystem::path& file) {
@@ -60,12 +85,16 @@ bool isPrivateFile(const std::filesystem::path& file) {
     failWithErrno("cannot look at", file);
   }
   if (S_ISDIR(status.st_mode))
-    throw StoreError(Kind::notAStore, fmt::format("{} is a folder, not a Habitra store", file.string()));
+    throw StoreError(Kind::notAStore,
+                     fmt::format("{} is a folder, not a Habitra store; move it away, or {}", file.string(), otherHome));
   if (S_ISLNK(status.st_mode))
-    throw StoreError(Kind::insecurePath, fmt::format("{} is a link; a store must be a plain file", file.string()));
-  if (!S_ISREG(status.st_mode)) throw StoreError(Kind::notAStore, fmt::format("{} is not a plain file", file.string()));
-  if (status.st_uid != ::geteuid())
-    throw StoreError(Kind::foreignOwner, fmt::format("{} belongs to another user", file.string()));
+    throw StoreError(
+        Kind::insecurePath,
+        fmt::format("{} is a link, and links are not followed here; put the file itself there", file.string()));
+  if (!S_ISREG(status.st_mode))
+    throw StoreError(Kind::notAStore,
+                     fmt::format("{} is not a plain file; move it away, or {}", file.string(), otherHome));
+  if (status.st_uid != ::geteuid()) failForeign("", file);
   return true;
 }
 

@@ -13,6 +13,10 @@ namespace habitra {
 /// The path without links of a folder that is there, checked in the same way; empty when there is none.
 [[nodiscard]] std::filesystem::path existingHomeFolder(const std::filesystem::path& folder);
 
+/// Makes `folder`, whose parent is there, if it is missing. Throws StoreError when something else is there: a link, a
+/// file, a folder of somebody else.
+void makePrivateFolder(const std::filesystem::path& folder);
+
 /// Whether there is a file of our own at `file`. Throws StoreError when something else is: a link, a folder, a file of
 /// somebody else. Never opens it: closing a file would end the locks that SQLite holds on it in this process.
 [[nodiscard]] bool isPrivateFile(const std::filesystem::path& file);

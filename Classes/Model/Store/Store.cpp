@@ -1,6 +1,8 @@
 #include <HabitraModel/Store/Connection.h>
 #include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/MemoryCopy.h>
 #include <HabitraModel/Store/Schema.h>
+#include <HabitraModel/Store/SchemaMigration.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreFile.h>
 #include <HabitraModel/Store/WritersTurn.h>
@@ -12,6 +14,16 @@
 #include <map>
 
 namespace habitra {
+
+namespace {
+
+/// A memory that all connections of this process can share.
+std::string newMemoryAddress() {
+  static std::atomic<int> count{0};
+  return fmt::format("file:/habitra-{}?vfs=memdb", ++count);
+}
+
+}  // namespace
 
 /// Who listens, by number.
 struct Store::Listeners {
@@ -35,7 +47,10 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::share
   store->maintenance_.takeShared();
   if (!isPrivateFile(store->file_)) makePrivateFile(store->file_);
   if (!store->prepare(true))
-    throw StoreError(StoreError::Kind::readOnly, fmt::format("{} can be read but not written", store->file_.string()));
+    throw StoreError(
+        StoreError::Kind::readOnly,
+        fmt::format("{} is empty and cannot be written; give yourself the right to write it and its folder",
+                    store->file_.string()));
   return store;
 }
 
@@ -49,9 +64,8 @@ std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file,
 }
 
 std::shared_ptr<Store> Store::inMemory(std::shared_ptr<const qz::Clock> clock) {
-  static std::atomic<int> count{0};
   std::shared_ptr<Store> store(new Store({}, std::move(clock)));
-  store->address_ = fmt::format("file:/habitra-{}?vfs=memdb", ++count);
+  store->address_ = newMemoryAddress();
   store->memoryTurn_ = std::make_shared<std::binary_semaphore>(1);
   store->listeners_ = std::make_shared<Listeners>();
   store->keeper_ = store->makeConnection();
@@ -75,13 +89,31 @@ bool Store::prepare(bool mayMake) {
   const std::int64_t version = firstConnection_->integer("PRAGMA user_version");
   if (owner == applicationID && version == schemaVersion) return true;
   if (owner == applicationID && version > schemaVersion)
-    throw StoreError(StoreError::Kind::newerVersion,
-                     fmt::format("{} was made by a newer version of Habitra", file_.string()));
+    throw StoreError(
+        StoreError::Kind::newerVersion,
+        fmt::format("{} was made by a newer version of Habitra; bring Habitra up to date to open it", file_.string()));
+  if (owner == applicationID && version > 0) {
+    if (!isReadOnly_)
+      throw StoreError(
+          StoreError::Kind::olderVersion,
+          fmt::format("{} was made by an earlier version of Habitra; bring it up to date to open it", file_.string()));
+    moveIntoMemory();
+    return true;
+  }
   if (owner != 0 || version != 0 || firstConnection_->integer("SELECT count(*) FROM sqlite_schema") != 0)
-    throw StoreError(StoreError::Kind::notAStore, fmt::format("{} is not a Habitra store", file_.string()));
+    throw StoreError(StoreError::Kind::notAStore,
+                     fmt::format("{} is not a Habitra store; move it away, or choose another home with HABITRA_HOME",
+                                 file_.string()));
   if (!mayMake || isReadOnly_) return false;
   makeSchema(*firstConnection_);
   return true;
+}
+
+void Store::moveIntoMemory() {
+  address_ = newMemoryAddress();
+  keeper_ = copyIntoMemory(*firstConnection_, address_);
+  migrateSchema(*keeper_, {});
+  firstConnection_ = makeConnection();
 }
 
 void Store::makeSchema(Connection& connection) const {

@@ -28,9 +28,12 @@ class WritersTurn;
 class Store : public std::enable_shared_from_this<Store> {
  public:
   /// The version of the layout that this program reads and writes; kept in the file as SQLite's user_version.
-  static constexpr int schemaVersion = 1;
+  static constexpr int schemaVersion = 2;
   /// "Hbtr", kept in the file as SQLite's application_id.
   static constexpr std::int32_t applicationID = 0x48627472;
+
+  // A store of an earlier version is a StoreError of kind `olderVersion`, for CoreDataMigrator. Where nothing may be
+  // written it is brought up to date in memory instead and opens for reading.
 
   /// Opens the store at `file`, making it, its home and whatever folder is missing above. Throws StoreError.
   /// A file, or its folder, that may not be written opens for reading alone.
@@ -73,6 +76,8 @@ class Store : public std::enable_shared_from_this<Store> {
 
   /// Whether there is a store in the file; makes one in an empty file when it may.
   [[nodiscard]] bool prepare(bool mayMake);
+  /// Goes on with a copy in memory that is brought up to date.
+  void moveIntoMemory();
   void makeSchema(Connection& connection) const;
   [[nodiscard]] std::unique_ptr<Connection> makeConnection() const;
 
@@ -92,7 +97,7 @@ class Store : public std::enable_shared_from_this<Store> {
   bool isReadOnly_ = false;
   std::atomic<std::int64_t> newestGivenID_{0};
   std::shared_ptr<std::binary_semaphore> memoryTurn_;  // in memory only
-  std::unique_ptr<Connection> keeper_;                 // in memory only: keeps the content alive
+  std::unique_ptr<Connection> keeper_;                 // keeps content in memory alive
   std::shared_ptr<Listeners> listeners_;               // in memory only
   std::mutex firstConnectionMutex_;
   std::unique_ptr<Connection> firstConnection_;

@@ -258,6 +258,7 @@ class StoreContext {
   void readChanges(std::int64_t sequence, RowSink<StoredChange> change);
 
  private:
+  friend struct MigratedDataCloudSummary;
   friend class StoreVerification;
 
   template <typename T>

@@ -13,4 +13,11 @@ namespace habitra {
 /// its folder need not be writable. May be called from any thread.
 void copyStore(const std::filesystem::path& from, const std::filesystem::path& to);
 
+/// The same for a store that nobody has open: makes no file beside it. REQUIRES: the exclusive maintenance lock of the
+/// store's home.
+void copyStoreAtRest(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// The folder for copies in a home, "Backups", made when it is missing. Throws StoreError when it is a link.
+[[nodiscard]] std::filesystem::path backupFolder(const std::filesystem::path& home);
+
 }  // namespace habitra

@@ -11,6 +11,7 @@ class StoreError : public qz::Error {
  public:
   enum class Kind {
     newerVersion,  ///< made by a newer version; left untouched
+    olderVersion,  ///< of an earlier version, to be brought up to date by CoreDataMigrator; left untouched
     notAStore,     ///< another kind of file, or a folder
     damaged,       ///< a store whose content cannot be read
     foreignOwner,  ///< the home belongs to somebody else

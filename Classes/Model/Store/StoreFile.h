@@ -10,11 +10,15 @@ struct StoreFile {
   bool isReadOnly = false;  ///< it or its folder may not be written
   std::string address;      ///< what the engine is asked to open
 
+  [[nodiscard]] static bool mayWrite(const std::filesystem::path& path);
+
   /// Looks at the file, which is there. One that may not be written and has no write-ahead log is addressed as one that
   /// nobody can be changing: the engine then needs no files of its own beside it.
   [[nodiscard]] static StoreFile at(const std::filesystem::path& file);
 
-  /// The address of a file that nobody is changing.
+  /// The address of a file that nobody has open; the engine makes none beside it.
+  [[nodiscard]] static std::string addressAtRest(const std::filesystem::path& file);
+  /// The address of a file that is all there is, and that nobody is changing.
   [[nodiscard]] static std::string immutableAddress(const std::filesystem::path& file);
 };
 

@@ -46,7 +46,8 @@ bool StoreUnit::begin() {
   qz::require(state_ != State::writing, "a unit is begun within a unit");
   if (store_->isReadOnly())
     throw StoreError(StoreError::Kind::readOnly,
-                     fmt::format("{} can be read but not written", store_->file().string()));
+                     fmt::format("{} can be read but not written; give yourself the right to write it and its folder",
+                                 store_->file().string()));
   endView();
   turn_->take();
   try {
@@ -90,8 +91,9 @@ void StoreUnit::rollback() noexcept {
 bool StoreUnit::readNewest() {
   auto statement = readNewest_.use();
   if (!statement->step())
-    throw StoreError(StoreError::Kind::damaged,
-                     fmt::format("{} is damaged: a row of its own is missing", store_->file().string()));
+    throw StoreError(
+        StoreError::Kind::damaged,
+        fmt::format("{} is damaged: a row of its own is missing; restore a backup of it", store_->file().string()));
   const Newest newest{statement->integer(0), ObjectID{statement->integer(1)},
                       statement->isNull(2)
                           ? std::nullopt

@@ -1,5 +1,6 @@
 #include <HabitraModel/Store/HomeFolder.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <HabitraModel/Store/SystemFailure.h>
 #include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/Trap.h>
 
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 #include <thread>
 
 namespace habitra {
@@ -58,17 +58,14 @@ bool WritersTurn::tryOnce() {
   if (semaphore_ != nullptr) return semaphore_->try_acquire();
   if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return true;
   if (errno == EWOULDBLOCK || errno == EINTR) return false;
-  throw StoreError(StoreError::Kind::failed, fmt::format("cannot lock {}: {}", (folder_ / fileName).string(),
-                                                         std::generic_category().message(errno)));
+  failWithErrno("cannot lock", folder_ / fileName);
 }
 
 void WritersTurn::open() {
   const std::filesystem::path file = folder_ / fileName;
   if (!isPrivateFile(file)) makePrivateFile(file);
   descriptor_ = ::open(file.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
-  if (descriptor_ < 0)
-    throw StoreError(StoreError::Kind::failed,
-                     fmt::format("cannot open {}: {}", file.string(), std::generic_category().message(errno)));
+  if (descriptor_ < 0) failWithErrno("cannot open", file);
 }
 
 }  // namespace habitra

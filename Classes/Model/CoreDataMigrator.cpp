@@ -1,0 +1,230 @@
+#include <HabitraModel/CoreDataMigrator.h>
+#include <HabitraModel/DataManager.h>
+#include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/RowVerification.h>
+#include <HabitraModel/Store/SchemaMigration.h>
+#include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/StoreCopy.h>
+#include <HabitraModel/Store/StoreError.h>
+#include <HabitraModel/Store/StoreFile.h>
+#include <HabitraModel/Store/SystemFailure.h>
+#include <HabitraModel/Store/UnfinishedCopy.h>
+#include <HabitraModel/Store/WritersTurn.h>
+#include <QZKit/UniqueID.h>
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace habitra {
+
+namespace {
+
+using Kind = StoreError::Kind;
+using Access = Connection::Access;
+
+/// The path without links of a store that is there.
+std::filesystem::path existingStore(const std::filesystem::path& store) {
+  const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(store).parent_path());
+  if (home.empty() || !isPrivateFile(home / store.filename()))
+    throw StoreError(Kind::failed, fmt::format("there is no store at {}; check the path", store.string()));
+  return home / store.filename();
+}
+
+/// The version of a store that this program can bring up to date or open.
+std::int64_t versionOf(Connection& connection) {
+  const std::string name = connection.file().string();
+  const std::int64_t version = connection.integer("PRAGMA user_version");
+  if (connection.integer("PRAGMA application_id") != Store::applicationID || version < 1)
+    throw StoreError(Kind::notAStore, fmt::format("{} is not a Habitra store; check the path", name));
+  if (version > Store::schemaVersion)
+    throw StoreError(
+        Kind::newerVersion,
+        fmt::format("{} was made by a newer version of Habitra; bring Habitra up to date to open it", name));
+  return version;
+}
+
+std::unique_ptr<Connection> openToRead(const std::filesystem::path& file, bool isAtRest = false) {
+  return std::make_unique<Connection>(isAtRest ? StoreFile::addressAtRest(file) : StoreFile::at(file).address, file,
+                                      Access::readOnly);
+}
+
+bool isInside(const std::filesystem::path& file, const std::filesystem::path& folder) {
+  return file.native().starts_with((folder / "").native());
+}
+
+/// Refuses a store some of whose rows are not what was written.
+void requireMatchingRows(Connection& connection, const std::filesystem::path& name) {
+  const RowVerification found = RowVerification::of(connection);
+  if (found.damaged.empty()) return;
+  const DamagedRow& first = found.damaged.front();
+  throw StoreError(Kind::damaged, fmt::format("{} has {} damaged rows, first row {} of {} ({}); choose another backup",
+                                              name.string(), found.damaged.size(), rawValue(first.object),
+                                              entityWithNumber(first.entity)->name, first.reason));
+}
+
+/// Gives a copy that nobody else has seen yet an identifier of its own.
+void giveNewIdentifier(const std::filesystem::path& copy, const std::filesystem::path& name, qz::Moment now) {
+  {
+    Connection connection(copy.string(), name, Access::readWrite);
+    Statement update(connection, "UPDATE habitra_meta SET storeIdentifier=?");
+    const std::string identifier = qz::UniqueID::generate(now).text();
+    update.bind(1, std::string_view(identifier));
+    update.step();
+    update.reset();
+    if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
+      throw StoreError(Kind::busy, fmt::format("{} is in use by another program; end it and try again", name.string()));
+  }
+  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
+}
+
+/// Copies a file as it is, whatever it holds.
+void copyBytes(const std::filesystem::path& from, const std::filesystem::path& to) {
+  makePrivateFile(to);
+  std::error_code error;
+  std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
+  if (!error) return;
+  errno = error.value();
+  std::filesystem::remove(to, error);
+  failWithErrno("cannot write", to);
+}
+
+/// Removes the engine's own files beside a store, so that no log of the old one meets a new one.
+void removeLogs(const std::filesystem::path& file) {
+  for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+    const std::string log = file.string() + suffix;
+    if (::unlink(log.c_str()) != 0 && errno != ENOENT) failWithErrno("cannot remove", log);
+  }
+  flushFolder(file.parent_path());
+}
+
+}  // namespace
+
+/// A home to oneself: no store of it is open, and nobody writes.
+class CoreDataMigrator::Maintenance {
+ public:
+  Maintenance(const std::filesystem::path& home, std::chrono::milliseconds patience)
+      : lock_(home, patience), turn_(home, patience) {
+    lock_.takeExclusive();
+    turn_.take();
+  }
+
+ private:
+  MaintenanceLock lock_;
+  WritersTurn turn_;
+};
+
+CoreDataMigrator::CoreDataMigrator(std::shared_ptr<const qz::Clock> clock, Options options)
+    : clock_(std::move(clock)), options_(std::move(options)) {}
+
+std::int64_t CoreDataMigrator::migratorVersion() const { return Store::schemaVersion; }
+
+bool CoreDataMigrator::needsMigration(const std::filesystem::path& store) const {
+  const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(store).parent_path());
+  const std::filesystem::path file = home / store.filename();
+  if (home.empty() || !isPrivateFile(file) || std::filesystem::file_size(file) == 0) return false;
+  return versionOf(*openToRead(file)) < migratorVersion();
+}
+
+void CoreDataMigrator::migrate(const std::filesystem::path& store) {
+  const std::filesystem::path file = existingStore(store);
+  const Maintenance maintenance(file.parent_path(), options_.patience);
+  migrateUnderMaintenance(file);
+}
+
+void CoreDataMigrator::migrateUnderMaintenance(const std::filesystem::path& file) {
+  Connection connection(file.string(), file, Access::readWrite);
+  const std::int64_t version = versionOf(connection);
+  if (version == migratorVersion()) return;  // another program has been quicker
+  step("copy");
+  copyStore(file, newBackup(file, fmt::format("version-{}", version)));
+  migrateSchema(connection, options_.beforeStep);
+  step("checkpoint");
+  connection.checkpoint();
+}
+
+std::optional<std::filesystem::path> CoreDataMigrator::adoptProductionStore(const std::filesystem::path& home) {
+  using File = DataManager::StoreFile;
+  const std::filesystem::path folder = existingHomeFolder(home);
+  if (folder.empty()) return std::nullopt;
+  const auto path = [&folder](File file) { return folder / DataManager::fileName(file); };
+  const auto mustAdopt = [&path] {
+    return !isPrivateFile(path(File::local)) && !isPrivateFile(path(File::cloudKit)) &&
+           isPrivateFile(path(File::production));
+  };
+  if (!mustAdopt()) return std::nullopt;
+  if (!StoreFile::mayWrite(folder)) return path(File::production);
+  const Maintenance maintenance(folder, options_.patience);
+  if (!mustAdopt()) return path(File::local);  // another program has been quicker
+  step("adopt");
+  copyStoreAtRest(path(File::production), path(File::local));
+  step("adopted");
+  migrateUnderMaintenance(path(File::local));
+  return path(File::local);
+}
+
+void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const std::filesystem::path& with) {
+  const std::filesystem::path source = existingStore(with);
+  const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(store).parent_path());
+  const std::filesystem::path file = home / store.filename();
+  if (file == source)
+    throw StoreError(Kind::failed, fmt::format("{} cannot take its own place; choose another", file.string()));
+  const Maintenance maintenance(home, options_.patience);
+  const bool isThere = isPrivateFile(file);
+
+  UnfinishedCopy incoming(file);
+  {
+    const std::unique_ptr<Connection> connection = openToRead(source, isInside(source, home));
+    connection->execute("BEGIN");
+    (void)versionOf(*connection);
+    requireMatchingRows(*connection, source);
+    step("stage");
+    incoming.fillFrom(*connection);
+  }
+  step("identify");
+  giveNewIdentifier(incoming.file(), file, clock_->now());
+  step("keep");
+  if (isThere) keep(file);
+  step("remove the logs");
+  removeLogs(file);
+  step("replace");
+  incoming.replace();
+  step("replaced");
+}
+
+void CoreDataMigrator::keep(const std::filesystem::path& file) {
+  const std::filesystem::path backup = newBackup(file, "replaced");
+  try {
+    Connection connection(file.string(), file, Access::readWrite);
+    copyStore(file, backup);
+    // All of the old store must be in its file before its log goes.
+    if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
+      throw StoreError(Kind::busy, fmt::format("{} is in use by another program; end it and try again", file.string()));
+  } catch (const StoreError& error) {
+    if (error.kind() != Kind::damaged && error.kind() != Kind::notAStore) throw;
+    // What a restore is for: the bytes of it are kept, with what the engine may yet make of its logs.
+    for (const char* suffix : {"", "-wal", "-journal"})
+      if (isPrivateFile(file.string() + suffix)) copyBytes(file.string() + suffix, backup.string() + suffix);
+  }
+}
+
+std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& file, std::string_view reason) const {
+  const auto now = std::chrono::time_point_cast<std::chrono::seconds>(clock_->now());
+  const std::string name =
+      (backupFolder(file.parent_path()) / file.stem()).string() + fmt::format("-{}-{:%Y%m%dT%H%M%SZ}", reason, now);
+  std::filesystem::path backup = name + ".sqlite";
+  for (int i = 2; isPrivateFile(backup); ++i) backup = fmt::format("{}-{}.sqlite", name, i);
+  return backup;
+}
+
+void CoreDataMigrator::step(std::string_view name) const {
+  if (options_.beforeStep) options_.beforeStep(name);
+}
+
+}  // namespace habitra

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <HabitraModel/Store/MaintenanceLock.h>
+#include <QZKit/Clock.h>
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace habitra {
+
+/// What brings a store up to date.
+class CoreDataMigratorProtocol {
+ public:
+  virtual ~CoreDataMigratorProtocol() = default;
+
+  /// The version of the layout that it makes.
+  [[nodiscard]] virtual std::int64_t migratorVersion() const = 0;
+  /// Whether the store is of an earlier version; false when there is none. Throws StoreError.
+  [[nodiscard]] virtual bool needsMigration(const std::filesystem::path& store) const = 0;
+  /// Brings the store to `migratorVersion`; does nothing when it is. Throws StoreError.
+  virtual void migrate(const std::filesystem::path& store) = 0;
+};
+
+/// Changes whole store files: to the present layout, for one another, and from the names of earlier days.
+///
+/// All of it is maintenance: it waits until no store of the home is open, in this process neither, and takes the
+/// writers' turn. A program that is killed in the midst of it leaves the store as it was or as it is to be. The copies
+/// that it makes are verified and lie in the folder "Backups" of the home. Every failure is a StoreError.
+///
+/// Has no state; may be called from any thread.
+class CoreDataMigrator final : public CoreDataMigratorProtocol {
+ public:
+  struct Options {
+    /// How long it is waited for open stores and for writers.
+    std::chrono::milliseconds patience = MaintenanceLock::defaultPatience;
+    /// Called before each step, with the statement or with a word for it; for tests that end the program there.
+    std::function<void(std::string_view step)> beforeStep = {};
+  };
+
+  /// `clock` names the copies.
+  explicit CoreDataMigrator(std::shared_ptr<const qz::Clock> clock) : CoreDataMigrator(std::move(clock), Options()) {}
+  CoreDataMigrator(std::shared_ptr<const qz::Clock> clock, Options options);
+
+  [[nodiscard]] std::int64_t migratorVersion() const override;
+  [[nodiscard]] bool needsMigration(const std::filesystem::path& store) const override;
+
+  /// Copies the store to "<name>-version-<n>-<UTC time>.sqlite", then takes one version after the other, each in one
+  /// transaction. Nothing is committed unless every row that matched its checksum still does, every reference leads to
+  /// what it led to, and the tasks and owners are the same; what was damaged before may stay so, with a warning.
+  void migrate(const std::filesystem::path& store) override;
+
+  /// Looks for a home that has nothing but "Habitra-Production.sqlite", the one store of early versions, and copies
+  /// that to "Habitra-Local.sqlite", brought up to date; Production stays byte for byte as it was. Gives the file to
+  /// open then: the copy, or Production itself where the home may not be written. None when there is nothing to adopt.
+  [[nodiscard]] std::optional<std::filesystem::path> adoptProductionStore(const std::filesystem::path& home);
+
+  /// A copy of the store at `with` (a backup, or the file of another container), which stays, takes the place of
+  /// `store`. It must be a whole store of the present or an earlier version: a damaged one is refused, with the number
+  /// of damaged rows and the first. What was at `store`, if anything, is kept as "<name>-replaced-<UTC time>.sqlite".
+  /// The new store gets an identifier of its own, so that nobody takes its history for that of the old one.
+  void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with);
+
+ private:
+  class Maintenance;
+
+  void step(std::string_view name) const;
+  void migrateUnderMaintenance(const std::filesystem::path& file);
+  [[nodiscard]] std::filesystem::path newBackup(const std::filesystem::path& file, std::string_view reason) const;
+  void keep(const std::filesystem::path& file);
+
+  std::shared_ptr<const qz::Clock> clock_;
+  Options options_;
+};
+
+}  // namespace habitra
