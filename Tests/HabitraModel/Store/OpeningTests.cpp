@@ -1,11 +1,13 @@
 #include <HabitraModel/DataManager.h>
 #include <HabitraModel/Store/WritersTurn.h>
+#include <Support/ChildProcess.h>
+#include <Support/FolderContent.h>
+#include <Support/OrdinaryRights.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <fstream>
-#include <iterator>
 #include <map>
 
 #include "StoreFixture.h"
@@ -15,13 +17,6 @@ namespace {
 
 using OpeningTest = StoreTest;
 using std::filesystem::path;
-
-/// Empty for what is no plain file.
-std::string content(const path& file) {
-  if (!std::filesystem::is_regular_file(file)) return {};
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 mode_t mode(const path& file) {
   struct stat status {};
@@ -53,46 +48,82 @@ TEST_F(OpeningTest, ReadingMakesNothing) {
   EXPECT_NE(Store::openForReading(file(), clock_), nullptr);
 }
 
-TEST_F(OpeningTest, WhatIsNoStoreIsRefusedAndLeftAlone) {
+TEST_F(OpeningTest, WhatCannotBeOpenedIsRefusedAndLeftAlone) {
   const path home = folder_ / "home";
+  makeTask();
+  runSQL(file(), "PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode=DELETE");
+  for (const char* name : {"damaged.sqlite", "older.sqlite", "newer.sqlite", "given.sqlite"})
+    std::filesystem::copy_file(file(), home / name);
+  {
+    std::fstream damage(home / "damaged.sqlite", std::ios::in | std::ios::out | std::ios::binary);
+    damage.seekp(100);
+    damage << std::string(3000, '\xFF');
+  }
+  runSQL(home / "older.sqlite", "PRAGMA user_version=1");
+  runSQL(home / "newer.sqlite", "PRAGMA user_version=99");
   std::filesystem::create_directories(home / "folder.sqlite");
   std::ofstream(home / "text.sqlite") << "task_id,title\n1,Walk\n";
   runSQL(home / "foreign.sqlite", "CREATE TABLE notes (content)");
   runSQL(home / "tagged.sqlite", "PRAGMA application_id=7");
   std::filesystem::create_symlink(home / "elsewhere.sqlite", home / "link.sqlite");
-  makeTask();
-  runSQL(file(), "PRAGMA journal_mode=DELETE; PRAGMA user_version=99");
+  ASSERT_EQ(::mkfifo((home / "pipe.sqlite").c_str(), 0600), 0);
   using Kind = StoreError::Kind;
-  const std::map<std::string, Kind> expected{
-      {"folder.sqlite", Kind::notAStore},  {"text.sqlite", Kind::notAStore},
-      {"foreign.sqlite", Kind::notAStore}, {"tagged.sqlite", Kind::notAStore},
-      {"link.sqlite", Kind::insecurePath}, {"Habitra-Local.sqlite", Kind::newerVersion}};
+  std::map<std::string, Kind> expected{
+      {"folder.sqlite", Kind::notAStore},   {"text.sqlite", Kind::notAStore},     {"foreign.sqlite", Kind::notAStore},
+      {"tagged.sqlite", Kind::notAStore},   {"link.sqlite", Kind::insecurePath},  {"pipe.sqlite", Kind::notAStore},
+      {"newer.sqlite", Kind::newerVersion}, {"older.sqlite", Kind::olderVersion}, {"damaged.sqlite", Kind::damaged}};
+  if (::chown((home / "given.sqlite").c_str(), 12345, 12345) == 0) expected.emplace("given.sqlite", Kind::foreignOwner);
+  const auto before = folderContent(home);
   for (const auto& [name, kind] : expected) {
-    const std::string before = content(home / name);
     for (const auto openStore : {&Store::open, &Store::openForReading}) {
       try {
         (void)openStore(home / name, clock_);
         ADD_FAILURE() << name << " was opened";
       } catch (const StoreError& error) {
-        EXPECT_EQ(error.kind(), kind) << error.what();
-        EXPECT_NE(std::string(error.what()).find(home / name), std::string::npos) << error.what();
-        EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
+        const std::string message = error.what();
+        EXPECT_EQ(error.kind(), kind) << message;
+        EXPECT_NE(message.find(home / name), std::string::npos) << message;
+        EXPECT_NE(message.find("; "), std::string::npos) << "it says what to do: " << message;
+        EXPECT_EQ(message.find('\n'), std::string::npos) << message;
       }
     }
-    EXPECT_EQ(content(home / name), before);
   }
-  EXPECT_FALSE(std::filesystem::exists(home / "elsewhere.sqlite"));
+  EXPECT_TRUE(folderContent(home) == before);
 }
 
-TEST_F(OpeningTest, ADamagedStoreIsAnError) {
+TEST_F(OpeningTest, WhatMayNotBeWrittenIsReadAndLeftAlone) {
+  const path home = folder_ / "home";
   makeTask();
-  runSQL(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
-  {
-    std::fstream damage(file(), std::ios::in | std::ios::out | std::ios::binary);
-    damage.seekp(100);
-    damage << std::string(3000, '\xFF');
+  for (const bool hasLog : {true, false}) {
+    SCOPED_TRACE(hasLog);
+    if (!hasLog) runSQL(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
+    EXPECT_EQ(std::filesystem::exists(file().string() + "-wal"), hasLog);
+    for (const auto& item : std::filesystem::directory_iterator(home))
+      std::filesystem::permissions(item, std::filesystem::perms(0400));
+    std::filesystem::permissions(home, std::filesystem::perms(0500));
+    const auto before = folderContent(home);
+    ChildProcess reader([&](const ChildProcess::Talk&) {
+      keepOrdinaryRights();
+      for (const auto openStore : {&Store::open, &Store::openForReading}) {
+        const auto store = openStore(file(), clock_);
+        StoreContext context(store);
+        if (!store->isReadOnly() || context.fetchAll<TaskEntity>().size() != 1) throw std::runtime_error("not read");
+        if (errorKind([&] { context.beginUnit(); }) != StoreError::Kind::readOnly)
+          throw std::runtime_error("a unit has begun");
+      }
+      try {
+        (void)Store::open(home / "new.sqlite", clock_);
+        throw std::runtime_error("a store was made");
+      } catch (const StoreError& error) {
+        if (std::string(error.what()).find("; ") == std::string::npos) throw;
+      }
+    });
+    EXPECT_TRUE(reader.end());
+    EXPECT_TRUE(folderContent(home) == before);
+    std::filesystem::permissions(home, std::filesystem::perms(0700));
+    for (const auto& item : std::filesystem::directory_iterator(home))
+      std::filesystem::permissions(item, std::filesystem::perms(0600));
   }
-  EXPECT_EQ(errorKind([&] { (void)open(); }), StoreError::Kind::damaged);
 }
 
 TEST_F(OpeningTest, TheHomeItselfMayBeALink) {
