@@ -13,8 +13,10 @@
 #include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/UniqueID.h>
 
+#include <fcntl.h>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -59,14 +61,19 @@ bool isInside(const std::filesystem::path& file, const std::filesystem::path& fo
   return file.native().starts_with((folder / "").native());
 }
 
-/// Refuses a store some of whose rows are not what was written.
-void requireMatchingRows(Connection& connection, const std::filesystem::path& name) {
-  const RowVerification found = RowVerification::of(connection);
-  if (found.damaged.empty()) return;
-  const DamagedRow& first = found.damaged.front();
-  throw StoreError(Kind::damaged, fmt::format("{} has {} damaged rows, first row {} of {} ({}); choose another backup",
-                                              name.string(), found.damaged.size(), rawValue(first.object),
-                                              entityWithNumber(first.entity)->name, first.reason));
+/// Refuses a store that cannot be opened here, and one some of whose rows are not what was written.
+void fillWithWholeStore(UnfinishedCopy& copy, Connection& source) {
+  source.execute("BEGIN");
+  (void)versionOf(source);
+  const RowVerification found = RowVerification::of(source);
+  if (!found.damaged.empty()) {
+    const DamagedRow& first = found.damaged.front();
+    throw StoreError(
+        Kind::damaged,
+        fmt::format("{} has {} damaged rows, first row {} of {} ({}); choose another backup", source.file().string(),
+                    found.damaged.size(), rawValue(first.object), entityWithNumber(first.entity)->name, first.reason));
+  }
+  copy.fillFrom(source);
 }
 
 /// Gives a copy that nobody else has seen yet an identifier of its own.
@@ -84,14 +91,20 @@ void giveNewIdentifier(const std::filesystem::path& copy, const std::filesystem:
   for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
 }
 
-/// Copies a file as it is, whatever it holds.
+/// Copies a file as it is, whatever it holds, and flushes the copy.
 void copyBytes(const std::filesystem::path& from, const std::filesystem::path& to) {
   makePrivateFile(to);
   std::error_code error;
   std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-  if (!error) return;
-  errno = error.value();
-  std::filesystem::remove(to, error);
+  if (error) errno = error.value();
+  const int descriptor = error ? -1 : ::open(to.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+  // The mode has come along.
+  const bool isKept = descriptor >= 0 && ::fchmod(descriptor, 0600) == 0 && ::fsync(descriptor) == 0;
+  const int reason = errno;
+  if (descriptor >= 0) ::close(descriptor);
+  if (isKept) return;
+  ::unlink(to.c_str());
+  errno = reason;
   failWithErrno("cannot write", to);
 }
 
@@ -176,21 +189,13 @@ void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const st
   if (file == source)
     throw StoreError(Kind::failed, fmt::format("{} cannot take its own place; choose another", file.string()));
   const Maintenance maintenance(home, options_.patience);
-  const bool isThere = isPrivateFile(file);
-
   UnfinishedCopy incoming(file);
-  {
-    const std::unique_ptr<Connection> connection = openToRead(source, isInside(source, home));
-    connection->execute("BEGIN");
-    (void)versionOf(*connection);
-    requireMatchingRows(*connection, source);
-    step("stage");
-    incoming.fillFrom(*connection);
-  }
+  step("stage");
+  fillWithWholeStore(incoming, *openToRead(source, isInside(source, home)));
   step("identify");
   giveNewIdentifier(incoming.file(), file, clock_->now());
   step("keep");
-  if (isThere) keep(file);
+  keep(file);
   step("remove the logs");
   removeLogs(file);
   step("replace");
@@ -201,17 +206,22 @@ void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const st
 void CoreDataMigrator::keep(const std::filesystem::path& file) {
   const std::filesystem::path backup = newBackup(file, "replaced");
   try {
-    Connection connection(file.string(), file, Access::readWrite);
-    copyStore(file, backup);
-    // All of the old store must be in its file before its log goes.
-    if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
-      throw StoreError(Kind::busy, fmt::format("{} is in use by another program; end it and try again", file.string()));
+    if (isPrivateFile(file)) {
+      Connection connection(file.string(), file, Access::readWrite);
+      copyStore(file, backup);
+      // All of the old store must be in its file before its log goes.
+      if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
+        throw StoreError(Kind::busy,
+                         fmt::format("{} is in use by another program; end it and try again", file.string()));
+      return;
+    }
   } catch (const StoreError& error) {
     if (error.kind() != Kind::damaged && error.kind() != Kind::notAStore) throw;
-    // What a restore is for: the bytes of it are kept, with what the engine may yet make of its logs.
-    for (const char* suffix : {"", "-wal", "-journal"})
-      if (isPrivateFile(file.string() + suffix)) copyBytes(file.string() + suffix, backup.string() + suffix);
   }
+  // Of what is no whole store the bytes are kept, with whatever its logs may yet be good for.
+  for (const char* suffix : {"", "-wal", "-journal"})
+    if (isPrivateFile(file.string() + suffix)) copyBytes(file.string() + suffix, backup.string() + suffix);
+  flushFolder(backup.parent_path());
 }
 
 std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& file, std::string_view reason) const {

@@ -105,8 +105,12 @@ TEST_F(ReplacementTest, WhatIsNoWholeStoreTakesNoPlace) {
 
 TEST_F(ReplacementTest, ADamagedStoreGivesWayAndItsBytesAreKept) {
   makeBoth();
-  for (const char* suffix : {"", "-wal"}) std::ofstream(file().string() + suffix) << std::string(5000, '\xAB');
+  for (const char* suffix : {"", "-wal"}) {
+    std::ofstream(file().string() + suffix) << std::string(5000, '\xAB');
+    fs::permissions(file().string() + suffix, fs::perms(0600));
+  }
   const auto before = folderContent(home());
+  fs::permissions(file(), fs::perms(0644));
   migrator().replaceStore(file(), other());
   EXPECT_EQ(titlesIn(file()), newTitles_);
   const auto after = folderContent(backups());
