@@ -74,5 +74,7 @@ constinit const Setting<bool, bool> cloudSync{
     .decode = [](const bool& kept) { return std::optional(kept); },
 };
 
+std::string pausesOf(std::string_view taskId) { return "task.pauses." + std::string(taskId); }
+
 }  // namespace settings
 }  // namespace habitra

@@ -34,7 +34,7 @@ struct Setting {
   std::optional<T> (*decode)(const Kind& kept);  ///< none for what is unknown or damaged; it then has its default
 };
 
-/// All settings there are, but for those of single tasks.
+/// All settings there are.
 namespace settings {
 
 /// On which day weeks begin, for tasks made from then on. By default that of the user's locale. Kept as an integer,
@@ -51,6 +51,9 @@ extern const Setting<TaskFrequency, Bytes> defaultFrequency;
 
 /// Whether the store is mirrored to a cloud. By default not. Kept as a truth value.
 extern const Setting<bool, bool> cloudSync;
+
+/// The key under which the store keeps the pauses of the task with this identifier.
+[[nodiscard]] std::string pausesOf(std::string_view taskId);
 
 }  // namespace settings
 

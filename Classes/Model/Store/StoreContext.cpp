@@ -4,6 +4,8 @@
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
+#include <fmt/format.h>
+
 namespace habitra {
 
 StoreContext::StoreContext(std::shared_ptr<Store> store) : parts_(std::make_unique<Parts>(std::move(store))) {}
@@ -132,6 +134,18 @@ std::vector<void*> StoreContext::fetchObjectsBetween(const EntityDescription& en
   auto rows = table.betweenDays(relationship).use();
   EntityTable::bindDays(*rows, target, from, to);
   return parts_->objects(table, *rows, false);
+}
+
+std::vector<std::string> StoreContext::repeatedTextsOf(const EntityDescription& entity, std::string_view attribute) {
+  qz::require(entity.position(attribute).has_value(), "an entity is asked for an attribute that it has not");
+  parts_->beginSearch();
+  Query query(parts_->unit.connection(), fmt::format("SELECT {0} FROM {1} WHERE {0} IS NOT NULL GROUP BY {0} "
+                                                     "HAVING count(*) > 1 ORDER BY {0}",
+                                                     attribute, entity.name));
+  auto rows = query.use();
+  std::vector<std::string> texts;
+  while (rows->step()) texts.emplace_back(rows->text(0));
+  return texts;
 }
 
 void StoreContext::removeObject(const EntityDescription& entity, void* object) {

@@ -157,6 +157,13 @@ class StoreContext {
     return typed<T>(fetchObjects(T::description(), attribute, ObjectID::none, text, false));
   }
 
+  /// The texts of an attribute that more than one row has, in order: identifiers that are double. Quick for indexed
+  /// attributes; entries of the log may be asked about as well. REQUIRES: a text attribute of T.
+  template <typename T>
+  [[nodiscard]] std::vector<std::string> repeatedTexts(std::string_view attribute) {
+    return repeatedTextsOf(T::description(), attribute);
+  }
+
   /// All rows, in order of creation.
   template <typename T>
   [[nodiscard]] std::vector<T*> fetchAll() {
@@ -218,6 +225,8 @@ class StoreContext {
   [[nodiscard]] std::vector<TaskLogEntryEntity> fetchLogEntries(ObjectID task, std::int32_t from = firstDay,
                                                                 std::int32_t to = lastDay);
 
+  /// All entries with this identifier, in order of creation.
+  [[nodiscard]] std::vector<TaskLogEntryEntity> fetchLogEntries(std::string_view uniqueId);
   /// The oldest entry with this identifier.
   [[nodiscard]] std::optional<TaskLogEntryEntity> findLogEntry(std::string_view uniqueId);
   [[nodiscard]] std::optional<TaskLogEntryEntity> findLogEntry(const LogKey& key);
@@ -276,6 +285,7 @@ class StoreContext {
                                   std::string_view text, bool onlyFirst);
   std::vector<void*> fetchObjectsBetween(const EntityDescription& entity, std::string_view relationship,
                                          ObjectID target, std::int32_t from, std::int32_t to);
+  std::vector<std::string> repeatedTextsOf(const EntityDescription& entity, std::string_view attribute);
   void removeObject(const EntityDescription& entity, void* object);
   [[nodiscard]] const void* storedValuesOf(const EntityDescription& entity, const void* object) const;
   [[nodiscard]] AttributeSet changedAttributesOf(const EntityDescription& entity, const void* object) const;

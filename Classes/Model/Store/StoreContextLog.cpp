@@ -79,6 +79,16 @@ std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std
   return entries;
 }
 
+std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(std::string_view uniqueId) {
+  parts_->beginView();
+  EntityTable& table = parts_->table(TaskLogEntryEntity::description());
+  auto rows = table.where("uniqueId").use();
+  rows->bind(1, uniqueId);
+  std::vector<TaskLogEntryEntity> entries;
+  while (rows->step()) table.load(*rows, &entries.emplace_back());
+  return entries;
+}
+
 std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(std::string_view uniqueId) {
   parts_->beginView();
   auto rows = parts_->table(TaskLogEntryEntity::description()).where("uniqueId").use();

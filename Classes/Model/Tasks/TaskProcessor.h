@@ -39,6 +39,10 @@ class TaskProcessor {
   /// Whether a pass would look at a new day: some active task was last processed on another day than its today.
   [[nodiscard]] bool isDue(StoreContext& context, qz::Moment now) const;
 
+  /// Gives tasks that bear the identifier of an older one a new one of their own, and their settings along with it.
+  /// Gives how many there were. REQUIRES: a unit, which the caller saves.
+  static std::size_t cleanUpDuplicatedTaskIDs(StoreContext& context);
+
   /// The active tasks, in order of creation.
   [[nodiscard]] static std::vector<TaskEntity*> activeTasks(StoreContext& context);
 

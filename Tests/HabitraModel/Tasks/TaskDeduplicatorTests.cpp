@@ -1,0 +1,306 @@
+#include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Store/StoreVerification.h>
+#include <HabitraModel/Tasks/TaskCategories.h>
+#include <HabitraModel/Tasks/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <array>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "../Store/AllRows.h"
+#include "../Store/StoreFixture.h"
+
+namespace habitra {
+namespace {
+
+using std::chrono::seconds;
+using Report = TaskDeduplicator::Report;
+using Type = TaskLogEntryType;
+
+/// A store that mirroring has brought double rows into.
+struct MirroredStore {
+  TaskEntity& addTask(const std::string& title, const std::string& uniqueId, qz::Moment created = testMoment) {
+    TaskEntity task = newlyMadeTask(title, qz::DayOfWeek::monday, created, "UTC");
+    task.uniqueId = uniqueId;
+    return context.insert(task);
+  }
+  ObjectID addEntry(const TaskEntity& task, std::int32_t day, Type type, const std::string& uniqueId,
+                    qz::Moment created = testMoment) {
+    TaskLogEntryEntity entry;
+    entry.task = task.objectID;
+    entry.entryDate = entry.entryPeriodFrom = entry.entryPeriodTo = day;
+    entry.entryPeriodType = "d";
+    entry.entryType = rawValue(type);
+    entry.uniqueId = uniqueId;
+    entry.createdTimestamp = created;
+    return context.insertLogEntry(entry);
+  }
+  template <typename T>
+  T& add(T row, ObjectID task) {
+    row.task = task;
+    return context.insert(row);
+  }
+
+  Report run() {
+    context.save({});
+    const Report report = TaskDeduplicator().deduplicate(context);
+    context.save({});
+    return report;
+  }
+
+  /// The log as identifiers, by day, then by creation.
+  std::vector<std::string> log(const TaskEntity& task) {
+    std::vector<std::string> identifiers;
+    for (const auto& entry : context.fetchLogEntries(task.objectID)) identifiers.push_back(*entry.uniqueId);
+    return identifiers;
+  }
+  std::size_t tasks() { return context.fetchAll<TaskEntity>().size(); }
+
+  std::shared_ptr<SettableClock> clock = std::make_shared<SettableClock>(testMoment);
+  StoreContext context{Store::inMemory(clock)};
+};
+
+class TaskDeduplicatorTest : public testing::Test, protected MirroredStore {};
+
+using Names = std::vector<std::string>;
+
+TEST_F(TaskDeduplicatorTest, GroupsAreTasksThatAgreeInTitleFrequencyAndCreation) {
+  TaskEntity& first = addTask("Walk", "W");
+  addTask("Walk", "X");
+  TaskEntity& second = addTask("Walk", "W", testMoment + std::chrono::milliseconds(999));
+  addTask("Run", "W");
+  addTask("Walk", "W", testMoment + seconds(1));
+  setFrequency(addTask("Walk", "W"), {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 3});
+  second.colorInfo = "red";
+  const auto groups = TaskDeduplicator::duplicateGroups(context);
+  ASSERT_EQ(groups.size(), 1u);
+  EXPECT_EQ(groups[0].objectIDs, (std::set{first.objectID, second.objectID}));
+
+  EXPECT_EQ(run(), (Report{.unitedTasks = 1, .renamedTasks = 3}));
+  EXPECT_EQ(context.fetch<TaskEntity>("uniqueId", "W"), std::vector{&first});
+  EXPECT_EQ(run(), Report{});
+}
+
+TEST_F(TaskDeduplicatorTest, TasksThatAreNotOneKeepApartWithTheirPauses) {
+  TaskEntity& walk = addTask("Walk", "W");
+  TaskEntity& run = addTask("Run", "W");
+  const ObjectID mine = addEntry(run, 20240110, Type::completedManuallyFull, "1");
+  StoreSettings(context).set(settings::pausesOf("W"), Bytes{1, 2});
+  context.save({});
+
+  qz::log::configure({.verbose = true});
+  testing::internal::CaptureStderr();
+  const Report report = TaskDeduplicator().deduplicate(context);
+  const std::string log = testing::internal::GetCapturedStderr();
+  qz::log::configure({});
+  EXPECT_EQ(report, Report{.renamedTasks = 1});
+  EXPECT_NE(log.find("Updating task IDs for duplicate entries (1)"), std::string::npos) << log;
+  EXPECT_NE(log.find("Updating duplicate task ID (W)"), std::string::npos) << log;
+  EXPECT_EQ(walk.uniqueId, "W");
+  EXPECT_NE(run.uniqueId, "W");
+  EXPECT_EQ(StoreSettings(context).get<Bytes>(settings::pausesOf("W")), (Bytes{1, 2}));
+  EXPECT_EQ(StoreSettings(context).get<Bytes>(settings::pausesOf(*run.uniqueId)), (Bytes{1, 2}));
+  EXPECT_EQ(context.findLogEntry(mine)->task, run.objectID);
+}
+
+TEST_F(TaskDeduplicatorTest, EntriesAreUnitedByIdentifierElseByDayTypeAndSecondOneToOne) {
+  TaskEntity& older = addTask("Walk", "W");
+  TaskEntity& newer = addTask("Walk", "W");
+  older.lastProcessedDate = testMoment;
+  newer.lastProcessedDate = testMoment - std::chrono::days(2);
+  addEntry(older, 20240101, Type::completedManuallyPartial, "both");
+  addEntry(older, 20240102, Type::completedManuallyPartial, "a");
+  addEntry(older, 20240103, Type::completedManuallyPartial, "old");
+  addEntry(newer, 20240101, Type::completedManuallyPartial, "both");
+  addEntry(newer, 20240102, Type::completedManuallyPartial, "b", testMoment + std::chrono::milliseconds(1));
+  addEntry(newer, 20240102, Type::completedManuallyPartial, "c");
+  addEntry(newer, 20240102, Type::completedManuallyPartial, "d", testMoment + seconds(1));
+  addEntry(newer, 20240102, Type::missedManuallyPartial, "e");
+  addEntry(newer, 20240104, Type::completedManuallyPartial, "old");  // it was changed there
+  EXPECT_EQ(run(), Report{.unitedTasks = 1});
+  EXPECT_EQ(tasks(), 1u);
+  EXPECT_EQ(log(older), (Names{"both", "a", "c", "d", "e", "old"})) << "b was a";
+  EXPECT_EQ(older.lastProcessedDate, testMoment - std::chrono::days(2));
+}
+
+TEST_F(TaskDeduplicatorTest, WhatTheSystemFilledInGivesWayToWhatAPersonEntered) {
+  TaskEntity& older = addTask("Walk", "W");
+  TaskEntity& newer = addTask("Walk", "W");
+  const auto later = testMoment + seconds(5);
+  addEntry(older, 20240101, Type::missedAutomaticallyFull, "1 auto");
+  addEntry(newer, 20240101, Type::completedManuallyFull, "1", later);
+  addEntry(older, 20240102, Type::skippedManuallyFull, "2");
+  addEntry(newer, 20240102, Type::missedAutomaticallyFull, "2 auto", later);
+  addEntry(older, 20240103, Type::missedAutomaticallyFull, "3");
+  addEntry(newer, 20240103, Type::missedAutomaticallyFull, "3 again", later);
+  addEntry(older, 20240104, Type::missedAutomaticallyFull, "4 filled in");
+  addEntry(newer, 20240104, Type::completedAutomaticallyFull, "4 measured", later);
+  addEntry(older, 20240105, Type::completedManuallyFull, "5");
+  addEntry(newer, 20240105, Type::skippedManuallyFull, "5 too", later);
+  addEntry(older, 20240106, Type::completedManuallyPartial, "6");
+  addEntry(newer, 20240106, Type::missedAutomaticallyFull, "6 too", later);
+  run();
+  EXPECT_EQ(log(older), (Names{"1", "2", "3", "4 measured", "5", "5 too", "6", "6 too"}));
+}
+
+TEST_F(TaskDeduplicatorTest, WhatBelongsToATaskGoesOverOnce) {
+  TaskEntity& older = addTask("Walk", "W");
+  TaskEntity& newer = addTask("Walk", "W");
+  TaskCategoryEntity& health = context.insert(TaskCategoryEntity{.title = "Health"});
+  TaskCategoryEntity& evening = context.insert(TaskCategoryEntity{.title = "Evening"});
+  addCategory(context, older, health);
+  addCategory(context, newer, health);
+  addCategory(context, newer, evening);
+  newer.userProfile = context.insert(UserProfileEntity{.title = "Page 2"}).objectID;
+  for (const TaskEntity* task : {&older, &newer}) {
+    add(TaskNoteEntity{.content = "same", .uniqueId = "N"}, task->objectID);
+    add(TaskNoteEntity{.content = task == &older ? "before" : "after", .uniqueId = "M"}, task->objectID);
+    add(TaskCounterEntity{.entryDate = 20240101, .quantity = 1, .uniqueId = "C"}, task->objectID);
+    add(TaskNotificationRemindersEntity{.timeOfDay = task == &older ? 1 : 2}, task->objectID);
+    add(TaskTemporalDataEntity{.bestStreak = task == &older ? 1 : 2}, task->objectID);
+  }
+  add(TaskNotificationSettingsEntity{.badgeMode = "b"}, newer.objectID);
+  const ObjectID kept = addEntry(older, 20240101, Type::completedManuallyFull, "old name");
+  const ObjectID gone = addEntry(newer, 20240101, Type::completedManuallyFull, "new name");
+  add(TaskTimerEntity{.entryId = "new name", .start = testMoment}, newer.objectID);
+  add(TaskTimerEntity{.entryId = "old name", .start = testMoment}, older.objectID);
+  add(TaskTimerEntity{.entryId = "new name", .start = testMoment + seconds(9)}, newer.objectID);
+  context.insert(HealthKitRequestEntity{.type = "both", .taskLogEntry = kept});
+  context.insert(HealthKitRequestEntity{.type = "both", .taskLogEntry = gone});
+  context.insert(HealthKitRequestEntity{.type = "only here", .taskLogEntry = gone});
+
+  EXPECT_EQ(run(), (Report{.unitedTasks = 1, .renamedRows = 1})) << "a note that was changed on one side";
+  const auto of = [&]<typename T>(std::type_identity<T>) { return context.fetchRelated<T>("task", older.objectID); };
+  EXPECT_EQ(categoriesOf(context, older), (std::vector{&health, &evening}));
+  EXPECT_EQ(of(std::type_identity<TaskNoteEntity>{}).size(), 3u);
+  EXPECT_EQ(of(std::type_identity<TaskCounterEntity>{}).size(), 1u);
+  EXPECT_EQ(of(std::type_identity<TaskNotificationRemindersEntity>{}).size(), 2u);
+  EXPECT_EQ(of(std::type_identity<TaskTemporalDataEntity>{}).at(0)->bestStreak, 1);
+  EXPECT_EQ(of(std::type_identity<TaskTemporalDataEntity>{}).size(), 1u);
+  EXPECT_EQ(of(std::type_identity<TaskNotificationSettingsEntity>{}).at(0)->badgeMode, "b");
+  EXPECT_EQ(context.find<UserProfileEntity>(older.userProfile)->title, "Page 2");
+  for (const TaskTimerEntity* timer : of(std::type_identity<TaskTimerEntity>{})) EXPECT_EQ(timer->entryId, "old name");
+  EXPECT_EQ(of(std::type_identity<TaskTimerEntity>{}).size(), 2u);
+  EXPECT_EQ(context.fetchAll<HealthKitRequestEntity>().size(), 2u);
+  EXPECT_EQ(context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", kept).size(), 2u);
+}
+
+TEST_F(TaskDeduplicatorTest, OtherRowsAreUnitedWhenAlikeAndRenamedWhenNot) {
+  TaskEntity& walk = addTask("Walk", "W");
+  TaskEntity& read = addTask("Read", "R");
+  TaskCategoryEntity& health = context.insert(TaskCategoryEntity{.title = "Health", .uniqueId = "C"});
+  TaskCategoryEntity& again = context.insert(TaskCategoryEntity{.title = "Health", .uniqueId = "C"});
+  TaskCategoryEntity& other = context.insert(TaskCategoryEntity{.title = "Sport", .uniqueId = "C"});
+  addCategory(context, walk, health);
+  addCategory(context, walk, again);
+  addCategory(context, read, again);
+  addCategory(context, read, other);
+  UserProfileEntity& page = context.insert(UserProfileEntity{.title = "Page", .uniqueId = "P"});
+  read.userProfile = context.insert(UserProfileEntity{.title = "Page", .uniqueId = "P"}).objectID;
+
+  const ObjectID first = addEntry(walk, 20240101, Type::completedManuallyFull, "E");
+  const ObjectID mirrored = addEntry(walk, 20240101, Type::completedManuallyFull, "E");
+  addEntry(walk, 20240102, Type::completedManuallyFull, "E");
+  const ObjectID ofOther = addEntry(read, 20240101, Type::completedManuallyFull, "E");
+  context.insert(HealthKitRequestEntity{.type = "t", .taskLogEntry = mirrored});
+  add(TaskTimerEntity{.entryId = "E"}, walk.objectID);
+  const TaskTimerEntity& timer = add(TaskTimerEntity{.entryId = "E"}, read.objectID);
+
+  // Of the links of both tasks to the category that goes, one is double.
+  EXPECT_EQ(run(), (Report{.unitedRows = 4, .renamedRows = 3}));
+  EXPECT_EQ(categoriesOf(context, walk), std::vector{&health});
+  EXPECT_EQ(categoriesOf(context, read), (std::vector{&health, &other}));
+  EXPECT_NE(other.uniqueId, "C");
+  EXPECT_EQ(read.userProfile, page.objectID);
+  EXPECT_EQ(context.fetchLogEntries(walk.objectID).size(), 2u);
+  EXPECT_EQ(context.fetchLogEntries("E").size(), 1u);
+  EXPECT_EQ(context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", first).size(), 1u);
+  EXPECT_EQ(timer.entryId, context.findLogEntry(ofOther)->uniqueId);
+}
+
+/// What of a log must not get lost: how often a person said what, by task title.
+using Said = std::map<std::tuple<std::string, std::int32_t, std::int16_t, std::int64_t>, int>;
+
+Said saidIn(StoreContext& context, const TaskEntity& task) {
+  Said said;
+  std::set<std::string> seen;
+  for (const auto& entry : context.fetchLogEntries(task.objectID)) {
+    if (isAutomatic(fromRawValue<Type>(entry.entryType).value()) || !seen.insert(*entry.uniqueId).second) continue;
+    const auto second = std::chrono::floor<seconds>(*entry.createdTimestamp).time_since_epoch().count();
+    ++said[{*task.title, entry.entryDate, entry.entryType, second}];
+  }
+  return said;
+}
+
+void makeRandomRows(MirroredStore& store) {
+  using rc::gen::inRange;
+  const auto pick = [](const std::string& letters) { return std::string(1, *rc::gen::elementOf(letters)); };
+  std::vector<TaskEntity*> tasks;
+  for (int i = *inRange(1, 6); i > 0; --i) tasks.push_back(&store.addTask(pick("AB"), pick("XY")));
+  constexpr std::array types{Type::completedManuallyFull, Type::missedAutomaticallyFull, Type::skippedManuallyFull,
+                             Type::completedManuallyPartial, Type::completedAutomaticallyFull};
+  for (int i = *inRange(0, 25); i > 0; --i) {
+    // The same identifier says the same; another one may as well.
+    const int number = *inRange(0, 40);
+    const ObjectID entry =
+        store.addEntry(**rc::gen::elementOf(tasks), 20240101 + number % 3, types[static_cast<std::size_t>(number % 5)],
+                       std::to_string(number), testMoment + seconds(number % 2));
+    if (*inRange(0, 3) == 0) store.context.insert(HealthKitRequestEntity{.type = pick("st"), .taskLogEntry = entry});
+  }
+  for (int i = *inRange(0, 6); i > 0; --i) {
+    TaskEntity& task = **rc::gen::elementOf(tasks);
+    store.add(TaskNoteEntity{.content = pick("pq"), .uniqueId = pick("no")}, task.objectID);
+    store.add(TaskTimerEntity{.entryId = std::to_string(*inRange(0, 40))}, task.objectID);
+    auto& category = store.context.insert(TaskCategoryEntity{.title = pick("ST"), .uniqueId = pick("cd")});
+    addCategory(store.context, task, category);
+    task.userProfile = store.context.insert(UserProfileEntity{.title = pick("UV"), .uniqueId = pick("e")}).objectID;
+  }
+}
+
+RC_GTEST_PROP(TaskDeduplicatorProperty, nothingIsLostNothingIsDoubleAndASecondRunChangesNothing, ()) {
+  MirroredStore store;
+  makeRandomRows(store);
+  // Two devices that say the same mean it once; one that says it twice means it twice.
+  std::map<std::string, Said> before;
+  std::set<std::string> notes;
+  std::set<std::pair<std::string, std::string>> categories;
+  for (const TaskEntity* task : store.context.fetchAll<TaskEntity>()) {
+    for (const auto& [what, count] : saidIn(store.context, *task)) {
+      int& most = before[*task->uniqueId][what];
+      most = std::max(most, count);
+    }
+    for (const auto* category : categoriesOf(store.context, *task)) categories.emplace(*task->title, *category->title);
+    for (const auto* note : store.context.fetchRelated<TaskNoteEntity>("task", task->objectID))
+      notes.insert(*task->title + *note->content);
+  }
+  store.run();
+
+  Said after;
+  for (const TaskEntity* task : store.context.fetchAll<TaskEntity>()) {
+    for (const auto& [what, count] : saidIn(store.context, *task)) after[what] += count;
+    for (const auto* category : categoriesOf(store.context, *task)) categories.erase({*task->title, *category->title});
+    for (const auto* note : store.context.fetchRelated<TaskNoteEntity>("task", task->objectID))
+      notes.erase(*task->title + *note->content);
+  }
+  RC_ASSERT(notes.empty() && categories.empty());
+  for (const auto& [id, said] : before)
+    for (const auto& [what, count] : said) RC_ASSERT(after[what] >= count);
+
+  forEveryEntity([&]<typename T>(std::type_identity<T>) {
+    if (T::description().position("uniqueId")) RC_ASSERT(store.context.repeatedTexts<T>("uniqueId").empty());
+  });
+  RC_ASSERT(StoreVerification::verifyChecksums(store.context).empty());
+  RC_ASSERT(TaskDeduplicator().deduplicate(store.context) == Report{});
+  RC_ASSERT(!store.context.hasChanges());
+}
+
+}  // namespace
+}  // namespace habitra
