@@ -1,7 +1,11 @@
 #include <QZKit/UniqueID.h>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <array>
 #include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -53,6 +57,20 @@ TEST(UniqueID, ThreadsNeverMakeTheSameOne) {
   std::set<UniqueID> all;
   for (const auto& own : made) all.insert(own.begin(), own.end());
   EXPECT_EQ(all.size(), 20'000u);
+}
+
+TEST(UniqueID, ACopyOfTheProcessMakesOthers) {
+  static_cast<void>(UniqueID::generate(noon));
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  const pid_t child = ::fork();
+  std::string theirs = UniqueID::generate(noon).text();
+  if (child == 0) ::_exit(::write(ends[1], theirs.data(), theirs.size()) > 0 ? 0 : 1);
+  const std::string ours = theirs;
+  ASSERT_EQ(::read(ends[0], theirs.data(), theirs.size()), static_cast<ssize_t>(theirs.size()));
+  EXPECT_NE(theirs, ours);
+  ::waitpid(child, nullptr, 0);
+  for (const int end : ends) ::close(end);
 }
 
 }  // namespace

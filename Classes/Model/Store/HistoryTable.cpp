@@ -2,6 +2,8 @@
 #include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Store/StoreError.h>
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace habitra {
@@ -16,6 +18,27 @@ StoredChange describe(std::int64_t sequence, const EntityTable& table, const voi
           .kind = kind,
           .task = key.task,
           .day = key.entryDate};
+}
+
+/// Refuses a row that says what no change can say.
+void checkChange(Statement& row) {
+  const std::int64_t number = row.integer(1);
+  const EntityDescription* const entity =
+      std::in_range<std::uint8_t>(number) ? entityWithNumber(static_cast<EntityNumber>(number)) : nullptr;
+  const std::int64_t kind = row.integer(3);
+  std::string_view fault;
+  if (entity == nullptr)
+    fault = "names an entity that this version does not have";
+  else if (row.integer(2) <= 0)
+    fault = "names no object";
+  else if (kind < 1 || kind > 3)
+    fault = "is of no known kind";
+  else if ((static_cast<std::uint64_t>(row.integer(4)) & ~allAttributes(*entity).bits()) != 0)
+    fault = "names an attribute that this version does not have";
+  else if (!std::in_range<std::int32_t>(row.integer(6)))
+    fault = "names no day";
+  if (!fault.empty())
+    throw StoreError(StoreError::Kind::damaged, fmt::format("a change of transaction {} {}", row.integer(0), fault));
 }
 
 template <typename T>
@@ -41,7 +64,8 @@ HistoryTable::HistoryTable(Connection& connection)
       dropBefore_(connection, "UPDATE habitra_change SET before=NULL WHERE sequence=? AND before IS NOT NULL"),
       transactions_(connection,
                     "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
-                    "WHERE sequence>? ORDER BY sequence"),
+                    "WHERE sequence>? ORDER BY sequence LIMIT ?"),
+      oldest_(connection, "SELECT sequence FROM habitra_transaction ORDER BY sequence LIMIT 1"),
       changes_(connection,
                "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
                "WHERE sequence=? ORDER BY entity, object"),
@@ -106,10 +130,11 @@ void HistoryTable::dropBefore(std::int64_t sequence) {
   statement->step();
 }
 
-void HistoryTable::readTransactions(std::int64_t afterSequence,
+void HistoryTable::readTransactions(std::int64_t afterSequence, std::int64_t limit,
                                     const std::function<void(const StoredTransaction&)>& sink) {
   auto statement = transactions_.use();
   statement->bind(1, afterSequence);
+  statement->bind(2, limit);
   const auto text = [&statement](int column) -> std::optional<std::string> {
     if (statement->isNull(column)) return std::nullopt;
     return std::string(statement->text(column));
@@ -131,6 +156,11 @@ void HistoryTable::readChanges(std::int64_t sequence, const std::function<void(c
   while (statement->step()) sink(load(*statement));
 }
 
+std::optional<std::int64_t> HistoryTable::oldestSequence() {
+  auto statement = oldest_.use();
+  return statement->step() ? std::optional(statement->integer(0)) : std::nullopt;
+}
+
 std::optional<StoredChange> HistoryTable::find(std::int64_t sequence, EntityNumber entity, ObjectID object) {
   auto statement = change_.use();
   statement->bind(1, sequence);
@@ -141,6 +171,7 @@ std::optional<StoredChange> HistoryTable::find(std::int64_t sequence, EntityNumb
 }
 
 StoredChange HistoryTable::load(Statement& statement) {
+  checkChange(statement);
   StoredChange change{.sequence = statement.integer(0),
                       .entity = static_cast<EntityNumber>(statement.integer(1)),
                       .object = ObjectID{statement.integer(2)},

@@ -29,8 +29,11 @@ class HistoryTable {
   /// Drops the values before; for saves that no person's command asked for.
   void dropBefore(std::int64_t sequence);
 
-  void readTransactions(std::int64_t afterSequence, const std::function<void(const StoredTransaction&)>& sink);
+  void readTransactions(std::int64_t afterSequence, std::int64_t limit,
+                        const std::function<void(const StoredTransaction&)>& sink);
+  /// Throws StoreError of kind `damaged` for a row that is no change.
   void readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink);
+  [[nodiscard]] std::optional<std::int64_t> oldestSequence();
 
  private:
   [[nodiscard]] std::optional<StoredChange> find(std::int64_t sequence, EntityNumber entity, ObjectID object);
@@ -41,6 +44,7 @@ class HistoryTable {
   Query insertTransaction_;
   Query dropBefore_;
   Query transactions_;
+  Query oldest_;
   Query changes_;
   Query change_;
   Query writeChange_;

@@ -261,12 +261,17 @@ class StoreContext {
 
   // History
 
-  /// The transactions after `sequence`, oldest first.
-  void readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction);
-  /// The changes of one transaction, one per object, by entity and object.
+  /// The transactions after `sequence`, oldest first, at most `limit` of them.
+  void readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
+                        std::int64_t limit = std::numeric_limits<std::int64_t>::max());
+  /// The changes of one transaction, one per object, by entity and object. Throws StoreError of kind `damaged` for a
+  /// row that is no change.
   void readChanges(std::int64_t sequence, RowSink<StoredChange> change);
+  /// The oldest transaction that history still has; when it has none, the number that the next one will bear.
+  [[nodiscard]] std::int64_t oldestKeptSequence();
 
  private:
+  friend class HistoryTrimming;
   friend struct MigratedDataCloudSummary;
   friend class StoreVerification;
 

@@ -189,14 +189,20 @@ void StoreContext::setCheckpoint(ObjectID task, const Checkpoint& checkpoint) {
   });
 }
 
-void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction) {
+void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
+                                    std::int64_t limit) {
   parts_->beginView();
-  parts_->history.readTransactions(afterSequence, transaction);
+  parts_->history.readTransactions(afterSequence, limit, transaction);
 }
 
 void StoreContext::readChanges(std::int64_t sequence, RowSink<StoredChange> change) {
   parts_->beginView();
   parts_->history.readChanges(sequence, change);
+}
+
+std::int64_t StoreContext::oldestKeptSequence() {
+  parts_->beginView();
+  return parts_->history.oldestSequence().value_or(parts_->unit.nextSequence());
 }
 
 }  // namespace habitra

@@ -1,6 +1,7 @@
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
+#include <pthread.h>
 #include <unistd.h>
 #include <algorithm>
 #include <atomic>
@@ -27,14 +28,26 @@ std::uint64_t nextTick(Moment now) {
   return tick;
 }
 
-/// An engine per thread, seeded once by the system: an import draws a million times, a command once.
+/// How many forks lie between this process and the one that the program began in.
+std::atomic<unsigned>& forks() {
+  static std::atomic<unsigned> count{0};
+  static const int registered = ::pthread_atfork(nullptr, nullptr, [] { ++count; });
+  require(registered == 0, "forks are noticed");
+  return count;
+}
+
+/// An engine per thread, seeded once by the system: an import draws a million times, a command once. A copy of the
+/// process seeds anew, since it would draw what the other one draws.
 std::uint64_t randomBits() {
-  thread_local std::mt19937_64 engine = [] {
+  thread_local std::mt19937_64 engine;
+  thread_local std::optional<unsigned> seededAfter;
+  if (const unsigned now = forks().load(std::memory_order_relaxed); seededAfter != now) {
     std::array<std::uint32_t, 8> entropy{};
     require(::getentropy(entropy.data(), sizeof entropy) == 0, "the system gives random bits");
     std::seed_seq seed(entropy.begin(), entropy.end());
-    return std::mt19937_64(seed);
-  }();
+    engine.seed(seed);
+    seededAfter = now;
+  }
   return engine();
 }
 

@@ -1,0 +1,160 @@
+#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Store/StoreContextParts.h>
+#include <QZKit/Trap.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace habitra {
+
+namespace {
+
+constexpr std::int64_t noSequence = std::numeric_limits<std::int64_t>::max();
+
+/// Commands whose values before are looked at in one call: only those that came out of reach since the last one have
+/// any, and they come first.
+constexpr std::int64_t commandsLookedAt = 64;
+
+std::int64_t integer(Statement& statement, std::int64_t otherwise) {
+  return statement.step() && !statement.isNull(0) ? statement.integer(0) : otherwise;
+}
+
+}  // namespace
+
+/// One call: what it finds to do, and the doing.
+class HistoryTrimming::Step {
+ public:
+  Step(StoreContext& context, const std::vector<HistoryReader>& readers, qz::Moment now, Limits limits)
+      : context_(context),
+        connection_(context.parts_->unit.connection()),
+        readers_(readers),
+        now_(now),
+        limits_(limits) {}
+
+  /// Looks without the turn whether there is anything to do.
+  [[nodiscard]] bool isDue() {
+    context_.refresh();
+    context_.parts_->beginView();
+    const bool isDue = lastToGo() > 0 || hasOrphans() || !commandsOutOfReach().empty();
+    context_.refresh();
+    return isDue;
+  }
+
+  Report run() {
+    context_.beginUnit();
+    try {
+      removeTransactions(lastToGo());
+      removeOrphans();
+      dropValuesBefore();
+      context_.parts_->unit.commit(std::nullopt);
+    } catch (...) {
+      context_.rollback();
+      throw;
+    }
+    return report_;
+  }
+
+ private:
+  /// The oldest transaction that can still be undone: the 200th newest command, or the oldest when there are fewer.
+  [[nodiscard]] std::int64_t firstUndoable() {
+    Statement nth(connection_,
+                  "SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL "
+                  "ORDER BY sequence DESC LIMIT 1 OFFSET ?");
+    nth.bind(1, undoableCommands - 1);
+    if (const std::int64_t found = integer(nth, 0); found > 0) return found;
+    Statement oldest(connection_, "SELECT min(sequence) FROM habitra_transaction WHERE command IS NOT NULL");
+    return integer(oldest, noSequence);
+  }
+
+  /// The last transaction that every reader who counts has read.
+  [[nodiscard]] std::int64_t lastReadByAll() {
+    const std::string identifier = context_.storeIdentifier();
+    std::int64_t last = noSequence;
+    for (const HistoryReader& reader : readers_)
+      if (reader.token.storeIdentifier == identifier && now_ - reader.lastRead <= readerForgottenAfter)
+        last = std::min(last, reader.token.sequence);
+    return last;
+  }
+
+  /// The last of the oldest transactions that may go now; 0 when there is none.
+  [[nodiscard]] std::int64_t lastToGo() {
+    Statement oldest(connection_,
+                     "SELECT sequence, moment FROM habitra_transaction WHERE sequence<? AND sequence<=? "
+                     "ORDER BY sequence LIMIT ?");
+    oldest.bind(1, firstUndoable());
+    oldest.bind(2, lastReadByAll());
+    oldest.bind(3, limits_.transactions);
+    const std::int64_t latest = (now_ - youngestToGo).time_since_epoch().count();
+    std::int64_t last = 0;
+    while (oldest.step() && oldest.integer(1) < latest) last = oldest.integer(0);
+    return last;
+  }
+
+  /// The transaction goes first, so that nobody takes what is left of its changes for all of them.
+  void removeTransactions(std::int64_t last) {
+    Statement remove(connection_, "DELETE FROM habitra_transaction WHERE sequence<=?");
+    remove.bind(1, last);
+    remove.step();
+    report_.transactions = changedRows();
+  }
+
+  [[nodiscard]] std::int64_t oldestKept() { return context_.oldestKeptSequence(); }
+
+  [[nodiscard]] bool hasOrphans() {
+    Statement orphan(connection_, "SELECT 1 FROM habitra_change WHERE sequence<? LIMIT 1");
+    orphan.bind(1, oldestKept());
+    return orphan.step();
+  }
+
+  void removeOrphans() {
+    Statement remove(connection_,
+                     "DELETE FROM habitra_change WHERE (sequence, entity, object) IN "
+                     "(SELECT sequence, entity, object FROM habitra_change WHERE sequence<? "
+                     "ORDER BY sequence, entity, object LIMIT ?)");
+    remove.bind(1, oldestKept());
+    remove.bind(2, limits_.changes);
+    remove.step();
+    report_.changes = changedRows();
+  }
+
+  /// The newest first.
+  [[nodiscard]] std::vector<std::int64_t> commandsOutOfReach() {
+    Statement commands(connection_,
+                       "SELECT sequence FROM (SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL "
+                       "AND sequence<? ORDER BY sequence DESC LIMIT ?) AS command WHERE EXISTS (SELECT 1 FROM "
+                       "habitra_change AS change WHERE change.sequence=command.sequence AND before IS NOT NULL)");
+    commands.bind(1, firstUndoable());
+    commands.bind(2, commandsLookedAt);
+    std::vector<std::int64_t> sequences;
+    while (commands.step()) sequences.push_back(commands.integer(0));
+    return sequences;
+  }
+
+  void dropValuesBefore() {
+    for (const std::int64_t sequence : commandsOutOfReach()) {
+      if (report_.valuesBefore >= limits_.changes) return;
+      context_.parts_->history.dropBefore(sequence);
+      report_.valuesBefore += changedRows();
+    }
+  }
+
+  [[nodiscard]] std::int64_t changedRows() { return connection_.integer("SELECT changes()"); }
+
+  StoreContext& context_;
+  Connection& connection_;
+  const std::vector<HistoryReader>& readers_;
+  qz::Moment now_;
+  Limits limits_;
+  Report report_;
+};
+
+auto HistoryTrimming::trim(StoreContext& context, const std::vector<HistoryReader>& readers, qz::Moment now,
+                           Limits limits) -> Report {
+  qz::require(!context.isInUnit() && !context.hasChanges(), "history is trimmed in the midst of a unit");
+  if (context.store().isReadOnly()) return {};
+  Step step(context, readers, now, limits);
+  return step.isDue() ? step.run() : Report{};
+}
+
+}  // namespace habitra
