@@ -125,9 +125,9 @@ void ConcurrencyTest::observe(ObjectID task, int own, std::size_t foreign, const
 }
 
 TEST_F(ConcurrencyTest, AnObserverSeesWhatEightOtherProcessesSave) {
-  // The full size is 1,000; each save waits for the disk.
+  // The full size is 1,000, a quarter of a minute: each save waits for the disk.
   const char* const asked = std::getenv("HABITRA_TEST_SAVES");
-  const int saves = asked == nullptr ? 40 : std::atoi(asked);
+  const int saves = asked == nullptr ? 200 : std::atoi(asked);
   constexpr int writers = 8;
   const ObjectID task = makeTask();
   std::array<int, 2> ends{};
