@@ -1,38 +1,11 @@
 #include "Allocations.h"
 
 #include <HabitraCore/RawValue.h>
+#include <Support/Memory.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::atomic<std::int64_t> counter{0};
-
-void* allocate(std::size_t size, std::size_t alignment) {
-  counter.fetch_add(1, std::memory_order_relaxed);
-  // aligned_alloc() wants whole multiples of the alignment.
-  const std::size_t rounded = (std::max(size, std::size_t{1}) + alignment - 1) / alignment * alignment;
-  void* const memory = std::aligned_alloc(alignment, rounded);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-}  // namespace
-
-// The forms for arrays and those that do not throw end here too.
-void* operator new(std::size_t size) { return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__); }
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace habitra::benchmarks {
 namespace {
@@ -50,8 +23,6 @@ std::int64_t allocationsOfWalk(const std::string& name) {
 }
 
 }  // namespace
-
-std::int64_t numAllocations() { return counter.load(std::memory_order_relaxed); }
 
 bool allocationsAreFlat() {
   bool areFlat = true;

@@ -37,7 +37,14 @@ constexpr int longLogPages = 256;
 
 BareStore::BareStore(const std::filesystem::path& file) {
   require(sqlite3_open_v2(file.c_str(), &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) == SQLITE_OK);
-  execute("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=0");
+  execute("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL");
+  sqlite3_wal_hook(
+      handle_,
+      [](void* pages, sqlite3*, const char*, int count) {
+        *static_cast<int*>(pages) = count;
+        return SQLITE_OK;
+      },
+      &pagesInLog_);
 }
 
 BareStore::~BareStore() {
@@ -117,9 +124,8 @@ void BareStore::save(std::span<const TaskLogEntryEntity> entries) {
   sqlite3_bind_int64(meta_, 3, 1'705'320'000'000'000);
   run(meta_);
   run(commit_);
-  int pages = 0;
-  if (static_cast<int>(entries.size()) > longLogPages)
-    require(sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_PASSIVE, &pages, nullptr) == SQLITE_OK);
+  if (pagesInLog_ > longLogPages)
+    require(sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr) == SQLITE_OK);
 }
 
 std::int64_t BareStore::sumOfLog(ObjectID task) {

@@ -43,6 +43,7 @@ class BareStore {
   void require(bool holds);
 
   sqlite3* handle_ = nullptr;
+  int pagesInLog_ = 0;
   std::vector<sqlite3_stmt*> statements_;
   sqlite3_stmt* begin_ = nullptr;
   sqlite3_stmt* commit_ = nullptr;

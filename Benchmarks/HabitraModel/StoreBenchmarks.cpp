@@ -2,9 +2,12 @@
 // checksums, history and the writers' turn cost.
 
 #include <HabitraModel/Store/StoreContext.h>
+#include <Support/Memory.h>
 #include <Support/RatioReport.h>
 #include <Support/TemporaryFolder.h>
 
+#include <array>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -158,6 +161,41 @@ void bareCommit(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 
+/// The most that `step` holds at once beside what it was given; the engine's cache of pages is not counted.
+template <typename Step>
+std::int64_t peakOf(Step&& step) {
+  const std::int64_t before = bytesHeld();
+  (void)takePeakOfBytesHeld();
+  step();
+  return takePeakOfBytesHeld() - before;
+}
+
+/// Prints what fetches of three lengths hold; whether a longer one holds no more for an entry than a short one, and
+/// reading values nothing that grows.
+bool memoryIsProportional() {
+  constexpr std::array<std::int32_t, 3> lastDays{20140131, 20141231, 20231231};
+  std::array<std::int64_t, 3> reading{};
+  std::array<std::int64_t, 3> fetching{};
+  std::array<std::int64_t, 3> entries{};
+  StoreContext context(Store::open(tenYearStore().file(), theClock));
+  (void)context.fetchLogEntries(tenYearStore().task());  // statements are made once
+  context.readLog(tenYearStore().task(), StoreContext::firstDay, StoreContext::lastDay, [](const LogRow&) {});
+  for (std::size_t i = 0; i < lastDays.size(); ++i) {
+    reading[i] =
+        peakOf([&] { context.readLog(tenYearStore().task(), 0, lastDays[i], [&](const LogRow&) { ++entries[i]; }); });
+    fetching[i] =
+        peakOf([&] { benchmark::DoNotOptimize(context.fetchLogEntries(tenYearStore().task(), 0, lastDays[i])); });
+  }
+  // A list that doubles as it grows can hold thrice what is in it.
+  const auto perEntry = [&](std::size_t i) { return fetching[i] / entries[i]; };
+  const bool holds = reading[2] == reading[0] && perEntry(2) <= 3 * perEntry(0);
+  std::printf("\n%-38s %10s %10s %10s\n", "bytes held by a fetch of", "a month", "a year", "ten years");
+  std::printf("%-38s %10ld %10ld %10ld\n", "a log, read as values", reading[0], reading[1], reading[2]);
+  std::printf("%-38s %10ld %10ld %10ld  %s\n", "a log, fetched as entries", fetching[0], fetching[1], fetching[2],
+              holds ? "holds" : "BROKEN");
+  return holds;
+}
+
 BENCHMARK(storeInsert)->Unit(benchmark::kMillisecond);
 BENCHMARK(bareInsert)->Unit(benchmark::kMillisecond);
 BENCHMARK(storeReadLog)->Unit(benchmark::kMicrosecond);
@@ -173,11 +211,12 @@ BENCHMARK(bareCommit)->Unit(benchmark::kMicrosecond)->UseRealTime();
 }  // namespace habitra::benchmarks
 
 int main(int argc, char** argv) {
-  return habitra::benchmarks::runWithRatios(
+  const int timing = habitra::benchmarks::runWithRatios(
       argc, argv,
       {{"100,000 entries in one save", "storeInsert", "bareInsert", 2},
        {"a ten-year log, read as values", "storeReadLog", "bareReadLog", 1.5},
        {"a ten-year log, fetched as entries", "storeFetchEntries", "bareFetchEntries", 1.5},
        {"open, read a setting, close", "storeOpen", "bareOpen", 1.5},
        {"one entry committed durably", "storeCommit", "bareCommit", 1.3}});
+  return habitra::benchmarks::memoryIsProportional() ? timing : 1;
 }
