@@ -11,6 +11,7 @@
 #include <HabitraModel/Store/SystemFailure.h>
 #include <HabitraModel/Store/UnfinishedCopy.h>
 #include <HabitraModel/Store/WritersTurn.h>
+#include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
 #include <fcntl.h>
@@ -123,12 +124,15 @@ void removeLogs(const std::filesystem::path& file) {
 class CoreDataMigrator::Maintenance {
  public:
   Maintenance(const std::filesystem::path& home, std::chrono::milliseconds patience)
-      : lock_(home, patience), turn_(home, patience) {
+      : home_(home), lock_(home, patience), turn_(home, patience) {
     lock_.takeExclusive();
     turn_.take();
   }
 
+  [[nodiscard]] bool isOf(const std::filesystem::path& home) const { return home == home_; }
+
  private:
+  std::filesystem::path home_;
   MaintenanceLock lock_;
   WritersTurn turn_;
 };
@@ -182,13 +186,24 @@ std::optional<std::filesystem::path> CoreDataMigrator::adoptProductionStore(cons
   return path(File::local);
 }
 
+std::shared_ptr<const CoreDataMigrator::Maintenance> CoreDataMigrator::beginMaintenance(
+    const std::filesystem::path& home) const {
+  return std::make_shared<const Maintenance>(makeHomeFolder(std::filesystem::absolute(home)), options_.patience);
+}
+
 void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const std::filesystem::path& with) {
+  replaceStore(store, with, *beginMaintenance(std::filesystem::absolute(store).parent_path()));
+}
+
+void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const std::filesystem::path& with,
+                                    const Maintenance& maintenance) {
   const std::filesystem::path source = existingStore(with);
   const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(store).parent_path());
   const std::filesystem::path file = home / store.filename();
   if (file == source)
     throw StoreError(Kind::failed, fmt::format("{} cannot take its own place; choose another", file.string()));
-  const Maintenance maintenance(home, options_.patience);
+  qz::require(maintenance.isOf(home), "a store is replaced under the maintenance of another home");
+
   UnfinishedCopy incoming(file);
   step("stage");
   fillWithWholeStore(incoming, *openToRead(source, isInside(source, home)));

@@ -59,15 +59,21 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
   /// open then: the copy, or Production itself where the home may not be written. None when there is nothing to adopt.
   [[nodiscard]] std::optional<std::filesystem::path> adoptProductionStore(const std::filesystem::path& home);
 
+  /// Keeps every store of the home closed and every writer out while it lives.
+  class Maintenance;
+  /// Waits for the others and begins it.
+  [[nodiscard]] std::shared_ptr<const Maintenance> beginMaintenance(const std::filesystem::path& home) const;
+
   /// A copy of the store at `with` (a backup, or the file of another container), which stays, takes the place of
   /// `store`. It must be a whole store of the present or an earlier version: a damaged one is refused, with the number
   /// of damaged rows and the first. What was at `store`, if anything, is kept as "<name>-replaced-<UTC time>.sqlite".
   /// The new store gets an identifier of its own, so that nobody takes its history for that of the old one.
   void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with);
+  /// The same as one step of a longer maintenance of the home of `store`.
+  void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with,
+                    const Maintenance& maintenance);
 
  private:
-  class Maintenance;
-
   void step(std::string_view name) const;
   void migrateUnderMaintenance(const std::filesystem::path& file);
   [[nodiscard]] std::filesystem::path newBackup(const std::filesystem::path& file, std::string_view reason) const;

@@ -1,4 +1,5 @@
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Settings/Settings.h>
 #include <QZLog/Log.h>
 
 #include <cstdlib>
@@ -6,11 +7,20 @@
 
 namespace habitra {
 
-/// The store of a location, once it is open.
-struct DataManager::Container {
-  std::mutex mutex;
-  std::shared_ptr<Store> store;
-};
+namespace {
+
+/// The store of the cloud lies beside the local one.
+DataManager::ContainerLocation cloudLocation(const DataManager::ContainerLocation& local) {
+  if (!local.file()) return local;
+  return DataManager::ContainerLocation::url(local.file()->parent_path() /
+                                             DataManager::fileName(DataManager::StoreFile::cloudKit));
+}
+
+std::shared_ptr<KeyValueDefaults> defaults(const std::filesystem::path& home, std::string_view name) {
+  return home.empty() ? KeyValueDefaults::inMemory() : KeyValueDefaults::file(home / name);
+}
+
+}  // namespace
 
 std::string_view DataManager::fileName(StoreFile file) {
   switch (file) {
@@ -43,33 +53,89 @@ DataManager::ContainerLocation DataManager::storeLocation(const std::filesystem:
   return ContainerLocation::url(home / fileName(StoreFile::local));
 }
 
-DataManager::DataManager(ContainerLocation location, std::shared_ptr<const qz::Clock> clock)
-    : location_(std::move(location)), clock_(std::move(clock)), container_(std::make_unique<Container>()) {}
-
-DataManager::~DataManager() = default;
-
-std::filesystem::path DataManager::home() const {
-  return location_.file() ? location_.file()->parent_path() : std::filesystem::path();
+DataManager::DataManager(const ContainerLocation& local, std::shared_ptr<const qz::Clock> clock,
+                         std::chrono::milliseconds patience)
+    : home_(local.file() ? local.file()->parent_path() : std::filesystem::path()),
+      clock_(std::move(clock)),
+      patience_(patience),
+      standardDefaults_(defaults(home_, KeyValueDefaults::standardFileName)),
+      sharedDefaults_(defaults(home_, KeyValueDefaults::sharedFileName)),
+      cloudPersistentContainer_(std::make_shared<Container>(cloudLocation(local), clock_)),
+      localPersistentContainer_(std::make_shared<Container>(local, clock_)),
+      maintenanceQueue_("org.habitra.datamanager.maintenance"),
+      ckQueue_("org.habitra.datamanager.cloudkit") {
+  const auto bringUpToDate = [this](const std::filesystem::path& file) { this->bringUpToDate(file); };
+  cloudPersistentContainer_->setMigration(bringUpToDate);
+  localPersistentContainer_->setMigration(bringUpToDate);
 }
 
-std::unique_ptr<StoreContext> DataManager::context() {
-  const std::scoped_lock lock(container_->mutex);
-  if (container_->store == nullptr)
-    container_->store = location_.file() ? Store::open(*location_.file(), clock_) : Store::inMemory(clock_);
-  return std::make_unique<StoreContext>(container_->store);
+DataManager::~DataManager() { stopObservingChanges(); }
+
+bool DataManager::isCloudSyncOn() const { return Settings(nullptr, sharedDefaults_, nullptr).get(settings::cloudSync); }
+
+const std::shared_ptr<DataManager::Container>& DataManager::activeContainer() const {
+  return isCloudSyncOn() ? cloudPersistentContainer_ : localPersistentContainer_;
 }
+
+void DataManager::configureStoreDescription(Container& container, const ContainerLocation& location,
+                                            const std::function<void(std::exception_ptr)>& completion) {
+  const auto& cloud = location.cloudContainer();
+  qz::log::info("Configuring the store {}, CloudKit: {}", location.description(), cloud ? *cloud : "(none)");
+  std::exception_ptr failure;
+  try {
+    container.setLocation(location);
+    (void)container.store();
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  completion(failure);
+}
+
+std::shared_ptr<Store> DataManager::activeStore(bool mayMake) {
+  for (;;) {
+    const std::shared_ptr<Container>& container = activeContainer();
+    if (container->isOpen()) return container->store();
+    if (container == localPersistentContainer_) adoptEarlyStore();
+    std::shared_ptr<Store> store = mayMake ? container->store() : container->storeForReading();
+    // While a store is open nobody can switch; until it is, somebody may have.
+    if (container == activeContainer()) return store;
+    container->close();
+  }
+}
+
+void DataManager::adoptEarlyStore() {
+  const auto file = localPersistentContainer_->location().file();
+  if (!file || std::filesystem::exists(*file)) return;
+  if (const auto adopted = CoreDataMigrator(clock_, {.patience = patience_}).adoptProductionStore(home_))
+    localPersistentContainer_->setLocation(ContainerLocation::url(*adopted));
+}
+
+std::unique_ptr<StoreContext> DataManager::context() { return std::make_unique<StoreContext>(activeStore(true)); }
 
 std::unique_ptr<StoreContext> DataManager::contextForReading() {
-  const std::scoped_lock lock(container_->mutex);
-  if (container_->store == nullptr && location_.file())
-    container_->store = Store::openForReading(*location_.file(), clock_);
-  return container_->store == nullptr ? nullptr : std::make_unique<StoreContext>(container_->store);
+  auto store = activeStore(false);
+  return store == nullptr ? nullptr : std::make_unique<StoreContext>(std::move(store));
 }
 
 qz::UniqueID DataManager::generateUniqueTaskId(StoreContext& context, const qz::UniqueID& requestedId) const {
   if (context.find<TaskEntity>("uniqueId", requestedId.text()) == nullptr) return requestedId;
   qz::log::info("Received duplicate ID, generating");
   return qz::UniqueID::generate(clock_->now());
+}
+
+void DataManager::observeChanges(Author target, PersistentHistoryObserver::Handler handler,
+                                 PersistentHistoryObserver::Merge merge) {
+  (void)activeStore(true);
+  auto observer = std::make_unique<PersistentHistoryObserver>(target, standardDefaults_, activeContainer(),
+                                                              std::move(handler), std::move(merge));
+  const std::scoped_lock lock(observerMutex_);
+  observer_ = std::move(observer);
+  observer_->start();
+}
+
+void DataManager::stopObservingChanges() {
+  const std::scoped_lock lock(observerMutex_);
+  observer_.reset();
 }
 
 }  // namespace habitra

@@ -1,37 +1,61 @@
 #pragma once
 
+#include <HabitraModel/CloudContainer.h>
 #include <HabitraModel/ContainerLocation.h>
+#include <HabitraModel/CoreDataMigrator.h>
+#include <HabitraModel/HabitraNSPersistentCloudKitContainer.h>
+#include <HabitraModel/PersistentHistoryObserver.h>
+#include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/Author.h>
+#include <HabitraModel/Store/MaintenanceLock.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/SyncEvent.h>
 #include <QZKit/Clock.h>
+#include <QZKit/NotificationCenter.h>
+#include <QZKit/SerialQueue.h>
 #include <QZKit/UniqueID.h>
 
+#include <chrono>
+#include <exception>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
 namespace habitra {
 
-/// Owns the persistent store: where it lies, when it is opened, and the contexts that work on it.
+/// Owns the persistent store: the two containers that it can live in, the maintenance mode in which nobody works on it,
+/// what is known of its mirroring to a cloud, and the observation of what other programs change.
 ///
-/// The store is opened at the first context. `context()` and its siblings may be called from any thread.
+/// Nothing is opened, read or started before it is asked for. May be called from any thread, but for what is said of
+/// handlers.
 class DataManager {
  public:
   using Author = habitra::Author;
+  using ContainerLocation = habitra::ContainerLocation;
 
   /// The files that a store can be kept in, inside the home.
   enum class StoreFile {
-    cloudKit,    ///< "Habitra-CloudKit.sqlite", once a cloud is configured
-    local,       ///< "Habitra-Local.sqlite", until then
-    production,  ///< "Habitra-Production.sqlite", the single store of early versions
+    cloudKit,    ///< "Habitra-CloudKit.sqlite", while cloud sync is on
+    local,       ///< "Habitra-Local.sqlite", while it is off
+    production,  ///< "Habitra-Production.sqlite", the single store of early versions; taken over once
   };
   [[nodiscard]] static std::string_view fileName(StoreFile file);
 
-  using ContainerLocation = habitra::ContainerLocation;
+  // What notifications() tells of.
+  static constexpr const char* maintenanceDidFinish = "dm.maintenanceDidFinish";  ///< maintenance mode has ended
+  static constexpr const char* syncEventsUpdated = "dm.syncEventsUpdated";        ///< currentSyncEvents() has changed
+  /// The active store has moved between cloud and local: contexts on the old one are to be let go of.
+  static constexpr const char* databaseStorageLocationChanged = "dm.databaseStorageLocationChanged";
+
+  /// The key of the shared defaults that says, as a text, which cloud database the store is mirrored to.
+  static constexpr const char* cloudContainerKey = "dm.cloudContainer";
 
   /// Looks up an environment variable; none when it is not set.
   using Environment = std::function<std::optional<std::string>(const std::string& name)>;
@@ -41,20 +65,45 @@ class DataManager {
   /// as not set, and so does an XDG_DATA_HOME that is not absolute. Throws qz::Error when no variable says it.
   [[nodiscard]] static std::filesystem::path homeDirectory(const Environment& environment);
 
-  /// The store in the home folder `home`, in the file in use there.
+  /// The local store in the home folder `home`.
   [[nodiscard]] static ContainerLocation storeLocation(const std::filesystem::path& home);
 
-  DataManager(ContainerLocation location, std::shared_ptr<const qz::Clock> clock);
+  /// `local` is where the local store lies. What belongs to it, the store of the cloud and the defaults, lies beside
+  /// it; with a store in memory all of it is in memory.
+  /// `patience` is how long maintenance waits for others to close the store.
+  DataManager(const ContainerLocation& local, std::shared_ptr<const qz::Clock> clock,
+              std::chrono::milliseconds patience = MaintenanceLock::defaultPatience);
+  /// Waits for what its queues still have to do.
   ~DataManager();
   DataManager(const DataManager&) = delete;
   DataManager& operator=(const DataManager&) = delete;
 
-  [[nodiscard]] const ContainerLocation& location() const { return location_; }
   /// The folder that holds the store and what lies beside it; empty for a store in memory.
-  [[nodiscard]] std::filesystem::path home() const;
+  [[nodiscard]] const std::filesystem::path& home() const { return home_; }
   [[nodiscard]] const qz::Clock& clock() const { return *clock_; }
+  [[nodiscard]] KeyValueDefaults& standardDefaults() { return *standardDefaults_; }
+  [[nodiscard]] KeyValueDefaults& sharedDefaults() { return *sharedDefaults_; }
+  /// Handlers run on the thread that does what they are told of.
+  [[nodiscard]] qz::NotificationCenter& notifications() { return notifications_; }
 
-  /// A context on the store, which is made when there is none. Throws StoreError.
+  // Containers
+
+  using Container = HabitraNSPersistentCloudKitContainer;
+  [[nodiscard]] const std::shared_ptr<Container>& cloudPersistentContainer() const { return cloudPersistentContainer_; }
+  [[nodiscard]] const std::shared_ptr<Container>& localPersistentContainer() const { return localPersistentContainer_; }
+
+  /// Whether the cloud's store is the active one; off until somebody switches it on. Throws StoreError when the
+  /// defaults cannot be read.
+  [[nodiscard]] bool isCloudSyncOn() const;
+  /// The container of the active store.
+  [[nodiscard]] const std::shared_ptr<Container>& activeContainer() const;
+
+  /// Sets a container up for a location, opens its store and tells `completion`, on the calling thread, what it failed
+  /// with, or null. Closes what the container held before.
+  void configureStoreDescription(Container& container, const ContainerLocation& location,
+                                 const std::function<void(std::exception_ptr)>& completion);
+
+  /// A context on the active store, which is made when there is none. Throws StoreError.
   [[nodiscard]] std::unique_ptr<StoreContext> context();
 
   /// A context to read from, or null when there is no store yet; makes nothing. Throws StoreError.
@@ -63,12 +112,105 @@ class DataManager {
   /// `requestedId` when no task has it; otherwise logs "Received duplicate ID, generating" and gives a new one.
   [[nodiscard]] qz::UniqueID generateUniqueTaskId(StoreContext& context, const qz::UniqueID& requestedId) const;
 
- private:
-  struct Container;
+  // Maintenance
 
-  ContainerLocation location_;
+  /// Whether the store is being moved, migrated or repaired: no pass over the tasks may run.
+  [[nodiscard]] bool isInMaintenanceMode() const;
+
+  /// Whether a store of an earlier layout is being brought up to date.
+  [[nodiscard]] bool isMigrating() const;
+
+  /// Enters maintenance mode, closes both stores, runs `work` and leaves it again, whatever `work` throws; then posts
+  /// maintenanceDidFinish. May be nested; only the end of the outermost is posted. Contexts that somebody holds keep
+  /// their store open, and work that needs it alone then fails with a StoreError that says so.
+  void performMaintenance(const std::function<void()>& work);
+
+  /// Makes the cloud's store the active one (`cloudContainer` names the database it is mirrored to), or the local one
+  /// (none). What is stored goes along; the store that was active stays in its file as it was, and one that lay at the
+  /// new place before is kept among the backups. Does nothing when it is so already. Posts
+  /// databaseStorageLocationChanged. Throws StoreError, with all as before, when another program has the store open and
+  /// does not close it in time, or the store is in memory.
+  void switchStorage(const std::optional<std::string>& cloudContainer);
+
+  /// Puts the store of another file in the place of the active one, which is kept among the backups. The same errors,
+  /// and one when `file` is not a store that can be used.
+  void restoreStore(const std::filesystem::path& file);
+
+  /// Joins tasks that mirroring has doubled and gives new identifiers to those that only bear the same one. Gives the
+  /// number of rows that it changed. Throws StoreError.
+  std::int64_t deduplicate();
+
+  // Mirroring
+
+  enum class ActiveSyncEvent {
+    importing,      ///< changes come in
+    exporting,      ///< changes go out
+    deduplicating,  ///< what came in is searched for doubles
+  };
+
+  /// Begins to observe the events of the cloud's container. Each is logged and kept while it is under way; an import
+  /// that has ended well is searched for doubles. All of it happens on the cloud queue, handlers included.
+  void setupImportObserver();
+  [[nodiscard]] std::map<qz::UniqueID, SyncEvent> currentSyncEvents() const;
+  [[nodiscard]] std::set<qz::UniqueID> currentImportDeduplicationEvents() const;
+  [[nodiscard]] std::set<ActiveSyncEvent> activeSyncEvents() const;
+  /// The last failure and its moment, until an import or export succeeds.
+  [[nodiscard]] std::optional<std::string> currentSyncError() const;
+  [[nodiscard]] std::optional<qz::Moment> currentSyncErrorDate() const;
+  /// Whether mirroring has failed since this object was made.
+  [[nodiscard]] bool hasCapturedCKError() const;
+
+  /// Follows the account of a cloud database from now on, or of none.
+  void setCloudContainer(std::shared_ptr<CloudContainer> container);
+  /// As last heard of; could not be determined while there is no cloud database.
+  [[nodiscard]] CloudAccountStatus ckStatus() const;
+
+  // Changes by others
+
+  /// Begins to keep the view of `target` current: what other programs, or other stores of this one, have saved in the
+  /// active store since the last time is handed to `handler`, and then to `merge` in one; see
+  /// PersistentHistoryObserver. Replaces an earlier observation. Throws StoreError.
+  void observeChanges(Author target, PersistentHistoryObserver::Handler handler,
+                      PersistentHistoryObserver::Merge merge);
+  void stopObservingChanges();
+
+ private:
+  [[nodiscard]] std::shared_ptr<Store> activeStore(bool mayMake);
+  void adoptEarlyStore();
+  void bringUpToDate(const std::filesystem::path& file);
+  void requireFiles() const;
+
+  // On the cloud queue.
+  void handle(const SyncEvent& event);
+  void deduplicateAfter(const SyncEvent& import);
+  void readAccountStatus();
+
+  std::filesystem::path home_;
   std::shared_ptr<const qz::Clock> clock_;
-  std::unique_ptr<Container> container_;
+  std::chrono::milliseconds patience_;
+  std::shared_ptr<KeyValueDefaults> standardDefaults_;
+  std::shared_ptr<KeyValueDefaults> sharedDefaults_;
+  qz::NotificationCenter notifications_;
+
+  std::shared_ptr<Container> cloudPersistentContainer_;
+  std::shared_ptr<Container> localPersistentContainer_;
+  mutable qz::SerialQueue maintenanceQueue_;
+  int inMaintenanceMode_ = 0;                           // nested; on the maintenance queue
+  std::shared_ptr<CoreDataMigratorProtocol> migrator_;  // while it is at work; on the maintenance queue
+  std::mutex observerMutex_;
+  std::unique_ptr<PersistentHistoryObserver> observer_;
+
+  // On the cloud queue.
+  std::map<qz::UniqueID, SyncEvent> currentSyncEvents_;
+  std::set<qz::UniqueID> currentImportDeduplicationEvents_;
+  std::optional<qz::Moment> currentSyncErrorDate_;
+  std::optional<std::string> currentSyncError_;
+  bool hasCapturedCKError_ = false;
+  std::shared_ptr<void> eventChangedObserver_;
+  std::shared_ptr<CloudContainer> ckContainer_;
+  std::shared_ptr<void> ckObserver_;
+  CloudAccountStatus ckStatus_ = CloudAccountStatus::couldNotDetermine;
+  mutable qz::SerialQueue ckQueue_;  // last: joined before what its tasks use goes
 };
 
 }  // namespace habitra

@@ -1,4 +1,5 @@
 #include <HabitraModel/HabitraNSPersistentCloudKitContainer.h>
+#include <HabitraModel/Store/StoreError.h>
 
 #include <utility>
 
@@ -9,6 +10,11 @@ HabitraNSPersistentCloudKitContainer::HabitraNSPersistentCloudKitContainer(Conta
     : clock_(std::move(clock)), location_(std::move(location)) {}
 
 HabitraNSPersistentCloudKitContainer::~HabitraNSPersistentCloudKitContainer() = default;
+
+void HabitraNSPersistentCloudKitContainer::setMigration(Migration migration) {
+  const std::scoped_lock lock(mutex_);
+  migration_ = std::move(migration);
+}
 
 ContainerLocation HabitraNSPersistentCloudKitContainer::location() const {
   const std::scoped_lock lock(mutex_);
@@ -44,14 +50,29 @@ std::unique_ptr<StoreContext> HabitraNSPersistentCloudKitContainer::newReadingCo
   return opened == nullptr ? nullptr : std::make_unique<StoreContext>(std::move(opened));
 }
 
+std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::openAt(const ContainerLocation& location,
+                                                                    bool mayMake) const {
+  const auto& file = location.file();
+  if (!file) return Store::inMemory(clock_);
+  return mayMake ? Store::open(*file, clock_) : Store::openForReading(*file, clock_);
+}
+
 std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::open(bool mayMake) {
-  const std::scoped_lock lock(mutex_);
-  if (store_ != nullptr) return store_;
-  const auto& file = location_.file();
-  if (!file)
-    store_ = Store::inMemory(clock_);
-  else
-    store_ = mayMake ? Store::open(*file, clock_) : Store::openForReading(*file, clock_);
+  std::unique_lock lock(mutex_);
+  if (store_ == nullptr) {
+    try {
+      store_ = openAt(location_, mayMake);
+    } catch (const StoreError& error) {
+      if (error.kind() != StoreError::Kind::olderVersion || migration_ == nullptr) throw;
+      const auto file = *location_.file();
+      const Migration migration = migration_;
+      // Maintenance closes stores, this one's as well.
+      lock.unlock();
+      migration(file);
+      lock.lock();
+      if (store_ == nullptr) store_ = openAt(location_, mayMake);
+    }
+  }
   return store_;
 }
 

@@ -24,6 +24,11 @@ class HabitraNSPersistentCloudKitContainer {
   HabitraNSPersistentCloudKitContainer(const HabitraNSPersistentCloudKitContainer&) = delete;
   HabitraNSPersistentCloudKitContainer& operator=(const HabitraNSPersistentCloudKitContainer&) = delete;
 
+  /// What brings the store in a file of an earlier layout up to date, when one is met. Without it such a store is
+  /// refused.
+  using Migration = std::function<void(const std::filesystem::path& file)>;
+  void setMigration(Migration migration);
+
   [[nodiscard]] ContainerLocation location() const;
   /// Closes the store as close() does; the next one is that of `location`.
   void setLocation(ContainerLocation location);
@@ -50,10 +55,13 @@ class HabitraNSPersistentCloudKitContainer {
 
  private:
   [[nodiscard]] std::shared_ptr<Store> open(bool mayMake);
+  /// Gives null when there is no store and none may be made. REQUIRES: the mutex is held.
+  [[nodiscard]] std::shared_ptr<Store> openAt(const ContainerLocation& location, bool mayMake) const;
 
   std::shared_ptr<const qz::Clock> clock_;
   mutable std::mutex mutex_;
   ContainerLocation location_;
+  Migration migration_;
   std::shared_ptr<Store> store_;
   std::vector<std::weak_ptr<const EventObserver>> observers_;
 };

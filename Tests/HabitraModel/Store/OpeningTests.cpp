@@ -1,4 +1,3 @@
-#include <HabitraModel/DataManager.h>
 #include <HabitraModel/Store/WritersTurn.h>
 #include <Support/ChildProcess.h>
 #include <Support/FolderContent.h>
@@ -170,35 +169,6 @@ TEST_F(OpeningTest, ALongWriteAheadLogIsShortened) {
   context->find<TaskEntity>(task)->bestStreak = 1;
   context->save({});
   EXPECT_LE(std::filesystem::file_size(file().string() + "-wal"), 4U << 20);
-}
-
-TEST(DataManagerTest, FindsTheHomeByTheEnvironment) {
-  using Variables = std::map<std::string, std::string>;
-  const auto home = [](const Variables& variables) {
-    return DataManager::homeDirectory([&variables](const std::string& name) -> std::optional<std::string> {
-      const auto found = variables.find(name);
-      return found == variables.end() ? std::nullopt : std::optional(found->second);
-    });
-  };
-  EXPECT_EQ(home({{"HABITRA_HOME", "/a"}, {"XDG_DATA_HOME", "/b"}, {"HOME", "/c"}}), "/a");
-  EXPECT_EQ(home({{"HABITRA_HOME", ""}, {"XDG_DATA_HOME", "/b"}, {"HOME", "/c"}}), "/b/habitra");
-  EXPECT_EQ(home({{"XDG_DATA_HOME", "relative"}, {"HOME", "/c"}}), "/c/.local/share/habitra");
-  EXPECT_THROW((void)home({}), qz::Error);
-  EXPECT_EQ(DataManager::storeLocation("/a").file(), path("/a/Habitra-Local.sqlite"));
-}
-
-TEST_F(OpeningTest, TheDataManagerGivesOutContextsAndIdentifiers) {
-  DataManager manager(DataManager::ContainerLocation::url(file()), clock_);
-  EXPECT_EQ(manager.contextForReading(), nullptr);
-  const auto context = manager.context();
-  const qz::UniqueID requested = qz::UniqueID::generate(testMoment);
-  EXPECT_EQ(manager.generateUniqueTaskId(*context, requested), requested);
-  context->insert(TaskEntity{.uniqueId = requested.text()});
-  EXPECT_NE(manager.generateUniqueTaskId(*context, requested), requested) << "an unsaved task counts";
-  context->save({.author = DataManager::Author::siriUI});
-  EXPECT_NE(manager.contextForReading(), nullptr);
-  EXPECT_EQ(manager.home(), file().parent_path());
-  for (const Author author : allAuthors) EXPECT_EQ(authorFromRawValue(rawValue(author)), author);
 }
 
 }  // namespace
