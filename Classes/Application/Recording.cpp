@@ -1,5 +1,7 @@
 #include <HabitraApp/Rooms.h>
 
+#include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZKit/UTF8.h>

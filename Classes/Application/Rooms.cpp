@@ -1,6 +1,7 @@
 #include <HabitraApp/Rooms.h>
 
 #include <HabitraApp/TaskLookup.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

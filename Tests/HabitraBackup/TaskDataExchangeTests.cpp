@@ -4,6 +4,7 @@
 #include <HabitraBackup/TaskDataImporter.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZDateTime/ISO8601.h>
 #include <rapidcheck.h>

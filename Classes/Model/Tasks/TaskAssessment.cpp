@@ -1,4 +1,6 @@
 #include <HabitraCore/FutureEntries.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
@@ -74,25 +76,6 @@ std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoin
                            .numSucceeded = content.numSucceeded};
 }
 
-/// An unknown stored type says nothing about a day, like an undo.
-TaskLogEntryType entryTypeOf(std::int16_t stored) {
-  return fromRawValue<TaskLogEntryType>(stored).value_or(TaskLogEntryType::unknown);
-}
-
-/// A row of the log, or an entry of it, as the walk reads it.
-template <typename Row>
-LoggedEntry loggedEntry(const Row& row) {
-  const auto periodType = fromRawValue<TaskFrequencyPeriodType>(row.entryPeriodType);
-  return LoggedEntry{.order = rawValue(row.objectID),
-                     .progress = row.progress,
-                     .progressTotal = row.progressTotal,
-                     .entryDate = row.entryDate,
-                     .periodFrom = periodType ? row.entryPeriodFrom : 0,
-                     .periodTo = periodType ? row.entryPeriodTo : 0,
-                     .entryType = entryTypeOf(row.entryType),
-                     .periodType = periodType.value_or(TaskFrequencyPeriodType{})};
-}
-
 std::vector<LoggedEntry> readEntries(StoreContext& context, const TaskEntity& task, std::int32_t from,
                                      std::int32_t to) {
   std::vector<LoggedEntry> entries;
@@ -107,8 +90,8 @@ qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
 
 /// The day that an attribute keeps, if the calendar has it: a row may say anything.
 std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
-  const auto day = dayFromStored(stored);
-  return day && day->exists() && *day >= earliestDay ? day : std::nullopt;
+  const auto day = existingDayFromStored(stored);
+  return day && *day >= earliestDay ? day : std::nullopt;
 }
 
 /// The day of the earliest entry that says the task was being kept, up to `today`.
@@ -117,7 +100,7 @@ std::optional<std::int32_t> firstKeptDay(StoreContext& context, const TaskEntity
   if (!earliest || *earliest > today) return std::nullopt;
   std::optional<std::int32_t> first;
   const auto look = [&](const LogRow& row) {
-    if (!first && marksHistory(entryTypeOf(row.entryType)) && existingDay(row.entryDate)) first = row.entryDate;
+    if (!first && marksHistory(entryTypeFromStored(row.entryType)) && existingDay(row.entryDate)) first = row.entryDate;
   };
   // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
   context.readLog(task.objectID, *earliest, *earliest, look);

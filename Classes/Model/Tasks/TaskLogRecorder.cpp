@@ -1,5 +1,8 @@
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/PeriodMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
@@ -28,14 +31,10 @@ std::string description(const TaskFrequencyPeriod& period) {
 /// that of its day.
 bool countsFor(const TaskLogEntryEntity& row, const TaskFrequencyPeriod& period,
                const std::optional<TaskRules>& rules) {
-  auto from = dayFromStored(row.entryPeriodFrom);
-  auto to = dayFromStored(row.entryPeriodTo);
-  if (const auto day = dayFromStored(row.entryDate); (!from || !to) && day && rules) {
-    const DatedPeriod own = rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate);
-    from = own.period.startDate;
-    to = own.period.finishDate;
-  }
-  return from && to && *from == period.startDate && *to == period.finishDate;
+  auto own = periodOf(row, period.firstDayOfWeek);
+  if (const auto day = dayFromStored(row.entryDate); !own && day && rules)
+    own = rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate).period;
+  return own && own->startDate == period.startDate && own->finishDate == period.finishDate;
 }
 
 /// Deletes the rows of the period that an entry of `type` takes the place of, but for `kept`.
@@ -145,14 +144,9 @@ TaskLogEntryEntity TaskLogRecorder::writeRow(const TaskEntity& task, const Reque
   if (!existing || entry.createdTimestamp)
     row.createdTimestamp = entry.createdTimestamp.value_or(request.createdTimestamp);
   if (!existing) row.createdTimeZone = request.createdTimeZone.identifier();
-  row.entryDate = storedDay(day);
   row.task = task.objectID;
-  row.progressTotal = entry.progressValue.value_or(0.0);
-  row.progress = entry.progressPct.value_or(0.0);
-  row.entryPeriodFrom = storedDay(entry.period.period.startDate);
-  row.entryPeriodTo = storedDay(entry.period.period.finishDate);
-  row.entryPeriodType = rawValue(entry.period.period.periodType);
-  row.entryType = rawValue(entry.type);
+  setEntry(row, entry.type, DatedPeriod(day, entry.period.period), entry.progressPct.value_or(0.0),
+           entry.progressValue.value_or(0.0));
   if (existing)
     context.updateLogEntry(existing->key(), row);
   else

@@ -1,4 +1,4 @@
-#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 #include <HabitraBackup/LogImport.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 

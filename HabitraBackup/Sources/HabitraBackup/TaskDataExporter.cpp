@@ -1,5 +1,6 @@
 #include <HabitraBackup/ReplacementFile.h>
 #include <HabitraBackup/TaskDataExporter.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

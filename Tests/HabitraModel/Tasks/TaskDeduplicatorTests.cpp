@@ -1,4 +1,5 @@
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QZDateTime/YYYYMMDD.h>
+
+#include <cstdint>
+#include <optional>
+
+/// Days as attributes keep them: in their integer form, 0 for none.
+namespace habitra {
+
+/// Stops the program when the day does not fit 32 bits.
+[[nodiscard]] std::int32_t storedDay(const std::optional<qz::YYYYMMDD>& day);
+
+/// The day that an attribute keeps, as it stands; 0 and less is no day.
+[[nodiscard]] std::optional<qz::YYYYMMDD> dayFromStored(std::int64_t value);
+
+/// The same; what the calendar does not have is no day either.
+[[nodiscard]] std::optional<qz::YYYYMMDD> existingDayFromStored(std::int64_t value);
+
+}  // namespace habitra
