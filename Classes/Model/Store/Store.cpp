@@ -32,18 +32,19 @@ struct Store::Listeners {
   std::map<int, std::function<void()>> listeners;
 };
 
-Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock)
+Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock, std::chrono::milliseconds patience)
     : file_(std::move(file)),
       address_(file_.string()),
-      maintenance_(file_.parent_path()),
+      maintenance_(file_.parent_path(), patience),
       clock_(std::move(clock)),
       writer_(qz::UniqueID::generate(clock_->now()).text()) {}
 
 Store::~Store() = default;
 
-std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock) {
+std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock,
+                                   std::chrono::milliseconds patience) {
   const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(file).parent_path());
-  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock), patience));
   store->maintenance_.takeShared();
   if (!isPrivateFile(store->file_)) makePrivateFile(store->file_);
   if (!store->prepare(true))
@@ -54,11 +55,11 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::share
   return store;
 }
 
-std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file,
-                                             std::shared_ptr<const qz::Clock> clock) {
+std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock,
+                                             std::chrono::milliseconds patience) {
   const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(file).parent_path());
   if (home.empty() || !isPrivateFile(home / file.filename())) return nullptr;
-  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock)));
+  std::shared_ptr<Store> store(new Store(home / file.filename(), std::move(clock), patience));
   store->maintenance_.takeShared();
   return store->prepare(false) ? store : nullptr;
 }

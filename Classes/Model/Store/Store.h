@@ -6,6 +6,7 @@
 #include <QZKit/Clock.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -36,13 +37,16 @@ class Store : public std::enable_shared_from_this<Store> {
   // written it is brought up to date in memory instead and opens for reading.
 
   /// Opens the store at `file`, making it, its home and whatever folder is missing above. Throws StoreError.
-  /// A file, or its folder, that may not be written opens for reading alone.
-  [[nodiscard]] static std::shared_ptr<Store> open(const std::filesystem::path& file,
-                                                   std::shared_ptr<const qz::Clock> clock);
+  /// A file, or its folder, that may not be written opens for reading alone. `patience` is for maintenance that is
+  /// under way.
+  [[nodiscard]] static std::shared_ptr<Store> open(
+      const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock,
+      std::chrono::milliseconds patience = MaintenanceLock::defaultPatience);
 
   /// Opens the store at `file`, or gives null and makes nothing when there is none. Throws StoreError.
-  [[nodiscard]] static std::shared_ptr<Store> openForReading(const std::filesystem::path& file,
-                                                             std::shared_ptr<const qz::Clock> clock);
+  [[nodiscard]] static std::shared_ptr<Store> openForReading(
+      const std::filesystem::path& file, std::shared_ptr<const qz::Clock> clock,
+      std::chrono::milliseconds patience = MaintenanceLock::defaultPatience);
 
   /// A store in memory that lives as long as this object. It takes no file locks; its contexts keep no view of the
   /// store between two reads.
@@ -72,7 +76,8 @@ class Store : public std::enable_shared_from_this<Store> {
 
   struct Listeners;
 
-  Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock);
+  Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock,
+        std::chrono::milliseconds patience = MaintenanceLock::defaultPatience);
 
   /// Whether there is a store in the file; makes one in an empty file when it may.
   [[nodiscard]] bool prepare(bool mayMake);
