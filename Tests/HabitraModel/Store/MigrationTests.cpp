@@ -149,7 +149,7 @@ TEST_F(MigrationTest, WhereNothingMayBeWrittenItHappensInMemory) {
   ChildProcess reader([&](const ChildProcess::Talk&) {
     keepOrdinaryRights();
     for (const auto openStore : {&Store::openForReading, &Store::open}) {
-      const auto store = openStore(file(), clock_, std::chrono::milliseconds(0));
+      const auto store = openStore(file(), clock_, MaintenanceLock::defaultPatience);
       StoreContext context(store);
       int entries = 0;
       for (const TaskEntity* task : context.fetchAll<TaskEntity>())

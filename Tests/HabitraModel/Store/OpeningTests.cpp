@@ -76,7 +76,7 @@ TEST_F(OpeningTest, WhatCannotBeOpenedIsRefusedAndLeftAlone) {
   for (const auto& [name, kind] : expected) {
     for (const auto openStore : {&Store::open, &Store::openForReading}) {
       try {
-        (void)openStore(home / name, clock_);
+        (void)openStore(home / name, clock_, MaintenanceLock::defaultPatience);
         ADD_FAILURE() << name << " was opened";
       } catch (const StoreError& error) {
         const std::string message = error.what();
@@ -104,7 +104,7 @@ TEST_F(OpeningTest, WhatMayNotBeWrittenIsReadAndLeftAlone) {
     ChildProcess reader([&](const ChildProcess::Talk&) {
       keepOrdinaryRights();
       for (const auto openStore : {&Store::open, &Store::openForReading}) {
-        const auto store = openStore(file(), clock_);
+        const auto store = openStore(file(), clock_, MaintenanceLock::defaultPatience);
         StoreContext context(store);
         if (!store->isReadOnly() || context.fetchAll<TaskEntity>().size() != 1) throw std::runtime_error("not read");
         if (errorKind([&] { context.beginUnit(); }) != StoreError::Kind::readOnly)
