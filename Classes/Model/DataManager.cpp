@@ -57,19 +57,21 @@ DataManager::DataManager(const ContainerLocation& local, std::shared_ptr<const q
                          std::chrono::milliseconds patience)
     : home_(local.file() ? local.file()->parent_path() : std::filesystem::path()),
       clock_(std::move(clock)),
-      patience_(patience),
       standardDefaults_(defaults(home_, KeyValueDefaults::standardFileName)),
       sharedDefaults_(defaults(home_, KeyValueDefaults::sharedFileName)),
-      cloudPersistentContainer_(std::make_shared<Container>(cloudLocation(local), clock_)),
-      localPersistentContainer_(std::make_shared<Container>(local, clock_)),
-      maintenanceQueue_("org.habitra.datamanager.maintenance"),
-      ckQueue_("org.habitra.datamanager.cloudkit") {
-  const auto bringUpToDate = [this](const std::filesystem::path& file) { this->bringUpToDate(file); };
-  cloudPersistentContainer_->setMigration(bringUpToDate);
-  localPersistentContainer_->setMigration(bringUpToDate);
+      notifications_(std::make_shared<qz::NotificationCenter>()),
+      maintenance_(std::make_shared<StoreMaintenance>(clock_, patience, notifications_)),
+      cloudPersistentContainer_(std::make_shared<Container>(cloudLocation(local), maintenance_)),
+      localPersistentContainer_(std::make_shared<Container>(local, maintenance_)),
+      cloudSync_(std::make_shared<CloudSync>(notifications_)) {
+  maintenance_->setInterruption([this] { beginInterruption(); }, [this] { endInterruption(); });
 }
 
-DataManager::~DataManager() { stopObservingChanges(); }
+DataManager::~DataManager() {
+  cloudSync_->stop();
+  // Containers may be kept by others, and maintained by them.
+  maintenance_->setInterruption(nullptr, nullptr);
+}
 
 bool DataManager::isCloudSyncOn() const { return Settings(nullptr, sharedDefaults_, nullptr).get(settings::cloudSync); }
 
@@ -77,13 +79,21 @@ const std::shared_ptr<DataManager::Container>& DataManager::activeContainer() co
   return isCloudSyncOn() ? cloudPersistentContainer_ : localPersistentContainer_;
 }
 
-void DataManager::configureStoreDescription(Container& container, const ContainerLocation& location,
-                                            const std::function<void(std::exception_ptr)>& completion) {
+std::optional<std::string> DataManager::cloudContainer() const {
+  return sharedDefaults_->get<std::string>(cloudContainerKey);
+}
+
+void DataManager::describe(Container& container, const ContainerLocation& location) {
   const auto& cloud = location.cloudContainer();
   qz::log::info("Configuring the store {}, CloudKit: {}", location.description(), cloud ? *cloud : "(none)");
+  if (container.location() != location) container.setLocation(location);
+}
+
+void DataManager::configureStoreDescription(Container& container, const ContainerLocation& location,
+                                            const std::function<void(std::exception_ptr)>& completion) {
   std::exception_ptr failure;
   try {
-    container.setLocation(location);
+    describe(container, location);
     (void)container.store();
   } catch (...) {
     failure = std::current_exception();
@@ -95,7 +105,12 @@ std::shared_ptr<Store> DataManager::activeStore(bool mayMake) {
   for (;;) {
     const std::shared_ptr<Container>& container = activeContainer();
     if (container->isOpen()) return container->store();
-    if (container == localPersistentContainer_) adoptEarlyStore();
+    if (container == localPersistentContainer_) {
+      adoptEarlyStore();
+      describe(*container, container->location());
+    } else if (const auto file = container->location().file()) {
+      describe(*container, ContainerLocation::url(*file, cloudContainer()));
+    }
     std::shared_ptr<Store> store = mayMake ? container->store() : container->storeForReading();
     // While a store is open nobody can switch; until it is, somebody may have.
     if (container == activeContainer()) return store;
@@ -104,10 +119,16 @@ std::shared_ptr<Store> DataManager::activeStore(bool mayMake) {
 }
 
 void DataManager::adoptEarlyStore() {
-  const auto file = localPersistentContainer_->location().file();
-  if (!file || std::filesystem::exists(*file)) return;
-  if (const auto adopted = CoreDataMigrator(clock_, {.patience = patience_}).adoptProductionStore(home_))
-    localPersistentContainer_->setLocation(ContainerLocation::url(*adopted));
+  const auto isMissing = [this] {
+    const auto file = localPersistentContainer_->location().file();
+    return file && !std::filesystem::exists(*file);
+  };
+  if (!isMissing() || !std::filesystem::exists(home_ / fileName(StoreFile::production))) return;
+  maintenance_->migrate([&](CoreDataMigrator& migrator) {
+    if (!isMissing()) return;  // another thread has been quicker
+    if (const auto adopted = migrator.adoptProductionStore(home_))
+      localPersistentContainer_->setLocation(ContainerLocation::url(*adopted));
+  });
 }
 
 std::unique_ptr<StoreContext> DataManager::context() { return std::make_unique<StoreContext>(activeStore(true)); }
@@ -125,17 +146,44 @@ qz::UniqueID DataManager::generateUniqueTaskId(StoreContext& context, const qz::
 
 void DataManager::observeChanges(Author target, PersistentHistoryObserver::Handler handler,
                                  PersistentHistoryObserver::Merge merge) {
-  (void)activeStore(true);
-  auto observer = std::make_unique<PersistentHistoryObserver>(target, standardDefaults_, activeContainer(),
-                                                              std::move(handler), std::move(merge));
-  const std::scoped_lock lock(observerMutex_);
-  observer_ = std::move(observer);
-  observer_->start();
+  maintenance_->underTurn([&] {
+    (void)activeStore(true);
+    observer_.reset();
+    observation_ = {target, std::move(handler), std::move(merge)};
+    startObserving();
+  });
 }
 
 void DataManager::stopObservingChanges() {
-  const std::scoped_lock lock(observerMutex_);
+  maintenance_->underTurn([this] {
+    observer_.reset();
+    observation_.reset();
+  });
+}
+
+void DataManager::startObserving() {
+  observer_ = std::make_unique<PersistentHistoryObserver>(observation_->target, standardDefaults_, activeContainer(),
+                                                          observation_->handler, observation_->merge);
+  observer_->start();
+}
+
+void DataManager::beginInterruption() {
   observer_.reset();
+  localPersistentContainer_->close();
+  cloudPersistentContainer_->close();
+}
+
+void DataManager::endInterruption() noexcept {
+  if (!observation_ || observer_ != nullptr) return;
+  try {
+    startObserving();
+  } catch (const std::exception& error) {
+    qz::log::error("Changes by others cannot be observed any more: {}", error.what());
+  }
+}
+
+void DataManager::setupImportObserver() {
+  cloudSync_->setupImportObserver(*cloudPersistentContainer_, [this] { deduplicate(); });
 }
 
 }  // namespace habitra

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <HabitraModel/CloudContainer.h>
+#include <HabitraModel/CloudSync.h>
 #include <HabitraModel/ContainerLocation.h>
-#include <HabitraModel/CoreDataMigrator.h>
 #include <HabitraModel/HabitraNSPersistentCloudKitContainer.h>
 #include <HabitraModel/PersistentHistoryObserver.h>
 #include <HabitraModel/Settings/KeyValueDefaults.h>
@@ -10,7 +9,7 @@
 #include <HabitraModel/Store/MaintenanceLock.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
-#include <HabitraModel/SyncEvent.h>
+#include <HabitraModel/StoreMaintenance.h>
 #include <QZKit/Clock.h>
 #include <QZKit/NotificationCenter.h>
 #include <QZKit/SerialQueue.h>
@@ -22,7 +21,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -49,13 +47,15 @@ class DataManager {
   [[nodiscard]] static std::string_view fileName(StoreFile file);
 
   // What notifications() tells of.
-  static constexpr const char* maintenanceDidFinish = "dm.maintenanceDidFinish";  ///< maintenance mode has ended
-  static constexpr const char* syncEventsUpdated = "dm.syncEventsUpdated";        ///< currentSyncEvents() has changed
+  static constexpr const char* maintenanceDidFinish = StoreMaintenance::maintenanceDidFinish;
+  static constexpr const char* syncEventsUpdated = CloudSync::syncEventsUpdated;
   /// The active store has moved between cloud and local: contexts on the old one are to be let go of.
   static constexpr const char* databaseStorageLocationChanged = "dm.databaseStorageLocationChanged";
 
   /// The key of the shared defaults that says, as a text, which cloud database the store is mirrored to.
   static constexpr const char* cloudContainerKey = "dm.cloudContainer";
+  /// The key that says, while the storage is switched, to which file.
+  static constexpr const char* switchingKey = "dm.switchingTo";
 
   /// Looks up an environment variable; none when it is not set.
   using Environment = std::function<std::optional<std::string>(const std::string& name)>;
@@ -84,7 +84,7 @@ class DataManager {
   [[nodiscard]] KeyValueDefaults& standardDefaults() { return *standardDefaults_; }
   [[nodiscard]] KeyValueDefaults& sharedDefaults() { return *sharedDefaults_; }
   /// Handlers run on the thread that does what they are told of.
-  [[nodiscard]] qz::NotificationCenter& notifications() { return notifications_; }
+  [[nodiscard]] qz::NotificationCenter& notifications() { return *notifications_; }
 
   // Containers
 
@@ -112,18 +112,18 @@ class DataManager {
   /// `requestedId` when no task has it; otherwise logs "Received duplicate ID, generating" and gives a new one.
   [[nodiscard]] qz::UniqueID generateUniqueTaskId(StoreContext& context, const qz::UniqueID& requestedId) const;
 
-  // Maintenance
+  // Maintenance: the times in which nobody works on the store because it is moved, migrated or repaired. Observation of
+  // changes pauses meanwhile. Contexts that somebody holds keep their store open, and what needs it alone then fails
+  // with a StoreError that says so. A handler of observed changes must neither call this nor
+  // open a store.
 
-  /// Whether the store is being moved, migrated or repaired: no pass over the tasks may run.
-  [[nodiscard]] bool isInMaintenanceMode() const;
+  [[nodiscard]] bool isInMaintenanceMode() const { return maintenance_->isInMaintenanceMode(); }
+  /// Whether a store is being brought up to date.
+  [[nodiscard]] bool isMigrating() const { return maintenance_->isMigrating(); }
 
-  /// Whether a store of an earlier layout is being brought up to date.
-  [[nodiscard]] bool isMigrating() const;
-
-  /// Enters maintenance mode, closes both stores, runs `work` and leaves it again, whatever `work` throws; then posts
-  /// maintenanceDidFinish. May be nested; only the end of the outermost is posted. Contexts that somebody holds keep
-  /// their store open, and work that needs it alone then fails with a StoreError that says so.
-  void performMaintenance(const std::function<void()>& work);
+  /// Closes both stores, runs `work` while no other thread can open them, and posts maintenanceDidFinish; see
+  /// StoreMaintenance::perform().
+  void performMaintenance(const std::function<void()>& work) { maintenance_->perform(work); }
 
   /// Makes the cloud's store the active one (`cloudContainer` names the database it is mirrored to), or the local one
   /// (none). What is stored goes along; the store that was active stays in its file as it was, and one that lay at the
@@ -142,28 +142,9 @@ class DataManager {
 
   // Mirroring
 
-  enum class ActiveSyncEvent {
-    importing,      ///< changes come in
-    exporting,      ///< changes go out
-    deduplicating,  ///< what came in is searched for doubles
-  };
-
-  /// Begins to observe the events of the cloud's container. Each is logged and kept while it is under way; an import
-  /// that has ended well is searched for doubles. All of it happens on the cloud queue, handlers included.
+  [[nodiscard]] CloudSync& cloudSync() { return *cloudSync_; }
+  /// Begins to observe the events of the cloud's container; what an import has brought is searched for doubles.
   void setupImportObserver();
-  [[nodiscard]] std::map<qz::UniqueID, SyncEvent> currentSyncEvents() const;
-  [[nodiscard]] std::set<qz::UniqueID> currentImportDeduplicationEvents() const;
-  [[nodiscard]] std::set<ActiveSyncEvent> activeSyncEvents() const;
-  /// The last failure and its moment, until an import or export succeeds.
-  [[nodiscard]] std::optional<std::string> currentSyncError() const;
-  [[nodiscard]] std::optional<qz::Moment> currentSyncErrorDate() const;
-  /// Whether mirroring has failed since this object was made.
-  [[nodiscard]] bool hasCapturedCKError() const;
-
-  /// Follows the account of a cloud database from now on, or of none.
-  void setCloudContainer(std::shared_ptr<CloudContainer> container);
-  /// As last heard of; could not be determined while there is no cloud database.
-  [[nodiscard]] CloudAccountStatus ckStatus() const;
 
   // Changes by others
 
@@ -177,40 +158,32 @@ class DataManager {
  private:
   [[nodiscard]] std::shared_ptr<Store> activeStore(bool mayMake);
   void adoptEarlyStore();
-  void bringUpToDate(const std::filesystem::path& file);
+  void describe(Container& container, const ContainerLocation& location);
   void requireFiles() const;
+  [[nodiscard]] std::optional<std::string> cloudContainer() const;
+  void beginInterruption();
+  void endInterruption() noexcept;
+  void startObserving();
 
-  // On the cloud queue.
-  void handle(const SyncEvent& event);
-  void deduplicateAfter(const SyncEvent& import);
-  void readAccountStatus();
+  const std::filesystem::path home_;
+  const std::shared_ptr<const qz::Clock> clock_;
+  const std::shared_ptr<KeyValueDefaults> standardDefaults_;
+  const std::shared_ptr<KeyValueDefaults> sharedDefaults_;
+  const std::shared_ptr<qz::NotificationCenter> notifications_;
+  const std::shared_ptr<StoreMaintenance> maintenance_;
+  const std::shared_ptr<Container> cloudPersistentContainer_;
+  const std::shared_ptr<Container> localPersistentContainer_;
+  const std::shared_ptr<CloudSync> cloudSync_;
 
-  std::filesystem::path home_;
-  std::shared_ptr<const qz::Clock> clock_;
-  std::chrono::milliseconds patience_;
-  std::shared_ptr<KeyValueDefaults> standardDefaults_;
-  std::shared_ptr<KeyValueDefaults> sharedDefaults_;
-  qz::NotificationCenter notifications_;
-
-  std::shared_ptr<Container> cloudPersistentContainer_;
-  std::shared_ptr<Container> localPersistentContainer_;
-  mutable qz::SerialQueue maintenanceQueue_;
-  int inMaintenanceMode_ = 0;                           // nested; on the maintenance queue
-  std::shared_ptr<CoreDataMigratorProtocol> migrator_;  // while it is at work; on the maintenance queue
-  std::mutex observerMutex_;
+  /// What to observe, whether or not it is under way.
+  struct Observation {
+    Author target;
+    PersistentHistoryObserver::Handler handler;
+    PersistentHistoryObserver::Merge merge;
+  };
+  // Under the turn of maintenance.
+  std::optional<Observation> observation_;
   std::unique_ptr<PersistentHistoryObserver> observer_;
-
-  // On the cloud queue.
-  std::map<qz::UniqueID, SyncEvent> currentSyncEvents_;
-  std::set<qz::UniqueID> currentImportDeduplicationEvents_;
-  std::optional<qz::Moment> currentSyncErrorDate_;
-  std::optional<std::string> currentSyncError_;
-  bool hasCapturedCKError_ = false;
-  std::shared_ptr<void> eventChangedObserver_;
-  std::shared_ptr<CloudContainer> ckContainer_;
-  std::shared_ptr<void> ckObserver_;
-  CloudAccountStatus ckStatus_ = CloudAccountStatus::couldNotDetermine;
-  mutable qz::SerialQueue ckQueue_;  // last: joined before what its tasks use goes
 };
 
 }  // namespace habitra

@@ -1,20 +1,20 @@
 #include <HabitraModel/HabitraNSPersistentCloudKitContainer.h>
-#include <HabitraModel/Store/StoreError.h>
 
 #include <utility>
 
 namespace habitra {
 
+HabitraNSPersistentCloudKitContainer::HabitraNSPersistentCloudKitContainer(
+    ContainerLocation location, std::shared_ptr<StoreMaintenance> maintenance)
+    : maintenance_(std::move(maintenance)), location_(std::move(location)) {}
+
 HabitraNSPersistentCloudKitContainer::HabitraNSPersistentCloudKitContainer(ContainerLocation location,
                                                                            std::shared_ptr<const qz::Clock> clock)
-    : clock_(std::move(clock)), location_(std::move(location)) {}
+    : HabitraNSPersistentCloudKitContainer(
+          std::move(location), std::make_shared<StoreMaintenance>(std::move(clock), MaintenanceLock::defaultPatience,
+                                                                  std::make_shared<qz::NotificationCenter>())) {}
 
 HabitraNSPersistentCloudKitContainer::~HabitraNSPersistentCloudKitContainer() = default;
-
-void HabitraNSPersistentCloudKitContainer::setMigration(Migration migration) {
-  const std::scoped_lock lock(mutex_);
-  migration_ = std::move(migration);
-}
 
 ContainerLocation HabitraNSPersistentCloudKitContainer::location() const {
   const std::scoped_lock lock(mutex_);
@@ -31,10 +31,7 @@ std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::store() { return op
 
 std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::storeForReading() { return open(false); }
 
-bool HabitraNSPersistentCloudKitContainer::isOpen() const {
-  const std::scoped_lock lock(mutex_);
-  return store_ != nullptr;
-}
+bool HabitraNSPersistentCloudKitContainer::isOpen() const { return present() != nullptr; }
 
 void HabitraNSPersistentCloudKitContainer::close() {
   const std::scoped_lock lock(mutex_);
@@ -50,30 +47,22 @@ std::unique_ptr<StoreContext> HabitraNSPersistentCloudKitContainer::newReadingCo
   return opened == nullptr ? nullptr : std::make_unique<StoreContext>(std::move(opened));
 }
 
-std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::openAt(const ContainerLocation& location,
-                                                                    bool mayMake) const {
-  const auto& file = location.file();
-  if (!file) return Store::inMemory(clock_);
-  return mayMake ? Store::open(*file, clock_) : Store::openForReading(*file, clock_);
+std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::present() const {
+  const std::scoped_lock lock(mutex_);
+  return store_;
 }
 
 std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::open(bool mayMake) {
-  std::unique_lock lock(mutex_);
-  if (store_ == nullptr) {
-    try {
-      store_ = openAt(location_, mayMake);
-    } catch (const StoreError& error) {
-      if (error.kind() != StoreError::Kind::olderVersion || migration_ == nullptr) throw;
-      const auto file = *location_.file();
-      const Migration migration = migration_;
-      // Maintenance closes stores, this one's as well.
-      lock.unlock();
-      migration(file);
-      lock.lock();
-      if (store_ == nullptr) store_ = openAt(location_, mayMake);
-    }
+  for (;;) {
+    if (auto store = present()) return store;
+    const ContainerLocation place = location();
+    std::shared_ptr<Store> opened = maintenance_->open(place, mayMake);
+    const std::scoped_lock lock(mutex_);
+    if (store_ != nullptr) return store_;  // another thread has been quicker
+    if (location_ != place) continue;
+    store_ = std::move(opened);
+    return store_;
   }
-  return store_;
 }
 
 std::shared_ptr<void> HabitraNSPersistentCloudKitContainer::addObserver(EventObserver observer) {

@@ -3,6 +3,7 @@
 #include <HabitraModel/ContainerLocation.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/StoreMaintenance.h>
 #include <HabitraModel/SyncEvent.h>
 #include <QZKit/Clock.h>
 
@@ -16,25 +17,22 @@ namespace habitra {
 /// A container holds one store, opens it when it is first asked for, and tells its observers of the events of its
 /// mirroring to a cloud.
 ///
-/// May be called from any thread.
+/// May be called from any thread. Only what opens the store waits: for maintenance, and for another thread that opens.
 class HabitraNSPersistentCloudKitContainer {
  public:
+  /// `maintenance` is the gate that all containers of a home share.
+  HabitraNSPersistentCloudKitContainer(ContainerLocation location, std::shared_ptr<StoreMaintenance> maintenance);
+  /// A container by itself.
   HabitraNSPersistentCloudKitContainer(ContainerLocation location, std::shared_ptr<const qz::Clock> clock);
   ~HabitraNSPersistentCloudKitContainer();
   HabitraNSPersistentCloudKitContainer(const HabitraNSPersistentCloudKitContainer&) = delete;
   HabitraNSPersistentCloudKitContainer& operator=(const HabitraNSPersistentCloudKitContainer&) = delete;
 
-  /// What brings the store in a file of an earlier layout up to date, when one is met. Without it such a store is
-  /// refused.
-  using Migration = std::function<void(const std::filesystem::path& file)>;
-  void setMigration(Migration migration);
-
   [[nodiscard]] ContainerLocation location() const;
   /// Closes the store as close() does; the next one is that of `location`.
   void setLocation(ContainerLocation location);
 
-  /// The store, opened and made when there is none. A store of an earlier layout is brought up to date first. Throws
-  /// StoreError.
+  /// The store, opened and made when there is none; see StoreMaintenance::open(). Throws StoreError.
   [[nodiscard]] std::shared_ptr<Store> store();
   /// The same, but null when there is no store yet: makes nothing.
   [[nodiscard]] std::shared_ptr<Store> storeForReading();
@@ -54,14 +52,12 @@ class HabitraNSPersistentCloudKitContainer {
   void post(const SyncEvent& event);
 
  private:
+  [[nodiscard]] std::shared_ptr<Store> present() const;
   [[nodiscard]] std::shared_ptr<Store> open(bool mayMake);
-  /// Gives null when there is no store and none may be made. REQUIRES: the mutex is held.
-  [[nodiscard]] std::shared_ptr<Store> openAt(const ContainerLocation& location, bool mayMake) const;
 
-  std::shared_ptr<const qz::Clock> clock_;
-  mutable std::mutex mutex_;
+  const std::shared_ptr<StoreMaintenance> maintenance_;
+  mutable std::mutex mutex_;  // never held while something is waited for
   ContainerLocation location_;
-  Migration migration_;
   std::shared_ptr<Store> store_;
   std::vector<std::weak_ptr<const EventObserver>> observers_;
 };

@@ -2,9 +2,12 @@
 #include <HabitraModel/Store/StoreCopy.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
+#include <future>
 #include <iterator>
 #include <map>
+#include <thread>
 
 #include "Store/StoreFixture.h"
 
@@ -37,6 +40,15 @@ class DataManagerTest : public StoreTest {
     const auto context = manager.context();
     context->insert(titled(title));
     context->save({});
+  }
+  static std::filesystem::path copyOf(const std::filesystem::path& store, const std::filesystem::path& to) {
+    copyStore(store, to);
+    return to;
+  }
+  void makeOtherStore(const std::filesystem::path& at) const {
+    DataManager other(DataManager::storeLocation(folder_ / "elsewhere"), clock_);
+    addTask(other, "Other");
+    copyStore(folder_ / "elsewhere" / "Habitra-Local.sqlite", at);
   }
   [[nodiscard]] std::ptrdiff_t backups() const {
     const auto folder = home() / "Backups";
@@ -159,6 +171,91 @@ TEST_F(DataManagerTest, StoresOfEarlierVersionsAreTakenOver) {
   EXPECT_FALSE(manager->isMigrating());
 }
 
+TEST_F(DataManagerTest, AnEarlyStoreIsNotLostSightOf) {
+  for (const bool isSwitch : {true, false}) {
+    std::filesystem::remove_all(home());
+    std::filesystem::create_directories(home());
+    std::filesystem::permissions(home(), std::filesystem::perms::owner_all);
+    std::filesystem::copy_file(DATA_FOLDER "/version-1.sqlite", home() / "Habitra-Production.sqlite");
+    const auto manager = this->manager();
+    if (isSwitch) {
+      manager->switchStorage("private");
+      EXPECT_EQ(titles(*manager).size(), 3U);
+    } else {
+      makeOtherStore(folder_ / "other.sqlite");
+      manager->restoreStore(folder_ / "other.sqlite");
+      EXPECT_EQ(titles(*manager), std::vector<std::string>{"Other"});
+      EXPECT_GE(backups(), 1) << "the habits of before are gone";
+    }
+  }
+}
+
+TEST_F(DataManagerTest, ObservationPausesForMaintenanceAndGoesOn) {
+  const auto manager = this->manager();
+  addTask(*manager, "Walk");
+  std::promise<void> arrived;
+  manager->observeChanges(
+      Author::widget, [](const PersistentHistoryTransaction&) {},
+      [&](const PersistentHistoryObserver::Changes& changes) {
+        if (changes.objects.contains(EntityNumber::task)) arrived.set_value();
+      });
+  manager->switchStorage("private");
+  DataManager other(DataManager::storeLocation(home()), clock_);
+  addTask(other, "Read");
+  arrived.get_future().wait();
+  manager->stopObservingChanges();
+  EXPECT_EQ(titles(*manager), (std::vector<std::string>{"Walk", "Read"}));
+}
+
+TEST_F(DataManagerTest, OtherThreadsWaitForMaintenance) {
+  const auto manager = std::make_unique<DataManager>(DataManager::storeLocation(home()), clock_);
+  addTask(*manager, "Walk");
+  std::atomic<bool> isOver = false;
+  std::thread other;
+  manager->performMaintenance([&] {
+    other = std::thread([&] {
+      const auto context = manager->context();
+      EXPECT_TRUE(isOver) << "a store was opened during maintenance";
+    });
+    EXPECT_NO_THROW(manager->restoreStore(copyOf(file(), folder_ / "copy.sqlite")));
+    isOver = true;
+  });
+  other.join();
+}
+
+TEST_F(DataManagerTest, ContainersMayOutliveIt) {
+  std::filesystem::create_directories(home());
+  std::filesystem::permissions(home(), std::filesystem::perms::owner_all);
+  std::filesystem::copy_file(DATA_FOLDER "/version-1.sqlite", file());
+  std::shared_ptr<DataManager::Container> kept;
+  {
+    const auto manager = this->manager();
+    manager->setupImportObserver();
+    kept = manager->localPersistentContainer();
+  }
+  EXPECT_EQ(kept->newReadingContext()->fetchAll<TaskEntity>().size(), 3U) << "it brings its store up to date";
+}
+
+TEST_F(DataManagerTest, AHandlerThatFailsSpoilsNothing) {
+  const auto manager = this->manager();
+  addTask(*manager, "Walk");
+  const auto fail = [] { throw qz::Error("a handler fails"); };
+  const auto first = manager->notifications().addObserver(DataManager::maintenanceDidFinish, fail);
+  const auto second = manager->notifications().addObserver(DataManager::syncEventsUpdated, fail);
+  manager->switchStorage("private");
+  EXPECT_TRUE(manager->isCloudSyncOn());
+  EXPECT_EQ(manager->cloudPersistentContainer()->location().cloudContainer(), std::nullopt) << "before it is opened";
+  EXPECT_EQ(titles(*manager), std::vector<std::string>{"Walk"});
+  EXPECT_EQ(manager->cloudPersistentContainer()->location().cloudContainer(), "private");
+  manager->setupImportObserver();
+  manager->cloudPersistentContainer()->post({.identifier = qz::UniqueID::generate(testMoment),
+                                             .type = SyncEvent::Type::importing,
+                                             .startDate = testMoment,
+                                             .endDate = testMoment + 1s});
+  manager->cloudSync().drain();
+  EXPECT_TRUE(manager->cloudSync().activeSyncEvents().empty());
+}
+
 TEST_F(DataManagerTest, RestoringPutsAnotherStoreInThePlace) {
   const auto manager = this->manager();
   addTask(*manager, "Walk");
@@ -182,19 +279,22 @@ TEST_F(DataManagerTest, EventsOfTheMirroringAreKeptWhileTheyLast) {
   SyncEvent event{
       .identifier = qz::UniqueID::generate(testMoment), .type = SyncEvent::Type::exporting, .startDate = testMoment};
   cloud.post(event);
-  EXPECT_EQ(manager->activeSyncEvents(), std::set{DataManager::ActiveSyncEvent::exporting});
-  EXPECT_EQ(manager->currentSyncEvents().at(event.identifier), event);
+  manager->cloudSync().drain();
+  EXPECT_EQ(manager->cloudSync().activeSyncEvents(), std::set{CloudSync::ActiveSyncEvent::exporting});
+  EXPECT_EQ(manager->cloudSync().currentSyncEvents().at(event.identifier), event);
   EXPECT_EQ(updated.count, 1);
   event.endDate = testMoment + 1s;
   event.error = "the cloud is full";
   cloud.post(event);
-  EXPECT_TRUE(manager->activeSyncEvents().empty());
-  EXPECT_EQ(manager->currentSyncError(), "the cloud is full");
-  EXPECT_EQ(manager->currentSyncErrorDate(), testMoment + 1s);
+  manager->cloudSync().drain();
+  EXPECT_TRUE(manager->cloudSync().activeSyncEvents().empty());
+  EXPECT_EQ(manager->cloudSync().currentSyncError(), "the cloud is full");
+  EXPECT_EQ(manager->cloudSync().currentSyncErrorDate(), testMoment + 1s);
   event.error.reset();
   cloud.post(event);
-  EXPECT_EQ(manager->currentSyncError(), std::nullopt);
-  EXPECT_TRUE(manager->hasCapturedCKError());
+  manager->cloudSync().drain();
+  EXPECT_EQ(manager->cloudSync().currentSyncError(), std::nullopt);
+  EXPECT_TRUE(manager->cloudSync().hasCapturedCKError());
 }
 
 TEST_F(DataManagerTest, AnImportIsSearchedForDoubles) {
@@ -210,13 +310,14 @@ TEST_F(DataManagerTest, AnImportIsSearchedForDoubles) {
   }
   std::vector<std::size_t> atEachPost;
   const auto observation = manager->notifications().addObserver(DataManager::syncEventsUpdated, [&] {
-    atEachPost.push_back(manager->currentImportDeduplicationEvents().size());
+    atEachPost.push_back(manager->cloudSync().currentImportDeduplicationEvents().size());
   });
   manager->cloudPersistentContainer()->post({.identifier = qz::UniqueID::generate(testMoment),
                                              .type = SyncEvent::Type::importing,
                                              .startDate = testMoment,
                                              .endDate = testMoment + 1s});
-  EXPECT_TRUE(manager->activeSyncEvents().empty());
+  manager->cloudSync().drain();
+  EXPECT_TRUE(manager->cloudSync().activeSyncEvents().empty());
   EXPECT_EQ(atEachPost, (std::vector<std::size_t>{1, 0})) << "before and after the search";
   EXPECT_EQ(titles(*manager), std::vector<std::string>{"Walk"});
   EXPECT_EQ(manager->deduplicate(), 0);
@@ -247,14 +348,17 @@ class ScriptedCloud final : public CloudContainer {
 TEST_F(DataManagerTest, TheAccountIsFollowed) {
   const auto manager = this->manager();
   const auto cloud = std::make_shared<ScriptedCloud>();
-  EXPECT_EQ(manager->ckStatus(), CloudAccountStatus::couldNotDetermine);
-  manager->setCloudContainer(cloud);
-  EXPECT_EQ(manager->ckStatus(), CloudAccountStatus::available);
+  EXPECT_EQ(manager->cloudSync().ckStatus(), CloudAccountStatus::couldNotDetermine);
+  manager->cloudSync().setCloudContainer(cloud);
+  manager->cloudSync().drain();
+  EXPECT_EQ(manager->cloudSync().ckStatus(), CloudAccountStatus::available);
   cloud->change(CloudAccountStatus::noAccount);
-  EXPECT_EQ(manager->ckStatus(), CloudAccountStatus::noAccount);
+  manager->cloudSync().drain();
+  EXPECT_EQ(manager->cloudSync().ckStatus(), CloudAccountStatus::noAccount);
   cloud->change(std::nullopt);
-  EXPECT_EQ(manager->ckStatus(), CloudAccountStatus::couldNotDetermine);
-  manager->setCloudContainer(nullptr);
+  manager->cloudSync().drain();
+  EXPECT_EQ(manager->cloudSync().ckStatus(), CloudAccountStatus::couldNotDetermine);
+  manager->cloudSync().setCloudContainer(nullptr);
   EXPECT_TRUE(cloud->observer.expired());
 }
 
