@@ -22,6 +22,10 @@ std::string systemMessage(sqlite3* handle) {
 
 StoreError errorFor(int code, sqlite3* handle, const std::string& name) {
   using Kind = StoreError::Kind;
+  // Nobody links to a row that was never there; it has been there when it was read.
+  if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
+    return {Kind::conflict,
+            fmt::format("something in {} was removed by another program while a link to it was made; try again", name)};
   switch (code & 0xff) {
     case SQLITE_FULL:
       return {Kind::diskFull, fmt::format("the disk is full: cannot write {}; make room on it and try again", name)};

@@ -58,9 +58,10 @@ struct AttributeDescription {
   std::string_view name;  ///< of the attribute and of its column
   StoredType type = StoredType::int64;
   bool isOptional = false;
-  bool isIndexed = false;                  ///< rows are looked up by it
-  void* (*field)(void* object) = nullptr;  ///< the member that holds it
-  RelationshipDescription relationship;    ///< for type `reference` only
+  bool isIndexed = false;                                           ///< rows are looked up by it
+  void* (*field)(void* object) = nullptr;                           ///< the member that holds it
+  bool (*isSame)(const void* object, const void* other) = nullptr;  ///< compares that member of two objects
+  RelationshipDescription relationship;                             ///< for type `reference` only
 };
 
 /// How the rows of an entity lie in the file.
@@ -85,6 +86,7 @@ struct EntityDescription {
   void* (*create)() = nullptr;
   void (*destroy)(void* object) = nullptr;
   void (*assign)(void* object, const void* from) = nullptr;
+  bool (*isSame)(const void* object, const void* other) = nullptr;  ///< compares all members at once
   ObjectID& (*objectID)(void* object) = nullptr;
 
   /// The position of the attribute called `name`, if there is one.

@@ -113,15 +113,16 @@ std::int64_t EntityTable::load(Statement& statement, void* object) const {
         return read(column, value);
       }
     });
-    if (!isRead) refuse(statement, entity_.attributes[i].name);
+    if (!isRead) refuse(ObjectID{statement.integer(0)}, entity_.attributes[i].name);
   }
   return statement.integer(1);
 }
 
-void EntityTable::refuse(Statement& statement, std::string_view attribute) const {
+void EntityTable::refuse(ObjectID row, std::string_view attribute) const {
   throw StoreError(StoreError::Kind::damaged,
-                   fmt::format("{} is damaged: {} of row {} of {} holds what it cannot hold; restore a backup of it",
-                               connection_.file().string(), attribute, statement.integer(0), entity_.name));
+                   fmt::format("{} is damaged: {}{}row {} of {} holds what it cannot hold; restore a backup of it",
+                               connection_.file().string(), attribute, attribute.empty() ? "" : " of ", rawValue(row),
+                               entity_.name));
 }
 
 std::optional<std::int64_t> EntityTable::find(const LogKey& key, void* object) {
@@ -136,7 +137,8 @@ Query& EntityTable::where(std::string_view attribute) {
   if (found != byAttribute_.end()) return found->second;
   qz::require(attribute == "objectID" || entity_.position(attribute).has_value(),
               "a fetch by an attribute that the entity does not have");
-  const std::string sql = select(fmt::format(" WHERE {}=? ORDER BY objectID", attribute));
+  // IS finds by the index like =, and none as well.
+  const std::string sql = select(fmt::format(" WHERE {} IS ? ORDER BY objectID", attribute));
   return byAttribute_.try_emplace(std::string(attribute), connection_, sql).first->second;
 }
 
@@ -145,13 +147,20 @@ Query& EntityTable::betweenDays(std::string_view relationship) {
   if (found != betweenDays_.end()) return found->second;
   qz::require(!entity_.dayAttribute.empty(), "rows without a day are fetched by days");
   qz::require(entity_.position(relationship).has_value(), "a fetch by a relationship that the entity does not have");
-  const std::string sql = select(
-      fmt::format(" WHERE {0}=? AND {1} BETWEEN ? AND ? ORDER BY {1}, objectID", relationship, entity_.dayAttribute));
+  const std::string sql = select(fmt::format(" WHERE {0} IS ? AND {1} BETWEEN ? AND ? ORDER BY {1}, objectID",
+                                             relationship, entity_.dayAttribute));
   return betweenDays_.try_emplace(std::string(relationship), connection_, sql).first->second;
 }
 
-void EntityTable::bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to) {
-  statement.bind(1, rawValue(target));
+void EntityTable::bindTarget(Statement& statement, ObjectID target) const { bindReference(statement, 1, target); }
+
+void EntityTable::bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to) const {
+  bindLogDays(statement, target, from, to);
+  bindTarget(statement, target);
+}
+
+void EntityTable::bindLogDays(Statement& statement, ObjectID task, std::int32_t from, std::int32_t to) {
+  statement.bind(1, rawValue(task));
   statement.bind(2, std::int64_t{from});
   statement.bind(3, std::int64_t{to});
 }
@@ -201,14 +210,18 @@ void EntityTable::bindKey(Statement& statement, int first, const LogKey& key) co
   statement.bind(first + 2, rawValue(key.task));
 }
 
+void EntityTable::bindReference(Statement& statement, int parameter, ObjectID target) const {
+  // Only the log's key holds 0 for no task.
+  if (target == ObjectID::none && !isLog(entity_))
+    statement.bindNull(parameter);
+  else
+    statement.bind(parameter, rawValue(target));
+}
+
 void EntityTable::bindField(Statement& statement, int parameter, std::size_t position, const void* object) const {
   visitField(entity_.attributes[position], object, [&]<typename T>(const T& value) {
     if constexpr (std::is_same_v<T, ObjectID>) {
-      // Only the log's key holds 0 for no task.
-      if (value == ObjectID::none && !isLog(entity_))
-        statement.bindNull(parameter);
-      else
-        statement.bind(parameter, rawValue(value));
+      bindReference(statement, parameter, value);
     } else if constexpr (isOptionalField<T>) {
       if (value)
         bind(statement, parameter, *value);

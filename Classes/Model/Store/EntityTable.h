@@ -24,18 +24,25 @@ class EntityTable {
   /// the description says.
   std::int64_t load(Statement& statement, void* object) const;
 
+  /// Throws the StoreError for a row that holds, in the attribute if one is named, what it cannot hold.
+  [[noreturn]] void refuse(ObjectID row, std::string_view attribute = {}) const;
+
   /// Reads the row with this key (of which only the object counts, but for the log). Gives its checksum.
   [[nodiscard]] std::optional<std::int64_t> find(const LogKey& key, void* object);
 
   /// All rows, by key.
   [[nodiscard]] Query& all() { return all_; }
-  /// Rows with a value of an attribute, or with an objectID (parameter 1), in order of creation. REQUIRES: the
-  /// attribute exists.
+  /// Rows with a value of an attribute, or with an objectID (parameter 1, for a relationship by bindTarget), in order
+  /// of creation. REQUIRES: the attribute exists.
   [[nodiscard]] Query& where(std::string_view attribute);
-  /// Rows whose relationship leads to a row (parameter 1), between two days (2 and 3), in order of day, then of
+  /// Rows whose relationship leads to a row, between two days (parameters by bindDays), in order of day, then of
   /// creation. REQUIRES: an entity with a day, a relationship of it.
   [[nodiscard]] Query& betweenDays(std::string_view relationship);
-  static void bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to);
+  /// ObjectID::none asks for rows whose relationship leads nowhere.
+  void bindTarget(Statement& statement, ObjectID target) const;
+  void bindDays(Statement& statement, ObjectID target, std::int32_t from, std::int32_t to) const;
+  /// The same for a query of the log, where no task is 0.
+  static void bindLogDays(Statement& statement, ObjectID task, std::int32_t from, std::int32_t to);
 
   void insert(const void* object, std::int64_t checksum);
   /// Writes those attributes and the checksum over the row at `key`.
@@ -49,8 +56,9 @@ class EntityTable {
   [[nodiscard]] std::string select(std::string_view rest) const;
   [[nodiscard]] Query& updateOf(AttributeSet attributes);
   void bindKey(Statement& statement, int first, const LogKey& key) const;
+  /// A reference as the tables hold it.
+  void bindReference(Statement& statement, int parameter, ObjectID target) const;
   void bindField(Statement& statement, int parameter, std::size_t position, const void* object) const;
-  [[noreturn]] void refuse(Statement& statement, std::string_view attribute) const;
 
   Connection& connection_;
   const EntityDescription& entity_;

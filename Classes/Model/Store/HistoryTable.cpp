@@ -75,34 +75,50 @@ HistoryTable::HistoryTable(Connection& connection)
       writeChange_(connection, "INSERT OR REPLACE INTO habitra_change VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
       eraseChange_(connection, "DELETE FROM habitra_change WHERE sequence=? AND entity=? AND object=?") {}
 
-void HistoryTable::recordInsertion(std::int64_t sequence, const EntityTable& table, const void* object) {
+HistoryTable::Recorded HistoryTable::recordInsertion(std::int64_t sequence, const EntityTable& table,
+                                                     const void* object) {
   StoredChange change = describe(sequence, table, object, ChangeKind::insertion);
   change.attributes = attributesWithValues(table.entity(), object);
   write(change);
+  return {std::nullopt, ChangeKind::insertion};
 }
 
-void HistoryTable::recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before, const void* object,
-                                AttributeSet changed) {
+HistoryTable::Recorded HistoryTable::recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before,
+                                                  const void* object, AttributeSet changed) {
   StoredChange change = describe(sequence, table, object, ChangeKind::update);
   change.attributes = changed;
   const auto earlier = find(sequence, change.entity, change.object);
-  if (earlier && earlier->kind == ChangeKind::insertion) return recordInsertion(sequence, table, object);
+  if (earlier && earlier->kind == ChangeKind::insertion) {
+    recordInsertion(sequence, table, object);
+    return {ChangeKind::insertion, ChangeKind::insertion};
+  }
   Bytes encoded;
   if (earlier) {
-    change.attributes = change.attributes | earlier->attributes;
-    encodeAttributes(table.entity(), asItBegan(table.entity(), *earlier, before).get(), change.attributes, encoded);
+    const OwnedObject began = asItBegan(table.entity(), *earlier, before);
+    change.attributes = differences(table.entity(), began.get(), object);
+    // What was changed and changed back was never changed for anybody.
+    if (change.attributes.isEmpty()) {
+      erase(*earlier);
+      return {earlier->kind, std::nullopt};
+    }
+    encodeAttributes(table.entity(), began.get(), change.attributes, encoded);
   } else {
     encodeAttributes(table.entity(), before, change.attributes, encoded);
   }
   change.before = std::move(encoded);
   write(change);
+  return {earlier ? std::optional(earlier->kind) : std::nullopt, ChangeKind::update};
 }
 
-void HistoryTable::recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before) {
+HistoryTable::Recorded HistoryTable::recordRemoval(std::int64_t sequence, const EntityTable& table,
+                                                   const void* before) {
   StoredChange change = describe(sequence, table, before, ChangeKind::removal);
   const auto earlier = find(sequence, change.entity, change.object);
   // What came and went within one transaction was never there for anybody.
-  if (earlier && earlier->kind == ChangeKind::insertion) return erase(*earlier);
+  if (earlier && earlier->kind == ChangeKind::insertion) {
+    erase(*earlier);
+    return {ChangeKind::insertion, std::nullopt};
+  }
   const AttributeSet all = allAttributes(table.entity());
   Bytes encoded;
   change.attributes =
@@ -110,6 +126,7 @@ void HistoryTable::recordRemoval(std::int64_t sequence, const EntityTable& table
               : encodeAttributes(table.entity(), before, all, encoded);
   change.before = std::move(encoded);
   write(change);
+  return {earlier ? std::optional(earlier->kind) : std::nullopt, ChangeKind::removal};
 }
 
 void HistoryTable::writeTransaction(const StoredTransaction& transaction) {

@@ -5,6 +5,7 @@
 #include <HabitraModel/Store/History.h>
 
 #include <functional>
+#include <optional>
 
 namespace habitra {
 
@@ -14,11 +15,17 @@ class HistoryTable {
  public:
   explicit HistoryTable(Connection& connection);
 
+  /// What the transaction says of an object, before and after something is recorded; none: it says nothing.
+  struct Recorded {
+    std::optional<ChangeKind> earlier;
+    std::optional<ChangeKind> now;
+  };
+
   /// `before`: the object as it was, for an update or a removal; `changed`: the attributes that an update changes.
-  void recordInsertion(std::int64_t sequence, const EntityTable& table, const void* object);
-  void recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before, const void* object,
-                    AttributeSet changed);
-  void recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before);
+  Recorded recordInsertion(std::int64_t sequence, const EntityTable& table, const void* object);
+  Recorded recordUpdate(std::int64_t sequence, const EntityTable& table, const void* before, const void* object,
+                        AttributeSet changed);
+  Recorded recordRemoval(std::int64_t sequence, const EntityTable& table, const void* before);
 
   /// Whether the transaction has done anything to the object.
   [[nodiscard]] bool hasChange(std::int64_t sequence, EntityNumber entity, ObjectID object) {

@@ -225,13 +225,8 @@ std::int64_t checkpointChecksum(ObjectID task, const Checkpoint& checkpoint) {
 
 AttributeSet differences(const EntityDescription& entity, const void* a, const void* b) {
   AttributeSet different;
-  for (std::size_t i = 0; i < entity.attributes.size(); ++i) {
-    const AttributeDescription& attribute = entity.attributes[i];
-    const bool isSame = visitField(attribute, a, [&]<typename T>(const T& value) {
-      return value == *static_cast<const T*>(attribute.field(const_cast<void*>(b)));
-    });
-    if (!isSame) different.insert(i);
-  }
+  for (std::size_t i = 0; i < entity.attributes.size(); ++i)
+    if (!entity.attributes[i].isSame(a, b)) different.insert(i);
   return different;
 }
 

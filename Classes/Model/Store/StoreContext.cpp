@@ -25,7 +25,7 @@ void StoreContext::beginUnit() {
 
 bool StoreContext::isInUnit() const { return parts_->unit.isWriting(); }
 
-bool StoreContext::hasChanges() const { return parts_->hasWritten() || parts_->hasPendingObjects(); }
+bool StoreContext::hasChanges() const { return parts_->hasWritten() || parts_->registry.hasPending(); }
 
 SaveResult StoreContext::save(const SaveRequest& request) {
   if (!hasChanges()) {
@@ -52,7 +52,7 @@ SaveResult StoreContext::save(const SaveRequest& request) {
     }
     parts_->unit.commit(transaction);
     parts_->registry.commit();
-    parts_->hasCheckpoints = parts_->keepsBefore = false;
+    parts_->hasCheckpoints = parts_->hasRows = parts_->keepsBefore = false;
     result.sequence = parts_->unit.sequence();
     return result;
   });
@@ -94,7 +94,7 @@ void* StoreContext::reinsertObject(const EntityDescription& entity, const void* 
   qz::require(entity.layout == Layout::byObject, "an entry of the log is put back as an object");
   return parts_->writing([&] {
     const ObjectID id = entity.objectID(const_cast<void*>(values));
-    parts_->registry.forgetRemoved(id);
+    parts_->registry.forgetRemoved(entity, id);
     parts_->requireFree(entity, {.objectID = id});
     return parts_->registry.insert(entity, id, values).live.get();
   });
@@ -103,24 +103,24 @@ void* StoreContext::reinsertObject(const EntityDescription& entity, const void* 
 void* StoreContext::findObject(const EntityDescription& entity, ObjectID id) {
   qz::require(entity.layout == Layout::byObject, "an entry of the log is fetched as an object");
   parts_->beginView();
-  if (ObjectRegistry::Entry* known = parts_->registry.find(id))
-    return known->isGone || known->entity != &entity ? nullptr : known->live.get();
+  if (ObjectRegistry::Entry* known = parts_->registry.find(entity, id))
+    return known->isGone ? nullptr : known->live.get();
   ObjectRegistry::Entry loaded(entity);
   const auto checksum = parts_->table(entity).find({.objectID = id}, loaded.live.get());
   if (!checksum) return nullptr;
   loaded.checksum = *checksum;
-  loaded.stored.assign(loaded.live.get());
-  return parts_->registry.entries().try_emplace(id, std::move(loaded)).first->second.live.get();
+  return parts_->registry.adopt(entity, id, std::move(loaded)).live.get();
 }
 
 std::vector<void*> StoreContext::fetchObjects(const EntityDescription& entity, std::string_view attribute,
                                               ObjectID target, std::string_view text, bool onlyFirst) {
   qz::require(entity.layout == Layout::byObject, "entries of the log are fetched as objects");
-  parts_->beginSearch();
+  parts_->beginSearch(entity, {attribute});
   EntityTable& table = parts_->table(entity);
   auto rows = attribute.empty() ? table.all().use() : table.where(attribute).use();
-  if (target != ObjectID::none)
-    rows->bind(1, rawValue(target));
+  const std::optional<std::size_t> position = entity.position(attribute);
+  if (position && entity.attributes[*position].type == StoredType::reference)
+    table.bindTarget(*rows, target);
   else if (!attribute.empty())
     rows->bind(1, text);
   return parts_->objects(table, *rows, onlyFirst);
@@ -129,16 +129,16 @@ std::vector<void*> StoreContext::fetchObjects(const EntityDescription& entity, s
 std::vector<void*> StoreContext::fetchObjectsBetween(const EntityDescription& entity, std::string_view relationship,
                                                      ObjectID target, std::int32_t from, std::int32_t to) {
   qz::require(entity.layout == Layout::byObject, "entries of the log are fetched as objects");
-  parts_->beginSearch();
+  parts_->beginSearch(entity, {relationship, entity.dayAttribute});
   EntityTable& table = parts_->table(entity);
   auto rows = table.betweenDays(relationship).use();
-  EntityTable::bindDays(*rows, target, from, to);
+  table.bindDays(*rows, target, from, to);
   return parts_->objects(table, *rows, false);
 }
 
 std::vector<std::string> StoreContext::repeatedTextsOf(const EntityDescription& entity, std::string_view attribute) {
   qz::require(entity.position(attribute).has_value(), "an entity is asked for an attribute that it has not");
-  parts_->beginSearch();
+  parts_->beginSearch(entity, {attribute});
   Query query(parts_->unit.connection(), fmt::format("SELECT {0} FROM {1} WHERE {0} IS NOT NULL GROUP BY {0} "
                                                      "HAVING count(*) > 1 ORDER BY {0}",
                                                      attribute, entity.name));
@@ -150,7 +150,7 @@ std::vector<std::string> StoreContext::repeatedTextsOf(const EntityDescription& 
 
 void StoreContext::removeObject(const EntityDescription& entity, void* object) {
   parts_->writing([&] {
-    parts_->flush();
+    parts_->flushForSearch(entity, {});
     parts_->remove(parts_->registry.entry(entity, object));
   });
 }

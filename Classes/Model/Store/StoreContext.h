@@ -61,12 +61,17 @@ class RowSink {
 /// before its first read: it takes the writers' turn, which all processes share, and keeps it until save() or
 /// rollback(). Insertions, removals and changes of the log begin a unit by themselves when none is open. Fields of
 /// objects may be set without one; save() then begins it, and a value that somebody else changed as well since it was
-/// read is a StoreError of kind `conflict`. Reads outside a unit take no lock; they share one view of the store until
-/// refresh(), save() or rollback().
+/// read, or whose row somebody else removed, is a StoreError of kind `conflict`. Reads outside a unit take no lock;
+/// they share one view of the store until refresh(), save() or rollback().
 ///
 /// **Objects have identity**: a row is fetched as the same object each time. A reference stays good as long as the
-/// context, but for an inserted object until it is rolled back and for a removed one until the removal is saved. When a
-/// new view begins, objects take over what others have saved. The log has no objects: its entries are values.
+/// context or until forgetObjects(), but for an inserted object until it is rolled back and for a removed one until the
+/// removal is saved. When a new view begins, objects take over what others have saved. The object of a row that others
+/// removed stays as it was, though nothing finds it any more, until the row is put back; what was or is changed in it
+/// is a `conflict` for save(). The log has no objects: its entries are values.
+///
+/// **A search sees what is written.** In a unit, find, fetch and their kin first write pending changes that decide what
+/// is found. Outside one they go by the values that are stored, whatever has been set since: begin a unit, or flush().
 ///
 /// A unit that fails leaves nothing half done: when save() or any writing function throws a StoreError, all of the unit
 /// has been rolled back and the turn given up.
@@ -99,8 +104,8 @@ class StoreContext {
   /// Gives up everything since the last save, and the turn. Inserted objects are gone, others are as stored.
   void rollback();
 
-  /// Writes pending changes of objects into the open unit, where reads see them. save() and the reads that need it do
-  /// so by themselves; for long imports, together with forgetObjects().
+  /// Writes pending changes of objects, if there are any, into the unit, where every read sees them; begins a unit when
+  /// none is open. save() does so by itself; for long imports, together with forgetObjects().
   void flush();
 
   /// Ends the view of the store that reads share; the next read sees what others have saved since. Inside a unit, where
@@ -170,7 +175,7 @@ class StoreContext {
     return typed<T>(fetchObjects(T::description(), {}, ObjectID::none, {}, false));
   }
 
-  /// The rows whose relationship leads to `target`, in order of creation;
+  /// The rows whose relationship leads to `target`, or with ObjectID::none nowhere, in order of creation;
   /// `fetchRelated<TaskTemporalDataEntity>("task", task.objectID)`. REQUIRES: a relationship of T.
   template <typename T>
   [[nodiscard]] std::vector<T*> fetchRelated(std::string_view relationship, ObjectID target) {

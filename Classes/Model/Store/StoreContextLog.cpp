@@ -7,6 +7,10 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <cmath>
+#include <type_traits>
+#include <utility>
+
 // The log, its checkpoints and the history: what a context reads and writes as values.
 namespace habitra {
 
@@ -37,21 +41,34 @@ void StoreContext::readLog(ObjectID task, std::int32_t from, std::int32_t to, Ro
   parts_->beginView();
   const Reading reading(parts_->readingLog);
   auto statement = parts_->light.use();
-  EntityTable::bindDays(*statement, task, from, to);
+  EntityTable::bindLogDays(*statement, task, from, to);
   // Straight from the engine: whoever rebuilds years of figures waits for nothing else.
   sqlite3_stmt* const handle = statement->handle();
-  const auto integer32 = [handle](int column) { return sqlite3_column_int(handle, column); };
+  bool isSound = true;
+  const auto integer = [handle, &isSound]<typename T>(int column, std::type_identity<T>) {
+    const std::int64_t raw = sqlite3_column_int64(handle, column);
+    isSound &= std::in_range<T>(raw);
+    return static_cast<T>(raw);
+  };
+  const auto real = [handle, &isSound](int column) {
+    const double value = sqlite3_column_double(handle, column);
+    isSound &= std::isfinite(value);
+    return value;
+  };
+  constexpr std::type_identity<std::int32_t> day;
   while (statement->step()) {
     const auto* letters = reinterpret_cast<const char*>(sqlite3_column_text(handle, 4));
     const auto count = letters == nullptr ? 0U : static_cast<std::size_t>(sqlite3_column_bytes(handle, 4));
-    row({.objectID = ObjectID{sqlite3_column_int64(handle, 0)},
-         .entryDate = integer32(1),
-         .entryPeriodFrom = integer32(2),
-         .entryPeriodTo = integer32(3),
-         .entryPeriodType = std::string_view(letters == nullptr ? "" : letters, count),
-         .entryType = static_cast<std::int16_t>(integer32(5)),
-         .progress = sqlite3_column_double(handle, 6),
-         .progressTotal = sqlite3_column_double(handle, 7)});
+    const LogRow found{.objectID = ObjectID{sqlite3_column_int64(handle, 0)},
+                       .entryDate = integer(1, day),
+                       .entryPeriodFrom = integer(2, day),
+                       .entryPeriodTo = integer(3, day),
+                       .entryPeriodType = std::string_view(letters == nullptr ? "" : letters, count),
+                       .entryType = integer(5, std::type_identity<std::int16_t>{}),
+                       .progress = real(6),
+                       .progressTotal = real(7)};
+    if (!isSound) parts_->table(TaskLogEntryEntity::description()).refuse(found.objectID);
+    row(found);
   }
 }
 
@@ -61,7 +78,7 @@ void StoreContext::readLogEntries(ObjectID task, std::int32_t from, std::int32_t
   const Reading reading(parts_->readingLog);
   EntityTable& table = parts_->table(TaskLogEntryEntity::description());
   auto statement = table.betweenDays("task").use();
-  EntityTable::bindDays(*statement, task, from, to);
+  EntityTable::bindLogDays(*statement, task, from, to);
   TaskLogEntryEntity row;
   while (statement->step()) {
     table.load(*statement, &row);
@@ -73,7 +90,7 @@ std::vector<TaskLogEntryEntity> StoreContext::fetchLogEntries(ObjectID task, std
   parts_->beginView();
   EntityTable& table = parts_->table(TaskLogEntryEntity::description());
   auto statement = table.betweenDays("task").use();
-  EntityTable::bindDays(*statement, task, from, to);
+  EntityTable::bindLogDays(*statement, task, from, to);
   std::vector<TaskLogEntryEntity> entries;
   while (statement->step()) table.load(*statement, &entries.emplace_back());
   return entries;
@@ -159,11 +176,10 @@ void StoreContext::updateLogEntry(const LogKey& key, const TaskLogEntryEntity& e
     // Damage that was there stays visible, as with objects.
     const std::int64_t damage = checksum ^ rowChecksum(table.entity(), &stored);
     table.update(key, changes, &updated, rowChecksum(table.entity(), &updated) ^ damage);
-    parts_->history.recordUpdate(parts_->unit.nextSequence(), table, &stored, &updated, changes);
+    parts_->count(parts_->history.recordUpdate(parts_->unit.nextSequence(), table, &stored, &updated, changes));
     parts_->keepsBefore = true;
     parts_->checkpoints.noteChange(stored);
     parts_->checkpoints.noteChange(updated);
-    ++parts_->counts.updated;
   });
 }
 

@@ -41,40 +41,35 @@ void StoreContext::Parts::rollback() {
   registry.rollback();
   checkpoints.forgetChanges();
   counts = {};
-  hasCheckpoints = false;
-  keepsBefore = false;
-}
-
-bool StoreContext::Parts::hasPendingObjects() {
-  if (registry.hasUnwritten()) return true;
-  for (auto& [id, entry] : registry.entries())
-    if (!entry.changes().isEmpty()) return true;
-  return false;
+  hasCheckpoints = hasRows = keepsBefore = false;
 }
 
 void StoreContext::Parts::flush() {
-  for (auto& [id, entry] : registry.entries()) {
-    if (!entry.isWritten) {
-      writeInsertion(entry);
-    } else if (const AttributeSet changes = entry.changes(); !changes.isEmpty()) {
-      if (entry.hasConflict)
-        throw StoreError(StoreError::Kind::conflict,
-                         fmt::format("row {} of {} was changed by another program at the same time; try again",
-                                     rawValue(id), entry.entity->name));
-      writeUpdate(entry, changes);
-    }
-  }
+  flushInsertions();
+  registry.visit([this](ObjectRegistry::Entry& entry) { writeIfChanged(entry); });
 }
 
 void StoreContext::Parts::flushIfNeeded() {
-  if (hasPendingObjects()) writing([this] { flush(); });
+  if (registry.hasPending()) writing([this] { flush(); });
 }
 
-void StoreContext::Parts::beginSearch() {
+void StoreContext::Parts::beginSearch(const EntityDescription& entity,
+                                      std::initializer_list<std::string_view> attributes) {
   if (unit.isWriting())
-    flushIfNeeded();
+    writing([&] { flushForSearch(entity, attributes); });
   else
     beginView();
+}
+
+void StoreContext::Parts::flushForSearch(const EntityDescription& entity,
+                                         std::initializer_list<std::string_view> attributes) {
+  for (ObjectRegistry::Entry* const entry : registry.takeUnwritten(entity)) writeInsertion(*entry);
+  AttributeSet decisive;
+  for (const std::string_view attribute : attributes)
+    if (const auto position = entity.position(attribute)) decisive.insert(*position);
+  if (decisive.isEmpty()) return;
+  for (auto& [id, entry] : registry.entries(entity))
+    if (entry.isChanged(decisive)) writeIfChanged(entry);
 }
 
 std::vector<void*> StoreContext::Parts::objects(const EntityTable& rowTable, Statement& rows, bool onlyFirst) {
@@ -89,20 +84,41 @@ std::vector<void*> StoreContext::Parts::objects(const EntityTable& rowTable, Sta
 }
 
 void StoreContext::Parts::flushInsertions() {
-  if (!registry.hasUnwritten()) return;
-  for (auto& [id, entry] : registry.entries())
-    if (!entry.isWritten) writeInsertion(entry);
+  for (ObjectRegistry::Entry* const entry : registry.takeUnwritten()) writeInsertion(*entry);
+}
+
+void StoreContext::Parts::writeIfChanged(ObjectRegistry::Entry& entry) {
+  const AttributeSet changes = entry.changes();
+  if (changes.isEmpty()) return;
+  if (entry.isGone || entry.hasConflict)
+    throw StoreError(
+        StoreError::Kind::conflict,
+        fmt::format("row {} of {} was {} by another program at the same time; try again",
+                    rawValue(entry.live.objectID()), entry.entity->name, entry.isGone ? "removed" : "changed"));
+  writeUpdate(entry, changes);
+}
+
+void StoreContext::Parts::count(const HistoryTable::Recorded& recorded) {
+  const auto counted = [this](ChangeKind kind) -> std::int64_t& {
+    switch (kind) {
+      case ChangeKind::insertion: return counts.inserted;
+      case ChangeKind::update: return counts.updated;
+      case ChangeKind::removal: break;
+    }
+    return counts.removed;
+  };
+  hasRows = true;
+  if (recorded.earlier) --counted(*recorded.earlier);
+  if (recorded.now) ++counted(*recorded.now);
 }
 
 void StoreContext::Parts::writeInsertion(ObjectRegistry::Entry& entry) {
   EntityTable& rows = table(*entry.entity);
   entry.checksum = rowChecksum(*entry.entity, entry.live.get());
   rows.insert(entry.live.get(), entry.checksum);
-  history.recordInsertion(unit.nextSequence(), rows, entry.live.get());
+  count(history.recordInsertion(unit.nextSequence(), rows, entry.live.get()));
   entry.stored.assign(entry.live.get());
   entry.isWritten = true;
-  registry.noteWritten();
-  ++counts.inserted;
 }
 
 void StoreContext::Parts::writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes) {
@@ -112,40 +128,42 @@ void StoreContext::Parts::writeUpdate(ObjectRegistry::Entry& entry, AttributeSet
   const std::int64_t damage = entry.checksum ^ rowChecksum(*entry.entity, entry.stored.get());
   entry.checksum = rowChecksum(*entry.entity, entry.live.get()) ^ damage;
   rows.update(rows.key(entry.stored.get()), changes, entry.live.get(), entry.checksum);
-  history.recordUpdate(unit.nextSequence(), rows, entry.stored.get(), entry.live.get(), changes);
+  count(history.recordUpdate(unit.nextSequence(), rows, entry.stored.get(), entry.live.get(), changes));
   keepsBefore = true;
   entry.stored.assign(entry.live.get());
-  ++counts.updated;
 }
 
 void StoreContext::Parts::writeRemoval(ObjectRegistry::Entry& entry) {
   EntityTable& rows = table(*entry.entity);
   entry.rememberBegun();
   rows.erase(rows.key(entry.stored.get()));
-  history.recordRemoval(unit.nextSequence(), rows, entry.stored.get());
+  count(history.recordRemoval(unit.nextSequence(), rows, entry.stored.get()));
   keepsBefore = true;
   entry.isGone = true;
-  ++counts.removed;
 }
 
 void StoreContext::Parts::remove(ObjectRegistry::Entry& entry) {
-  if (entry.isGone) return;
+  // What somebody else has removed is as it is wanted, whatever was changed here before.
+  if (entry.isGone) return entry.live.assign(entry.stored.get());
+  writeIfChanged(entry);
   for (const HeldRelationship& held : relationshipsTo(*entry.entity)) applyDeleteRule(held, entry.live.objectID());
   writeRemoval(entry);
 }
 
 void StoreContext::Parts::applyDeleteRule(const HeldRelationship& held, ObjectID target) {
   if (held.holder->layout == Layout::byTaskAndDay) {
+    flushWhatLeadsToTheLog();
     std::vector<LogKey> keys;
     {
       auto rows = light.use();
-      EntityTable::bindDays(*rows, target, firstDay, lastDay);
+      EntityTable::bindLogDays(*rows, target, firstDay, lastDay);
       while (rows->step())
         keys.push_back({target, static_cast<std::int32_t>(rows->integer(1)), ObjectID{rows->integer(0)}});
     }
     for (const LogKey& key : keys) removeLogEntry(key);
     return;
   }
+  flushForSearch(*held.holder, {held.attribute->name});
   EntityTable& rowTable = table(*held.holder);
   auto rows = rowTable.where(held.attribute->name).use();
   rows->bind(1, rawValue(target));
@@ -155,7 +173,7 @@ void StoreContext::Parts::applyDeleteRule(const HeldRelationship& held, ObjectID
       remove(entry);
     } else {
       *static_cast<ObjectID*>(held.attribute->field(related)) = ObjectID::none;
-      writeUpdate(entry, entry.changes());
+      writeIfChanged(entry);
     }
   }
 }
@@ -169,10 +187,8 @@ std::deque<StoreContext::Parts::LogHolder>& StoreContext::Parts::holdersOfLogEnt
 }
 
 void StoreContext::Parts::flushWhatLeadsToTheLog() {
-  flushInsertions();
-  // Without its table the context has no objects of an entity.
   for (const LogHolder& holder : holdersOfLogEntries())
-    if (tables.contains(holder.held.holder->number)) return flush();
+    flushForSearch(*holder.held.holder, {holder.held.attribute->name});
 }
 
 std::int64_t StoreContext::Parts::findStoredLogEntry(const LogKey& key) {
@@ -188,10 +204,9 @@ void StoreContext::Parts::removeLogEntry(const LogKey& key) {
   findStoredLogEntry(key);
   EntityTable& rows = table(TaskLogEntryEntity::description());
   rows.erase(key);
-  history.recordRemoval(unit.nextSequence(), rows, &logBuffer);
+  count(history.recordRemoval(unit.nextSequence(), rows, &logBuffer));
   keepsBefore = true;
   checkpoints.noteChange(logBuffer);
-  ++counts.removed;
   for (LogHolder& holder : holdersOfLogEntries()) {
     auto any = holder.any.use();
     any->bind(1, rawValue(key.objectID));
@@ -208,9 +223,8 @@ std::optional<TaskLogEntryEntity> StoreContext::Parts::firstLogEntry(Statement& 
 void StoreContext::Parts::writeNewLogEntry() {
   EntityTable& rows = table(TaskLogEntryEntity::description());
   rows.insert(&newEntry, rowChecksum(rows.entity(), &newEntry));
-  history.recordInsertion(unit.nextSequence(), rows, &newEntry);
+  count(history.recordInsertion(unit.nextSequence(), rows, &newEntry));
   checkpoints.noteChange(newEntry);
-  ++counts.inserted;
 }
 
 const EntityTable& StoreContext::Parts::requireFree(const EntityDescription& entity, const LogKey& key) {

@@ -8,8 +8,10 @@
 #include <HabitraModel/Store/StoreUnit.h>
 
 #include <deque>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 namespace habitra {
@@ -30,9 +32,12 @@ struct StoreContext::Parts {
   void flushIfNeeded();
   /// Writes inserted objects, so that rows may lead to them.
   void flushInsertions();
-  /// Before objects are searched for: begins a view, or in a unit writes what is pending, since the engine searches
-  /// what is written.
-  void beginSearch();
+  /// Before objects are searched for by these attributes: begins a view, or in a unit writes what decides the search.
+  void beginSearch(const EntityDescription& entity, std::initializer_list<std::string_view> attributes);
+  /// Writes what decides which rows have what in these attributes, since the engine searches what is written: inserted
+  /// objects, and those that are changed there. Whatever else has changed waits, so that a search among thousands of
+  /// objects does not compare them all. REQUIRES: a unit.
+  void flushForSearch(const EntityDescription& entity, std::initializer_list<std::string_view> attributes);
   /// The objects of the rows that a query finds.
   std::vector<void*> objects(const EntityTable& table, Statement& rows, bool onlyFirst);
   /// Rolls everything back.
@@ -50,23 +55,24 @@ struct StoreContext::Parts {
     }
   }
 
-  [[nodiscard]] bool hasPendingObjects();
-  [[nodiscard]] bool hasWritten() const {
-    return hasCheckpoints || counts.inserted + counts.updated + counts.removed > 0;
-  }
+  [[nodiscard]] bool hasWritten() const { return hasCheckpoints || hasRows; }
 
+  /// Counts what the history says of one more object, or no longer says.
+  void count(const HistoryTable::Recorded& recorded);
+  /// Writes an object that is changed. Throws a conflict when somebody else has changed the same or removed the row.
+  void writeIfChanged(ObjectRegistry::Entry& entry);
   void writeInsertion(ObjectRegistry::Entry& entry);
   void writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes);
   void writeRemoval(ObjectRegistry::Entry& entry);
-  /// Removes the row, and by the delete rules others or their links. REQUIRES: a unit in which nothing is pending.
+  /// Removes the row, and by the delete rules others or their links. REQUIRES: a unit.
   void remove(ObjectRegistry::Entry& entry);
   void applyDeleteRule(const HeldRelationship& held, ObjectID target);
 
   /// The entry at `key` into `logBuffer`; gives its checksum. Throws a conflict when it is not there.
   std::int64_t findStoredLogEntry(const LogKey& key);
-  /// Removes the entry and applies the delete rules. REQUIRES: of what leads to the log, nothing is pending.
+  /// Removes the entry and applies the delete rules. REQUIRES: flushWhatLeadsToTheLog().
   void removeLogEntry(const LogKey& key);
-  /// Writes what is pending, if some of it may lead to an entry of the log.
+  /// Writes what decides which rows lead to an entry of the log.
   void flushWhatLeadsToTheLog();
   /// The entry that a query of the log finds first.
   std::optional<TaskLogEntryEntity> firstLogEntry(Statement& rows);
@@ -95,7 +101,8 @@ struct StoreContext::Parts {
   std::deque<LogHolder> logHolders;  ///< made at the first removal
   TaskLogEntryEntity logBuffer;      ///< an entry as it is stored
   TaskLogEntryEntity newEntry;       ///< an entry on its way in
-  SaveResult counts;                 ///< what the unit has written
+  SaveResult counts;                 ///< what the unit's history says
+  bool hasRows = false;              ///< the unit has written rows, and be it back and forth
   bool hasCheckpoints = false;       ///< the unit has written checkpoints
   bool keepsBefore = false;          ///< the unit's history holds values before
   int readingLog = 0;                ///< reads of the log that are under way

@@ -19,7 +19,7 @@ class StoreError : public qz::Error {
     busy,          ///< another writer did not end its turn in time
     diskFull,      ///< nothing was written
     readOnly,      ///< may be read, not written
-    conflict,      ///< somebody else changed the same values since they were read
+    conflict,      ///< somebody else has changed or removed, since it was read, what is to be written or linked to
     failed,        ///< any other refusal of the operating system or the engine
   };
 

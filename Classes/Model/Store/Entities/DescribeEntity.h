@@ -41,6 +41,9 @@ template <typename Object, typename Field, Field Object::*Member>
 struct MemberOf<Member> {
   using FieldType = Field;
   static void* field(void* object) { return &(static_cast<Object*>(object)->*Member); }
+  static bool isSame(const void* object, const void* other) {
+    return static_cast<const Object*>(object)->*Member == static_cast<const Object*>(other)->*Member;
+  }
 };
 
 }  // namespace describe
@@ -53,6 +56,7 @@ constexpr AttributeDescription attribute(std::string_view name) {
           Unwrapped::isOptional,
           false,
           &describe::MemberOf<Member>::field,
+          &describe::MemberOf<Member>::isSame,
           {}};
 }
 
@@ -83,6 +87,9 @@ constexpr EntityDescription describeEntity(EntityNumber number, std::string_view
   description.destroy = [](void* object) { delete static_cast<Object*>(object); };
   description.assign = [](void* object, const void* from) {
     *static_cast<Object*>(object) = *static_cast<const Object*>(from);
+  };
+  description.isSame = [](const void* object, const void* other) {
+    return *static_cast<const Object*>(object) == *static_cast<const Object*>(other);
   };
   description.objectID = [](void* object) -> ObjectID& { return static_cast<Object*>(object)->objectID; };
   return description;
