@@ -69,6 +69,39 @@ TEST_F(HistoryTest, AnUpdateNamesWhatChangedAndKeepsItForUndo) {
   EXPECT_EQ(unasked.at(0).before, std::nullopt) << "only a person's command can be undone";
 }
 
+TEST_F(HistoryTest, WhatIsChangedBackIsNoChange) {
+  const ObjectID id = makeTask();
+  const auto context = open();
+  TaskLogEntryEntity entry = entryOn(id, 20240101);
+  entry.objectID = context->insertLogEntry(entry);
+  context->save({});
+  const std::int64_t sequence = context->sequence();
+  TaskEntity& task = *context->find<TaskEntity>(id);
+  const auto changeAndBack = [&] {
+    task.title = "Run";
+    context->flush();
+    task.title = "Walk";
+    TaskLogEntryEntity moved = entry;
+    moved.entryDate = 20240102;
+    context->updateLogEntry(entry.key(), moved);
+    context->updateLogEntry(moved.key(), entry);
+    context->removeLogEntry({id, 20240103, context->insertLogEntry(entryOn(id, 20240103))});
+  };
+  changeAndBack();
+  const SaveResult nothing = context->save(command("edit"));
+  EXPECT_EQ(nothing.inserted + nothing.updated + nothing.removed, 0);
+  EXPECT_EQ(nothing.sequence, sequence);
+  EXPECT_EQ(open()->fetchLogEntries(id), std::vector{entry});
+
+  changeAndBack();
+  task.bestStreak = 4;
+  const SaveResult result = context->save(command("edit"));
+  EXPECT_EQ(result.updated, 1);
+  const auto found = changes(*context, result.sequence);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].attributes, attributes<TaskEntity>({"bestStreak"}));
+}
+
 TEST_F(HistoryTest, RemovedRowsAreKeptWhole) {
   const auto context = open();
   const TaskEntity task = context->insert(sample<TaskEntity>(9));

@@ -1,5 +1,7 @@
 #include "StoreFixture.h"
 
+#include <fmt/format.h>
+
 namespace habitra {
 namespace {
 
@@ -160,6 +162,22 @@ TEST_F(LogTest, ADamagedCheckpointReadsAsNone) {
     runSQL(file(), std::string("UPDATE habitra_checkpoint SET ") + damage);
     EXPECT_EQ(open()->checkpoint(task), std::nullopt) << damage;
   }
+}
+
+TEST_F(LogTest, AValueWiderThanItsColumnIsDamageForEveryReader) {
+  const ObjectID task = makeTask();
+  {
+    const auto context = open();
+    context->insertLogEntry(entryOn(task, 20240101));
+    context->save({});
+  }
+  for (const char* const wrong : {"entryType=65538", "entryPeriodTo=4315207396", "progress=9e999"}) {
+    runSQL(file(), fmt::format("UPDATE TaskLogEntryEntity SET {}", wrong));
+    EXPECT_EQ(errorKind([&] { days(*open(), task); }), StoreError::Kind::damaged) << wrong;
+    EXPECT_EQ(errorKind([&] { (void)open()->fetchLogEntries(task); }), StoreError::Kind::damaged) << wrong;
+    runSQL(file(), "UPDATE TaskLogEntryEntity SET entryType=1, entryPeriodTo=20240101, progress=0.0");
+  }
+  EXPECT_EQ(days(*open(), task).size(), 1U);
 }
 
 TEST_F(LogTest, TheLogIsNotChangedWhileItIsRead) {

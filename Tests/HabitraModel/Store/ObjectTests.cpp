@@ -1,5 +1,9 @@
 #include "StoreFixture.h"
 
+#include <algorithm>
+#include <map>
+#include <random>
+
 namespace habitra {
 namespace {
 
@@ -155,6 +159,91 @@ TEST_F(ObjectTest, ChangesOfTwoProgramsJoinOrCollide) {
   EXPECT_EQ(mine->find<TaskEntity>(id)->bestStreak, 7) << "nothing of the failed unit is left";
 }
 
+TEST_F(ObjectTest, WhatAnotherProgramRemovedIsNotLostSilently) {
+  const ObjectID id = makeTask();
+  const ObjectID page = [this] {
+    const auto context = open();
+    const ObjectID made = context->insert(UserProfileEntity{.title = "Health"}).objectID;
+    context->save({});
+    return made;
+  }();
+  const auto mine = open();
+  const auto theirs = open();
+  TaskEntity& task = *mine->find<TaskEntity>(id);
+  task.userProfile = page;
+  theirs->remove(*theirs->find<UserProfileEntity>(page));
+  theirs->save({});
+  EXPECT_EQ(errorKind([&] { mine->save({}); }), StoreError::Kind::conflict) << "a link to what is gone";
+  EXPECT_EQ(task.userProfile, ObjectID::none);
+
+  task.title = "Run";
+  theirs->remove(*theirs->find<TaskEntity>(id));
+  theirs->save({});
+  mine->refresh();
+  EXPECT_EQ(mine->find<TaskEntity>(id), nullptr);
+  EXPECT_EQ(errorKind([&] { mine->save({}); }), StoreError::Kind::conflict);
+  mine->insert(titled("Swim"));
+  EXPECT_EQ(mine->save({}).inserted, 1);
+  EXPECT_EQ(task.title, "Walk") << "whoever holds the object may still look at it";
+  task.title = "Jump";
+  EXPECT_EQ(errorKind([&] { mine->save({}); }), StoreError::Kind::conflict);
+  task.title = "Jump";
+  mine->remove(task);
+  EXPECT_EQ(mine->save({}).removed, 0) << "it is gone, as is wished";
+}
+
+TEST_F(ObjectTest, SearchesOfAUnitFindWhatIsSetBesideThousandsOfOtherChanges) {
+  const auto context = open();
+  context->beginUnit();
+  std::vector<ObjectID> pages{ObjectID::none};
+  for (int i = 0; i < 3; ++i) pages.push_back(context->insert(UserProfileEntity{}).objectID);
+  std::map<ObjectID, TaskEntity*> tasks;
+  std::mt19937 random(7);  // NOLINT: the same run every time
+  const auto below = [&random](std::size_t limit) { return random() % limit; };
+  const auto anyTask = [&] { return std::next(tasks.begin(), static_cast<std::ptrdiff_t>(below(tasks.size()))); };
+  const auto expected = [&tasks](auto matches) {
+    std::vector<TaskEntity*> found;
+    for (const auto& [id, task] : tasks)
+      if (matches(*task)) found.push_back(task);
+    return found;
+  };
+  const auto title = [&below] { return std::to_string(below(4)); };
+  for (int step = 0; step < 2000; ++step) {
+    const std::size_t choice = tasks.empty() ? 0 : below(8);
+    const std::string text = title();
+    const ObjectID page = pages[below(pages.size())];
+    if (choice == 0) {
+      TaskEntity& task = context->insert(titled(text));
+      tasks.emplace(task.objectID, &task);
+    } else if (choice == 1) {
+      context->remove(*anyTask()->second);
+      std::erase_if(tasks, [&](const auto& item) { return context->find<TaskEntity>(item.first) == nullptr; });
+    } else if (choice == 2) {
+      anyTask()->second->title = text;
+    } else if (choice == 3) {
+      anyTask()->second->userProfile = page;
+    } else if (choice == 4) {
+      anyTask()->second->bestStreak += 1;
+    } else if (choice == 5) {
+      ASSERT_EQ(context->fetch<TaskEntity>("title", text),
+                expected([&](const TaskEntity& task) { return task.title == text; }));
+    } else if (choice == 6) {
+      ASSERT_EQ(context->fetchRelated<TaskEntity>("userProfile", page),
+                expected([&](const TaskEntity& task) { return task.userProfile == page; }));
+    } else if (step % 50 == 0 && page != ObjectID::none) {
+      context->remove(*context->find<UserProfileEntity>(page));
+      std::erase(pages, page);
+      for (const auto& [id, task] : tasks) ASSERT_NE(task->userProfile, page);
+    } else {
+      ASSERT_EQ(context->fetchAll<TaskEntity>(), expected([](const TaskEntity&) { return true; }));
+    }
+  }
+  context->save({});
+  const auto reader = open();
+  ASSERT_EQ(reader->fetchAll<TaskEntity>().size(), tasks.size());
+  for (const auto& [id, task] : tasks) EXPECT_EQ(*reader->find<TaskEntity>(id), *task) << "nothing that waited is lost";
+}
+
 TEST_F(ObjectTest, ContextsOfAStoreInMemoryShareIt) {
   const auto store = Store::inMemory(clock_);
   StoreContext reader(store);
@@ -172,9 +261,9 @@ TEST_F(ObjectTest, ContextsOfAStoreInMemoryShareIt) {
 TEST_F(ObjectTest, ALinkToARowThatIsNotThereIsRefused) {
   const auto context = open();
   context->insert(TaskTemporalDataEntity{.task = ObjectID{77}});
-  EXPECT_EQ(errorKind([&] { context->save({}); }), StoreError::Kind::failed);
+  EXPECT_EQ(errorKind([&] { context->save({}); }), StoreError::Kind::conflict);
   EXPECT_FALSE(context->hasChanges());
-  EXPECT_EQ(errorKind([&] { context->insertLogEntry(entryOn(ObjectID{77}, 20240101)); }), StoreError::Kind::failed);
+  EXPECT_EQ(errorKind([&] { context->insertLogEntry(entryOn(ObjectID{77}, 20240101)); }), StoreError::Kind::conflict);
   EXPECT_EQ(context->sequence(), 0);
 }
 
