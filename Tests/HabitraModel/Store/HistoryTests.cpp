@@ -73,6 +73,7 @@ TEST_F(HistoryTest, WhatIsChangedBackIsNoChange) {
   const ObjectID id = makeTask();
   const auto context = open();
   TaskLogEntryEntity entry = entryOn(id, 20240101);
+  entry.uniqueId = "A";
   entry.objectID = context->insertLogEntry(entry);
   context->save({});
   const std::int64_t sequence = context->sequence();
