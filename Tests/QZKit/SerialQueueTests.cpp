@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <future>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
 #include <string>
@@ -99,6 +100,18 @@ TEST(SerialQueue, ADrainThrowsTheFirstFailureOnceAndTheTasksBehindItRan) {
   }
   EXPECT_EQ(ran, 1);
   EXPECT_NO_THROW(queue.drain());
+}
+
+TEST(SerialQueue, WhatATaskHoldsMayUseTheQueueAsItGoesAlsoAfterAFailure) {
+  SerialQueue queue("org.habitra.test.held");
+  std::vector<bool> wentInTurn;
+  const auto held = [&] {
+    return std::shared_ptr<void>(nullptr, [&](void*) { queue.sync([&] { wentInTurn.push_back(queue.isCurrent()); }); });
+  };
+  queue.async([hold = held()] {});
+  queue.async([hold = held()] { throw std::runtime_error("no"); });
+  EXPECT_THROW(queue.drain(), std::runtime_error);
+  EXPECT_EQ(wentInTurn, (std::vector{true, true}));
 }
 
 TEST(SerialQueue, AFailureThatNobodyDrainedIsSaidAtTheEnd) {

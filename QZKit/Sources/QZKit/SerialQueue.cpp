@@ -121,10 +121,10 @@ void SerialQueue::State::runTasks() {
     lock.unlock();
     try {
       task();
-      task = nullptr;  // what it holds goes in the queue's turn as well
     } catch (...) {
       note(std::current_exception());
     }
+    task = nullptr;  // what it holds goes in the queue's turn as well, and may use the queue
     lock.lock();
   } while (!line_.empty() && std::holds_alternative<Task>(line_.front()));
   owner_ = std::thread::id();
