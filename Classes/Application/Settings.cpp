@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace habitra {
 namespace {
@@ -19,7 +20,8 @@ struct NamedSetting {
   std::string_view meaning;
   std::string (*text)(const Settings& settings);
   bool (*isChosen)(const Settings& settings);
-  void (*change)(Settings& settings, std::string_view text);
+  /// Reads the value, which may throw, and gives what puts it into settings.
+  std::function<void(Settings& settings)> (*parse)(std::string_view text);
   void (*reset)(Settings& settings);
 };
 
@@ -29,7 +31,9 @@ constexpr NamedSetting named(std::string_view name, std::string_view meaning) {
           .meaning = meaning,
           .text = [](const Settings& settings) { return spell(settings.get(setting)); },
           .isChosen = [](const Settings& settings) { return settings.chosen(setting).has_value(); },
-          .change = [](Settings& settings, std::string_view text) { settings.set(setting, read(text)); },
+          .parse = [](std::string_view text) -> std::function<void(Settings&)> {
+            return [value = read(text)](Settings& settings) { settings.set(setting, value); };
+          },
           .reset = [](Settings& settings) { settings.reset(setting); }};
 }
 
@@ -82,9 +86,10 @@ SettingSummary Application::setting(std::string_view name) {
 
 SettingSummary Application::changeSetting(std::string_view name, std::string_view value) {
   const NamedSetting& setting = lookUpSetting(name);
+  const auto change = setting.parse(value);  // a mistyped value makes no store
   const auto context = rooms_->contextToWrite();
   Settings settings = rooms_->settings(context.get());
-  setting.change(settings, value);
+  change(settings);
   const SettingSummary summary = summarize(setting, settings);
   context->save({.author = Author::app, .command = fmt::format("set {} '{}'", setting.name, summary.value)});
   return summary;

@@ -80,6 +80,7 @@ TEST_F(SettingsTests, whatCannotBeIsSaidAndChangesNothing) {
   EXPECT_EQ(complaint(application_, "default-frequency", "8 days a week"),
             "\"8 days a week\" cannot be a frequency: 8 is not from 1 to 7");
   for (const SettingSummary& setting : application_.settings()) EXPECT_FALSE(setting.isChosen);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "home")) << "nor makes it a store";
 }
 
 TEST_F(SettingsTests, newHabitsAreMadeByThem) {
