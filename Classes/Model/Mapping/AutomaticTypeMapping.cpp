@@ -14,6 +14,7 @@ std::optional<AutomaticTaskType> automaticTypeOf(const TaskEntity& task) {
 }
 
 void setAutomaticType(TaskEntity& task, const std::optional<AutomaticTaskType>& type) {
+  if (automaticTypeOf(task) == type) return;
   StoredAutomaticType columns = type ? stored(*type) : StoredAutomaticType{};
   task.typeName = std::move(columns.typeName);
   task.typeUnit = std::move(columns.typeUnit);

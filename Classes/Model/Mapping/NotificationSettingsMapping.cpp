@@ -29,8 +29,8 @@ TaskNotificationSettings notificationSettingsOf(const TaskNotificationSettingsEn
 void setNotificationSettings(TaskNotificationSettingsEntity& row, const TaskNotificationSettings& settings) {
   const TaskNotificationSettings unmade;
   setRequiredChoice(row.badgeMode, settings.badgeMode, unmade.badgeMode);
-  row.badgeFrom = storedTime(settings.badgeFrom);
-  row.badgeTo = storedTime(settings.badgeTo);
+  setTime(row.badgeFrom, settings.badgeFrom);
+  setTime(row.badgeTo, settings.badgeTo);
   setChoice(row.badgeTimeZone, settings.badgeTimeZone);
   setRequiredChoice(row.reminderType, settings.reminderType, unmade.reminderType);
   row.maxReminders = settings.maxReminders;

@@ -51,6 +51,15 @@ void setWeekdays(std::optional<std::int64_t>& column, qz::DaysOfWeek days) {
   if (!isUnknown || days != qz::DayOfWeek::every()) column = days.rawValue();
 }
 
+std::optional<qz::YYYYMMDD> existingDay(const std::optional<std::int64_t>& column) {
+  return column ? existingDayFromStored(*column) : std::nullopt;
+}
+
+/// What is no day of the calendar stays until one is chosen.
+void setDay(std::optional<std::int64_t>& column, const std::optional<qz::YYYYMMDD>& day) {
+  if (existingDay(column) != day) column = day ? std::optional(day->intValue()) : std::nullopt;
+}
+
 std::optional<TriggerRegion> storedRegion(const std::optional<Bytes>& column) {
   return readingJSON(column, [](const nlohmann::json& json) { return std::optional(json.get<TriggerRegion>()); });
 }
@@ -79,7 +88,7 @@ std::optional<TaskReminder> reminderOf(const TaskNotificationRemindersEntity& ro
   reminder.dayIndexesFromStart = dayIndexes(row.daysFromStart);
   reminder.dayIndexesFromFinish = dayIndexes(row.daysFromFinish);
   reminder.snoozeTime = timeFromStored(row.snoozeTime);
-  reminder.snoozeDate = row.snoozeDate ? existingDayFromStored(*row.snoozeDate) : std::nullopt;
+  reminder.snoozeDate = existingDay(row.snoozeDate);
   reminder.snoozeTimeZone = choice<NotificationTimeZone>(row.snoozeTimeZone);
   reminder.sound = choice<SoundEffect>(row.sound);
   reminder.timeSensitive = row.timeSensitive;
@@ -90,14 +99,14 @@ void setReminder(TaskNotificationRemindersEntity& row, const TaskReminder& remin
   row.uniqueId = reminder.uniqueId.text();
   setChoice(row.timeZone, reminder.timeZone);
   row.reminderType = rawValue(reminder.trigger.type);
-  row.timeOfDay = storedTime(reminder.trigger.timeOfDay);
+  setTime(row.timeOfDay, reminder.trigger.timeOfDay);
   setRegion(row.region, reminder.trigger.region);
   row.duration = reminder.trigger.duration;
   setWeekdays(row.daysOfWeek, reminder.daysOfWeek);
   setDayIndexes(row.daysFromStart, reminder.dayIndexesFromStart);
   setDayIndexes(row.daysFromFinish, reminder.dayIndexesFromFinish);
-  row.snoozeTime = storedTime(reminder.snoozeTime);
-  row.snoozeDate = reminder.snoozeDate ? std::optional(reminder.snoozeDate->intValue()) : std::nullopt;
+  setTime(row.snoozeTime, reminder.snoozeTime);
+  setDay(row.snoozeDate, reminder.snoozeDate);
   setChoice(row.snoozeTimeZone, reminder.snoozeTimeZone);
   setChoice(row.sound, reminder.sound);
   row.timeSensitive = reminder.timeSensitive;

@@ -17,4 +17,9 @@ namespace habitra {
   return value ? qz::HHMMSS::fromRawValue(*value) : std::nullopt;
 }
 
+/// Writes where the column says something else: a number that is no time stays until one is chosen.
+inline void setTime(std::optional<std::int64_t>& column, const std::optional<qz::HHMMSS>& time) {
+  if (timeFromStored(column) != time) column = storedTime(time);
+}
+
 }  // namespace habitra

@@ -55,9 +55,9 @@ RC_GTEST_PROP(MappingTest, TasksGiveBackWhatWasWritten, ()) {
     setFrequency(row, *asRead);
     RC_ASSERT(frequencyOf(row) == asRead);
   }
-  const auto asRead = automaticTypeOf(row);
-  setAutomaticType(row, asRead);
-  RC_ASSERT(automaticTypeOf(row) == asRead);
+  const TaskEntity before = row;
+  setAutomaticType(row, automaticTypeOf(row));
+  RC_ASSERT(row == before);
 
   const TaskFrequency frequency = anyFrequency();
   const auto type = anyOrNone(anyAutomaticType);
@@ -162,12 +162,15 @@ TEST(MappingTest, WhatIsUnknownReadsAsNoneAndStaysUntilSomethingElseIsChosen) {
   read.timerNotificationSound = std::nullopt;
   setNotificationSettings(settings, read);
   EXPECT_EQ(settings.badgeMode, "dim");
+  EXPECT_EQ(settings.badgeFrom, 86'400);
   EXPECT_EQ(settings.soundReminder, "foghorn");
   EXPECT_EQ(settings.soundTimerNotification, std::nullopt);
   read.badgeMode = BadgeMode::doNotInclude;
+  read.badgeFrom = qz::HHMMSS(7, 0);
   read.reminderSound = SoundEffect::bell;
   setNotificationSettings(settings, read);
   EXPECT_EQ(settings.badgeMode, "none");
+  EXPECT_EQ(settings.badgeFrom, 25'200);
   EXPECT_EQ(settings.soundReminder, "bell");
 
   TaskNotificationRemindersEntity reminder{.daysFromFinish = "",
@@ -175,6 +178,8 @@ TEST(MappingTest, WhatIsUnknownReadsAsNoneAndStaysUntilSomethingElseIsChosen) {
                                            .daysOfWeek = 200,
                                            .region = bytes(R"({"latitude":"north"})"),
                                            .reminderType = "todm",
+                                           .snoozeDate = 20240230,
+                                           .snoozeTime = -1,
                                            .uniqueId = "018d0000-0000-7000-8000-00000000000a"};
   TaskReminder value = reminderOf(reminder).value();
   EXPECT_EQ(value.trigger.type, TaskReminder::TriggerType::timeOfDayMuted);
@@ -189,6 +194,13 @@ TEST(MappingTest, WhatIsUnknownReadsAsNoneAndStaysUntilSomethingElseIsChosen) {
   EXPECT_EQ(reminder.daysOfWeek, 200);
   EXPECT_EQ(reminder.region, bytes(R"({"latitude":"north"})"));
   EXPECT_EQ(reminder.duration, 0.1);
+  EXPECT_EQ(reminder.snoozeDate, 20240230);
+  EXPECT_EQ(reminder.snoozeTime, -1);
+
+  TaskEntity task{.typeName = "levitation", .typeTarget = 3, .typeUnit = "m"};
+  const TaskEntity unknown = task;
+  setAutomaticType(task, std::nullopt);
+  EXPECT_EQ(task, unknown);
   reminder.reminderType = "moonrise";
   EXPECT_EQ(reminderOf(reminder), std::nullopt);
 }
