@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
 #include <list>
 #include <thread>
@@ -77,6 +78,24 @@ TEST_F(MaintenanceTest, OpeningWaitsForItsEndOrItsDeath) {
   std::thread crash([&maintainer] { maintainer.kill(); });
   EXPECT_EQ(open()->fetchAll<TaskEntity>().size(), 1U);
   crash.join();
+}
+
+TEST_F(MaintenanceTest, WhoOpensWaitsForWhoWaits) {
+  makeTask();
+  MaintenanceLock reader(home());
+  reader.takeShared();
+  std::atomic<bool> hasEnded = false;
+  std::thread maintainer([&] {
+    MaintenanceLock maintenance(home(), 10s);
+    EXPECT_NO_THROW(maintenance.takeExclusive());
+    hasEnded = true;
+  });
+  std::string busy;
+  while (busy.empty() && !hasEnded) busy = message([&] { MaintenanceLock(home(), 0ms).takeShared(); });
+  EXPECT_NE(busy.find("is waiting for this program itself"), std::string::npos) << busy;
+  reader.release();
+  maintainer.join();
+  reader.takeShared();
 }
 
 TEST_F(MaintenanceTest, AStoreHoldsItToItsEndAndInMemoryNone) {
