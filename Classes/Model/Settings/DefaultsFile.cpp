@@ -1,6 +1,7 @@
 #include <HabitraModel/Settings/DefaultsFile.h>
 #include <HabitraModel/Store/HomeFolder.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <HabitraModel/Store/SystemFailure.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -20,13 +21,16 @@ namespace {
 using Kind = StoreError::Kind;
 using namespace std::chrono_literals;
 
-[[noreturn]] void failWithErrno(std::string_view what, const std::filesystem::path& path) {
+/// Throws the StoreError for the present errno. `what` as in "cannot make".
+[[noreturn]] void fail(const char* what, const std::filesystem::path& path) {
   const int error = errno;
   if (error == ELOOP)
     throw StoreError(Kind::insecurePath, fmt::format("{} is a link; put the file itself there", path.string()));
-  const bool isDenied = error == EACCES || error == EPERM || error == EROFS;
-  const Kind kind = error == ENOSPC || error == EDQUOT ? Kind::diskFull : isDenied ? Kind::readOnly : Kind::failed;
-  throw StoreError(kind, fmt::format("cannot {} {}: {}", what, path.string(), std::generic_category().message(error)));
+  if (error == EACCES || error == EPERM)
+    throw StoreError(Kind::readOnly,
+                     fmt::format("{} {}: {}; give yourself the right to it, or choose another home with HABITRA_HOME",
+                                 what, path.string(), std::generic_category().message(error)));
+  failWithErrno(what, path);
 }
 
 /// An open file, closed at the end.
@@ -48,33 +52,36 @@ class Descriptor {
 
 void requireOwnPlainFile(int descriptor, const std::filesystem::path& path) {
   struct stat status {};
-  if (::fstat(descriptor, &status) != 0) failWithErrno("look at", path);
+  if (::fstat(descriptor, &status) != 0) fail("cannot look at", path);
   if (!S_ISREG(status.st_mode))
     throw StoreError(Kind::insecurePath, fmt::format("{} is not a plain file; move it away", path.string()));
   if (status.st_uid != ::geteuid())
-    throw StoreError(Kind::foreignOwner, fmt::format("{} belongs to another user", path.string()));
+    throw StoreError(Kind::foreignOwner,
+                     fmt::format("{} belongs to another user; run Habitra as that user, or choose another home with "
+                                 "HABITRA_HOME",
+                                 path.string()));
 }
 
 void writeAll(int descriptor, std::string_view content, const std::filesystem::path& path) {
   while (!content.empty()) {
     const ssize_t written = ::write(descriptor, content.data(), content.size());
     if (written < 0 && errno == EINTR) continue;
-    if (written < 0) failWithErrno("write", path);
+    if (written < 0) fail("cannot write", path);
     content.remove_prefix(static_cast<std::size_t>(written));
   }
 }
 
 void writeNewFile(const std::filesystem::path& path, std::string_view content) {
   const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-  if (!file.isOpen()) failWithErrno("make", path);
-  if (::fchmod(file.get(), 0600) != 0) failWithErrno("protect", path);
+  if (!file.isOpen()) fail("cannot make", path);
+  if (::fchmod(file.get(), 0600) != 0) fail("cannot protect", path);
   writeAll(file.get(), content, path);
-  if (::fsync(file.get()) != 0) failWithErrno("flush", path);
+  if (::fsync(file.get()) != 0) fail("cannot flush", path);
 }
 
 void flushFolder(const std::filesystem::path& folder) {
   const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!descriptor.isOpen() || ::fsync(descriptor.get()) != 0) failWithErrno("flush the folder", folder);
+  if (!descriptor.isOpen() || ::fsync(descriptor.get()) != 0) fail("cannot flush the folder", folder);
 }
 
 }  // namespace
@@ -84,7 +91,7 @@ std::optional<std::string> readDefaultsFile(const std::filesystem::path& file) {
   const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.isOpen()) {
     if (errno == ENOENT) return std::nullopt;
-    failWithErrno("read", file);
+    fail("cannot read", file);
   }
   requireOwnPlainFile(descriptor.get(), file);
   std::string content;
@@ -92,7 +99,7 @@ std::optional<std::string> readDefaultsFile(const std::filesystem::path& file) {
   for (;;) {
     const ssize_t count = ::read(descriptor.get(), part.data(), part.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) failWithErrno("read", file);
+    if (count < 0) fail("cannot read", file);
     if (count == 0) return content;
     content.append(part.data(), static_cast<std::size_t>(count));
   }
@@ -102,10 +109,10 @@ DefaultsFileTurn::DefaultsFileTurn(const std::filesystem::path& file, std::chron
     : file_(makeHomeFolder(std::filesystem::absolute(file).parent_path()) / file.filename()) {
   const std::filesystem::path path = file_.string() + ".lock";
   lock_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-  if (lock_ < 0) failWithErrno("write", path);
+  if (lock_ < 0) fail("cannot write", path);
   try {
     requireOwnPlainFile(lock_, path);
-    if (::fchmod(lock_, 0600) != 0) failWithErrno("protect", path);
+    if (::fchmod(lock_, 0600) != 0) fail("cannot protect", path);
     lock(patience);
   } catch (...) {
     ::close(lock_);
@@ -119,7 +126,7 @@ void DefaultsFileTurn::lock(std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   for (std::chrono::microseconds pause = 50us; ::flock(lock_, LOCK_EX | LOCK_NB) != 0;
        pause = std::min<std::chrono::microseconds>(pause * 2, 2ms)) {
-    if (errno != EWOULDBLOCK && errno != EINTR) failWithErrno("lock", file_.string() + ".lock");
+    if (errno != EWOULDBLOCK && errno != EINTR) fail("cannot lock", file_.string() + ".lock");
     if (std::chrono::steady_clock::now() >= deadline)
       throw StoreError(Kind::busy,
                        fmt::format("another Habitra program is still writing {} after {} seconds; try "
@@ -134,7 +141,7 @@ void DefaultsFileTurn::replace(std::string_view content) const {
   ::unlink(temporary.c_str());  // what a writer left that was killed in the middle
   try {
     writeNewFile(temporary, content);
-    if (std::rename(temporary.c_str(), file_.c_str()) != 0) failWithErrno("replace", file_);
+    if (std::rename(temporary.c_str(), file_.c_str()) != 0) fail("cannot replace", file_);
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;
