@@ -14,10 +14,8 @@
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
-#include <fcntl.h>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -77,36 +75,30 @@ void fillWithWholeStore(UnfinishedCopy& copy, Connection& source) {
   copy.fillFrom(source);
 }
 
+/// Leaves nothing of a store in its write-ahead log.
+void moveLogIntoFile(Connection& connection) {
+  if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
+    throw StoreError(Kind::busy,
+                     fmt::format("{} is in use by another program; end it and try again", connection.file().string()));
+}
+
+void removeEmptyLog(const std::filesystem::path& copy) {
+  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
+}
+
 /// Gives a copy that nobody else has seen yet an identifier of its own.
 void giveNewIdentifier(const std::filesystem::path& copy, const std::filesystem::path& name, qz::Moment now) {
   {
     Connection connection(copy.string(), name, Access::readWrite);
+    connection.execute("PRAGMA journal_mode=WAL");
     Statement update(connection, "UPDATE habitra_meta SET storeIdentifier=?");
     const std::string identifier = qz::UniqueID::generate(now).text();
     update.bind(1, std::string_view(identifier));
     update.step();
     update.reset();
-    if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
-      throw StoreError(Kind::busy, fmt::format("{} is in use by another program; end it and try again", name.string()));
+    moveLogIntoFile(connection);
   }
-  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
-}
-
-/// Copies a file as it is, whatever it holds, and flushes the copy.
-void copyBytes(const std::filesystem::path& from, const std::filesystem::path& to) {
-  makePrivateFile(to);
-  std::error_code error;
-  std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-  if (error) errno = error.value();
-  const int descriptor = error ? -1 : ::open(to.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-  // The mode has come along.
-  const bool isKept = descriptor >= 0 && ::fchmod(descriptor, 0600) == 0 && ::fsync(descriptor) == 0;
-  const int reason = errno;
-  if (descriptor >= 0) ::close(descriptor);
-  if (isKept) return;
-  ::unlink(to.c_str());
-  errno = reason;
-  failWithErrno("cannot write", to);
+  removeEmptyLog(copy);
 }
 
 /// Removes the engine's own files beside a store, so that no log of the old one meets a new one.
@@ -118,20 +110,62 @@ void removeLogs(const std::filesystem::path& file) {
   flushFolder(file.parent_path());
 }
 
+/// Takes back a backup that is not needed after all. REQUIRES: its names were free.
+void removeBackup(const std::filesystem::path& backup) noexcept {
+  for (const char* suffix : {"", "-wal", "-journal"}) ::unlink((backup.string() + suffix).c_str());
+}
+
+/// Keeps a store that can be read, all of which is in its file then. Gives false, and keeps nothing, when it cannot.
+bool keepWhole(const std::filesystem::path& file, const std::filesystem::path& backup) {
+  if (!isPrivateFile(file)) return false;
+  try {
+    Connection connection(file.string(), file, Access::readWrite);
+    copyStore(file, backup);
+    moveLogIntoFile(connection);
+    return true;
+  } catch (const StoreError& error) {
+    if (error.kind() != Kind::damaged && error.kind() != Kind::notAStore) throw;
+  }
+  removeBackup(backup);
+  return false;
+}
+
+/// Keeps the bytes of what is no whole store, with whatever its logs may yet be good for.
+void keepBytes(const std::filesystem::path& file, const std::filesystem::path& backup) {
+  for (const char* suffix : {"", "-wal", "-journal"}) {
+    if (!isPrivateFile(file.string() + suffix)) continue;
+    UnfinishedCopy copy(backup.string() + suffix);
+    copy.fillWithBytesOf(file.string() + suffix);
+    copy.finish();
+  }
+}
+
 }  // namespace
 
 /// A home to oneself: no store of it is open, and nobody writes.
 class CoreDataMigrator::Maintenance {
  public:
-  Maintenance(const std::filesystem::path& home, std::chrono::milliseconds patience)
-      : home_(home), lock_(home, patience), turn_(home, patience) {
+  Maintenance(const std::filesystem::path& home, std::chrono::milliseconds patience) : Maintenance(patience, home) {
     lock_.takeExclusive();
     turn_.take();
+  }
+
+  /// Null when, before it could begin, `isNeeded` says no.
+  static std::unique_ptr<const Maintenance> beginWhile(const std::function<bool()>& isNeeded,
+                                                       const std::filesystem::path& home,
+                                                       std::chrono::milliseconds patience) {
+    std::unique_ptr<Maintenance> maintenance(new Maintenance(patience, home));
+    if (!maintenance->lock_.takeExclusiveWhile(isNeeded)) return nullptr;
+    maintenance->turn_.take();
+    return maintenance;
   }
 
   [[nodiscard]] bool isOf(const std::filesystem::path& home) const { return home == home_; }
 
  private:
+  Maintenance(std::chrono::milliseconds patience, const std::filesystem::path& home)
+      : home_(home), lock_(home, patience), turn_(home, patience) {}
+
   std::filesystem::path home_;
   MaintenanceLock lock_;
   WritersTurn turn_;
@@ -151,14 +185,13 @@ bool CoreDataMigrator::needsMigration(const std::filesystem::path& store) const 
 
 void CoreDataMigrator::migrate(const std::filesystem::path& store) {
   const std::filesystem::path file = existingStore(store);
-  const Maintenance maintenance(file.parent_path(), options_.patience);
-  migrateUnderMaintenance(file);
-}
-
-void CoreDataMigrator::migrateUnderMaintenance(const std::filesystem::path& file) {
+  // Another program may be quicker, and keep the store open.
+  const auto maintenance =
+      Maintenance::beginWhile([&] { return needsMigration(file); }, file.parent_path(), options_.patience);
+  if (maintenance == nullptr) return;
   Connection connection(file.string(), file, Access::readWrite);
   const std::int64_t version = versionOf(connection);
-  if (version == migratorVersion()) return;  // another program has been quicker
+  if (version == migratorVersion()) return;
   step("copy");
   copyStore(file, newBackup(file, fmt::format("version-{}", version)));
   migrateSchema(connection, options_.beforeStep);
@@ -177,13 +210,31 @@ std::optional<std::filesystem::path> CoreDataMigrator::adoptProductionStore(cons
   };
   if (!mustAdopt()) return std::nullopt;
   if (!StoreFile::mayWrite(folder)) return path(File::production);
-  const Maintenance maintenance(folder, options_.patience);
-  if (!mustAdopt()) return path(File::local);  // another program has been quicker
-  step("adopt");
-  copyStoreAtRest(path(File::production), path(File::local));
-  step("adopted");
-  migrateUnderMaintenance(path(File::local));
+  // Another program may be quicker, and keep the store open.
+  const auto maintenance = Maintenance::beginWhile(mustAdopt, folder, options_.patience);
+  if (maintenance != nullptr && mustAdopt()) adopt(path(File::production), path(File::local));
   return path(File::local);
+}
+
+void CoreDataMigrator::adopt(const std::filesystem::path& production, const std::filesystem::path& local) const {
+  UnfinishedCopy incoming(local);
+  step("adopt");
+  {
+    const auto source = openToRead(production, true);
+    source->execute("BEGIN");
+    (void)versionOf(*source);
+    incoming.fillFrom(*source);
+  }
+  {
+    Connection connection(incoming.file().string(), production, Access::readWrite);
+    connection.execute("PRAGMA journal_mode=WAL");
+    if (versionOf(connection) < migratorVersion()) migrateSchema(connection, options_.beforeStep);
+    moveLogIntoFile(connection);
+  }
+  removeEmptyLog(incoming.file());
+  // Only now, when it can be opened.
+  step("adopted");
+  incoming.finish();
 }
 
 std::shared_ptr<const CoreDataMigrator::Maintenance> CoreDataMigrator::beginMaintenance(
@@ -209,34 +260,27 @@ void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const st
   fillWithWholeStore(incoming, *openToRead(source, isInside(source, home)));
   step("identify");
   giveNewIdentifier(incoming.file(), file, clock_->now());
-  step("keep");
-  keep(file);
-  step("remove the logs");
-  removeLogs(file);
-  step("replace");
-  incoming.replace();
-  step("replaced");
-}
-
-void CoreDataMigrator::keep(const std::filesystem::path& file) {
   const std::filesystem::path backup = newBackup(file, "replaced");
+  bool isWhole = true;
   try {
-    if (isPrivateFile(file)) {
-      Connection connection(file.string(), file, Access::readWrite);
-      copyStore(file, backup);
-      // All of the old store must be in its file before its log goes.
-      if (connection.integer("PRAGMA wal_checkpoint(TRUNCATE)") != 0)
-        throw StoreError(Kind::busy,
-                         fmt::format("{} is in use by another program; end it and try again", file.string()));
-      return;
-    }
-  } catch (const StoreError& error) {
-    if (error.kind() != Kind::damaged && error.kind() != Kind::notAStore) throw;
+    step("keep");
+    isWhole = keepWhole(file, backup);
+    if (!isWhole) keepBytes(file, backup);
+    step("remove the logs");
+  } catch (...) {
+    removeBackup(backup);
+    throw;
   }
-  // Of what is no whole store the bytes are kept, with whatever its logs may yet be good for.
-  for (const char* suffix : {"", "-wal", "-journal"})
-    if (isPrivateFile(file.string() + suffix)) copyBytes(file.string() + suffix, backup.string() + suffix);
-  flushFolder(backup.parent_path());
+  try {
+    removeLogs(file);
+    step("replace");
+    incoming.replace();
+  } catch (...) {
+    // What was no whole store may have lost its log.
+    if (isWhole && !incoming.isFinished()) removeBackup(backup);
+    throw;
+  }
+  step("replaced");
 }
 
 std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& file, std::string_view reason) const {
@@ -244,7 +288,7 @@ std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& f
   const std::string name =
       (backupFolder(file.parent_path()) / file.stem()).string() + fmt::format("-{}-{:%Y%m%dT%H%M%SZ}", reason, now);
   std::filesystem::path backup = name + ".sqlite";
-  for (int i = 2; isPrivateFile(backup); ++i) backup = fmt::format("{}-{}.sqlite", name, i);
+  for (int i = 2; !isFreeForCopy(backup); ++i) backup = fmt::format("{}-{}.sqlite", name, i);
   return backup;
 }
 

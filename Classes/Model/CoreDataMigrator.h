@@ -49,14 +49,17 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
   [[nodiscard]] std::int64_t migratorVersion() const override;
   [[nodiscard]] bool needsMigration(const std::filesystem::path& store) const override;
 
-  /// Copies the store to "<name>-version-<n>-<UTC time>.sqlite", then takes one version after the other, each in one
-  /// transaction. Nothing is committed unless every row that matched its checksum still does, every reference leads to
-  /// what it led to, and the tasks and owners are the same; what was damaged before may stay so, with a warning.
+  /// Does nothing, waits for nobody, when the store is up to date, be it that another program brings it there
+  /// meanwhile. Copies the store to "<name>-version-<n>-<UTC time>.sqlite", then takes one version after the other,
+  /// each in one transaction. Nothing is committed unless every row that matched its checksum still does, every
+  /// reference leads to what it led to, and the tasks and owners are the same; what was damaged before may stay so,
+  /// with a warning.
   void migrate(const std::filesystem::path& store) override;
 
   /// Looks for a home that has nothing but "Habitra-Production.sqlite", the one store of early versions, and copies
-  /// that to "Habitra-Local.sqlite", brought up to date; Production stays byte for byte as it was. Gives the file to
-  /// open then: the copy, or Production itself where the home may not be written. None when there is nothing to adopt.
+  /// that to "Habitra-Local.sqlite", which appears when it is up to date; Production stays byte for byte as it was.
+  /// Gives the file to open then: the copy, or Production itself where the home may not be written. None when there is
+  /// nothing to adopt.
   [[nodiscard]] std::optional<std::filesystem::path> adoptProductionStore(const std::filesystem::path& home);
 
   /// Keeps every store of the home closed and every writer out while it lives.
@@ -66,7 +69,8 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
 
   /// A copy of the store at `with` (a backup, or the file of another container), which stays, takes the place of
   /// `store`. It must be a whole store of the present or an earlier version: a damaged one is refused, with the number
-  /// of damaged rows and the first. What was at `store`, if anything, is kept as "<name>-replaced-<UTC time>.sqlite".
+  /// of damaged rows and the first. What was at `store`, if anything, is kept as "<name>-replaced-<UTC time>.sqlite",
+  /// unless replacing it fails and it stays.
   /// The new store gets an identifier of its own, so that nobody takes its history for that of the old one.
   void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with);
   /// The same as one step of a longer maintenance of the home of `store`.
@@ -75,9 +79,8 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
 
  private:
   void step(std::string_view name) const;
-  void migrateUnderMaintenance(const std::filesystem::path& file);
+  void adopt(const std::filesystem::path& production, const std::filesystem::path& local) const;
   [[nodiscard]] std::filesystem::path newBackup(const std::filesystem::path& file, std::string_view reason) const;
-  void keep(const std::filesystem::path& file);
 
   std::shared_ptr<const qz::Clock> clock_;
   Options options_;

@@ -88,7 +88,10 @@ bool Store::prepare(bool mayMake) {
   firstConnection_ = makeConnection();
   const std::int64_t owner = firstConnection_->integer("PRAGMA application_id");
   const std::int64_t version = firstConnection_->integer("PRAGMA user_version");
-  if (owner == applicationID && version == schemaVersion) return true;
+  if (owner == applicationID && version == schemaVersion) {
+    ensureLog();
+    return true;
+  }
   if (owner == applicationID && version > schemaVersion)
     throw StoreError(
         StoreError::Kind::newerVersion,
@@ -108,6 +111,17 @@ bool Store::prepare(bool mayMake) {
   if (!mayMake || isReadOnly_) return false;
   makeSchema(*firstConnection_);
   return true;
+}
+
+void Store::ensureLog() {
+  if (isReadOnly_) return;
+  {
+    Statement mode(*firstConnection_, "PRAGMA journal_mode");
+    if (mode.step() && mode.text(0) == "wal") return;
+  }
+  const std::unique_ptr<WritersTurn> turn = makeTurn();
+  turn->take();
+  firstConnection_->execute("PRAGMA journal_mode=WAL");
 }
 
 void Store::moveIntoMemory() {

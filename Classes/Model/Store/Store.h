@@ -81,6 +81,8 @@ class Store : public std::enable_shared_from_this<Store> {
 
   /// Whether there is a store in the file; makes one in an empty file when it may.
   [[nodiscard]] bool prepare(bool mayMake);
+  /// Gives a store that was put there by hand, a copy, its write-ahead log, without which readers keep writers out.
+  void ensureLog();
   /// Goes on with a copy in memory that is brought up to date.
   void moveIntoMemory();
   void makeSchema(Connection& connection) const;

@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
 #include <string>
 
 namespace habitra {
@@ -28,23 +30,21 @@ std::filesystem::path targetOf(const std::filesystem::path& to, const std::files
   // Inside the home no link is followed.
   if (existingHomeFolder(wanted.parent_path().parent_path()) == home) makePrivateFolder(wanted.parent_path());
   const std::filesystem::path target = makeHomeFolder(wanted.parent_path()) / wanted.filename();
-  for (const char* suffix : {"", "-wal", "-journal"}) {
-    const std::filesystem::path file = target.string() + suffix;
-    if (isThere(file))
-      throw StoreError(
-          Kind::failed,
-          fmt::format("{} is there already; move it away, or choose another name for the copy", file.string()));
-  }
+  if (!isFreeForCopy(target))
+    throw StoreError(Kind::failed, fmt::format("{} is there already, or a log of that name; move it away, or choose "
+                                               "another name for the copy",
+                                               target.string()));
   return target;
 }
 
-void copy(const std::filesystem::path& from, const std::filesystem::path& to, bool isAtRest) {
+}  // namespace
+
+void copyStore(const std::filesystem::path& from, const std::filesystem::path& to) {
   const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(from).parent_path());
   const std::filesystem::path file = home / from.filename();
   if (home.empty() || !isPrivateFile(file))
     throw StoreError(Kind::failed, fmt::format("there is no store at {} to copy; check the path", from.string()));
-  Connection source(isAtRest ? StoreFile::addressAtRest(file) : StoreFile::at(file).address, file,
-                    Connection::Access::readOnly);
+  Connection source(StoreFile::at(file).address, file, Connection::Access::readOnly);
   // One view for the copy and for what it is compared with; reading begins it.
   source.execute("BEGIN");
   if (source.integer("PRAGMA application_id") != Store::applicationID)
@@ -55,11 +55,10 @@ void copy(const std::filesystem::path& from, const std::filesystem::path& to, bo
   copy.finish();
 }
 
-}  // namespace
-
-void copyStore(const std::filesystem::path& from, const std::filesystem::path& to) { copy(from, to, false); }
-
-void copyStoreAtRest(const std::filesystem::path& from, const std::filesystem::path& to) { copy(from, to, true); }
+bool isFreeForCopy(const std::filesystem::path& file) {
+  return std::ranges::none_of(std::array{"", "-wal", "-journal"},
+                              [&file](const char* suffix) { return isThere(file.string() + suffix); });
+}
 
 std::filesystem::path backupFolder(const std::filesystem::path& home) {
   const std::filesystem::path folder = home / "Backups";

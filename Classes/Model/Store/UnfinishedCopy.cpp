@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -41,7 +43,8 @@ void removeLeftovers(const std::filesystem::path& folder) {
     }
     const int descriptor = ::open(item.path().c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) continue;
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) ::unlink(item.path().c_str());
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+      for (const char* suffix : {"-journal", "-wal", "-shm", ""}) ::unlink((item.path().string() + suffix).c_str());
     ::close(descriptor);
   }
 }
@@ -54,10 +57,29 @@ void copyPages(Connection& source, const std::filesystem::path& file, const std:
   if (backup == nullptr) copy.fail(sqlite3_errcode(copy.handle()));
   sqlite3_backup_step(backup, -1);
   const int code = sqlite3_backup_finish(backup);
-  if (code == SQLITE_OK) return;
+  if (code == SQLITE_OK) {
+    // Who reads it later then needs no files beside it.
+    copy.execute("PRAGMA journal_mode=DELETE");
+    return;
+  }
   const bool isOfSource =
       (code & 0xff) == SQLITE_CORRUPT || (code & 0xff) == SQLITE_NOTADB || code == SQLITE_IOERR_READ;
   (isOfSource ? source : copy).fail(code);
+}
+
+/// Gives false, with errno, when reading or writing fails.
+bool copyBytes(int from, int to) {
+  std::array<char, 65536> part;
+  for (;;) {
+    const ssize_t count = ::read(from, part.data(), part.size());
+    if (count == 0) return true;
+    if (count < 0 && errno != EINTR) return false;
+    for (ssize_t done = 0; done < count;) {
+      const ssize_t written = ::write(to, part.data() + done, static_cast<std::size_t>(count - done));
+      if (written < 0 && errno != EINTR) return false;
+      done += std::max<ssize_t>(written, 0);
+    }
+  }
 }
 
 bool isWhole(Connection& connection) {
@@ -83,19 +105,34 @@ void verify(Connection& source, const std::filesystem::path& file, const std::fi
 
 UnfinishedCopy::UnfinishedCopy(std::filesystem::path target) : target_(std::move(target)) {
   removeLeftovers(target_.parent_path());
+  while (!open()) discard();
+}
+
+bool UnfinishedCopy::open() {
   std::string pattern = (target_.parent_path() / prefix).string() + "XXXXXX";
   descriptor_ = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (descriptor_ < 0) failWithErrno("cannot write", target_);
   file_ = pattern;
-  if (::flock(descriptor_, LOCK_EX) != 0 || ::fchmod(descriptor_, 0600) != 0) {
-    const int error = errno;
-    discard();
-    errno = error;
-    failWithErrno("cannot write", target_);
-  }
+  struct stat status {};
+  if (::flock(descriptor_, LOCK_EX) == 0 && ::fchmod(descriptor_, 0600) == 0 && ::fstat(descriptor_, &status) == 0)
+    return status.st_nlink > 0;  // before it was locked, another copy may have taken it for a leftover
+  const int error = errno;
+  discard();
+  errno = error;
+  failWithErrno("cannot write", target_);
 }
 
 UnfinishedCopy::~UnfinishedCopy() { discard(); }
+
+void UnfinishedCopy::fillWithBytesOf(const std::filesystem::path& file) {
+  const int source = ::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+  if (source < 0) failWithErrno("cannot read", file);
+  const bool isCopied = copyBytes(source, descriptor_);
+  const int error = errno;
+  ::close(source);
+  errno = error;
+  if (!isCopied) failWithErrno("cannot write", target_);
+}
 
 void UnfinishedCopy::fillFrom(Connection& source) {
   copyPages(source, file_, target_);
@@ -119,7 +156,7 @@ void UnfinishedCopy::rename(unsigned flags) {
 
 void UnfinishedCopy::discard() noexcept {
   if (descriptor_ < 0) return;
-  for (const char* suffix : {"-wal", "-shm", ""}) ::unlink((file_.string() + suffix).c_str());
+  for (const char* suffix : {"-journal", "-wal", "-shm", ""}) ::unlink((file_.string() + suffix).c_str());
   ::close(std::exchange(descriptor_, -1));
 }
 

@@ -18,8 +18,11 @@ class UnfinishedCopy {
 
   [[nodiscard]] const std::filesystem::path& file() const { return file_; }
 
-  /// Takes over what `source` sees, and makes sure that it has: integrity check, and the same content row for row.
-  /// REQUIRES: `source` has a view.
+  /// Takes over the bytes of a file, whatever they are. REQUIRES: nobody has the file open.
+  void fillWithBytesOf(const std::filesystem::path& file);
+
+  /// Takes over what `source` sees, without a write-ahead log, and makes sure that it has: integrity check, and the
+  /// same content row for row. REQUIRES: `source` has a view.
   void fillFrom(Connection& source);
 
   // Both flush the copy, give it its name and flush the folder. REQUIRES: no connection is open on the copy.
@@ -27,8 +30,11 @@ class UnfinishedCopy {
   void finish();
   /// Takes the place of what bears the name.
   void replace();
+  /// Whether it has its name, be it that flushing the folder failed after that.
+  [[nodiscard]] bool isFinished() const { return descriptor_ < 0; }
 
  private:
+  [[nodiscard]] bool open();
   void rename(unsigned flags);
   void discard() noexcept;
 

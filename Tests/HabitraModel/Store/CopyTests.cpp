@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <fstream>
+#include <thread>
 
 #include "StoreFixture.h"
 
@@ -50,6 +51,29 @@ TEST_F(CopyTest, IsTheStoreAsLastCommitted) {
   EXPECT_EQ(entries, 3000);
   EXPECT_TRUE(StoreVerification::verifyChecksums(copy).empty());
   EXPECT_EQ(copy.sequence(), open()->sequence());
+}
+
+TEST_F(CopyTest, ManyAtOnceIntoOneFolder) {
+  makeTask();
+  std::vector<std::thread> copying;
+  for (int i = 0; i < 4; ++i)
+    copying.emplace_back([this, i] {
+      for (int j = 0; j < 10; ++j)
+        EXPECT_NO_THROW(copyStore(file(), target().parent_path() / (std::to_string(10 * i + j) + ".sqlite")));
+    });
+  for (std::thread& thread : copying) thread.join();
+  EXPECT_EQ(std::distance(fs::directory_iterator(target().parent_path()), {}), 40);
+}
+
+TEST_F(CopyTest, ACopyPutInPlaceByHandGetsItsLog) {
+  makeTask();
+  copyStore(file(), target());
+  EXPECT_EQ(runSQL(target(), "PRAGMA journal_mode"), std::vector<std::string>{"delete"});
+  const fs::path home = folder_ / "other home";
+  fs::create_directories(home);
+  fs::rename(target(), home / "Habitra-Local.sqlite");
+  (void)Store::open(home / "Habitra-Local.sqlite", clock_);
+  EXPECT_EQ(runSQL(home / "Habitra-Local.sqlite", "PRAGMA journal_mode"), std::vector<std::string>{"wal"});
 }
 
 TEST_F(CopyTest, WhatIsThereStays) {

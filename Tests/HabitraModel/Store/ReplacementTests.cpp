@@ -1,6 +1,8 @@
 #include <HabitraModel/Store/StoreCopy.h>
 #include <Support/OrdinaryRights.h>
 
+#include <thread>
+
 #include "MigrationFixture.h"
 
 namespace habitra {
@@ -118,7 +120,63 @@ TEST_F(ReplacementTest, ADamagedStoreGivesWayAndItsBytesAreKept) {
   EXPECT_TRUE(after.at(kept().filename().string() + "-wal") == before.at(file().filename().string() + "-wal"));
 }
 
+TEST_F(ReplacementTest, FollowsNoLinkAmongTheBackups) {
+  makeBoth();
+  std::ofstream(file()) << std::string(5000, '\xAB');
+  std::ofstream(folder_ / "mine") << "mine";
+  fs::create_directories(backups());
+  fs::create_symlink(folder_ / "mine", kept().string() + "-wal");
+  migrator().replaceStore(file(), other());
+  EXPECT_EQ(titlesIn(file()), newTitles_);
+  EXPECT_EQ(fs::file_size(folder_ / "mine"), 4U);
+  EXPECT_EQ(fs::file_size(backups() / "Habitra-Local-replaced-20240115T120000Z-2.sqlite"), 5000U);
+}
+
+TEST_F(ReplacementTest, LeavesNothingBesideABackup) {
+  makeBoth();
+  const fs::path backup = folder_ / "disk" / "backup.sqlite";
+  copyStore(other(), backup);
+  const auto before = folderContent(backup.parent_path());
+  migrator().replaceStore(file(), backup);
+  copyStore(backup, folder_ / "copy.sqlite");
+  EXPECT_TRUE(folderContent(backup.parent_path()) == before);
+  EXPECT_EQ(runSQL(file(), "PRAGMA journal_mode"), std::vector<std::string>{"wal"});
+}
+
+TEST_F(ReplacementTest, KeepsTheOldOneOnlyWhenItIsNeeded) {
+  makeBoth();
+  auto failing = migrator([](std::string_view step) {
+    if (step == "replace") throw StoreError(Kind::diskFull, "the disk is full; make room");
+  });
+  refusal(Kind::diskFull, [&] { failing.replaceStore(file(), other()); });
+  EXPECT_EQ(titlesIn(file()), oldTitles_);
+  EXPECT_TRUE(filesIn(backups()).empty());
+  std::ofstream(file()) << std::string(5000, '\xAB');
+  std::ofstream(file().string() + "-wal") << "the rest";
+  refusal(Kind::diskFull, [&] { failing.replaceStore(file(), other()); });
+  EXPECT_EQ(filesIn(backups()), (std::vector<fs::path>{kept(), kept().string() + "-wal"})) << "the log is gone";
+}
+
 using AdoptionTest = MigrationTest;
+
+TEST_F(AdoptionTest, AStoreOfTheFutureIsNotAdopted) {
+  const fs::path production = home() / "Habitra-Production.sqlite";
+  putOldStore(production);
+  runSQL(production, "PRAGMA journal_mode=DELETE; PRAGMA user_version=9");
+  const std::string message = refusal(Kind::newerVersion, [&] { (void)migrator().adoptProductionStore(home()); });
+  EXPECT_EQ(message.find(production), 0U) << message;
+  EXPECT_FALSE(fs::exists(file()));
+}
+
+TEST_F(AdoptionTest, AnotherProgramMayBeQuickerAndStay) {
+  putOldStore(home() / "Habitra-Production.sqlite");
+  const auto open = Store::open(home() / "other.sqlite", clock_);
+  CoreDataMigrator waiting(clock_);
+  std::thread adopting(
+      [&] { EXPECT_NO_THROW(EXPECT_EQ(waiting.adoptProductionStore(home()).value_or(file()), file())); });
+  copyStore(open->file(), file());
+  adopting.join();
+}
 
 TEST_F(AdoptionTest, ALoneProductionStoreIsAdoptedOnceAndStaysAsItWas) {
   const fs::path production = home() / "Habitra-Production.sqlite";
