@@ -25,14 +25,15 @@ HistoryToken PersistentHistoryFetcher::currentToken() {
 
 PersistentHistory PersistentHistoryFetcher::fetch() {
   PersistentHistory history{.token = currentToken()};
-  const std::int64_t oldest = context_.oldestKeptSequence();
   // Whether an earlier one would have been asked for shows only in the oldest that is left.
-  history.everythingChanged = oldest > 1;
-  for (PersistentHistoryTransaction& read : readAfter(0, history.token.sequence, noLimit)) {
-    if (fromDate_ && read.transaction.sequence == oldest && read.transaction.moment < *fromDate_)
-      history.everythingChanged = false;
-    if (!fromDate_ || read.transaction.moment >= *fromDate_) history.transactions.push_back(std::move(read));
-  }
+  history.everythingChanged = context_.oldestKeptSequence() > 1;
+  context_.readTransactions(
+      0,
+      [&](const StoredTransaction& oldest) {
+        if (fromDate_ && oldest.moment < *fromDate_) history.everythingChanged = false;
+      },
+      1);
+  history.transactions = readAfter(0, history.token.sequence, noLimit, fromDate_);
   return history;
 }
 
@@ -44,7 +45,7 @@ PersistentHistory PersistentHistoryFetcher::fetch(const HistoryToken& token, std
     return history;
   }
   const std::int64_t newest = history.token.sequence;
-  history.transactions = readAfter(token.sequence, newest, limit);
+  history.transactions = readAfter(token.sequence, newest, limit, std::nullopt);
   history.token.sequence =
       history.transactions.empty() ? token.sequence : history.transactions.back().transaction.sequence;
   history.hasMore = history.token.sequence < newest;
@@ -52,25 +53,27 @@ PersistentHistory PersistentHistoryFetcher::fetch(const HistoryToken& token, std
 }
 
 std::vector<PersistentHistoryTransaction> PersistentHistoryFetcher::readAfter(std::int64_t sequence,
-                                                                              std::int64_t newest, std::int64_t limit) {
+                                                                              std::int64_t newest, std::int64_t limit,
+                                                                              const std::optional<qz::Moment>& from) {
   std::vector<PersistentHistoryTransaction> transactions;
   try {
+    // Numbers ascend by one; the oldest kept one may be any.
+    const std::int64_t first = sequence == 0 ? context_.oldestKeptSequence() : sequence + 1;
+    std::int64_t expected = first;
     context_.readTransactions(
         sequence,
         [&](const StoredTransaction& transaction) {
-          transactions.push_back({transaction, {}});
+          if (transaction.sequence != expected) fail(context_, fmt::format("transaction {} is missing", expected));
+          ++expected;
+          if (!from || transaction.moment >= *from) transactions.push_back({transaction, {}});
         },
         limit);
-    // Numbers ascend by one; the oldest kept one may be any.
-    std::int64_t expected = sequence == 0 ? context_.oldestKeptSequence() : sequence + 1;
+    if (expected - first < limit && expected <= newest)
+      fail(context_, fmt::format("transaction {} is missing", expected));
     for (PersistentHistoryTransaction& read : transactions) {
-      if (read.transaction.sequence != expected) fail(context_, fmt::format("transaction {} is missing", expected));
-      ++expected;
       context_.readChanges(read.transaction.sequence,
                            [&read](const StoredChange& change) { read.changes.push_back(change); });
     }
-    if (std::cmp_less(transactions.size(), limit) && expected <= newest)
-      fail(context_, fmt::format("transaction {} is missing", expected));
   } catch (const StoreError& error) {
     if (error.kind() != StoreError::Kind::damaged) throw;
     fail(context_, error.what());

@@ -72,9 +72,11 @@ class PersistentHistoryFetcher {
   [[nodiscard]] HistoryToken currentToken();
 
  private:
-  /// At most `limit` transactions after `sequence`; up to `newest` none may be missing.
+  /// Of at most `limit` transactions after `sequence`, those of the moment `from` or later with their changes; up to
+  /// `newest` none may be missing.
   [[nodiscard]] std::vector<PersistentHistoryTransaction> readAfter(std::int64_t sequence, std::int64_t newest,
-                                                                    std::int64_t limit);
+                                                                    std::int64_t limit,
+                                                                    const std::optional<qz::Moment>& from);
 
   StoreContext& context_;
   std::optional<qz::Moment> fromDate_;
