@@ -33,6 +33,11 @@ std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::storeForReading() {
 
 bool HabitraNSPersistentCloudKitContainer::isOpen() const { return present() != nullptr; }
 
+bool HabitraNSPersistentCloudKitContainer::isOwnWriter(const std::string& writer) const {
+  const std::scoped_lock lock(mutex_);
+  return writers_.contains(writer);
+}
+
 void HabitraNSPersistentCloudKitContainer::close() {
   const std::scoped_lock lock(mutex_);
   store_.reset();
@@ -61,6 +66,7 @@ std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::open(bool mayMake) 
     if (store_ != nullptr) return store_;  // another thread has been quicker
     if (location_ != place) continue;
     store_ = std::move(opened);
+    if (store_ != nullptr) writers_.insert(store_->writer());
     return store_;
   }
 }

@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace habitra {
@@ -37,6 +39,8 @@ class HabitraNSPersistentCloudKitContainer {
   /// The same, but null when there is no store yet: makes nothing.
   [[nodiscard]] std::shared_ptr<Store> storeForReading();
   [[nodiscard]] bool isOpen() const;
+  /// Whether a store that this container holds, or has held, writes under this name; see Store::writer().
+  [[nodiscard]] bool isOwnWriter(const std::string& writer) const;
   /// Lets go of the store; contexts that work on it keep it open.
   void close();
 
@@ -59,6 +63,7 @@ class HabitraNSPersistentCloudKitContainer {
   mutable std::mutex mutex_;  // never held while something is waited for
   ContainerLocation location_;
   std::shared_ptr<Store> store_;
+  std::set<std::string> writers_;  ///< of every store there was
   std::vector<std::weak_ptr<const EventObserver>> observers_;
 };
 

@@ -47,13 +47,13 @@ qz::SerialQueue& PersistentHistoryObserver::historyQueue() {
 void PersistentHistoryObserver::start() {
   if (watcher_ != nullptr) return;
   // Watching begins before the first reading, so that nothing falls between the two.
-  watcher_ = std::make_unique<StoreChangeWatcher>(persistentContainer_->store(), [this] { wake(); });
+  watcher_ = std::make_unique<StoreChangeWatcher>(*persistentContainer_->store(), [this] { wake(); });
   wake();
 }
 
 void PersistentHistoryObserver::stop() {
   watcher_.reset();
-  if (historyQueue_ != nullptr) historyQueue_->drain();
+  historyQueue().sync([this] { context_.reset(); });
 }
 
 void PersistentHistoryObserver::processNow() {
@@ -80,8 +80,8 @@ void PersistentHistoryObserver::process() noexcept {
 void PersistentHistoryObserver::openContext() {
   const std::shared_ptr<Store> store = persistentContainer_->store();
   if (context_ != nullptr && &context_->store() == store.get()) return;
+  // The position stays: in another store it says that everything has changed.
   context_ = std::make_unique<StoreContext>(store);
-  position_.reset();
 }
 
 bool PersistentHistoryObserver::processBatch() {
@@ -115,9 +115,8 @@ bool PersistentHistoryObserver::processBatch() {
 
 void PersistentHistoryObserver::handle(const PersistentHistory& history) {
   Changes changes{.everythingChanged = history.everythingChanged};
-  const std::string& writer = context_->store().writer();
   for (const PersistentHistoryTransaction& read : history.transactions) {
-    if (read.transaction.writer == writer) continue;
+    if (persistentContainer_->isOwnWriter(read.transaction.writer)) continue;
     if (handler_) logFailure("A change could not be handled", [&] { handler_(read); });
     for (const StoredChange& change : read.changes) changes.objects[change.entity].insert(change.object);
   }
@@ -126,9 +125,14 @@ void PersistentHistoryObserver::handle(const PersistentHistory& history) {
 }
 
 void PersistentHistoryObserver::keepPosition() {
-  logFailure("How far the history was read could not be kept", [this] {
+  try {
     setHistoryReader(*userDefaults_, target_, {.token = *position_, .lastRead = context_->store().clock().now()});
-  });
+    positionIsKept_ = true;
+  } catch (const std::exception& error) {
+    // In a home that may not be written nothing else is to be expected; elsewhere it is said once.
+    if (std::exchange(positionIsKept_, false) && !context_->store().isReadOnly())
+      qz::log::error("How far the history was read could not be kept: {}", error.what());
+  }
 }
 
 void PersistentHistoryObserver::trim() {

@@ -18,7 +18,7 @@
 namespace habitra {
 
 /// Keeps the view of one author current: reads what other writers have saved, in this process or another, as soon as it
-/// is committed, and hands it on in order. What the container's own store wrote is skipped, whichever author it bears.
+/// is committed, and hands it on in order. What the container's own stores wrote is skipped, whichever author it bears.
 ///
 /// How far it has read is kept in key-value defaults under "pho.token." and the target's raw value, and moved after
 /// what was read has been handed on. So after a crash something may come a second time, but nothing is lost; while the
@@ -68,7 +68,8 @@ class PersistentHistoryObserver {
   /// Reads what was missed, and from now on at every change of the store. Throws StoreError when there is no store, or
   /// the system gives no notifications.
   void start();
-  /// Returns when nothing is under way any more. The next start() goes on from here.
+  /// Lets go of the store, and returns when nothing is under way any more. The next start() or processNow() goes on
+  /// from here, in the store that the container then has.
   void stop();
   [[nodiscard]] bool isRunning() const { return watcher_ != nullptr; }
 
@@ -97,9 +98,10 @@ class PersistentHistoryObserver {
   std::atomic<bool> isWoken_{false};  ///< a task that has not begun to read is queued
 
   // The history queue's.
-  std::unique_ptr<StoreContext> context_;
-  std::optional<HistoryToken> position_;  ///< up to where this process has handled
-  std::optional<qz::Moment> trimmed_;     ///< when this process last looked for history to let go of
+  std::unique_ptr<StoreContext> context_;  ///< none after stop()
+  std::optional<HistoryToken> position_;   ///< up to where this process has handled
+  bool positionIsKept_ = true;             ///< when it last was to be
+  std::optional<qz::Moment> trimmed_;      ///< when this process last looked for history to let go of
 };
 
 }  // namespace habitra

@@ -63,8 +63,12 @@ TEST_F(PersistentHistoryTest, HistoryIsReadSinceATokenOrADate) {
   EXPECT_EQ(sequences(rest.transactions), std::vector<std::int64_t>{4});
   EXPECT_FALSE(rest.hasMore);
 
+  runSQL(file(), "UPDATE habitra_change SET kind=9 WHERE sequence=2");
+  context->refresh();
   PersistentHistoryFetcher late(*context, testMoment + std::chrono::days(2));
-  EXPECT_EQ(sequences(late.fetch().transactions), (std::vector<std::int64_t>{3, 4}));
+  EXPECT_EQ(sequences(late.fetch().transactions), (std::vector<std::int64_t>{3, 4})) << "no others are read";
+  runSQL(file(), "UPDATE habitra_change SET kind=1 WHERE sequence=2");
+  context->refresh();
   EXPECT_EQ(sequences(PersistentHistoryFetcher(*context).fetch().transactions),
             (std::vector<std::int64_t>{1, 2, 3, 4}));
 
@@ -220,6 +224,28 @@ TEST_F(PersistentHistoryTest, NothingIsLostBetweenTwoRunsOrByAFailure) {
   Sequences expected;
   for (int i = 0; i < 250; ++i) expected.push_back(save(*other, "Many"));
   EXPECT_EQ(confused.process(), expected);
+}
+
+TEST_F(PersistentHistoryTest, AStoreIsLeftAndOpenedAnewWithNothingLostOrTold) {
+  makeTask();
+  Observing program(file(), clock_, KeyValueDefaults::inMemory());
+  program.observer.start();
+  EXPECT_EQ(program.process(), Sequences{});
+  program.observer.stop();
+  program.context.reset();
+  program.container->close();
+  MaintenanceLock(file().parent_path(), std::chrono::milliseconds(0)).takeExclusive();
+
+  // One store of the container that the observer has never met, and the one it meets next.
+  for (int i = 0; i < 2; ++i) {
+    program.context = program.container->newBackgroundContext();
+    save(*program.context, "Own");
+    if (i == 0) program.container->close();
+  }
+  const auto sequence = save(*open(), "Another's");
+  EXPECT_EQ(program.process(), Sequences{sequence}) << "what it wrote under another name is its own";
+  ASSERT_EQ(program.merged.size(), 2U);
+  EXPECT_FALSE(program.merged[1].everythingChanged);
 }
 
 TEST_F(PersistentHistoryTest, AFailingHandlerIsNoReasonToStop) {

@@ -1,14 +1,15 @@
 #include <HabitraModel/Store/HomeFolder.h>
 #include <HabitraModel/Store/StoreChangeSignal.h>
+#include <HabitraModel/Store/SystemFailure.h>
 #include <QZLog/Log.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <exception>
-#include <system_error>
+#include <utility>
 
 namespace habitra {
 
@@ -18,29 +19,50 @@ StoreChangeSignal::~StoreChangeSignal() {
   if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-void StoreChangeSignal::announce(std::int64_t sequence) noexcept {
-  if (hasFailed_) return;
+template <typename Step>
+void StoreChangeSignal::attempt(const Step& step) noexcept {
   try {
+    step();
+    hasFailed_ = false;
+  } catch (const std::exception& error) {
+    if (!std::exchange(hasFailed_, true)) qz::log::warning("Other programs are not told of changes: {}", error.what());
+  }
+}
+
+void StoreChangeSignal::prepare() noexcept {
+  if (store_->isInMemory()) return;
+  attempt([this] { open(); });
+}
+
+void StoreChangeSignal::announce(std::int64_t sequence) noexcept {
+  attempt([this, sequence] {
     if (store_->isInMemory())
       store_->tellListeners();
     else
       write(sequence);
-  } catch (const std::exception& error) {
-    hasFailed_ = true;
-    qz::log::warning("Other programs are not told of changes: {}", error.what());
-  }
+  });
+}
+
+bool StoreChangeSignal::isInPlace() const {
+  struct stat found {};
+  struct stat opened {};
+  return ::lstat(file().c_str(), &found) == 0 && ::fstat(descriptor_, &opened) == 0 && found.st_dev == opened.st_dev &&
+         found.st_ino == opened.st_ino;
+}
+
+void StoreChangeSignal::open() {
+  if (descriptor_ >= 0 && isInPlace()) return;
+  if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
+  if (!isPrivateFile(file())) makePrivateFile(file());
+  descriptor_ = ::open(file().c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor_ < 0) failWithErrno("cannot open", file());
 }
 
 void StoreChangeSignal::write(std::int64_t sequence) {
-  const std::filesystem::path file = store_->file().parent_path() / fileName;
-  if (descriptor_ < 0) {
-    if (!isPrivateFile(file)) makePrivateFile(file);
-    descriptor_ = ::open(file.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "cannot open " + file.string());
-  }
+  open();
   const std::string line = fmt::format("{:<19}\n", sequence);
   if (::pwrite(descriptor_, line.data(), line.size(), 0) != static_cast<ssize_t>(line.size()))
-    throw std::system_error(errno, std::generic_category(), "cannot write " + file.string());
+    failWithErrno("cannot write", file());
 }
 
 }  // namespace habitra

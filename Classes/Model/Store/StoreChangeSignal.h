@@ -3,6 +3,7 @@
 #include <HabitraModel/Store/Store.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 
 namespace habitra {
@@ -21,16 +22,26 @@ class StoreChangeSignal {
   StoreChangeSignal(const StoreChangeSignal&) = delete;
   StoreChangeSignal& operator=(const StoreChangeSignal&) = delete;
 
-  /// Says that the transaction `sequence` is committed. A failure is logged once and then nothing more is tried: what
-  /// was saved is saved, others see it at their next reading. REQUIRES: the writers' turn.
+  // Neither fails: what was saved is saved, and others see it at their next reading. Of failures in a row the first is
+  // logged. REQUIRES of both: the writers' turn.
+
+  /// Opens the file before the commit: when the writer dies between that and announce(), closing it is the signal.
+  void prepare() noexcept;
+  /// Says that the transaction `sequence` is committed.
   void announce(std::int64_t sequence) noexcept;
 
  private:
+  template <typename Step>
+  void attempt(const Step& step) noexcept;
+  void open();
   void write(std::int64_t sequence);
+  [[nodiscard]] std::filesystem::path file() const { return store_->file().parent_path() / fileName; }
+  /// Whether the open file is still the one that others find.
+  [[nodiscard]] bool isInPlace() const;
 
   std::shared_ptr<Store> store_;
   int descriptor_ = -1;
-  bool hasFailed_ = false;
+  bool hasFailed_ = false;  ///< the last time
 };
 
 }  // namespace habitra

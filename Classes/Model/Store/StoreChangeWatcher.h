@@ -18,8 +18,9 @@ namespace habitra {
 /// Making and destroying belong to one thread; destroying waits for a call that is under way.
 class StoreChangeWatcher {
  public:
-  /// Throws StoreError when the system gives no notifications.
-  StoreChangeWatcher(std::shared_ptr<Store> store, std::function<void()> onChange);
+  /// Throws StoreError when the system gives no notifications; when it gives none any more later, that is logged and
+  /// tried again each second. The store may be closed at any time; a file is watched on without it.
+  StoreChangeWatcher(Store& store, std::function<void()> onChange);
   ~StoreChangeWatcher();
   StoreChangeWatcher(const StoreChangeWatcher&) = delete;
   StoreChangeWatcher& operator=(const StoreChangeWatcher&) = delete;

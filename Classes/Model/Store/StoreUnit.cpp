@@ -68,7 +68,10 @@ void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
     newest = {transaction->sequence, newestGiven_, std::max(newest_.moment, std::optional(transaction->moment))};
   }
   try {
-    if (transaction) writeNewest(newest);
+    if (transaction) {
+      writeNewest(newest);
+      signal_.prepare();
+    }
     commit_.use()->step();
   } catch (...) {
     rollback();

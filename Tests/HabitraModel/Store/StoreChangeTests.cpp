@@ -1,5 +1,6 @@
 #include <HabitraModel/Store/StoreChangeWatcher.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -122,6 +123,9 @@ TEST_F(StoreChangeTest, ASignalThatCannotBeGivenFailsNoSave) {
   save(*context);
   save(*context);
   EXPECT_EQ(open()->sequence(), 2);
+  std::filesystem::remove(signal());
+  save(*context);
+  EXPECT_EQ(signalText(), "3                  \n") << "a failure is no reason to stay silent";
   std::ifstream stream(elsewhere);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "untouched") << "no link is followed";
 }
@@ -129,11 +133,15 @@ TEST_F(StoreChangeTest, ASignalThatCannotBeGivenFailsNoSave) {
 TEST_F(StoreChangeTest, AWatcherIsCalledForWhatOtherProcessesSave) {
   makeTask();
   std::filesystem::remove(signal());
-  const OtherProcess other([this] { save(*open()); });
+  std::unique_ptr<StoreContext> ofOther;
+  const OtherProcess other([&] {
+    if (ofOther == nullptr) ofOther = open();
+    save(*ofOther);
+  });
   const auto store = openStore();
   StoreContext reader(store);
   std::atomic<std::int64_t> seen = 0;
-  const StoreChangeWatcher watcher(store, [&] {
+  const StoreChangeWatcher watcher(*store, [&] {
     reader.refresh();
     seen = reader.sequence();
     calls_.add();
@@ -150,6 +158,27 @@ TEST_F(StoreChangeTest, AWatcherIsCalledForWhatOtherProcessesSave) {
   }
 }
 
+TEST_F(StoreChangeTest, AWriterThatDiesBeforeItTellsWakesTheWatcher) {
+  makeTask();
+  const StoreChangeWatcher watcher(*openStore(), [this] { calls_.add(); });
+  ::close(::open(signal().c_str(), O_WRONLY | O_CLOEXEC));
+  calls_.waitForMoreThan(0);
+}
+
+TEST_F(StoreChangeTest, AHomeThatGoesAwayAndComesAgainIsWatchedAgain) {
+  makeTask();
+  const StoreChangeWatcher watcher(*openStore(), [this] { calls_.add(); });
+  MaintenanceLock(file().parent_path()).takeExclusive();  // the watcher keeps no store open
+  std::filesystem::remove_all(file().parent_path());
+  calls_.waitForMoreThan(0);
+  const auto context = open();
+  for (int i = 0; i < 2; ++i) {
+    const int before = calls_.count();
+    save(*context);
+    calls_.waitForMoreThan(before);
+  }
+}
+
 TEST_F(StoreChangeTest, AHomeThatMayNotBeWrittenCanBeWatched) {
   makeTask();
   const auto home = file().parent_path();
@@ -157,7 +186,7 @@ TEST_F(StoreChangeTest, AHomeThatMayNotBeWrittenCanBeWatched) {
   save(*writer);
   std::filesystem::permissions(home, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
   {
-    const StoreChangeWatcher watcher(Store::openForReading(file(), clock_), [this] { calls_.add(); });
+    const StoreChangeWatcher watcher(*Store::openForReading(file(), clock_), [this] { calls_.add(); });
     save(*writer);
     calls_.waitForMoreThan(0);
   }
@@ -170,7 +199,7 @@ TEST_F(StoreChangeTest, ContextsInMemoryTellEachOther) {
   StoreContext context(store);
   StoreContext reader(store);
   {
-    const StoreChangeWatcher watcher(store, [&] {
+    const StoreChangeWatcher watcher(*store, [&] {
       EXPECT_EQ(reader.sequence(), 1);
       calls_.add();
     });
