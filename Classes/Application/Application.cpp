@@ -44,14 +44,17 @@ ProcessReport Application::process() {
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) return {};
   const TaskProcessor::Report report = rooms_->processor.processAllTasks(*context, rooms_->now());
+  rooms_->trimHistory(*context);
   return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
 }
 
 void Application::processIfDue() noexcept {
   try {
     StoreContext* context = rooms_->readingContext();
-    if (context != nullptr && !context->store().isReadOnly() && rooms_->processor.isDue(*context, rooms_->now()))
-      rooms_->processor.processAllTasks(*context, rooms_->now());
+    if (context == nullptr || context->store().isReadOnly()) return;
+    if (rooms_->processor.isDue(*context, rooms_->now())) rooms_->processor.processAllTasks(*context, rooms_->now());
+    // When a person has marked all habits today, no pass is due, yet history grows.
+    rooms_->trimHistory(*context);
   } catch (const std::exception& error) {
     qz::log::warning("The pass after the answer could not be made: {}", error.what());
   }

@@ -105,7 +105,8 @@ class Application {
   /// Throws qz::Error when nothing that a person or an import recorded stands there, or the day lies in the future.
   HabitSummary undo(std::string_view name, std::optional<qz::YYYYMMDD> day);
 
-  /// Brings every active habit up to date: fills in the days that are over, stores the figures.
+  /// Brings every active habit up to date: fills in the days that are over, stores the figures. At most once a day what
+  /// history nobody needs any more goes, too.
   ProcessReport process();
 
   /// The same after a call that only looked, when the day has changed since the last pass. Never throws: what could not

@@ -2,9 +2,11 @@
 
 #include <HabitraApp/TaskLookup.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Store/HistoryTrimming.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
 
 #include <exception>
 
@@ -113,6 +115,14 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
   recorder.record(task, request, [&failure](std::exception_ptr error) { failure = std::move(error); });
   mainQueue.drain();
   if (failure) std::rethrow_exception(failure);
+}
+
+void Application::Rooms::trimHistory(StoreContext& context) noexcept {
+  try {
+    HistoryTrimming::trimDaily(context, manager.standardDefaults(), now());
+  } catch (const std::exception& error) {
+    qz::log::warning("The history could not be trimmed: {}", error.what());
+  }
 }
 
 DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day) {

@@ -51,6 +51,9 @@ class Application::Rooms {
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
               qz::Moment startDate);
 
+  /// Lets go of history that nobody needs any more, at most once a day. Never throws: it can wait.
+  void trimHistory(StoreContext& context) noexcept;
+
   DataManager manager;
   /// With the app-wide start of day as the newest of the contexts above has seen it.
   TaskCalendars calendars;

@@ -101,4 +101,21 @@ TEST_F(MarkingTests, aDayThatHasNotComeIsAnErrorAndRecordsNothing) {
   EXPECT_EQ(rowsInLog("Read"), 0u);
 }
 
+TEST_F(MarkingTests, historyGoesThoughNobodyObserves) {
+  for (int i = 0; i < 3; ++i) application_.add("Habit " + std::to_string(i));
+  const auto context = manager().context();
+  for (int i = 0; i < 4; ++i) {
+    ++context->find<habitra::TaskEntity>("title", "Habit 0")->displayOrder;
+    context->save({.author = habitra::Author::app});
+  }
+  for (int i = 0; i < 200; ++i) {
+    context->find<habitra::TaskEntity>("title", "Habit 1")->displayOrder = static_cast<std::int16_t>(100 + i);
+    context->save({.author = habitra::Author::app, .command = "move"});
+  }
+  clock_->advance(days(8));
+  application_.processIfDue();
+  context->refresh();
+  EXPECT_EQ(context->oldestKeptSequence(), 8) << "undo reaches 200 commands";
+}
+
 }  // namespace

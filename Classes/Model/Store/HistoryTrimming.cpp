@@ -16,6 +16,15 @@ constexpr std::int64_t noSequence = std::numeric_limits<std::int64_t>::max();
 /// any, and they come first.
 constexpr std::int64_t commandsLookedAt = 64;
 
+/// Steps that trimDaily() takes at most: more than a day of a great many habits makes, and some seconds.
+constexpr int stepsPerDay = 40;
+
+bool wasTrimmedToday(const KeyValueDefaults::Values& values, qz::Moment now) {
+  const auto found = values.find(HistoryTrimming::trimmedKey);
+  const auto* const last = found == values.end() ? nullptr : found->second.as<qz::Moment>();
+  return last != nullptr && *last <= now && now - *last < std::chrono::hours(24);
+}
+
 std::int64_t integer(Statement& statement, std::int64_t otherwise) {
   return statement.step() && !statement.isNull(0) ? statement.integer(0) : otherwise;
 }
@@ -155,6 +164,26 @@ auto HistoryTrimming::trim(StoreContext& context, const std::vector<HistoryReade
   if (context.store().isReadOnly()) return {};
   Step step(context, readers, now, limits);
   return step.isDue() ? step.run() : Report{};
+}
+
+auto HistoryTrimming::trimDaily(StoreContext& context, KeyValueDefaults& defaults, qz::Moment now) -> Report {
+  Report total;
+  if (context.store().isReadOnly()) return total;
+  bool isOld = false;
+  context.readTransactions(
+      0, [&](const StoredTransaction& oldest) { isOld = now - oldest.moment > youngestToGo; }, 1);
+  if (!isOld || wasTrimmedToday(defaults.values(), now)) return total;
+  const std::vector<HistoryReader> readers = historyReaders(defaults);
+  for (int i = 0; i < stepsPerDay; ++i) {
+    const Report report = trim(context, readers, now);
+    if (report == Report{}) break;
+    total.transactions += report.transactions;
+    total.changes += report.changes;
+    total.valuesBefore += report.valuesBefore;
+    total.backups += report.backups;
+  }
+  defaults.set(trimmedKey, now);
+  return total;
 }
 
 }  // namespace habitra

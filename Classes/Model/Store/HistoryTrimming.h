@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/HistoryReaders.h>
 #include <QZKit/Clock.h>
 
@@ -45,6 +46,14 @@ class HistoryTrimming {
   static Report trim(StoreContext& context, const std::vector<HistoryReader>& readers, qz::Moment now) {
     return trim(context, readers, now, Limits{});
   }
+
+  /// The key of the defaults that says when trimDaily() last did something or looked in vain.
+  static constexpr const char* trimmedKey = "pho.trimmed";
+
+  /// For programs that end before they would come to it again and again: trims whatever there is, the readers being
+  /// those that `defaults` name, but not twice in 24 hours. Costs the reading of one row while no transaction is old
+  /// enough to go, and of the defaults while some is that undo or a reader holds. The same requirement and error.
+  static Report trimDaily(StoreContext& context, KeyValueDefaults& defaults, qz::Moment now);
 
  private:
   class Step;

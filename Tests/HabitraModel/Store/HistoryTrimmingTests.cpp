@@ -107,6 +107,25 @@ TEST_F(HistoryTrimmingTest, OneCallDoesABoundedPartAndLeavesNoHoles) {
   EXPECT_EQ(runSQL(file(), "PRAGMA integrity_check"), std::vector<std::string>{"ok"});
 }
 
+TEST_F(HistoryTrimmingTest, ProgramsThatEndSoonTrimOnceADay) {
+  save(700);
+  const auto defaults = KeyValueDefaults::inMemory();
+  const auto trimmed = [&] { return HistoryTrimming::trimDaily(*context_, *defaults, clock_->now()).transactions; };
+  EXPECT_EQ(trimmed(), 0);
+  EXPECT_TRUE(defaults->keys().empty()) << "nothing is kept while nothing is old";
+  clock_->advance(days(8));
+  setHistoryReader(*defaults, Author::widget, reader(600));
+  EXPECT_EQ(trimmed(), 600) << "more than one step, and only what was read";
+  setHistoryReader(*defaults, Author::widget, reader(650));
+  clock_->advance(std::chrono::hours(23));
+  EXPECT_EQ(trimmed(), 0) << "tomorrow";
+  clock_->advance(std::chrono::hours(1));
+  EXPECT_EQ(trimmed(), 50);
+  clock_->advance(-days(1));
+  setHistoryReader(*defaults, Author::widget, reader(690));
+  EXPECT_EQ(trimmed(), 40) << "a clock that was wrong holds nothing up";
+}
+
 TEST_F(HistoryTrimmingTest, WhoeverReadsMeanwhileKeepsTheView) {
   save(5);
   clock_->advance(days(8));
