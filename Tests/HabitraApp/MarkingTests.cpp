@@ -45,7 +45,6 @@ class MarkingTests : public testing::Test {
       std::make_shared<SettableClock>(qz::Moment(std::chrono::sys_days(std::chrono::January / 31 / 2024) + hours(12)));
   habitra::Application application_{{.home = folder_ / "home", .clock = clock_, .timeZone = qz::TimeZone::utc()}};
 
- private:
   habitra::DataManager manager() { return {habitra::DataManager::storeLocation(folder_ / "home"), clock_}; }
 };
 
