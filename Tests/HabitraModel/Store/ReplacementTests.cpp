@@ -123,6 +123,7 @@ TEST_F(ReplacementTest, ADamagedStoreGivesWayAndItsBytesAreKept) {
 TEST_F(ReplacementTest, FollowsNoLinkAmongTheBackups) {
   makeBoth();
   std::ofstream(file()) << std::string(5000, '\xAB');
+  std::ofstream(file().string() + "-wal") << "the rest";  // whole, it would hold the whole store
   std::ofstream(folder_ / "mine") << "mine";
   fs::create_directories(backups());
   fs::create_symlink(folder_ / "mine", kept().string() + "-wal");
