@@ -68,12 +68,14 @@ class Settings {
   /// What a person has chosen; none when nobody has, or what is kept cannot be read. Throws StoreError.
   template <typename T, typename Kind>
   [[nodiscard]] std::optional<T> chosen(const Setting<T, Kind>& setting) const {
-    std::optional<Kind> kept;
-    if (setting.place != SettingPlace::store)
-      kept = defaults(setting.place).template get<Kind>(setting.key);
-    else if (context_ != nullptr)
-      kept = StoreSettings(*context_).get<Kind>(setting.key);
-    return kept ? setting.decode(*kept) : std::nullopt;
+    if (setting.place != SettingPlace::store) {
+      const auto kept = defaults(setting.place).template get<Kind>(setting.key);
+      return kept ? setting.decode(*kept) : std::nullopt;
+    }
+    if (context_ == nullptr) return std::nullopt;
+    for (const Kind& kept : StoreSettings(*context_).all<Kind>(setting.key))
+      if (auto value = setting.decode(kept)) return value;
+    return std::nullopt;
   }
 
   /// What has been chosen, else the default.

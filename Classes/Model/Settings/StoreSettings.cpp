@@ -1,35 +1,56 @@
 #include <HabitraModel/Settings/StoreSettings.h>
+#include <HabitraModel/Store/RowCoding.h>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
-#include <vector>
 
 namespace habitra {
 
-SettingEntity* StoreSettings::find(std::string_view key) {
-  const std::vector<SettingEntity*> rows = context_.fetch<SettingEntity>("settingKey", key);
-  const auto newest = std::max_element(rows.begin(), rows.end(), [](const SettingEntity* a, const SettingEntity* b) {
-    return std::pair(a->dateCreated, a->objectID) < std::pair(b->dateCreated, b->objectID);
-  });
-  return newest == rows.end() ? nullptr : *newest;
+std::vector<SettingEntity*> StoreSettings::newestFirst(std::string_view key) {
+  std::vector<SettingEntity*> rows = context_.fetch<SettingEntity>("settingKey", key);
+  std::ranges::sort(rows, std::greater(),
+                    [](const SettingEntity* row) { return std::pair(row->dateCreated, row->objectID); });
+  return rows;
 }
 
 void StoreSettings::put(std::string_view key, const SettingEntity& values) {
   context_.beginUnit();
-  SettingEntity* row = find(key);
+  const std::vector<SettingEntity*> rows = newestFirst(key);
+  const std::optional<qz::Moment> now = context_.store().clock().now();
   SettingEntity wanted = values;
   wanted.settingKey = key;
-  if (row == nullptr) {
-    wanted.dateCreated = context_.store().clock().now();
+  if (rows.empty()) {
+    wanted.dateCreated = now;
     context_.insert(wanted);
     return;
   }
-  wanted.objectID = row->objectID;
-  wanted.dateCreated = row->dateCreated;
-  if (*row == wanted) return;
-  *row = wanted;
-  for (SettingEntity* other : context_.fetch<SettingEntity>("settingKey", key))
-    if (other != row) context_.remove(*other);
+  SettingEntity& newest = *rows.front();
+  wanted.objectID = newest.objectID;
+  wanted.dateCreated = newest.dateCreated;
+  if (newest == wanted) return;
+  // A clock that goes back must not let an older row count again that another device still has.
+  wanted.dateCreated = std::max(now, newest.dateCreated);
+  newest = wanted;
+  for (SettingEntity* other : rows)
+    if (other != &newest) context_.remove(*other);
+}
+
+std::size_t StoreSettings::removeRowsThatDoNotCount(std::string_view key) {
+  std::size_t removed = 0;
+  AttributeSet kinds;  // of which a newer row has a value
+  for (SettingEntity* row : newestFirst(key)) {
+    SettingEntity values = *row;
+    values.settingKey.reset();
+    values.dateCreated.reset();
+    const AttributeSet own = attributesWithValues(SettingEntity::description(), &values);
+    if ((kinds | own) == kinds) {
+      context_.remove(*row);
+      ++removed;
+    }
+    kinds = kinds | own;
+  }
+  return removed;
 }
 
 void StoreSettings::remove(std::string_view key) {
@@ -39,7 +60,8 @@ void StoreSettings::remove(std::string_view key) {
 
 void StoreSettings::copy(std::string_view from, std::string_view to) {
   context_.beginUnit();
-  if (const SettingEntity* row = find(from)) put(to, SettingEntity(*row));
+  const std::vector<SettingEntity*> rows = newestFirst(from);
+  if (!rows.empty()) put(to, *rows.front());
 }
 
 }  // namespace habitra

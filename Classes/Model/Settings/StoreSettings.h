@@ -4,31 +4,43 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoredValues.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace habitra {
 
 /// The settings that a store keeps: per key one SettingEntity, with the value in the column of its kind, which is one
 /// of bool, std::int64_t, double, std::string, Bytes and qz::Moment.
 ///
-/// When a key has more than one row, which mirroring can bring about, the one that was created last counts (by
-/// `dateCreated`, where none is earliest, then by number), for reading and for writing; a change of its value removes
-/// the others.
+/// When a key has more than one row, which mirroring can bring about, the one that was changed last counts (by
+/// `dateCreated`, which is set anew with each change of the value; none is earliest; then by number), among those with
+/// a value of the kind that is asked for. A change of the value removes the others.
 ///
 /// Changes begin a unit of the context and are left to its owner to save. Belongs to the context's queue.
 class StoreSettings {
  public:
   explicit StoreSettings(StoreContext& context) : context_(context) {}
 
-  /// The value of `key`; none when there is none or it is of another kind.
+  /// The value of `key`; none when there is none of this kind.
   template <typename Kind>
   [[nodiscard]] std::optional<Kind> get(std::string_view key) {
-    const SettingEntity* row = find(key);
-    return row == nullptr ? std::nullopt : row->*column<Kind>();
+    for (const SettingEntity* row : newestFirst(key))
+      if (row->*column<Kind>()) return row->*column<Kind>();
+    return std::nullopt;
+  }
+
+  /// All values of `key` of this kind, the one that counts first.
+  template <typename Kind>
+  [[nodiscard]] std::vector<Kind> all(std::string_view key) {
+    std::vector<Kind> values;
+    for (const SettingEntity* row : newestFirst(key))
+      if (const auto& value = row->*column<Kind>()) values.push_back(*value);
+    return values;
   }
 
   /// Writes nothing when the value is stored already.
@@ -41,6 +53,9 @@ class StoreSettings {
 
   /// Removes all rows of `key`.
   void remove(std::string_view key);
+
+  /// Removes the rows of `key` that count for no kind, and gives how many there were. REQUIRES: a unit.
+  std::size_t removeRowsThatDoNotCount(std::string_view key);
 
   /// Gives `to` the value of `from`, if that has one.
   void copy(std::string_view from, std::string_view to);
@@ -64,8 +79,7 @@ class StoreSettings {
     }
   }
 
-  /// The row that counts, or null.
-  [[nodiscard]] SettingEntity* find(std::string_view key);
+  [[nodiscard]] std::vector<SettingEntity*> newestFirst(std::string_view key);
   /// Takes over the value columns.
   void put(std::string_view key, const SettingEntity& values);
 

@@ -1,18 +1,19 @@
+#include <HabitraModel/Settings/StoreSettings.h>
 #include <HabitraModel/Store/Entities/TaskCategoryEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
 #include <HabitraModel/Store/Entities/TaskCounterEntity.h>
 #include <HabitraModel/Store/Entities/TaskNoteEntity.h>
 #include <HabitraModel/Store/Entities/TaskNotificationRemindersEntity.h>
 #include <HabitraModel/Store/Entities/TaskTimerEntity.h>
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Tasks/AlikeRows.h>
 #include <HabitraModel/Tasks/DoubleRows.h>
 #include <HabitraModel/Tasks/LogUnion.h>
+#include <HabitraModel/Tasks/RowOfTask.h>
 #include <QZKit/UniqueID.h>
 
 #include <algorithm>
 #include <array>
 #include <set>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,20 +21,8 @@
 namespace habitra {
 namespace {
 
-/// What does not make a row another: its identifier, which is asked about, and its state towards the cloud.
-constexpr std::array<std::string_view, 3> besideContent{"uniqueId", "cloudStatus", "cloudStatusDate"};
-/// The same for rows of two tasks that become one.
+/// What does not make a row another when two tasks become one.
 constexpr std::array<std::string_view, 2> besideContentAndTask{"uniqueId", "task"};
-
-/// Whether two rows differ in nothing but these attributes.
-template <typename T>
-bool areAlike(const T& a, const T& b, std::span<const std::string_view> ignored) {
-  const EntityDescription& entity = T::description();
-  const AttributeSet different = differences(entity, &a, &b);
-  for (std::size_t i = 0; i < entity.attributes.size(); ++i)
-    if (different.contains(i) && std::ranges::find(ignored, entity.attributes[i].name) == ignored.end()) return false;
-  return true;
-}
 
 std::string newIdentifier(StoreContext& context) {
   return qz::UniqueID::generate(context.store().clock().now()).text();
@@ -67,8 +56,7 @@ void resolve(StoreContext& context, DoubleRows& done) {
   for (const std::string& uniqueId : context.repeatedTexts<T>("uniqueId")) {
     std::vector<T*> kept;
     for (T* row : context.fetch<T>("uniqueId", uniqueId)) {
-      const auto older =
-          std::ranges::find_if(kept, [&](const T* candidate) { return areAlike(*candidate, *row, besideContent); });
+      const auto older = std::ranges::find_if(kept, [&](const T* candidate) { return areAlike(*candidate, *row); });
       if (older != kept.end()) {
         leadOver<TaskEntity>(context, *row, **older);
         leadOver<TaskCategoryLink>(context, *row, **older);
@@ -89,8 +77,8 @@ void resolveEntries(StoreContext& context, DoubleRows& done) {
   for (const std::string& uniqueId : context.repeatedTexts<TaskLogEntryEntity>("uniqueId")) {
     std::vector<TaskLogEntryEntity> kept;
     for (TaskLogEntryEntity& entry : context.fetchLogEntries(uniqueId)) {
-      const auto older = std::ranges::find_if(
-          kept, [&](const TaskLogEntryEntity& candidate) { return areAlike(candidate, entry, besideContent); });
+      const auto older =
+          std::ranges::find_if(kept, [&](const TaskLogEntryEntity& candidate) { return areAlike(candidate, entry); });
       if (older != kept.end()) {
         leadRequestsOver(context, entry.objectID, older->objectID);
         context.removeLogEntry(entry.key());
@@ -119,6 +107,27 @@ void removeDoubleLinks(StoreContext& context, DoubleRows& done) {
   }
 }
 
+template <typename T>
+void resolveRowsOfTasks(StoreContext& context, DoubleRows& done) {
+  std::set<ObjectID> tasks;
+  std::set<ObjectID> tasksWithSeveral;
+  for (const T* row : context.fetchAll<T>())
+    if (row->task != ObjectID::none && !tasks.insert(row->task).second) tasksWithSeveral.insert(row->task);
+  for (const ObjectID task : tasksWithSeveral) done.united += removeRowsThatDoNotCount<T>(context, task);
+}
+
+void resolveSettings(StoreContext& context, DoubleRows& done) {
+  for (const std::string& key : context.repeatedTexts<SettingEntity>("settingKey"))
+    done.united += StoreSettings(context).removeRowsThatDoNotCount(key);
+}
+
+/// What a task has one of goes over as well; then the one that counts stays.
+template <typename T>
+void uniteRowsOfTask(StoreContext& context, ObjectID survivor, ObjectID other) {
+  for (T* row : context.fetchRelated<T>("task", other)) row->task = survivor;
+  (void)removeRowsThatDoNotCount<T>(context, survivor);
+}
+
 }  // namespace
 
 void uniteRelatedRows(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
@@ -127,6 +136,9 @@ void uniteRelatedRows(StoreContext& context, const TaskEntity& survivor, const T
   uniteRelated<TaskTimerEntity>(context, survivor.objectID, other.objectID);
   uniteRelated<TaskNotificationRemindersEntity>(context, survivor.objectID, other.objectID);
   uniteRelated<TaskCategoryLink>(context, survivor.objectID, other.objectID);
+  uniteRowsOfTask<TaskNotificationSettingsEntity>(context, survivor.objectID, other.objectID);
+  uniteRowsOfTask<TaskTemporalDataEntity>(context, survivor.objectID, other.objectID);
+  uniteRowsOfTask<TaskShareEntity>(context, survivor.objectID, other.objectID);
 }
 
 DoubleRows resolveDoubleRows(StoreContext& context) {
@@ -138,6 +150,10 @@ DoubleRows resolveDoubleRows(StoreContext& context) {
   resolve<TaskNotificationRemindersEntity>(context, done);
   resolveEntries(context, done);
   removeDoubleLinks(context, done);
+  resolveRowsOfTasks<TaskNotificationSettingsEntity>(context, done);
+  resolveRowsOfTasks<TaskTemporalDataEntity>(context, done);
+  resolveRowsOfTasks<TaskShareEntity>(context, done);
+  resolveSettings(context, done);
   return done;
 }
 

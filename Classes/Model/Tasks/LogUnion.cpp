@@ -2,12 +2,16 @@
 #include <HabitraCore/TaskLogEntryType.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskTimerEntity.h>
+#include <HabitraModel/Tasks/AlikeRows.h>
 #include <HabitraModel/Tasks/LogUnion.h>
+#include <QZKit/UniqueID.h>
 
 #include <algorithm>
 #include <chrono>
 #include <functional>
 #include <map>
+#include <set>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -17,11 +21,38 @@ namespace {
 
 using Entries = std::vector<TaskLogEntryEntity>;
 
-auto dayTypeAndSecond(const TaskLogEntryEntity& entry) {
+/// What an entry says: of which day and type it is, when it was made, and how much it reports. How much the system has
+/// measured does not count: it goes on measuring, and then one entry says two things.
+auto content(const TaskLogEntryEntity& entry) {
+  const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
+  const bool isMeasured = type && isAutomatic(*type);
   std::optional<std::int64_t> second;
   if (entry.createdTimestamp)
     second = std::chrono::floor<std::chrono::seconds>(*entry.createdTimestamp).time_since_epoch().count();
-  return std::tuple(entry.entryDate, entry.entryType, second);
+  return std::tuple(entry.entryDate, entry.entryType, second, isMeasured ? 0 : entry.progress,
+                    isMeasured ? 0 : entry.progressTotal);
+}
+
+/// The entries of a task without those that it has twice; these are removed.
+Entries withoutDoubles(StoreContext& context, const TaskEntity& task, DoubleRows& done) {
+  Entries entries;
+  std::multimap<std::string, std::size_t> places;  // in `entries`, by identifier
+  for (TaskLogEntryEntity& entry : context.fetchLogEntries(task.objectID)) {
+    if (entry.uniqueId) {
+      const auto [first, last] = places.equal_range(*entry.uniqueId);
+      const auto older =
+          std::find_if(first, last, [&](const auto& place) { return areAlike(entries[place.second], entry); });
+      if (older != last) {
+        leadRequestsOver(context, entry.objectID, entries[older->second].objectID);
+        context.removeLogEntry(entry.key());
+        ++done.united;
+        continue;
+      }
+      places.emplace(*entry.uniqueId, entries.size());
+    }
+    entries.push_back(std::move(entry));
+  }
+  return entries;
 }
 
 /// Finds for each entry of one log its partner in the other, one to one.
@@ -29,8 +60,10 @@ class Partners {
  public:
   Partners(const Entries& wanted, const Entries& kept)
       : wanted_(wanted), kept_(kept), partnerOf_(wanted.size()), isTaken_(kept.size()) {
-    pair([](const TaskLogEntryEntity& entry) { return entry.uniqueId; });
-    pair([](const TaskLogEntryEntity& entry) { return std::optional(dayTypeAndSecond(entry)); });
+    pair([](const TaskLogEntryEntity& entry) {
+      return entry.uniqueId ? std::optional(std::pair(*entry.uniqueId, content(entry))) : std::nullopt;
+    });
+    pair([](const TaskLogEntryEntity& entry) { return std::optional(content(entry)); });
   }
 
   /// The partner of the wanted entry at `index`, or null.
@@ -130,10 +163,13 @@ void renameEntryOfTimers(StoreContext& context, ObjectID task, std::string_view 
     if (timer->entryId == from) timer->entryId = to;
 }
 
-void uniteLogs(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
-  const Entries kept = context.fetchLogEntries(survivor.objectID);
-  const Entries wanted = context.fetchLogEntries(other.objectID);
+DoubleRows uniteLogs(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
+  DoubleRows done;
+  const Entries kept = withoutDoubles(context, survivor, done);
+  const Entries wanted = withoutDoubles(context, other, done);
   const Partners partners(wanted, kept);
+  std::set<std::optional<std::string>> keptIdentifiers;
+  for (const TaskLogEntryEntity& entry : kept) keptIdentifiers.insert(entry.uniqueId);
   Entries added;
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     if (const TaskLogEntryEntity* partner = partners.of(i)) {
@@ -143,10 +179,16 @@ void uniteLogs(StoreContext& context, const TaskEntity& survivor, const TaskEnti
     } else {
       TaskLogEntryEntity& entry = added.emplace_back(wanted[i]);
       entry.task = survivor.objectID;
+      if (entry.uniqueId && keptIdentifiers.contains(entry.uniqueId)) {
+        entry.uniqueId = qz::UniqueID::generate(context.store().clock().now()).text();
+        renameEntryOfTimers(context, other.objectID, *wanted[i].uniqueId, *entry.uniqueId);
+        ++done.renamed;
+      }
       context.updateLogEntry(wanted[i].key(), entry);
     }
   }
   removeContradicted(context, kept, added);
+  return done;
 }
 
 }  // namespace habitra

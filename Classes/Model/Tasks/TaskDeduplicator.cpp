@@ -1,5 +1,3 @@
-#include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
-#include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Tasks/DoubleRows.h>
 #include <HabitraModel/Tasks/LogUnion.h>
@@ -32,43 +30,32 @@ TaskEntity identityOf(const TaskEntity& task) {
   return identity;
 }
 
-/// Leads the one row of this entity that belongs to `other` over to `survivor`, unless that has one.
-template <typename T>
-void takeOverIfMissing(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
-  if (!context.fetchRelated<T>("task", survivor.objectID).empty()) return;
-  const auto rows = context.fetchRelated<T>("task", other.objectID);
-  if (!rows.empty()) rows.front()->task = survivor.objectID;
-}
-
 /// Makes one task of two; the row of `other` goes, with all that is kept already.
-void unite(StoreContext& context, TaskEntity& survivor, TaskEntity& other) {
-  uniteLogs(context, survivor, other);
+void unite(StoreContext& context, TaskEntity& survivor, TaskEntity& other, TaskDeduplicator::Report& report) {
+  const DoubleRows entries = uniteLogs(context, survivor, other);
+  report.unitedRows += entries.united;
+  report.renamedRows += entries.renamed;
   uniteRelatedRows(context, survivor, other);
-  takeOverIfMissing<TaskNotificationSettingsEntity>(context, survivor, other);
-  takeOverIfMissing<TaskTemporalDataEntity>(context, survivor, other);
-  takeOverIfMissing<TaskShareEntity>(context, survivor, other);
   if (survivor.userProfile == ObjectID::none) survivor.userProfile = other.userProfile;
   // None is earlier than any moment: then all of it is looked at again.
   survivor.lastProcessedDate = std::min(survivor.lastProcessedDate, other.lastProcessedDate);
   context.remove(other);
+  ++report.unitedTasks;
 }
 
-/// Unites those of a group that are the same, which equal hashes do not prove. Gives how many went.
-std::size_t uniteGroup(StoreContext& context, const TaskDeduplicator::DuplicateGroup& group) {
+/// Unites those of a group that are the same, which equal hashes do not prove.
+void uniteGroup(StoreContext& context, const TaskDeduplicator::DuplicateGroup& group,
+                TaskDeduplicator::Report& report) {
   std::vector<TaskEntity*> survivors;
-  std::size_t united = 0;
   for (const ObjectID id : group.objectIDs) {
     TaskEntity* task = context.find<TaskEntity>(id);
     const auto same = std::ranges::find(survivors, identityOf(*task),
                                         [](const TaskEntity* survivor) { return identityOf(*survivor); });
-    if (same == survivors.end()) {
+    if (same == survivors.end())
       survivors.push_back(task);
-    } else {
-      unite(context, **same, *task);
-      ++united;
-    }
+    else
+      unite(context, **same, *task, report);
   }
-  return united;
 }
 
 }  // namespace
@@ -94,11 +81,11 @@ auto TaskDeduplicator::duplicateGroups(StoreContext& context) -> std::vector<Dup
 auto TaskDeduplicator::deduplicate(StoreContext& context) const -> Report {
   context.beginUnit();
   Report report;
-  for (const DuplicateGroup& group : duplicateGroups(context)) report.unitedTasks += uniteGroup(context, group);
+  for (const DuplicateGroup& group : duplicateGroups(context)) uniteGroup(context, group, report);
   report.renamedTasks = TaskProcessor::cleanUpDuplicatedTaskIDs(context);
   const DoubleRows rows = resolveDoubleRows(context);
-  report.unitedRows = rows.united;
-  report.renamedRows = rows.renamed;
+  report.unitedRows += rows.united;
+  report.renamedRows += rows.renamed;
   if (report != Report{})
     qz::log::info("Deduplication {}: {} tasks united, {} renamed, {} other rows united, {} renamed",
                   deduplicationId_ ? deduplicationId_->text() : "", report.unitedTasks, report.renamedTasks,

@@ -15,17 +15,22 @@ namespace habitra {
 /// Resolves the double identifiers that mirroring leaves behind.
 ///
 /// Tasks with the same `uniqueId` are one task when title, frequency and creation (to the second) agree. The older row
-/// survives, and what belongs to the other goes over to it:
-/// - entries of the log are united by `uniqueId`, else by day, type and second of creation, one to one, the older row
-///   staying; where only one of the two tasks has a person's full entry for a period, automatic ones of the other for
-///   that period go, as they go when it is recorded; of two automatic full ones a completion stays, else the older;
+/// survives with its attributes, and what belongs to the other goes over to it:
+/// - entries of the log are united that agree in day, type, second of creation and, but for what the system measured,
+///   amounts, one to one, those with the same `uniqueId` first, the older row staying; where only one of the two tasks
+///   has a person's full entry for a period, automatic ones of the other for that period go, as they go when it is
+///   recorded; of two automatic full ones a completion stays, else the older;
 /// - notes, counters, timers, reminders and categories that both have are kept once, all others of both;
-/// - notification settings, temporal data, share and page are taken over where the survivor has none.
+/// - of the notification settings, temporal data and share of both, those that were changed last stay;
+/// - the page is taken over where the survivor has none.
 /// Tasks that are not one keep apart: the newer gets a new identifier (TaskProcessor::cleanUpDuplicatedTaskIDs).
 ///
 /// Rows of other entities with the same identifier are one when they are alike in everything but their state towards
-/// the cloud; links to them then lead to the older. Otherwise the newer gets a new identifier. So nothing that a person
-/// entered is lost, and afterwards no identifier is double. Figures are not recomputed: a pass does that.
+/// the cloud; links to them then lead to the older. Otherwise the newer gets a new identifier. Of several rows of what
+/// a task has one of, the one that counts stays (RowOfTask.h), and of a setting those that do (StoreSettings.h).
+///
+/// So no entry, note or other record of a person is lost, of what there can be one of the last choice stays, and no
+/// identifier is double afterwards. Figures are not recomputed: a pass does that.
 ///
 /// Works on the queue of the context that it is given.
 class TaskDeduplicator {

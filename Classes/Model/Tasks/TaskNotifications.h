@@ -14,7 +14,8 @@ namespace habitra {
                                                                              const TaskEntity& task);
 
 /// Keeps the settings with their reminders in place of earlier ones. Rows stay where they can: a reminder keeps its row
-/// while it stands behind the same ones as before. What was left out in reading stays. Begins a unit.
+/// while it stands behind the same ones as before. What was left out in reading stays. A second reminder with
+/// the same identifier gets a new one. Where anything changes, the settings were last updated now. Begins a unit.
 void setNotificationSettings(StoreContext& context, const TaskEntity& task, const TaskNotificationSettings& settings);
 
 }  // namespace habitra

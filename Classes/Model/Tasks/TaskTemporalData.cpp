@@ -1,4 +1,5 @@
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
 
 #include <algorithm>
@@ -18,8 +19,7 @@ std::int16_t storedSamples(std::int64_t numSamples) {
 }  // namespace
 
 TaskTemporalDataEntity* findTemporalData(StoreContext& context, const TaskEntity& task) {
-  const auto found = context.fetchRelated<TaskTemporalDataEntity>("task", task.objectID);
-  return found.empty() ? nullptr : found.front();
+  return rowOfTask<TaskTemporalDataEntity>(context, task.objectID);
 }
 
 TaskTemporalDataEntity& findOrInsertTemporalData(StoreContext& context, const TaskEntity& task) {

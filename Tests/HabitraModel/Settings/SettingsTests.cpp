@@ -47,7 +47,7 @@ TEST_F(SettingsTest, AValueLiesInTheColumnOfItsKindAloneAndIsWrittenOnce) {
   context_->save({});
   EXPECT_EQ(stored_.get<std::int64_t>("a"), std::nullopt);
   EXPECT_EQ(stored_.get<std::string>("a"), "seven");
-  EXPECT_EQ(rows("a").at(0)->dateCreated, testMoment) << "of the insertion, not of the change";
+  EXPECT_EQ(rows("a").at(0)->dateCreated, clock_->now()) << "of the change";
   EXPECT_EQ(stored_.get<Bytes>("b"), (Bytes{0, 7}));
   EXPECT_EQ(stored_.get<qz::Moment>("c"), clock_->now());
   EXPECT_EQ(stored_.get<double>("d"), 0.7);
@@ -61,7 +61,7 @@ TEST_F(SettingsTest, AValueLiesInTheColumnOfItsKindAloneAndIsWrittenOnce) {
   EXPECT_TRUE(rows("a").empty());
 }
 
-TEST_F(SettingsTest, OfSeveralRowsTheLastCreatedIsReadAndWritten) {
+TEST_F(SettingsTest, OfSeveralRowsTheLastChangedThatCanBeReadCounts) {
   addRow("a", testMoment, 1);
   addRow("a", testMoment + std::chrono::hours(2), 2);
   addRow("a", std::nullopt, 3);
@@ -73,10 +73,21 @@ TEST_F(SettingsTest, OfSeveralRowsTheLastCreatedIsReadAndWritten) {
   context_->save({});
   EXPECT_EQ(stored_.get<std::int64_t>("a"), 4);
   EXPECT_EQ(rows("a").size(), 1u);
+  EXPECT_EQ(rows("a").at(0)->dateCreated, testMoment + std::chrono::hours(2)) << "though the clock says less";
 
   addRow("b", testMoment, 1);
   addRow("b", testMoment, 2);
-  EXPECT_EQ(stored_.get<std::int64_t>("b"), 2) << "created at the same moment: the later row";
+  EXPECT_EQ(stored_.get<std::int64_t>("b"), 2) << "changed at the same moment: the later row";
+
+  addRow("firstDayOfWeek", testMoment, 1);
+  addRow("firstDayOfWeek", testMoment + std::chrono::hours(1), 7);
+  SettingEntity text;
+  text.settingKey = "firstDayOfWeek";
+  text.dateCreated = testMoment + std::chrono::hours(2);
+  text.stringValue = "sunday";
+  context_->insert(text);
+  EXPECT_EQ(Settings(context_.get(), nullptr, nullptr).chosen(settings::firstDayOfWeek),
+            qz::DayOfWeek(qz::DayOfWeek::monday));
 }
 
 TEST_F(SettingsTest, WhatIsUnknownOrDamagedReadsAsTheDefault) {

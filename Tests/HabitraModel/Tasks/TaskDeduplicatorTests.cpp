@@ -2,6 +2,7 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreVerification.h>
+#include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
 #include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
@@ -22,6 +23,7 @@
 namespace habitra {
 namespace {
 
+using namespace std::string_literals;
 using std::chrono::seconds;
 using Report = TaskDeduplicator::Report;
 using Type = TaskLogEntryType;
@@ -34,12 +36,13 @@ struct MirroredStore {
     return context.insert(task);
   }
   ObjectID addEntry(const TaskEntity& task, std::int32_t day, Type type, const std::string& uniqueId,
-                    qz::Moment created = testMoment) {
+                    qz::Moment created = testMoment, double amount = 0) {
     TaskLogEntryEntity entry;
     entry.task = task.objectID;
     entry.entryDate = entry.entryPeriodFrom = entry.entryPeriodTo = day;
     entry.entryPeriodType = "d";
     entry.entryType = rawValue(type);
+    entry.progressTotal = amount;
     entry.uniqueId = uniqueId;
     entry.createdTimestamp = created;
     return context.insertLogEntry(entry);
@@ -112,7 +115,7 @@ TEST_F(TaskDeduplicatorTest, TasksThatAreNotOneKeepApartWithTheirPauses) {
   EXPECT_EQ(context.findLogEntry(mine)->task, run.objectID);
 }
 
-TEST_F(TaskDeduplicatorTest, EntriesAreUnitedByIdentifierElseByDayTypeAndSecondOneToOne) {
+TEST_F(TaskDeduplicatorTest, EntriesAreUnitedThatSayTheSameOneToOneThoseWithTheSameIdentifierFirst) {
   TaskEntity& older = addTask("Walk", "W");
   TaskEntity& newer = addTask("Walk", "W");
   older.lastProcessedDate = testMoment;
@@ -126,10 +129,65 @@ TEST_F(TaskDeduplicatorTest, EntriesAreUnitedByIdentifierElseByDayTypeAndSecondO
   addEntry(newer, 20240102, Type::completedManuallyPartial, "d", testMoment + seconds(1));
   addEntry(newer, 20240102, Type::missedManuallyPartial, "e");
   addEntry(newer, 20240104, Type::completedManuallyPartial, "old");  // it was changed there
-  EXPECT_EQ(run(), Report{.unitedTasks = 1});
+  add(TaskTimerEntity{.entryId = "old"}, older.objectID);
+  add(TaskTimerEntity{.entryId = "old"}, newer.objectID);
+  EXPECT_EQ(run(), (Report{.unitedTasks = 1, .renamedRows = 1}));
   EXPECT_EQ(tasks(), 1u);
-  EXPECT_EQ(log(older), (Names{"both", "a", "c", "d", "e", "old"})) << "b was a";
+  const Names names = log(older);
+  EXPECT_EQ(names, (Names{"both", "a", "c", "d", "e", "old", names.back()})) << "b was a";
+  EXPECT_NE(names.back(), "old") << "what was changed there stays, under a name of its own";
+  const auto timers = context.fetchRelated<TaskTimerEntity>("task", older.objectID);
+  ASSERT_EQ(timers.size(), 2u);
+  EXPECT_EQ(timers[0]->entryId, "old");
+  EXPECT_EQ(timers[1]->entryId, names.back());
   EXPECT_EQ(older.lastProcessedDate, testMoment - std::chrono::days(2));
+}
+
+TEST_F(TaskDeduplicatorTest, OtherAmountsAreOtherEntriesUnlessTheSystemMeasuredThem) {
+  TaskEntity& older = addTask("Walk", "W");
+  TaskEntity& newer = addTask("Walk", "W");
+  const auto addBoth = [&](std::int32_t day, Type type, const std::string& name, const std::string& otherName) {
+    addEntry(older, day, type, name, testMoment, 1);
+    addEntry(newer, day, type, otherName, testMoment, 2);
+  };
+  addBoth(20240101, Type::completedManuallyPartial, "1", "2");
+  addBoth(20240102, Type::completedManuallyPartial, "3", "3");
+  addBoth(20240103, Type::completedAutomaticallyPartial, "4", "4");
+  addEntry(newer, 20240104, Type::completedManuallyPartial, "5");
+  addEntry(newer, 20240104, Type::completedManuallyPartial, "5");
+  EXPECT_EQ(run(), (Report{.unitedTasks = 1, .unitedRows = 1, .renamedRows = 1}));
+  const Names names = log(older);
+  ASSERT_EQ(names.size(), 6u);
+  EXPECT_EQ(names, (Names{"1", "2", "3", names[3], "4", "5"}));
+}
+
+TEST_F(TaskDeduplicatorTest, OfWhatThereIsOneOfTheLastChoiceStays) {
+  TaskEntity& older = addTask("Walk", "W");
+  TaskEntity& newer = addTask("Walk", "W");
+  TaskEntity& other = addTask("Read", "R");
+  const auto addSettings = [&](const TaskEntity& task, const char* mode, std::optional<qz::Moment> updated) {
+    add(TaskNotificationSettingsEntity{.badgeMode = mode, .lastUpdated = updated}, task.objectID);
+  };
+  addSettings(older, "a", testMoment);
+  addSettings(newer, "b", testMoment + seconds(1));
+  addSettings(other, "c", testMoment);
+  addSettings(other, "d", testMoment);
+  addSettings(other, "e", std::nullopt);
+  add(TaskShareEntity{.status = "f", .statusUpdated = testMoment}, other.objectID);
+  add(TaskShareEntity{.status = "g", .summaryJsonUpdated = testMoment + seconds(1)}, other.objectID);
+  context.insert(SettingEntity{.settingKey = "k", .dateCreated = testMoment + seconds(2), .intValue = 2});
+  context.insert(SettingEntity{.settingKey = "k", .dateCreated = testMoment, .intValue = 1});
+  context.insert(SettingEntity{.settingKey = "k", .dateCreated = testMoment, .stringValue = "other"});
+
+  EXPECT_EQ(run(), (Report{.unitedTasks = 1, .unitedRows = 4}));
+  const auto settings = context.fetchAll<TaskNotificationSettingsEntity>();
+  ASSERT_EQ(settings.size(), 2u);
+  EXPECT_EQ(std::pair(settings[0]->task, settings[0]->badgeMode), std::pair(older.objectID, std::optional("b"s)));
+  EXPECT_EQ(std::pair(settings[1]->task, settings[1]->badgeMode), std::pair(other.objectID, std::optional("c"s)));
+  EXPECT_EQ(context.fetchAll<TaskShareEntity>().at(0)->status, "g");
+  EXPECT_EQ(context.fetch<SettingEntity>("settingKey", "k").size(), 2u) << "one of each kind";
+  EXPECT_EQ(StoreSettings(context).get<std::int64_t>("k"), 2);
+  EXPECT_EQ(StoreSettings(context).get<std::string>("k"), "other");
 }
 
 TEST_F(TaskDeduplicatorTest, WhatTheSystemFilledInGivesWayToWhatAPersonEntered) {
@@ -228,15 +286,16 @@ TEST_F(TaskDeduplicatorTest, OtherRowsAreUnitedWhenAlikeAndRenamedWhenNot) {
 }
 
 /// What of a log must not get lost: how often a person said what, by task title.
-using Said = std::map<std::tuple<std::string, std::int32_t, std::int16_t, std::int64_t>, int>;
+using Said = std::map<std::tuple<std::string, std::int32_t, std::int16_t, std::int64_t, double>, int>;
 
 Said saidIn(StoreContext& context, const TaskEntity& task) {
   Said said;
-  std::set<std::string> seen;
+  std::set<std::pair<std::string, Said::key_type>> seen;
   for (const auto& entry : context.fetchLogEntries(task.objectID)) {
-    if (isAutomatic(fromRawValue<Type>(entry.entryType).value()) || !seen.insert(*entry.uniqueId).second) continue;
+    if (isAutomatic(fromRawValue<Type>(entry.entryType).value())) continue;
     const auto second = std::chrono::floor<seconds>(*entry.createdTimestamp).time_since_epoch().count();
-    ++said[{*task.title, entry.entryDate, entry.entryType, second}];
+    const Said::key_type what{*task.title, entry.entryDate, entry.entryType, second, entry.progressTotal};
+    if (seen.emplace(*entry.uniqueId, what).second) ++said[what];
   }
   return said;
 }
@@ -249,17 +308,19 @@ void makeRandomRows(MirroredStore& store) {
   constexpr std::array types{Type::completedManuallyFull, Type::missedAutomaticallyFull, Type::skippedManuallyFull,
                              Type::completedManuallyPartial, Type::completedAutomaticallyFull};
   for (int i = *inRange(0, 25); i > 0; --i) {
-    // The same identifier says the same; another one may as well.
-    const int number = *inRange(0, 40);
-    const ObjectID entry =
-        store.addEntry(**rc::gen::elementOf(tasks), 20240101 + number % 3, types[static_cast<std::size_t>(number % 5)],
-                       std::to_string(number), testMoment + seconds(number % 2));
+    // The same identifier often says the same; another one may as well.
+    const int number = *inRange(0, 12);
+    const int content = *rc::gen::element(number, *inRange(0, 12));
+    const ObjectID entry = store.addEntry(**rc::gen::elementOf(tasks), 20240101 + content % 2,
+                                          types[static_cast<std::size_t>(content % 5)], std::to_string(number),
+                                          testMoment + seconds(content % 3 == 0), content >= 10 ? 1 : 0);
     if (*inRange(0, 3) == 0) store.context.insert(HealthKitRequestEntity{.type = pick("st"), .taskLogEntry = entry});
   }
   for (int i = *inRange(0, 6); i > 0; --i) {
     TaskEntity& task = **rc::gen::elementOf(tasks);
     store.add(TaskNoteEntity{.content = pick("pq"), .uniqueId = pick("no")}, task.objectID);
-    store.add(TaskTimerEntity{.entryId = std::to_string(*inRange(0, 40))}, task.objectID);
+    store.add(TaskTimerEntity{.entryId = std::to_string(*inRange(0, 12))}, task.objectID);
+    store.add(TaskNotificationSettingsEntity{.lastUpdated = testMoment + seconds(*inRange(0, 9))}, task.objectID);
     auto& category = store.context.insert(TaskCategoryEntity{.title = pick("ST"), .uniqueId = pick("cd")});
     addCategory(store.context, task, category);
     task.userProfile = store.context.insert(UserProfileEntity{.title = pick("UV"), .uniqueId = pick("e")}).objectID;
@@ -271,9 +332,14 @@ RC_GTEST_PROP(TaskDeduplicatorProperty, nothingIsLostNothingIsDoubleAndASecondRu
   makeRandomRows(store);
   // Two devices that say the same mean it once; one that says it twice means it twice.
   std::map<std::string, Said> before;
+  std::map<std::pair<std::string, std::string>, qz::Moment> lastChoices;  // by title and identifier
   std::set<std::string> notes;
   std::set<std::pair<std::string, std::string>> categories;
   for (const TaskEntity* task : store.context.fetchAll<TaskEntity>()) {
+    if (const auto* settings = rowOfTask<TaskNotificationSettingsEntity>(store.context, task->objectID)) {
+      qz::Moment& last = lastChoices[{*task->title, *task->uniqueId}];
+      last = std::max(last, *settings->lastUpdated);
+    }
     for (const auto& [what, count] : saidIn(store.context, *task)) {
       int& most = before[*task->uniqueId][what];
       most = std::max(most, count);
@@ -285,13 +351,18 @@ RC_GTEST_PROP(TaskDeduplicatorProperty, nothingIsLostNothingIsDoubleAndASecondRu
   store.run();
 
   Said after;
+  std::set<std::pair<std::string, qz::Moment>> choices;
   for (const TaskEntity* task : store.context.fetchAll<TaskEntity>()) {
     for (const auto& [what, count] : saidIn(store.context, *task)) after[what] += count;
+    const auto settings = store.context.fetchRelated<TaskNotificationSettingsEntity>("task", task->objectID);
+    RC_ASSERT(settings.size() <= 1);
+    for (const auto* row : settings) choices.emplace(*task->title, *row->lastUpdated);
     for (const auto* category : categoriesOf(store.context, *task)) categories.erase({*task->title, *category->title});
     for (const auto* note : store.context.fetchRelated<TaskNoteEntity>("task", task->objectID))
       notes.erase(*task->title + *note->content);
   }
   RC_ASSERT(notes.empty() && categories.empty());
+  for (const auto& [task, last] : lastChoices) RC_ASSERT(choices.contains({task.first, last}));
   for (const auto& [id, said] : before)
     for (const auto& [what, count] : said) RC_ASSERT(after[what] >= count);
 
