@@ -13,6 +13,8 @@ namespace habitra {
 }
 
 /// A row of the log, or a whole entry, as the walk over a history reads it. A period of an unknown kind is none.
+/// Days are handed on as they stand, without a look at the calendar, since whole logs are read this way: the walk
+/// leaves out entries whose day does not exist, and gives those whose period cannot be one the period of their day.
 template <typename Row>
 [[nodiscard]] LoggedEntry loggedEntry(const Row& row) {
   const auto periodType = fromRawValue<TaskFrequencyPeriodType>(row.entryPeriodType);

@@ -38,7 +38,8 @@ struct ShareParticipant {
 /// no list lists nobody; who has no identifier is left out.
 [[nodiscard]] std::vector<ShareParticipant> participantsOf(const TaskShareEntity& share);
 
-/// Writes nothing when the row lists the same participants already. Without any, the attribute is none.
+/// Writes nothing when the row lists the same participants already. What is not known of somebody who stays, stays, and
+/// so do elements without an identifier. When nothing is left, the attribute is none.
 void setParticipants(TaskShareEntity& share, const std::vector<ShareParticipant>& participants);
 
 }  // namespace habitra
