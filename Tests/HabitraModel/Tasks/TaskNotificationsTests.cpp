@@ -1,4 +1,5 @@
 #include <HabitraModel/Store/Entities/TaskNotificationRemindersEntity.h>
+#include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
 #include <HabitraModel/Tasks/TaskNotifications.h>
 #include <Support/SettableClock.h>
 
