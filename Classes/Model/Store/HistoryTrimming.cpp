@@ -12,9 +12,8 @@ namespace {
 
 constexpr std::int64_t noSequence = std::numeric_limits<std::int64_t>::max();
 
-/// Commands whose values before are looked at in one call: only those that came out of reach since the last one have
-/// any, and they come first.
-constexpr std::int64_t commandsLookedAt = 64;
+/// Commands whose values before go in one call.
+constexpr std::int64_t commandsAtOnce = 64;
 
 /// Steps that trimDaily() takes at most: more than a day of a great many habits makes, and some seconds.
 constexpr int stepsPerDay = 40;
@@ -130,11 +129,11 @@ class HistoryTrimming::Step {
   /// The newest first.
   [[nodiscard]] std::vector<std::int64_t> commandsOutOfReach() {
     Statement commands(connection_,
-                       "SELECT sequence FROM (SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL "
-                       "AND sequence<? ORDER BY sequence DESC LIMIT ?) AS command WHERE EXISTS (SELECT 1 FROM "
-                       "habitra_change AS change WHERE change.sequence=command.sequence AND before IS NOT NULL)");
+                       "SELECT sequence FROM habitra_transaction AS given WHERE command IS NOT NULL AND sequence<? "
+                       "AND EXISTS (SELECT 1 FROM habitra_change AS change WHERE change.sequence=given.sequence "
+                       "AND before IS NOT NULL) ORDER BY sequence DESC LIMIT ?");
     commands.bind(1, firstUndoable());
-    commands.bind(2, commandsLookedAt);
+    commands.bind(2, commandsAtOnce);
     std::vector<std::int64_t> sequences;
     while (commands.step()) sequences.push_back(commands.integer(0));
     return sequences;

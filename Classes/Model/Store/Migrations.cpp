@@ -8,7 +8,7 @@ namespace {
 
 // These texts say what a store of their version is. They are never changed, and follow from nothing that may change.
 
-constexpr std::array<std::string_view, 25> toVersion2{
+constexpr std::array<std::string_view, 26> toVersion2{
     "CREATE UNIQUE INDEX TaskLogEntryEntity_objectID ON TaskLogEntryEntity(objectID)",
     R"(CREATE TABLE TaskCounterEntity (
   objectID INTEGER PRIMARY KEY,
@@ -167,6 +167,7 @@ constexpr std::array<std::string_view, 25> toVersion2{
 ) STRICT)",
     "CREATE INDEX TaskEntity_taskCategories_task ON TaskEntity_taskCategories(task)",
     "CREATE INDEX TaskEntity_taskCategories_category ON TaskEntity_taskCategories(category)",
+    "CREATE INDEX habitra_transaction_command ON habitra_transaction(sequence) WHERE command IS NOT NULL",
 };
 
 constexpr std::array migrations{

@@ -39,7 +39,8 @@ std::string indexDefinition(const EntityDescription& entity, const AttributeDesc
 }
 
 /// The store's own tables. History of a transaction lies together, one row per object; the newest numbers stand in
-/// habitra_meta, so that they stay when history is trimmed.
+/// habitra_meta, so that they stay when history is trimmed. Commands are few among the transactions of passes, so they
+/// have an index.
 constexpr std::string_view ownTables = R"(
 CREATE TABLE habitra_meta (
   id INTEGER PRIMARY KEY CHECK (id = 1),
@@ -57,6 +58,7 @@ CREATE TABLE habitra_transaction (
   undoes INTEGER,
   backup TEXT
 ) STRICT;
+CREATE INDEX habitra_transaction_command ON habitra_transaction(sequence) WHERE command IS NOT NULL;
 CREATE TABLE habitra_change (
   sequence INTEGER NOT NULL,
   entity INTEGER NOT NULL,
