@@ -2,7 +2,9 @@
 #include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
@@ -65,6 +67,24 @@ TEST_F(Log, GivesUpAFileThatCannotBeWritten) {
   log::error("lost");
   EXPECT_FALSE(log::isKept(log::Level::error));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
+}
+
+TEST_F(Log, SaysNothingOfItselfWhereTheDiskIsFull) {
+  log::configure({.file = folder_ / "habitra.log"});
+  const auto before = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit size{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &size), 0);
+  constexpr rlim_t full = 10'000;  // what is said is less, and goes to a file as well
+  const rlimit limited{full, size.rlim_max};
+  log::warning("{}", std::string(full, 'x'));
+  testing::internal::CaptureStderr();
+  ::setrlimit(RLIMIT_FSIZE, &limited);
+  log::warning("lost");
+  ::setrlimit(RLIMIT_FSIZE, &size);
+  std::signal(SIGXFSZ, before);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  log::warning("kept");
+  EXPECT_NE(contents(folder_ / "habitra.log").find("kept"), std::string::npos);
 }
 
 }  // namespace

@@ -71,6 +71,8 @@ class Log {
     spdlog::logger logger("habitra", sink);
     logger.set_level(spdlog::level::trace);
     logger.flush_on(spdlog::level::trace);
+    // A line that does not fit on a full disk is lost; whoever reads the screen has been told of the disk already.
+    logger.set_error_handler([](const std::string&) {});
     logger.log(spdlogLevel(level), spdlog::string_view_t(message.data(), message.size()));
   }
 
