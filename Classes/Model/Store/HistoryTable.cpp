@@ -65,6 +65,9 @@ HistoryTable::HistoryTable(Connection& connection)
       transactions_(connection,
                     "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
                     "WHERE sequence>? ORDER BY sequence LIMIT ?"),
+      commands_(connection,
+                "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
+                "WHERE command IS NOT NULL ORDER BY sequence DESC LIMIT ?"),
       oldest_(connection, "SELECT sequence FROM habitra_transaction ORDER BY sequence LIMIT 1"),
       changes_(connection,
                "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
@@ -152,19 +155,27 @@ void HistoryTable::readTransactions(std::int64_t afterSequence, std::int64_t lim
   auto statement = transactions_.use();
   statement->bind(1, afterSequence);
   statement->bind(2, limit);
+  while (statement->step()) sink(loadTransaction(*statement));
+}
+
+void HistoryTable::readCommands(std::int64_t limit, const std::function<void(const StoredTransaction&)>& sink) {
+  auto statement = commands_.use();
+  statement->bind(1, limit);
+  while (statement->step()) sink(loadTransaction(*statement));
+}
+
+StoredTransaction HistoryTable::loadTransaction(Statement& statement) {
   const auto text = [&statement](int column) -> std::optional<std::string> {
-    if (statement->isNull(column)) return std::nullopt;
-    return std::string(statement->text(column));
+    if (statement.isNull(column)) return std::nullopt;
+    return std::string(statement.text(column));
   };
-  while (statement->step()) {
-    sink({.sequence = statement->integer(0),
-          .author = std::string(statement->text(1)),
-          .writer = std::string(statement->text(2)),
-          .moment = qz::Moment(std::chrono::microseconds(statement->integer(3))),
+  return {.sequence = statement.integer(0),
+          .author = std::string(statement.text(1)),
+          .writer = std::string(statement.text(2)),
+          .moment = qz::Moment(std::chrono::microseconds(statement.integer(3))),
           .command = text(4),
-          .undoes = statement->isNull(5) ? std::nullopt : std::optional(statement->integer(5)),
-          .backup = text(6)});
-  }
+          .undoes = statement.isNull(5) ? std::nullopt : std::optional(statement.integer(5)),
+          .backup = text(6)};
 }
 
 void HistoryTable::readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink) {

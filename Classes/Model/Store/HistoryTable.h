@@ -38,6 +38,8 @@ class HistoryTable {
 
   void readTransactions(std::int64_t afterSequence, std::int64_t limit,
                         const std::function<void(const StoredTransaction&)>& sink);
+  /// Newest first.
+  void readCommands(std::int64_t limit, const std::function<void(const StoredTransaction&)>& sink);
   /// Throws StoreError of kind `damaged` for a row that is no change.
   void readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink);
   [[nodiscard]] std::optional<std::int64_t> oldestSequence();
@@ -45,12 +47,14 @@ class HistoryTable {
  private:
   [[nodiscard]] std::optional<StoredChange> find(std::int64_t sequence, EntityNumber entity, ObjectID object);
   [[nodiscard]] static StoredChange load(Statement& statement);
+  [[nodiscard]] static StoredTransaction loadTransaction(Statement& statement);
   void write(const StoredChange& change);
   void erase(const StoredChange& change);
 
   Query insertTransaction_;
   Query dropBefore_;
   Query transactions_;
+  Query commands_;
   Query oldest_;
   Query changes_;
   Query change_;

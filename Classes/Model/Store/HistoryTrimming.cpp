@@ -1,10 +1,13 @@
 #include <HabitraModel/Store/HistoryTrimming.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreContextParts.h>
+#include <HabitraModel/Store/UndoBackups.h>
 #include <QZKit/Trap.h>
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <string>
 
 namespace habitra {
 
@@ -44,7 +47,7 @@ class HistoryTrimming::Step {
   [[nodiscard]] bool isDue() {
     context_.refresh();
     context_.parts_->beginView();
-    const bool isDue = lastToGo() > 0 || hasOrphans() || !commandsOutOfReach().empty();
+    const bool isDue = lastToGo() > 0 || hasOrphans() || !commandsOutOfReach().empty() || !backupsOutOfReach().empty();
     context_.refresh();
     return isDue;
   }
@@ -52,9 +55,11 @@ class HistoryTrimming::Step {
   Report run() {
     context_.beginUnit();
     try {
+      const std::set<std::string> backups = backupsOutOfReach();
       removeTransactions(lastToGo());
       removeOrphans();
       dropValuesBefore();
+      remove(backups);
       context_.parts_->unit.commit(std::nullopt);
     } catch (...) {
       context_.rollback();
@@ -145,6 +150,30 @@ class HistoryTrimming::Step {
       context_.parts_->history.dropBefore(sequence);
       report_.valuesBefore += changedRows();
     }
+  }
+
+  /// Copies of this store that no command in reach names, and those named by a command out of reach: in a store that
+  /// was restored they bear the identifier that it had before.
+  [[nodiscard]] std::set<std::string> backupsOutOfReach() {
+    std::set<std::string> names;
+    if (context_.store().isInMemory()) return names;
+    for (const std::string& name : undoBackups(context_.store().file(), context_.storeIdentifier())) names.insert(name);
+    const std::int64_t first = firstUndoable();
+    Statement rows(connection_, "SELECT backup, sequence FROM habitra_transaction WHERE backup IS NOT NULL");
+    while (rows.step()) {
+      const std::string name(rows.text(0));
+      if (rows.integer(1) >= first)
+        names.erase(name);
+      else if (hasUndoBackup(context_.store().file(), name))
+        names.insert(name);
+    }
+    return names;
+  }
+
+  /// Under the turn no copy is being made.
+  void remove(const std::set<std::string>& backups) {
+    for (const std::string& name : backups)
+      if (removeUndoBackup(context_.store().file(), name)) ++report_.backups;
   }
 
   [[nodiscard]] std::int64_t changedRows() { return connection_.integer("SELECT changes()"); }

@@ -8,19 +8,6 @@
 
 namespace habitra {
 
-namespace {
-
-/// Sets the attributes that `which` holds to those of `from`.
-void assignAttributes(const EntityDescription& entity, AttributeSet which, void* object, void* from) {
-  for (std::size_t i = 0; i < entity.attributes.size(); ++i) {
-    if (!which.contains(i)) continue;
-    const AttributeDescription& attribute = entity.attributes[i];
-    visitField(attribute, object, [&]<typename T>(T& value) { value = *static_cast<const T*>(attribute.field(from)); });
-  }
-}
-
-}  // namespace
-
 AttributeSet ObjectRegistry::Entry::changes() const {
   return isChanged() ? differences(*entity, live.get(), stored.get()) : AttributeSet();
 }

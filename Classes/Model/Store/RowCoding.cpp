@@ -238,6 +238,14 @@ AttributeSet attributesWithValues(const EntityDescription& entity, const void* o
   return found;
 }
 
+void assignAttributes(const EntityDescription& entity, AttributeSet which, void* object, void* from) {
+  for (std::size_t i = 0; i < entity.attributes.size(); ++i) {
+    if (!which.contains(i)) continue;
+    const AttributeDescription& attribute = entity.attributes[i];
+    visitField(attribute, object, [&]<typename T>(T& value) { value = *static_cast<const T*>(attribute.field(from)); });
+  }
+}
+
 AttributeSet allAttributes(const EntityDescription& entity) {
   return AttributeSet(entity.attributes.size() == 64 ? ~std::uint64_t{0}
                                                      : (std::uint64_t{1} << entity.attributes.size()) - 1);

@@ -36,6 +36,9 @@ AttributeSet encodeAttributes(const EntityDescription& entity, const void* objec
 /// The attributes of an object that are not at their default.
 [[nodiscard]] AttributeSet attributesWithValues(const EntityDescription& entity, const void* object);
 
+/// Sets the attributes of `object` that `which` holds to those of `from`, an object of the same entity.
+void assignAttributes(const EntityDescription& entity, AttributeSet which, void* object, void* from);
+
 /// All attributes of an entity.
 [[nodiscard]] AttributeSet allAttributes(const EntityDescription& entity);
 

@@ -1,6 +1,7 @@
 #include <HabitraModel/Store/Field.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreContextParts.h>
+#include <HabitraModel/Store/UndoBackups.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
@@ -28,7 +29,7 @@ bool StoreContext::isInUnit() const { return parts_->unit.isWriting(); }
 bool StoreContext::hasChanges() const { return parts_->hasWritten() || parts_->registry.hasPending(); }
 
 SaveResult StoreContext::save(const SaveRequest& request) {
-  if (!hasChanges()) {
+  if (!hasChanges() && !request.undoes) {
     parts_->beginView();
     const SaveResult nothing{.sequence = parts_->unit.sequence()};
     parts_->unit.rollback();
@@ -38,19 +39,13 @@ SaveResult StoreContext::save(const SaveRequest& request) {
     parts_->flush();
     parts_->checkpoints.applyChanges();
     SaveResult result = std::exchange(parts_->counts, {});
+    UndoBackup backup(store());
     std::optional<StoredTransaction> transaction;
-    if (result.inserted + result.updated + result.removed > 0) {
-      transaction = {.sequence = parts_->unit.nextSequence(),
-                     .author = std::string(rawValue(request.author)),
-                     .writer = store().writer(),
-                     .moment = store().clock().now(),
-                     .command = request.command,
-                     .undoes = request.undoes,
-                     .backup = request.backup};
-      parts_->history.writeTransaction(*transaction);
-      if (parts_->keepsBefore && !request.command) parts_->history.dropBefore(transaction->sequence);
-    }
+    // That a command was taken back is to be known even where others had done so already.
+    if (result.inserted + result.updated + result.removed > 0 || request.undoes)
+      transaction = parts_->writeTransaction(request, result, backup);
     parts_->unit.commit(transaction);
+    backup.keep();
     parts_->registry.commit();
     parts_->hasCheckpoints = parts_->hasRows = parts_->keepsBefore = false;
     result.sequence = parts_->unit.sequence();

@@ -26,8 +26,9 @@ struct SaveRequest {
   Author author = Author::app;
   /// The person's command that the save carries out; then history keeps the values before, so that it can be undone.
   std::optional<std::string> command = std::nullopt;
-  std::optional<std::int64_t> undoes = std::nullopt;  ///< the transaction whose command this save takes back
-  std::optional<std::string> backup = std::nullopt;   ///< a copy of the store made before this save, by file name
+  /// The transaction whose command this save takes back; then there is a transaction even without any change.
+  std::optional<std::int64_t> undoes = std::nullopt;
+  std::optional<std::string> backup = std::nullopt;  ///< a copy of the store made before this save, by file name
 };
 
 /// What a save did. Without changes nothing is written and the sequence stays.
@@ -269,6 +270,8 @@ class StoreContext {
   /// The transactions after `sequence`, oldest first, at most `limit` of them.
   void readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
                         std::int64_t limit = std::numeric_limits<std::int64_t>::max());
+  /// The transactions that were made for a person's command, newest first, at most `limit` of them.
+  void readCommands(RowSink<StoredTransaction> transaction, std::int64_t limit);
   /// The changes of one transaction, one per object, by entity and object. Throws StoreError of kind `damaged` for a
   /// row that is no change.
   void readChanges(std::int64_t sequence, RowSink<StoredChange> change);
@@ -278,6 +281,7 @@ class StoreContext {
  private:
   friend class HistoryTrimming;
   friend struct MigratedDataCloudSummary;
+  friend class StoredObjects;
   friend class StoreVerification;
 
   template <typename T>

@@ -211,6 +211,11 @@ void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTr
   parts_->history.readTransactions(afterSequence, limit, transaction);
 }
 
+void StoreContext::readCommands(RowSink<StoredTransaction> transaction, std::int64_t limit) {
+  parts_->beginView();
+  parts_->history.readCommands(limit, transaction);
+}
+
 void StoreContext::readChanges(std::int64_t sequence, RowSink<StoredChange> change) {
   parts_->beginView();
   parts_->history.readChanges(sequence, change);

@@ -112,6 +112,23 @@ void StoreContext::Parts::count(const HistoryTable::Recorded& recorded) {
   if (recorded.now) ++counted(*recorded.now);
 }
 
+StoredTransaction StoreContext::Parts::writeTransaction(const SaveRequest& request, const SaveResult& written,
+                                                        UndoBackup& backup) {
+  StoredTransaction transaction{.sequence = unit.nextSequence(),
+                                .author = std::string(rawValue(request.author)),
+                                .writer = unit.store().writer(),
+                                .moment = unit.store().clock().now(),
+                                .command = request.command,
+                                .undoes = request.undoes,
+                                .backup = request.backup};
+  const bool isBig = request.command && !request.backup && !unit.store().isInMemory() &&
+                     written.inserted + written.updated + written.removed > UndoBackup::rowsOfBigCommand;
+  if (isBig) transaction.backup = backup.make(transaction.sequence);
+  history.writeTransaction(transaction);
+  if (keepsBefore && (!request.command || isBig)) history.dropBefore(transaction.sequence);
+  return transaction;
+}
+
 void StoreContext::Parts::writeInsertion(ObjectRegistry::Entry& entry) {
   EntityTable& rows = table(*entry.entity);
   entry.checksum = rowChecksum(*entry.entity, entry.live.get());

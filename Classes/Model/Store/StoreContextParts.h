@@ -6,6 +6,7 @@
 #include <HabitraModel/Store/ObjectRegistry.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
+#include <HabitraModel/Store/UndoBackups.h>
 
 #include <deque>
 #include <initializer_list>
@@ -61,6 +62,8 @@ struct StoreContext::Parts {
   void count(const HistoryTable::Recorded& recorded);
   /// Writes an object that is changed. Throws a conflict when somebody else has changed the same or removed the row.
   void writeIfChanged(ObjectRegistry::Entry& entry);
+  /// Ends the unit's history with what the request says; a big command's has a backup instead of values before.
+  StoredTransaction writeTransaction(const SaveRequest& request, const SaveResult& written, UndoBackup& backup);
   void writeInsertion(ObjectRegistry::Entry& entry);
   void writeUpdate(ObjectRegistry::Entry& entry, AttributeSet changes);
   void writeRemoval(ObjectRegistry::Entry& entry);
