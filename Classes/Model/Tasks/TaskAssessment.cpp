@@ -237,6 +237,22 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   return assessment;
 }
 
+std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
+                                  qz::YYYYMMDD from, qz::YYYYMMDD day) {
+  const TaskCalendar calendar = calendars.of(task);
+  const auto rules = rulesOf(task);
+  if (!rules || day < earliestDay || !HistoryWalk::supports(rules->frequency)) return {};
+  const std::int32_t lastDay = storedDay(day.previousDay());
+  const auto first = firstKeptDay(context, task, lastDay);
+  HistoryScope scope =
+      HistoryScope::of(creationDay(task, calendar, day), first ? existingDay(*first) : std::nullopt, std::nullopt, day);
+  scope.fillFrom = from;
+  const HistoryWalk walk(*rules, scope);
+  return walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.walk(entries); },
+                                readEntries(context, task, StoreContext::firstDay, lastDay), calendar)
+      .fillIns;
+}
+
 Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar) {
   const CheckpointContent content{.created = checkpoint.created,
                                   .lastCompleted = checkpoint.lastCompleted,

@@ -32,6 +32,11 @@ struct TaskAssessment {
 [[nodiscard]] TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
                                     qz::Moment now);
 
+/// What passes would have filled in from the day `from` on and before `day`, when no entry of the task had been made
+/// for that day or a later one. None when its rules cannot be read.
+[[nodiscard]] std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task,
+                                                const TaskCalendars& calendars, qz::YYYYMMDD from, qz::YYYYMMDD day);
+
 /// The row of a checkpoint, for StoreContext::setCheckpoint. It holds for that calendar of the task only.
 [[nodiscard]] Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar);
 
