@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+namespace habitra {
+
+/// A set of days as the store keeps them, made of spans whose ends are included.
+class DaySpans {
+ public:
+  void add(std::int32_t from, std::int32_t to);
+
+  [[nodiscard]] bool overlaps(std::int32_t from, std::int32_t to) const;
+  [[nodiscard]] bool contains(std::int32_t day) const { return overlaps(day, day); }
+
+ private:
+  std::map<std::int32_t, std::int32_t> ends_;  ///< by their beginnings; no two overlap
+};
+
+}  // namespace habitra

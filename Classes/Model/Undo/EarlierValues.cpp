@@ -1,0 +1,51 @@
+#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/StoreFile.h>
+#include <HabitraModel/Store/UndoBackups.h>
+#include <HabitraModel/Undo/EarlierValues.h>
+#include <HabitraModel/UndoStack.h>
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace habitra {
+
+EarlierValues::EarlierValues(StoreContext& context, StoredTransaction transaction, std::string refusal)
+    : context_(context), transaction_(std::move(transaction)), refusal_(std::move(refusal)) {}
+
+EarlierValues::~EarlierValues() = default;
+
+void EarlierValues::openBackup() {
+  if (!transaction_.backup) fail("what was there before is no longer known");
+  const std::filesystem::path file = undoBackupFolder(context_.store().file()) / *transaction_.backup;
+  try {
+    if (!hasUndoBackup(context_.store().file(), *transaction_.backup) || !isPrivateFile(file))
+      fail(fmt::format("the backup {} is gone", file.string()));
+    backup_ = std::make_unique<Connection>(StoreFile::immutableAddress(file), file, Connection::Access::readOnly);
+    if (backup_->integer("PRAGMA user_version") != Store::schemaVersion)
+      fail(fmt::format("the backup {} was made by another version", file.string()));
+    Statement meta(*backup_, "SELECT storeIdentifier, newestSequence FROM habitra_meta");
+    if (!meta.step() || meta.text(0) != context_.storeIdentifier() || meta.integer(1) != transaction_.sequence - 1)
+      fail(fmt::format("{} is not the backup made before it", file.string()));
+  } catch (const StoreError& error) {
+    fail(error.what());
+  }
+}
+
+void EarlierValues::read(const StoredChange& change, const EntityDescription& entity, void* object) {
+  if (restoreBefore(change, entity, object)) return;
+  if (backup_ == nullptr) openBackup();
+  const auto table = tables_.try_emplace(entity.number, *backup_, entity).first;
+  auto rows = table->second.where("objectID").use();
+  rows->bind(1, rawValue(change.object));
+  if (!rows->step())
+    fail(fmt::format("row {} of {} is not in {}", rawValue(change.object), entity.name, backup_->file().string()));
+  table->second.load(*rows, object);
+}
+
+void EarlierValues::fail(std::string_view why) const {
+  throw UndoStack::Error(UndoStack::Error::Reason::valuesGone, fmt::format("{}: {}", refusal_, why));
+}
+
+}  // namespace habitra

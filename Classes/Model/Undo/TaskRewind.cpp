@@ -1,0 +1,233 @@
+#include <HabitraCore/FollowingEntries.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/TaskAssessment.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Undo/DerivedRows.h>
+#include <HabitraModel/Undo/TaskRewind.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace habitra {
+
+namespace {
+
+std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
+  const auto day = dayFromStored(stored);
+  return day && day->exists() ? day : std::nullopt;
+}
+
+/// The days of the period that an entry counts for, or its own.
+std::pair<std::int32_t, std::int32_t> daysOf(const TaskLogEntryEntity& entry) {
+  const bool hasPeriod = entry.entryPeriodFrom > 0 && entry.entryPeriodFrom <= entry.entryPeriodTo;
+  return hasPeriod ? std::pair(entry.entryPeriodFrom, entry.entryPeriodTo)
+                   : std::pair(entry.entryDate, entry.entryDate);
+}
+
+bool isSamePeriod(const TaskLogEntryEntity& a, const TaskLogEntryEntity& b) { return daysOf(a) == daysOf(b); }
+
+/// A day that never comes when there is no entry.
+std::int32_t dayOf(const std::optional<TaskLogEntryEntity>& entry) {
+  return entry ? entry->entryDate : StoreContext::lastDay;
+}
+
+}  // namespace
+
+auto TaskRewind::touched(ObjectID task) -> Touched& {
+  const auto [touched, isNew] = tasks_.try_emplace(task);
+  if (isNew) touched->second.beginning = dayOf(firstEntry(task, false));
+  return touched->second;
+}
+
+void TaskRewind::noteEntry(const TaskLogEntryEntity& entry) { touched(entry.task).entries.push_back(entry); }
+
+void TaskRewind::noteFilledIn(const TaskLogEntryEntity& entry) { touched(entry.task).filledIn.push_back(entry); }
+
+void TaskRewind::noteFilledInBefore(const TaskLogEntryEntity& entry) {
+  touched(entry.task).filledInBefore.push_back(entry);
+}
+
+void TaskRewind::noteRules(ObjectID task) { touched(task).hasNewRules = true; }
+
+void TaskRewind::noteTask(ObjectID task) { touched(task); }
+
+std::vector<UndoStack::TouchedTask> TaskRewind::apply() {
+  std::vector<UndoStack::TouchedTask> result;
+  for (auto& [id, touched] : tasks_) {
+    TaskEntity* const task = id == ObjectID::none ? nullptr : context_.find<TaskEntity>(id);
+    if (task == nullptr) continue;
+    rewind(*task, touched);
+    if (isActive(*task)) result.push_back({.task = id, .day = touched.day});
+  }
+  return result;
+}
+
+void TaskRewind::rewind(TaskEntity& task, Touched& touched) {
+  if (!isActive(task)) return putBackFilledIn(touched);
+  const TaskCalendar calendar = calendars_.of(task);
+  for (const TaskLogEntryEntity& entry : touched.entries) touched.takeIn(entry.entryDate);
+  // The days that were open when the rules were changed, and those since, were closed by other rules.
+  if (touched.hasNewRules) touched.takeIn(storedDay(calendar.day(commandMoment_)));
+  for (const TaskLogEntryEntity& entry : touched.filledIn) removeEntry(entry, touched);
+  const DaySpans affected = affectedDays(task, touched);
+  const std::int32_t disturbed = firstDisturbedDay(task.objectID, affected);
+  for (const TaskLogEntryEntity& entry : touched.filledInBefore) {
+    touched.takeIn(entry.entryDate);
+    if (entry.entryDate < disturbed && !isReplaced(entry)) context_.reinsertLogEntry(entry);
+  }
+  removeOutdated(task, affected, disturbed, touched);
+  if (touched.day) fillInBeginning(*touched.day, task);
+  if (touched.day && task.lastProcessedDate && calendar.day(*task.lastProcessedDate) > *touched.day)
+    task.lastProcessedDate = calendar.beginning(touched.day->previousDay());
+}
+
+void TaskRewind::putBackFilledIn(Touched& touched) {
+  for (const TaskLogEntryEntity& before : touched.filledInBefore) {
+    for (const TaskLogEntryEntity& entry : touched.filledIn)
+      if (isSamePeriod(before, entry)) context_.removeLogEntry(entry.key());
+    std::erase_if(touched.filledIn, [&](const auto& entry) { return isSamePeriod(before, entry); });
+    if (!isReplaced(before)) context_.reinsertLogEntry(before);
+  }
+}
+
+bool TaskRewind::isReplaced(const TaskLogEntryEntity& filledIn) {
+  const auto own = fromRawValue<TaskLogEntryType>(filledIn.entryType);
+  const auto task = context_.find<TaskEntity>(filledIn.task);
+  const bool isWorkedOutAnew = task != nullptr && isActive(*task);
+  bool isReplaced = false;
+  const auto look = [&](const TaskLogEntryEntity& entry) {
+    const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
+    if (!type || !own || !isSamePeriod(entry, filledIn)) return;
+    // What a pass has filled in since goes where it is worked out anew.
+    if (followsFromEarlierDays(*type)) {
+      isReplaced |= !isWorkedOutAnew;
+    } else {
+      // A part that was there already when the period was closed stands beside what was filled in.
+      isReplaced |= supersedes(*type, *own) && (isFull(*type) || entry.objectID > filledIn.objectID);
+    }
+  };
+  const auto [from, to] = daysOf(filledIn);
+  context_.readLogEntries(filledIn.task, from, to, look);
+  return isReplaced;
+}
+
+void TaskRewind::removeOutdated(const TaskEntity& task, const DaySpans& affected, std::int32_t disturbed,
+                                Touched& touched) {
+  const std::optional<TaskLogEntryEntity> first = firstEntry(task.objectID, false);
+  // All that was filled in since the history began on another day depends on that.
+  const std::int32_t beginning = dayOf(first) == touched.beginning || haveRulesChangedSince(task.objectID)
+                                     ? StoreContext::lastDay
+                                     : std::min(dayOf(first), touched.beginning);
+  for (const TaskLogEntryEntity& entry : context_.fetchLogEntries(task.objectID)) {
+    if (!isDerived(entry)) continue;
+    const bool isAffected = affected.contains(entry.entryDate);
+    if (later_.hasInserted(entry.objectID) ? isAffected || touched.hasNewRules || entry.entryDate >= beginning
+                                           : isAffected && entry.entryDate >= disturbed)
+      removeEntry(entry, touched);
+  }
+}
+
+DaySpans TaskRewind::affectedDays(const TaskEntity& task, const Touched& touched) {
+  DaySpans affected;
+  const std::optional<TaskRules> rules = rulesOf(task);
+  for (const TaskLogEntryEntity& entry : touched.entries) addPeriod(entry, rules, affected);
+  for (const TaskLogEntryEntity& entry : touched.filledInBefore) addPeriod(entry, rules, affected);
+  if (rules && !haveRulesChangedSince(task.objectID)) addFollowingDays(task.objectID, touched, *rules, affected);
+  return affected;
+}
+
+void TaskRewind::addPeriod(const TaskLogEntryEntity& entry, const std::optional<TaskRules>& rules, DaySpans& affected) {
+  const auto day = existingDay(entry.entryDate);
+  if (entry.entryPeriodFrom > 0 && entry.entryPeriodFrom <= entry.entryPeriodTo) {
+    affected.add(entry.entryPeriodFrom, entry.entryPeriodTo);
+  } else if (day && rules) {
+    const auto period = rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate).period;
+    affected.add(storedDay(period.startDate), storedDay(period.finishDate));
+  }
+}
+
+void TaskRewind::addFollowingDays(ObjectID task, const Touched& touched, const TaskRules& rules, DaySpans& affected) {
+  std::set<qz::YYYYMMDD> days;
+  for (const TaskLogEntryEntity& entry : touched.entries)
+    if (const auto day = existingDay(entry.entryDate)) days.insert(*day);
+  std::optional<std::set<std::int32_t>> completed;
+  for (const qz::YYYYMMDD& day : days) {
+    const auto following = followingDays(rules, day);
+    if (!following) continue;
+    std::int32_t last = following->last ? storedDay(*following->last) : StoreContext::lastDay;
+    if (following->endAtCompletion) {
+      if (!completed) completed = completedDays(task);
+      if (const auto next = completed->upper_bound(storedDay(day)); next != completed->end()) last = *next;
+    }
+    affected.add(storedDay(following->first), last);
+  }
+}
+
+std::set<std::int32_t> TaskRewind::completedDays(ObjectID task) {
+  std::set<std::int32_t> days;
+  context_.readLog(task, 1, StoreContext::lastDay, [&days](const LogRow& row) {
+    const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (type && isCompletedFull(*type)) days.insert(row.entryDate);
+  });
+  return days;
+}
+
+void TaskRewind::fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task) {
+  const std::optional<TaskLogEntryEntity> first = firstEntry(task.objectID, true);
+  const auto day = first && later_.hasInserted(first->objectID) ? existingDay(first->entryDate) : std::nullopt;
+  if (!day || from >= *day) return;
+  for (const FillIn& fillIn : fillInsBefore(context_, task, calendars_, from, *day)) {
+    TaskLogEntryEntity entry;
+    entry.task = task.objectID;
+    entry.entryDate = storedDay(fillIn.period.finishDate);
+    entry.entryPeriodFrom = storedDay(fillIn.period.startDate);
+    entry.entryPeriodTo = entry.entryDate;
+    entry.entryPeriodType = rawValue(fillIn.period.periodType);
+    entry.entryType = rawValue(fillIn.entryType);
+    entry.createdTimestamp = context_.store().clock().now();
+    entry.createdTimeZone = calendars_.of(task).timeZone.identifier();
+    context_.insertLogEntry(entry);
+  }
+}
+
+std::optional<TaskLogEntryEntity> TaskRewind::firstEntry(ObjectID task, bool orFilledIn) {
+  std::optional<LogKey> first;
+  context_.readLog(task, 1, StoreContext::lastDay, [&](const LogRow& row) {
+    const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (!first && type && marksHistory(*type) && (orFilledIn || !followsFromEarlierDays(*type)))
+      first = LogKey{task, row.entryDate, row.objectID};
+  });
+  return first ? context_.findLogEntry(*first) : std::nullopt;
+}
+
+bool TaskRewind::haveRulesChangedSince(ObjectID task) {
+  const auto& changes = later_.ofCommands();
+  return std::any_of(changes.begin(), changes.end(), [task](const LaterChanges::OfCommand& later) {
+    return later.change.entity == EntityNumber::task && later.change.object == task &&
+           (later.change.attributes.bits() & attributesOfRules().bits()) != 0;
+  });
+}
+
+std::int32_t TaskRewind::firstDisturbedDay(ObjectID task, const DaySpans& affected) {
+  std::int32_t first = StoreContext::lastDay;
+  for (const LaterChanges::OfCommand& later : later_.ofCommands()) {
+    const StoredChange& change = later.change;
+    if (change.entity == EntityNumber::taskLogEntry && change.task == task && change.day < first &&
+        affected.contains(change.day) && !isDerived(context_, change))
+      first = change.day;
+  }
+  return first;
+}
+
+void TaskRewind::removeEntry(const TaskLogEntryEntity& entry, Touched& touched) {
+  touched.takeIn(entry.entryDate);
+  context_.removeLogEntry(entry.key());
+}
+
+void TaskRewind::Touched::takeIn(std::int32_t entryDate) {
+  const auto changed = existingDay(entryDate);
+  if (changed && (!day || *changed < *day)) day = changed;
+}
+
+}  // namespace habitra
