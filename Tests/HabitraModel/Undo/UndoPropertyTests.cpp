@@ -1,0 +1,320 @@
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <HabitraCore/FollowingEntries.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/TaskAssessment.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskProcessor.h>
+#include <HabitraModel/Tasks/TaskTemporalData.h>
+#include <HabitraModel/UndoStack.h>
+#include <QZDateTime/ISO8601.h>
+#include <QZKit/MainQueue.h>
+#include <rapidcheck.h>
+#include <Support/SettableClock.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+// Whatever a person did and took back, all must be as if it had never been asked for.
+namespace habitra {
+namespace {
+
+TaskFrequency everyDay(std::int64_t partialCompletions) {
+  TaskFrequency frequency = TaskFrequency::everyDay();
+  frequency.numPartialCompletions = partialCompletions;
+  return frequency;
+}
+
+const std::array frequencies{
+    everyDay(1),
+    everyDay(2),
+    TaskFrequency{.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 3},
+    TaskFrequency{.dayMode = TaskFrequency::DayMode::numberOfDaysInMonth, .numCompletions = 20},
+    TaskFrequency{.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 2},
+    TaskFrequency{.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 3},
+    TaskFrequency{.dayMode = TaskFrequency::DayMode::aggregateOverWeek, .numCompletions = 2},
+};
+
+struct Step {
+  enum class Kind { nextDay, add, entry, edit, remove };
+  Kind kind;
+  std::size_t habit = 0;
+  std::int64_t daysBack = 0;
+  TaskLogEntryType type{};
+
+  friend std::ostream& operator<<(std::ostream& out, const Step& step) {
+    constexpr std::array names{"next day", "add", "entry", "edit", "remove"};
+    return out << fmt::format("{} habit {} {} days back {}", names.at(static_cast<std::size_t>(step.kind)), step.habit,
+                              step.daysBack, caseName(step.type));
+  }
+};
+
+/// A person with up to three habits, and the passes of every day.
+class Life {
+ public:
+  explicit Life(std::uint64_t seed) : seed_(seed) {}
+
+  /// Gives the transaction of a command that changed something.
+  std::optional<std::int64_t> live(const Step& step) {
+    if (step.kind == Step::Kind::nextDay) {
+      clock_->advance(std::chrono::days(1));
+      processor_.processAllTasks(*context_, clock_->now());
+      return std::nullopt;
+    }
+    const auto before = context_->sequence();
+    context_->beginUnit();
+    TaskEntity* task = context_->find<TaskEntity>("title", fmt::format("Habit {}", step.habit));
+    if (step.kind == Step::Kind::add && task == nullptr) {
+      task = &add(step.habit);
+    } else if (task != nullptr && step.kind == Step::Kind::remove) {
+      context_->remove(*task);
+      task = nullptr;
+    } else if (task != nullptr && step.kind == Step::Kind::edit) {
+      edit(*task, frequencies.at((step.habit + seed_ + 3) % frequencies.size()));
+    } else if (task != nullptr && step.kind == Step::Kind::entry) {
+      processor_.process(*context_, *task, clock_->now());
+      record(*task, step);
+    }
+    if (task != nullptr) processor_.process(*context_, *task, clock_->now());
+    const auto sequence = context_->save({.command = fmt::format("{}", static_cast<int>(step.kind))}).sequence;
+    return sequence == before ? std::nullopt : std::optional(sequence);
+  }
+
+  /// Throws UndoStack::Error.
+  void takeBack(std::optional<std::int64_t> sequence) {
+    context_->beginUnit();
+    try {
+      finish(sequence ? stack_.undo(*context_, *sequence) : stack_.undo(*context_));
+    } catch (const UndoStack::Error&) {
+      RC_ASSERT(!context_->hasChanges());
+      context_->rollback();
+      throw;
+    }
+  }
+  void putBack() { finish(stack_.redo(*context_)); }
+
+  /// All that is to be seen of the habits.
+  [[nodiscard]] std::string description() {
+    std::vector<std::string> lines;
+    for (std::size_t habit = 0; habit < 3; ++habit) {
+      const auto* task = context_->find<TaskEntity>("title", fmt::format("Habit {}", habit));
+      if (task == nullptr) continue;
+      lines.push_back(fmt::format("{}: mode {}", *task->title, task->daysMode));
+      describe(*task, lines);
+    }
+    return fmt::format("\n{}\n", fmt::join(lines, "\n"));
+  }
+  /// Whether the first day of a habit was unchecked and is without any entry. Passes never come back to such a day when
+  /// later ones have entries, but they did while an earlier entry stood; so it tells what was taken back.
+  [[nodiscard]] bool beginsWithNothing() {
+    for (const TaskEntity* task : TaskProcessor::activeTasks(*context_)) {
+      const std::int32_t created = storedDay(calendars_.of(*task).day(task->created.value()));
+      std::optional<std::int32_t> first;
+      bool isUnchecked = false;
+      for (const auto& row : context_->fetchLogEntries(task->objectID)) {
+        const auto type = fromRawValue<TaskLogEntryType>(row.entryType).value();
+        if (!marksHistory(type)) isUnchecked = true;
+        if (!first && marksHistory(type)) first = row.entryDate;
+      }
+      if (isUnchecked && first && *first > created) return true;
+    }
+    return false;
+  }
+  [[nodiscard]] UndoStack& stack() { return stack_; }
+  [[nodiscard]] StoreContext& context() { return *context_; }
+
+ private:
+  TaskEntity& add(std::size_t habit) {
+    TaskEntity values = newlyMadeTask(fmt::format("Habit {}", habit), qz::DayOfWeek::monday, clock_->now(), "UTC");
+    setFrequency(values, frequencies.at((habit + seed_) % frequencies.size()));
+    values.isNegative = habit == 2;
+    return context_->insert(values);
+  }
+
+  /// Between days that one part completes, so that none of the past is judged otherwise.
+  static void edit(TaskEntity& task, const TaskFrequency& frequency) {
+    const auto needsMore = [](const TaskFrequency& each) {
+      return each.isAggregate() || each.numPartialCompletions > 1;
+    };
+    if (needsMore(frequencyOf(task).value())) return;
+    setFrequency(task, needsMore(frequency) ? everyDay(1) : frequency);
+  }
+
+  void record(TaskEntity& task, const Step& step) {
+    const TaskRules rules = rulesOf(task).value();
+    const TaskCalendar calendar = calendars_.of(task);
+    const qz::YYYYMMDD day = calendar.day(clock_->now()).add(-step.daysBack);
+    const qz::Moment start = calendar.beginning(day);
+    recorder_.recordNow(task,
+                        {.managedObjectContext = *context_,
+                         .context = TaskModifyContext::userInitiatedFromMainApp,
+                         .saveContext = false,
+                         .logEntries = {{.uniqueId = qz::UniqueID::generate(clock_->now()),
+                                         .type = step.type,
+                                         .period = rules.frequency.period(day, rules.firstDayOfWeek, std::nullopt),
+                                         .startDate = start,
+                                         .endDate = start}},
+                         .createdTimestamp = clock_->now(),
+                         .createdTimeZone = qz::TimeZone::utc()});
+    removeFollowing(task, rules, day);
+  }
+
+  /// A change by a person takes back what was filled in after it by the earlier log.
+  void removeFollowing(const TaskEntity& task, const TaskRules& rules, qz::YYYYMMDD day) {
+    const auto following = followingDays(rules, day);
+    if (!following) return;
+    const auto last = following->last ? storedDay(*following->last) : StoreContext::lastDay;
+    for (const auto& row : context_->fetchLogEntries(task.objectID, storedDay(following->first), last)) {
+      const auto type = fromRawValue<TaskLogEntryType>(row.entryType).value();
+      if (following->endAtCompletion && isCompletedFull(type)) return;
+      if (followsFromEarlierDays(type)) context_->removeLogEntry(row.key());
+    }
+  }
+
+  void finish(const UndoStack::Undone& undone) {
+    for (const auto& touched : undone.tasks)
+      processor_.process(*context_, *context_->find<TaskEntity>(touched.task), clock_->now());
+    context_->save(undone.saveRequest(Author::app, "undo"));
+  }
+
+  void describe(const TaskEntity& task, std::vector<std::string>& lines) {
+    auto rows = context_->fetchLogEntries(task.objectID);
+    std::stable_sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
+      return std::pair(a.entryDate, a.entryPeriodFrom) < std::pair(b.entryDate, b.entryPeriodFrom);
+    });
+    // What a pass has filled in bears the moment of that pass, and a number and an identifier of its own.
+    for (const auto& row : rows) {
+      const auto type = fromRawValue<TaskLogEntryType>(row.entryType).value();
+      const bool isFilledIn = followsFromEarlierDays(type);
+      lines.push_back(fmt::format("  {} {} to {} {} {}", row.entryDate, row.entryPeriodFrom, row.entryPeriodTo,
+                                  caseName(type), isFilledIn ? "" : qz::iso8601(*row.createdTimestamp)));
+    }
+    const auto* data = findTemporalData(*context_, task);
+    RC_ASSERT(data != nullptr);
+    lines.push_back(fmt::format("  streak {} best {} completed {} missed {} skipped {} short {}/{} long {}/{}",
+                                data->activeStreak, data->bestStreak, data->lastCompleted, data->lastMissed,
+                                data->lastSkipped, data->recentShortTermPct, data->recentShortTermNumSamples,
+                                data->recentLongTermPct, data->recentLongTermNumSamples));
+    const TaskAssessment assessment = assess(*context_, task, calendars_, clock_->now());
+    RC_ASSERT(assessment.history->fillIns.empty());
+    const TaskCalendar calendar = calendars_.of(task);
+    lines.push_back(fmt::format("  status {} processed {}",
+                                static_cast<int>(assessment.history->figures.completionStatus.status.kind()),
+                                calendar.day(task.lastProcessedDate.value()).debugDescription()));
+  }
+
+  std::uint64_t seed_;
+  std::shared_ptr<SettableClock> clock_ =
+      std::make_shared<SettableClock>(qz::momentFromISO8601("2024-01-24T12:00:00Z").value());
+  std::unique_ptr<StoreContext> context_ = std::make_unique<StoreContext>(Store::inMemory(clock_));
+  TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
+  qz::MainQueue mainQueue_;
+  TaskLogRecorder recorder_{calendars_, mainQueue_};
+  TaskProcessor processor_{calendars_, recorder_};
+  UndoStack stack_{calendars_};
+};
+
+rc::Gen<Step> step() {
+  using Type = TaskLogEntryType;
+  const auto kind = rc::gen::weightedElement<Step::Kind>({{4, Step::Kind::nextDay},
+                                                          {2, Step::Kind::add},
+                                                          {8, Step::Kind::entry},
+                                                          {1, Step::Kind::edit},
+                                                          {1, Step::Kind::remove}});
+  const auto type =
+      rc::gen::element(Type::completedManuallyFull, Type::completedManuallyFull, Type::completedManuallyPartial,
+                       Type::skippedManuallyFull, Type::unknown, Type::missedManuallyFull);
+  return rc::gen::build<Step>(
+      rc::gen::set(&Step::kind, kind), rc::gen::set(&Step::habit, rc::gen::inRange<std::size_t>(0, 3)),
+      rc::gen::set(&Step::daysBack, rc::gen::weightedOneOf<std::int64_t>({{3, rc::gen::just<std::int64_t>(0)},
+                                                                          {3, rc::gen::inRange<std::int64_t>(1, 9)}})),
+      rc::gen::set(&Step::type, type));
+}
+
+std::vector<Step> steps() {
+  auto lived = *rc::gen::scale(0.3, rc::gen::container<std::vector<Step>>(step()));
+  lived.insert(lived.begin(), {Step{.kind = Step::Kind::add}, Step{.kind = Step::Kind::add, .habit = 2}});
+  return lived;
+}
+
+TEST(UndoProperty, ACommandTakenBackWasNeverGiven) {
+  int takenBack = 0;
+  const bool holds = rc::check("one command, whichever", [&takenBack] {
+    const auto lived = steps();
+    const auto seed = *rc::gen::inRange<std::uint64_t>(0, frequencies.size());
+    const auto omitted = *rc::gen::inRange<std::size_t>(0, lived.size());
+    const auto daysAfter = *rc::gen::inRange(0, 3);
+    Life life(seed);
+    Life without(seed);
+    std::optional<std::int64_t> command;
+    for (std::size_t i = 0; i < lived.size(); ++i) {
+      const auto sequence = life.live(lived[i]);
+      if (i == omitted && lived[i].kind != Step::Kind::nextDay)
+        command = sequence;
+      else
+        RC_PRE(without.live(lived[i]).has_value() == sequence.has_value());  // else a later one meant something else
+    }
+    for (int day = 0; day < daysAfter; ++day)
+      for (Life* each : {&life, &without}) each->live({.kind = Step::Kind::nextDay});
+    RC_PRE(command.has_value());
+    // What a person recorded by changed rules was recorded by these.
+    const bool meantOtherwise =
+        std::any_of(lived.begin() + static_cast<std::ptrdiff_t>(omitted) + 1, lived.end(), [&](const Step& later) {
+          const auto isPair = [&](Step::Kind a, Step::Kind b) { return lived[omitted].kind == a && later.kind == b; };
+          return later.habit == lived[omitted].habit &&
+                 (isPair(Step::Kind::edit, Step::Kind::entry) || isPair(Step::Kind::entry, Step::Kind::edit));
+        });
+    RC_PRE(!meantOtherwise);
+    const auto before = life.description();
+    try {
+      life.takeBack(command);
+    } catch (const UndoStack::Error& error) {
+      RC_ASSERT(error.reason() == UndoStack::Error::Reason::inTheWay);
+      RC_ASSERT(error.obstacle()->command.sequence > *command);
+      RC_ASSERT(life.description() == before);
+      RC_DISCARD("something stands in the way");
+    }
+    RC_PRE(!without.beginsWithNothing());
+    ++takenBack;
+    RC_ASSERT(life.description() == without.description());
+    life.putBack();
+    RC_ASSERT(life.description() == before);
+  });
+  EXPECT_TRUE(holds);
+  EXPECT_GT(takenBack, 30);
+}
+
+TEST(UndoProperty, TheNewestCommandsCanAllBeTakenBackAndPutBack) {
+  const bool holds = rc::check("from the newest on", [] {
+    const auto lived = steps();
+    const auto seed = *rc::gen::inRange<std::uint64_t>(0, frequencies.size());
+    const auto count = *rc::gen::inRange<std::size_t>(1, lived.size() + 1);
+    Life life(seed);
+    Life without(seed);
+    std::size_t commands = 0;
+    for (std::size_t i = 0; i < lived.size(); ++i) {
+      const bool isOmitted = lived.size() - i <= count && lived[i].kind != Step::Kind::nextDay;
+      const bool didSomething = life.live(lived[i]).has_value();
+      if (didSomething && isOmitted) ++commands;
+      if (!isOmitted) RC_PRE(without.live(lived[i]).has_value() == didSomething);
+    }
+    const auto before = life.description();
+    for (std::size_t i = 0; i < commands; ++i) life.takeBack(std::nullopt);
+    RC_PRE(!without.beginsWithNothing());
+    RC_ASSERT(life.description() == without.description());
+    for (std::size_t i = 0; i < commands; ++i) life.putBack();
+    RC_ASSERT(life.description() == before);
+    RC_ASSERT(!life.stack().newestUndone(life.context()).has_value());
+  });
+  EXPECT_TRUE(holds);
+}
+
+}  // namespace
+}  // namespace habitra
