@@ -82,23 +82,24 @@ void moveLogIntoFile(Connection& connection) {
                      fmt::format("{} is in use by another program; end it and try again", connection.file().string()));
 }
 
-void removeEmptyLog(const std::filesystem::path& copy) {
-  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
-}
-
-/// Gives a copy that nobody else has seen yet an identifier of its own.
-void giveNewIdentifier(const std::filesystem::path& copy, const std::filesystem::path& name, qz::Moment now) {
+/// Makes a copy that nobody else has seen yet one that can be opened, all of which is in its file; `change` may change
+/// more. `name` is for messages.
+void finishCopy(const std::filesystem::path& copy, const std::filesystem::path& name,
+                const std::function<void(Connection&)>& change) {
   {
     Connection connection(copy.string(), name, Access::readWrite);
     connection.execute("PRAGMA journal_mode=WAL");
-    Statement update(connection, "UPDATE habitra_meta SET storeIdentifier=?");
-    const std::string identifier = qz::UniqueID::generate(now).text();
-    update.bind(1, std::string_view(identifier));
-    update.step();
-    update.reset();
+    change(connection);
     moveLogIntoFile(connection);
   }
-  removeEmptyLog(copy);
+  for (const char* suffix : {"-wal", "-shm"}) std::filesystem::remove(copy.string() + suffix);
+}
+
+void giveNewIdentifier(Connection& connection, qz::Moment now) {
+  Statement update(connection, "UPDATE habitra_meta SET storeIdentifier=?");
+  const std::string identifier = qz::UniqueID::generate(now).text();
+  update.bind(1, std::string_view(identifier));
+  update.step();
 }
 
 /// Removes the engine's own files beside a store, so that no log of the old one meets a new one.
@@ -225,13 +226,7 @@ void CoreDataMigrator::adopt(const std::filesystem::path& production, const std:
     (void)versionOf(*source);
     incoming.fillFrom(*source);
   }
-  {
-    Connection connection(incoming.file().string(), production, Access::readWrite);
-    connection.execute("PRAGMA journal_mode=WAL");
-    if (versionOf(connection) < migratorVersion()) migrateSchema(connection, options_.beforeStep);
-    moveLogIntoFile(connection);
-  }
-  removeEmptyLog(incoming.file());
+  finishCopy(incoming.file(), production, [this](Connection& connection) { bringUpToDate(connection); });
   // Only now, when it can be opened.
   step("adopted");
   incoming.finish();
@@ -259,7 +254,10 @@ void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const st
   step("stage");
   fillWithWholeStore(incoming, *openToRead(source, isInside(source, home)));
   step("identify");
-  giveNewIdentifier(incoming.file(), file, clock_->now());
+  finishCopy(incoming.file(), source, [this](Connection& connection) {
+    bringUpToDate(connection);
+    giveNewIdentifier(connection, clock_->now());
+  });
   const std::filesystem::path backup = newBackup(file, "replaced");
   bool isWhole = true;
   try {
@@ -290,6 +288,10 @@ std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& f
   std::filesystem::path backup = name + ".sqlite";
   for (int i = 2; !isFreeForCopy(backup); ++i) backup = fmt::format("{}-{}.sqlite", name, i);
   return backup;
+}
+
+void CoreDataMigrator::bringUpToDate(Connection& copy) const {
+  if (versionOf(copy) < migratorVersion()) migrateSchema(copy, options_.beforeStep);
 }
 
 void CoreDataMigrator::step(std::string_view name) const {

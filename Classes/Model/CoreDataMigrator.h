@@ -13,6 +13,8 @@
 
 namespace habitra {
 
+class Connection;
+
 /// What brings a store up to date.
 class CoreDataMigratorProtocol {
  public:
@@ -68,10 +70,10 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
   [[nodiscard]] std::shared_ptr<const Maintenance> beginMaintenance(const std::filesystem::path& home) const;
 
   /// A copy of the store at `with` (a backup, or the file of another container), which stays, takes the place of
-  /// `store`. It must be a whole store of the present or an earlier version: a damaged one is refused, with the number
-  /// of damaged rows and the first. What was at `store`, if anything, is kept as "<name>-replaced-<UTC time>.sqlite",
-  /// unless replacing it fails and it stays.
-  /// The new store gets an identifier of its own, so that nobody takes its history for that of the old one.
+  /// `store`. It must be a whole store: a damaged one is refused, with the number of damaged rows and the first. One of
+  /// an earlier version is brought up to date before it gets there. What was at `store`, if anything, is kept as
+  /// "<name>-replaced-<UTC time>.sqlite", unless replacing it fails and it stays. The new store gets an identifier of
+  /// its own, so that nobody takes its history for that of the old one.
   void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with);
   /// The same as one step of a longer maintenance of the home of `store`.
   void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with,
@@ -79,6 +81,7 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
 
  private:
   void step(std::string_view name) const;
+  void bringUpToDate(Connection& copy) const;
   void adopt(const std::filesystem::path& production, const std::filesystem::path& local) const;
   [[nodiscard]] std::filesystem::path newBackup(const std::filesystem::path& file, std::string_view reason) const;
 

@@ -162,9 +162,13 @@ void DataManager::stopObservingChanges() {
 }
 
 void DataManager::startObserving() {
-  observer_ = std::make_unique<PersistentHistoryObserver>(observation_->target, standardDefaults_, activeContainer(),
-                                                          observation_->handler, observation_->merge);
-  observer_->start();
+  // Opening may be maintenance, which would end an observer that is here already; and it may begin one by itself.
+  const std::shared_ptr<Store> store = activeStore(true);
+  if (observer_ != nullptr) return;
+  auto observer = std::make_unique<PersistentHistoryObserver>(
+      observation_->target, standardDefaults_, activeContainer(), observation_->handler, observation_->merge);
+  observer->start();
+  observer_ = std::move(observer);
 }
 
 void DataManager::beginInterruption() {

@@ -36,6 +36,7 @@ namespace habitra {
 class DataManager {
  public:
   using Author = habitra::Author;
+  using ActiveSyncEvent = CloudSync::ActiveSyncEvent;
   using ContainerLocation = habitra::ContainerLocation;
 
   /// The files that a store can be kept in, inside the home.

@@ -58,17 +58,26 @@ std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::present() const {
 }
 
 std::shared_ptr<Store> HabitraNSPersistentCloudKitContainer::open(bool mayMake) {
-  for (;;) {
-    if (auto store = present()) return store;
-    const ContainerLocation place = location();
-    std::shared_ptr<Store> opened = maintenance_->open(place, mayMake);
-    const std::scoped_lock lock(mutex_);
-    if (store_ != nullptr) return store_;  // another thread has been quicker
-    if (location_ != place) continue;
-    store_ = std::move(opened);
-    if (store_ != nullptr) writers_.insert(store_->writer());
-    return store_;
-  }
+  if (auto store = present()) return store;
+  std::shared_ptr<Store> result;
+  // Held until the store is here, so that maintenance finds it and can close it.
+  maintenance_->underTurn([&] {
+    for (;;) {
+      const ContainerLocation place = location();
+      std::shared_ptr<Store> opened = maintenance_->open(place, mayMake);
+      const std::scoped_lock lock(mutex_);
+      if (store_ == nullptr && location_ != place) continue;
+      if (store_ == nullptr) install(std::move(opened));  // else another thread has been quicker
+      result = store_;
+      return;
+    }
+  });
+  return result;
+}
+
+void HabitraNSPersistentCloudKitContainer::install(std::shared_ptr<Store> store) {
+  store_ = std::move(store);
+  if (store_ != nullptr) writers_.insert(store_->writer());
 }
 
 std::shared_ptr<void> HabitraNSPersistentCloudKitContainer::addObserver(EventObserver observer) {

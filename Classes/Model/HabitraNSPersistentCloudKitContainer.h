@@ -58,6 +58,7 @@ class HabitraNSPersistentCloudKitContainer {
  private:
   [[nodiscard]] std::shared_ptr<Store> present() const;
   [[nodiscard]] std::shared_ptr<Store> open(bool mayMake);
+  void install(std::shared_ptr<Store> store);  // under the mutex
 
   const std::shared_ptr<StoreMaintenance> maintenance_;
   mutable std::mutex mutex_;  // never held while something is waited for

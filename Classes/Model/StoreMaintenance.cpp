@@ -16,6 +16,30 @@ void announce(qz::NotificationCenter& notifications, std::string_view name) noex
   }
 }
 
+/// A thread's time at the gate, which may be nested. What has finished within the outermost is told of when other
+/// threads may go on, since whoever is told may wait for them.
+class StoreMaintenance::Turn {
+ public:
+  explicit Turn(StoreMaintenance& gate) : gate_(gate), lock_(gate.turn_, gate.patience_) {
+    if (!lock_.owns_lock())
+      throw StoreError(StoreError::Kind::busy,
+                       "the store is still under maintenance by another part of this program; try again when it is "
+                       "done");
+    ++gate_.nestedTurns_;
+  }
+  ~Turn() {
+    const bool hasFinished = --gate_.nestedTurns_ == 0 && std::exchange(gate_.hasFinished_, false);
+    lock_.unlock();
+    if (hasFinished) announce(*gate_.notifications_, maintenanceDidFinish);
+  }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+ private:
+  StoreMaintenance& gate_;
+  std::unique_lock<std::recursive_timed_mutex> lock_;
+};
+
 StoreMaintenance::StoreMaintenance(std::shared_ptr<const qz::Clock> clock, std::chrono::milliseconds patience,
                                    std::shared_ptr<qz::NotificationCenter> notifications)
     : clock_(std::move(clock)),
@@ -31,30 +55,20 @@ bool StoreMaintenance::isMigrating() const {
   return maintenanceQueue_.sync([this] { return migrator_ != nullptr; });
 }
 
-std::unique_lock<std::recursive_timed_mutex> StoreMaintenance::takeTurn() {
-  std::unique_lock turn(turn_, patience_);
-  if (!turn.owns_lock())
-    throw StoreError(StoreError::Kind::busy,
-                     "the store is still under maintenance by another part of this program; try again when it is done");
-  return turn;
-}
-
 void StoreMaintenance::perform(const std::function<void()>& work) {
+  const Turn turn(*this);
+  const bool isOutermost = maintenanceQueue_.sync([this] { return ++inMaintenanceMode_ == 1; });
   std::exception_ptr failure;
-  bool isOutermost = false;
-  {
-    const auto turn = takeTurn();
-    isOutermost = maintenanceQueue_.sync([this] { return ++inMaintenanceMode_ == 1; });
-    try {
-      if (begin_) begin_();
-      work();
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    maintenanceQueue_.sync([this] { --inMaintenanceMode_; });
-    if (isOutermost && end_) end_();
+  try {
+    if (begin_) begin_();
+    work();
+  } catch (...) {
+    failure = std::current_exception();
   }
-  if (isOutermost) announce(*notifications_, maintenanceDidFinish);
+  // A store that must be migrated before it can be taken up again is a part of this maintenance, not the next one.
+  if (isOutermost && end_) end_();
+  maintenanceQueue_.sync([this] { --inMaintenanceMode_; });
+  if (isOutermost) hasFinished_ = true;
   if (failure) std::rethrow_exception(failure);
 }
 
@@ -74,7 +88,7 @@ void StoreMaintenance::migrate(const std::function<void(CoreDataMigrator&)>& wor
 }
 
 void StoreMaintenance::underTurn(const std::function<void()>& work) {
-  const auto turn = takeTurn();
+  const Turn turn(*this);
   work();
 }
 
@@ -85,7 +99,7 @@ void StoreMaintenance::setInterruption(std::function<void()> begin, std::functio
 }
 
 std::shared_ptr<Store> StoreMaintenance::open(const ContainerLocation& location, bool mayMake) {
-  const auto turn = takeTurn();
+  const Turn turn(*this);
   try {
     return openNow(location, mayMake);
   } catch (const StoreError& error) {

@@ -36,9 +36,9 @@ class StoreMaintenance {
   [[nodiscard]] bool isMigrating() const;
 
   /// Keeps other threads from opening stores, has this process close those that it knows of, runs `work`, and lets
-  /// everybody go on, whatever `work` throws; then posts maintenanceDidFinish. May be nested within `work`; then only
-  /// the end of the outermost is posted. Throws StoreError of kind `busy` when another thread's maintenance does not
-  /// end in time.
+  /// everybody go on, whatever `work` throws; then posts maintenanceDidFinish, when no other thread has to wait any
+  /// more. May be nested within `work`; then only the end of the outermost is posted. Throws StoreError of kind `busy`
+  /// when another thread's maintenance does not end in time.
   void perform(const std::function<void()>& work);
 
   /// Maintenance by a migrator.
@@ -58,15 +58,19 @@ class StoreMaintenance {
   [[nodiscard]] CoreDataMigrator makeMigrator() const;
 
  private:
-  [[nodiscard]] std::unique_lock<std::recursive_timed_mutex> takeTurn();
+  class Turn;
+
   [[nodiscard]] std::shared_ptr<Store> openNow(const ContainerLocation& location, bool mayMake) const;
 
   const std::shared_ptr<const qz::Clock> clock_;
   const std::chrono::milliseconds patience_;
   const std::shared_ptr<qz::NotificationCenter> notifications_;
   std::recursive_timed_mutex turn_;  // of the thread that opens or maintains
-  std::function<void()> begin_;      // under the turn
-  std::function<void()> end_;        // under the turn
+  // Under the turn.
+  int nestedTurns_ = 0;
+  bool hasFinished_ = false;  // a maintenance has, and nobody has been told yet
+  std::function<void()> begin_;
+  std::function<void()> end_;
   mutable qz::SerialQueue maintenanceQueue_;
   int inMaintenanceMode_ = 0;                           // nested; on the maintenance queue
   std::shared_ptr<CoreDataMigratorProtocol> migrator_;  // while it is at work; on the maintenance queue
