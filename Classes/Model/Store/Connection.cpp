@@ -1,5 +1,6 @@
 #include <HabitraModel/Store/Connection.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <HabitraModel/Store/StoreFile.h>
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -146,6 +147,8 @@ Connection::Connection(const std::string& address, std::filesystem::path file, A
   try {
     if (code != SQLITE_OK) fail(code);
     configure(access);
+    // Before the first look at the store; after that the index would be looked for beside it.
+    if (address.ends_with(StoreFile::withoutLocks)) execute("PRAGMA locking_mode=EXCLUSIVE");
   } catch (...) {
     sqlite3_close_v2(handle_);
     throw;

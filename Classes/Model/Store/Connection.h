@@ -108,7 +108,7 @@ class Connection {
  public:
   enum class Access { readWrite, readOnly, memory };
 
-  /// Opens `address`: a path, a "file:" address for `memory`, or one that says "immutable". `file` is for messages.
+  /// Opens `address`: a path, a "file:" address for `memory`, or one of StoreFile's. `file` is for messages.
   Connection(const std::string& address, std::filesystem::path file, Access access);
   ~Connection();
   Connection(const Connection&) = delete;

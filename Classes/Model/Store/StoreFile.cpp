@@ -4,20 +4,29 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <string_view>
 #include <system_error>
 
 namespace habitra {
 
 namespace {
 
-/// Whether there is more of the store than its file: a write-ahead log, or the journal of a change to take back.
-bool hasLog(const std::filesystem::path& file) {
-  const auto isFilled = [&file](const char* suffix) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(file.string() + suffix, error);
-    return !error && size > 0;
-  };
-  return isFilled("-wal") || isFilled("-journal");
+bool isFilled(const std::filesystem::path& file) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file, error);
+  return !error && size > 0;
+}
+
+std::string addressWith(const std::filesystem::path& file, std::string_view parameter) {
+  std::string address = "file:";
+  for (const char c : file.string()) {
+    if (c == '?' || c == '#' || c == '%')
+      address += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    else
+      address += c;
+  }
+  address += parameter;
+  return address;
 }
 
 }  // namespace
@@ -32,18 +41,13 @@ StoreFile StoreFile::at(const std::filesystem::path& file) {
 }
 
 std::string StoreFile::addressAtRest(const std::filesystem::path& file) {
-  return hasLog(file) ? file.string() : immutableAddress(file);
+  if (isFilled(file.string() + "-journal")) return file.string();
+  if (!isFilled(file.string() + "-wal")) return immutableAddress(file);
+  std::error_code error;
+  // While anybody has a store with a log open, the log's index lies beside it.
+  return std::filesystem::exists(file.string() + "-shm", error) ? file.string() : addressWith(file, withoutLocks);
 }
 
-std::string StoreFile::immutableAddress(const std::filesystem::path& file) {
-  std::string address = "file:";
-  for (const char c : file.string()) {
-    if (c == '?' || c == '#' || c == '%')
-      address += fmt::format("%{:02X}", static_cast<unsigned char>(c));
-    else
-      address += c;
-  }
-  return address + "?immutable=1";
-}
+std::string StoreFile::immutableAddress(const std::filesystem::path& file) { return addressWith(file, "?immutable=1"); }
 
 }  // namespace habitra
