@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace habitra {
 namespace {
@@ -107,26 +108,45 @@ std::optional<std::string> readDefaultsFile(const std::filesystem::path& file) {
 
 DefaultsFileTurn::DefaultsFileTurn(const std::filesystem::path& file, std::chrono::milliseconds patience)
     : file_(makeHomeFolder(std::filesystem::absolute(file).parent_path()) / file.filename()) {
-  const std::filesystem::path path = file_.string() + ".lock";
-  lock_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-  if (lock_ < 0) fail("cannot write", path);
   try {
-    requireOwnPlainFile(lock_, path);
-    if (::fchmod(lock_, 0600) != 0) fail("cannot protect", path);
+    open();
     lock(patience);
   } catch (...) {
-    ::close(lock_);
+    close();
     throw;
   }
 }
 
-DefaultsFileTurn::~DefaultsFileTurn() { ::close(lock_); }
+DefaultsFileTurn::~DefaultsFileTurn() { close(); }
+
+void DefaultsFileTurn::open() {
+  const std::filesystem::path path = file_.string() + ".lock";
+  lock_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+  if (lock_ < 0) fail("cannot write", path);
+  requireOwnPlainFile(lock_, path);
+  if (::fchmod(lock_, 0600) != 0) fail("cannot protect", path);
+}
+
+void DefaultsFileTurn::close() noexcept {
+  if (lock_ >= 0) ::close(std::exchange(lock_, -1));
+}
+
+bool DefaultsFileTurn::tryOnce() {
+  if (::flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) fail("cannot lock", file_.string() + ".lock");
+    return false;
+  }
+  if (isLinked(lock_)) return true;
+  // Somebody has removed the file; the next one to come would lock another.
+  close();
+  open();
+  return tryOnce();
+}
 
 void DefaultsFileTurn::lock(std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
-  for (std::chrono::microseconds pause = 50us; ::flock(lock_, LOCK_EX | LOCK_NB) != 0;
+  for (std::chrono::microseconds pause = 50us; !tryOnce();
        pause = std::min<std::chrono::microseconds>(pause * 2, 2ms)) {
-    if (errno != EWOULDBLOCK && errno != EINTR) fail("cannot lock", file_.string() + ".lock");
     if (std::chrono::steady_clock::now() >= deadline)
       throw StoreError(Kind::busy,
                        fmt::format("another Habitra program is still writing {} after {} seconds; try "

@@ -32,6 +32,9 @@ class DefaultsFileTurn {
   void replace(std::string_view content) const;
 
  private:
+  void open();
+  void close() noexcept;
+  [[nodiscard]] bool tryOnce();
   void lock(std::chrono::milliseconds patience);
 
   std::filesystem::path file_;

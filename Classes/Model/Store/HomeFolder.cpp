@@ -109,4 +109,17 @@ void makePrivateFile(const std::filesystem::path& file) {
   if (!isProtected) failWithErrno("cannot protect", file);
 }
 
+bool isLinked(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 && status.st_nlink > 0;
+}
+
+void tightenFile(const std::filesystem::path& file) noexcept {
+  struct stat status {};
+  if (::lstat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid()) return;
+  const mode_t mode = status.st_mode & 07777;
+  // A file system that knows no modes refuses, or gives the file what it always does.
+  if (const mode_t own = mode & 0600; own != mode) (void)::fchmodat(AT_FDCWD, file.c_str(), own, AT_SYMLINK_NOFOLLOW);
+}
+
 }  // namespace habitra

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 /// The folder that a store lies in, and the files in it. Everything made here is the owner's alone whatever the umask
-/// is, and no link inside the folder is followed; the folder itself may be one.
+/// is, a folder that is there keeps its mode, and no link inside the folder is followed; the folder itself may be one.
 namespace habitra {
 
 /// Makes `folder` and what is missing above it, and gives its path without links. Throws StoreError when it is no
@@ -23,5 +23,11 @@ void makePrivateFolder(const std::filesystem::path& folder);
 
 /// Makes an empty file, 0600. Does nothing when there is one.
 void makePrivateFile(const std::filesystem::path& file);
+
+/// Takes a file of our own from everybody else. Does nothing where there is none or that cannot be; never opens it.
+void tightenFile(const std::filesystem::path& file) noexcept;
+
+/// Whether an open file still has a name.
+[[nodiscard]] bool isLinked(int descriptor);
 
 }  // namespace habitra

@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -89,8 +88,7 @@ bool MaintenanceLock::tryOnce(Mode mode) {
   if (mode == Mode::exclusive) announce();
   if (mode == Mode::shared && isAnnounced()) return false;
   if (!lock(mode)) return false;
-  struct stat status {};
-  if (::fstat(descriptor_, &status) == 0 && status.st_nlink > 0) return true;
+  if (isLinked(descriptor_)) return true;
   // Somebody has removed the file; the next one to come would lock another.
   release();
   return !open(mode);

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <thread>
+#include <utility>
 
 namespace habitra {
 
@@ -56,9 +57,15 @@ void WritersTurn::release() noexcept {
 
 bool WritersTurn::tryOnce() {
   if (semaphore_ != nullptr) return semaphore_->try_acquire();
-  if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return true;
-  if (errno == EWOULDBLOCK || errno == EINTR) return false;
-  failWithErrno("cannot lock", folder_ / fileName);
+  if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EWOULDBLOCK || errno == EINTR) return false;
+    failWithErrno("cannot lock", folder_ / fileName);
+  }
+  if (isLinked(descriptor_)) return true;
+  // Somebody has removed the file; the next one to come would lock another.
+  ::close(std::exchange(descriptor_, -1));
+  open();
+  return tryOnce();
 }
 
 void WritersTurn::open() {

@@ -11,8 +11,9 @@ namespace habitra {
 /// of every process, happens under it. The engine's own locks do not suffice: SQLite before 3.51.3 can lose committed
 /// writes when two connections write or checkpoint a write-ahead log at the same moment.
 ///
-/// In a folder it is an exclusive lock on the file "Habitra.lock", which ends with the process whatever happens; in
-/// memory a semaphore. Each object is one contender and belongs to one queue.
+/// In a folder it is an exclusive lock on the file "Habitra.lock", which ends with the process whatever happens and is
+/// made anew when somebody has removed it; in memory a semaphore. Each object is one contender and belongs to one
+/// queue.
 class WritersTurn {
  public:
   static constexpr const char* fileName = "Habitra.lock";
