@@ -4,6 +4,7 @@
 #include <HabitraModel/Store/Schema.h>
 #include <HabitraModel/Store/SchemaMigration.h>
 #include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/StoreChangeSignal.h>
 #include <HabitraModel/Store/StoreFile.h>
 #include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/Trap.h>
@@ -52,6 +53,7 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file, std::share
         StoreError::Kind::readOnly,
         fmt::format("{} is empty and cannot be written; give yourself the right to write it and its folder",
                     store->file_.string()));
+  store->tighten();
   return store;
 }
 
@@ -122,6 +124,15 @@ void Store::ensureLog() {
   const std::unique_ptr<WritersTurn> turn = makeTurn();
   turn->take();
   firstConnection_->execute("PRAGMA journal_mode=WAL");
+}
+
+void Store::tighten() {
+  if (isInMemory() || isReadOnly_) return;
+  std::call_once(isTightened_, [this] {
+    for (const char* suffix : {"", "-wal", "-shm"}) tightenFile(file_.string() + suffix);
+    for (const char* name : {WritersTurn::fileName, MaintenanceLock::fileName, StoreChangeSignal::fileName})
+      tightenFile(file_.parent_path() / name);
+  });
 }
 
 void Store::moveIntoMemory() {

@@ -21,8 +21,9 @@ class WritersTurn;
 
 /// A store of tasks: one SQLite file in a home folder, or memory alone.
 ///
-/// Opening makes the home 0700 and the files 0600 whatever the umask is, follows no link inside the home, refuses a
-/// home that belongs to somebody else, and leaves alone a file that is no store or was made by a newer version. While a
+/// A home that opening makes is 0700; one that is there keeps its mode. The files that are made are 0600 whatever the
+/// umask is, and those that are written to become so. Opening follows no link inside the home, refuses a home that
+/// belongs to somebody else, and leaves alone a file that is no store or was made by a newer version. While a
 /// store is open, maintenance of its home waits; opening waits for maintenance that is under way.
 ///
 /// May be shared by any threads; each reads and writes through a StoreContext of its own.
@@ -83,6 +84,8 @@ class Store : public std::enable_shared_from_this<Store> {
   [[nodiscard]] bool prepare(bool mayMake);
   /// Gives a store that was put there by hand, a copy, its write-ahead log, without which readers keep writers out.
   void ensureLog();
+  /// Takes the files that are written from everybody else; once.
+  void tighten();
   /// Goes on with a copy in memory that is brought up to date.
   void moveIntoMemory();
   void makeSchema(Connection& connection) const;
@@ -102,6 +105,7 @@ class Store : public std::enable_shared_from_this<Store> {
   std::shared_ptr<const qz::Clock> clock_;
   std::string writer_;
   bool isReadOnly_ = false;
+  std::once_flag isTightened_;
   std::atomic<std::int64_t> newestGivenID_{0};
   std::shared_ptr<std::binary_semaphore> memoryTurn_;  // in memory only
   std::unique_ptr<Connection> keeper_;                 // keeps content in memory alive

@@ -20,12 +20,13 @@ StoreChangeSignal::~StoreChangeSignal() {
 }
 
 template <typename Step>
-void StoreChangeSignal::attempt(const Step& step) noexcept {
+bool StoreChangeSignal::attempt(const Step& step) noexcept {
   try {
     step();
-    hasFailed_ = false;
+    return true;
   } catch (const std::exception& error) {
     if (!std::exchange(hasFailed_, true)) qz::log::warning("Other programs are not told of changes: {}", error.what());
+    return false;
   }
 }
 
@@ -35,12 +36,14 @@ void StoreChangeSignal::prepare() noexcept {
 }
 
 void StoreChangeSignal::announce(std::int64_t sequence) noexcept {
-  attempt([this, sequence] {
+  const bool isTold = attempt([this, sequence] {
     if (store_->isInMemory())
       store_->tellListeners();
     else
       write(sequence);
   });
+  // That the file could be opened says nothing of that.
+  if (isTold) hasFailed_ = false;
 }
 
 bool StoreChangeSignal::isInPlace() const {

@@ -32,7 +32,7 @@ class StoreChangeSignal {
 
  private:
   template <typename Step>
-  void attempt(const Step& step) noexcept;
+  bool attempt(const Step& step) noexcept;
   void open();
   void write(std::int64_t sequence);
   [[nodiscard]] std::filesystem::path file() const { return store_->file().parent_path() / fileName; }
@@ -41,7 +41,7 @@ class StoreChangeSignal {
 
   std::shared_ptr<Store> store_;
   int descriptor_ = -1;
-  bool hasFailed_ = false;  ///< the last time
+  bool hasFailed_ = false;  ///< since others were last told
 };
 
 }  // namespace habitra

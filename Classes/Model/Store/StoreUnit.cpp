@@ -53,6 +53,7 @@ bool StoreUnit::begin() {
   try {
     beginUnit_.use()->step();
     state_ = State::writing;
+    store_->tighten();
     const bool hasMoved = readNewest();
     newestGiven_ = newest_.object;
     return hasMoved;

@@ -1,3 +1,4 @@
+#include <HabitraModel/Store/StoreCopy.h>
 #include <HabitraModel/Store/WritersTurn.h>
 #include <Support/ChildProcess.h>
 #include <Support/FolderContent.h>
@@ -125,6 +126,57 @@ TEST_F(OpeningTest, WhatMayNotBeWrittenIsReadAndLeftAlone) {
   }
 }
 
+TEST_F(OpeningTest, AHomeThatWasCopiedWhileItWasOpenCanBeRead) {
+  makeTask();
+  const path copied = folder_ / "a copy?";
+  std::filesystem::create_directories(copied);
+  for (const char* suffix : {"", "-wal"})
+    std::filesystem::copy_file(file().string() + suffix, copied / ("s.sqlite" + std::string(suffix)));
+  ASSERT_GT(std::filesystem::file_size(copied / "s.sqlite-wal"), 0U);
+  std::filesystem::permissions(copied, std::filesystem::perms(0500));
+  const auto before = folderContent(copied);
+  ChildProcess reader([&](const ChildProcess::Talk&) {
+    keepOrdinaryRights();
+    const auto store = Store::openForReading(copied / "s.sqlite", clock_);
+    for (int i = 0; i < 2; ++i) {
+      StoreContext context(store);
+      for (int j = 0; j < 2; ++j, context.refresh())
+        if (context.fetchAll<TaskEntity>().size() != 1) throw std::runtime_error("not read");
+    }
+    copyStore(copied / "s.sqlite", folder_ / "whole.sqlite");
+  });
+  EXPECT_TRUE(reader.end());
+  EXPECT_TRUE(folderContent(copied) == before);
+  EXPECT_EQ(runSQL(folder_ / "whole.sqlite", "SELECT title FROM TaskEntity"), std::vector<std::string>{"Walk"});
+  std::filesystem::permissions(copied, std::filesystem::perms(0700));
+}
+
+TEST_F(OpeningTest, WhatOthersMayReadIsTakenFromThemByTheFirstWriter) {
+  makeTask();
+  const auto open = [this](mode_t to) {
+    for (const auto& item : std::filesystem::directory_iterator(file().parent_path())) {
+      std::filesystem::permissions(item, std::filesystem::perms(to));
+    }
+    std::filesystem::permissions(file().parent_path(), std::filesystem::perms(0755));
+  };
+  const auto expectMode = [this](mode_t expected) {
+    for (const auto& item : std::filesystem::directory_iterator(file().parent_path()))
+      EXPECT_EQ(mode(item), expected) << item;
+    EXPECT_EQ(mode(file().parent_path()), 0755U) << "others may have other things in the folder";
+  };
+  open(0644);
+  const auto store = Store::openForReading(file(), clock_);
+  StoreContext context(store);
+  EXPECT_EQ(context.fetchAll<TaskEntity>().size(), 1U);
+  expectMode(0644);
+  context.insert(TaskEntity{});
+  context.save({});
+  expectMode(0600);
+  open(0666);
+  (void)openStore();
+  expectMode(0600);
+}
+
 TEST_F(OpeningTest, TheHomeItselfMayBeALink) {
   std::filesystem::create_directories(folder_ / "real");
   std::filesystem::create_symlink(folder_ / "real", folder_ / "home");
@@ -158,6 +210,22 @@ TEST_F(OpeningTest, WhoWaitsTooLongForTheTurnIsTold) {
   context->rollback();
   other.take();
   EXPECT_TRUE(other.isHeld());
+}
+
+TEST_F(OpeningTest, ALockFileThatSomebodyRemovesGivesNobodyASecondTurn) {
+  makeTask();
+  const path home = file().parent_path();
+  WritersTurn first(home, std::chrono::milliseconds(0));
+  WritersTurn second(home, std::chrono::milliseconds(0));
+  first.take();
+  first.release();
+  std::filesystem::remove(home / WritersTurn::fileName);
+  second.take();
+  EXPECT_EQ(errorKind([&] { first.take(); }), StoreError::Kind::busy);
+  second.release();
+  std::filesystem::remove(home / WritersTurn::fileName);
+  first.take();
+  EXPECT_EQ(errorKind([&] { second.take(); }), StoreError::Kind::busy);
 }
 
 TEST_F(OpeningTest, ALongWriteAheadLogIsShortened) {
