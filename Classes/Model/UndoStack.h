@@ -26,8 +26,9 @@ namespace habitra {
 /// turn, which is redo.
 ///
 /// **What stands in the way**: a later command that touched the same row, unless that was taken back; one that added
-/// something to what the command added, or removed what it led to. What only passes and other programs wrote since is
-/// kept, attribute by attribute.
+/// something to what the command added, or removed what it led to; one that recorded or added something in place of
+/// what would come back, or by rules that would no longer hold. What only passes and other programs wrote since is
+/// kept, attribute by attribute, and nothing comes back beside what they put in its place.
 ///
 /// **Derived rows** never stand in the way, and are worked out anew: temporal data, checkpoints, and the skips, misses
 /// and allowed misses that passes filled in. Those of the changed periods and of the days that follow from them are

@@ -16,9 +16,9 @@ class StoredObjects {
   [[nodiscard]] void* find(const EntityDescription& entity, ObjectID id) const {
     return context_.findObject(entity, id);
   }
-  [[nodiscard]] std::vector<void*> fetchRelated(const EntityDescription& entity, std::string_view relationship,
-                                                ObjectID target) const {
-    return context_.fetchObjects(entity, relationship, target, {}, false);
+  [[nodiscard]] std::vector<void*> fetch(const EntityDescription& entity, std::string_view attribute,
+                                         std::string_view text) const {
+    return context_.fetchObjects(entity, attribute, ObjectID::none, text, false);
   }
   void* reinsert(const EntityDescription& entity, const void* values) const {
     return context_.reinsertObject(entity, values);

@@ -12,6 +12,8 @@ class DaySpans {
 
   [[nodiscard]] bool overlaps(std::int32_t from, std::int32_t to) const;
   [[nodiscard]] bool contains(std::int32_t day) const { return overlaps(day, day); }
+  /// By their beginnings; no two overlap.
+  [[nodiscard]] const std::map<std::int32_t, std::int32_t>& ends() const { return ends_; }
 
  private:
   std::map<std::int32_t, std::int32_t> ends_;  ///< by their beginnings; no two overlap

@@ -1,4 +1,5 @@
 #include <HabitraCore/FollowingEntries.h>
+#include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 
 namespace habitra {
@@ -26,12 +27,24 @@ AttributeSet attributesOfRules() {
   return attributes;
 }
 
+bool isRuleOf(std::string_view settingKey, const TaskEntity& task) {
+  if (settingKey == settings::startOfDay.key) return task.startOfDayValue <= 0;
+  return task.uniqueId && settingKey == settings::pausesOf(*task.uniqueId);
+}
+
+AttributeSet attributesOfRecording() {
+  std::uint64_t bits = attributesOfRules().bits();
+  for (const char* name : {"created", "createdTimeZone", "status"})
+    bits &= ~(std::uint64_t{1} << TaskEntity::description().position(name).value());
+  return AttributeSet(bits);
+}
+
 bool isDerived(const TaskLogEntryEntity& entry) {
   const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
   return type && followsFromEarlierDays(*type);
 }
 
-bool isDerived(StoreContext& context, const StoredChange& change) {
+bool isDerived(StoreContext& context, const StoredChange& change, EarlierValues& values) {
   if (isDerived(change.entity)) return true;
   if (change.entity == EntityNumber::task && change.kind == ChangeKind::update)
     return (change.attributes.bits() & ~derivedAttributes(TaskEntity::description()).bits()) == 0;
@@ -40,7 +53,7 @@ bool isDerived(StoreContext& context, const StoredChange& change) {
   if (present && !isDerived(*present)) return false;
   // Of an update only the changed attributes are kept; the type among them or not.
   TaskLogEntryEntity before = present.value_or(TaskLogEntryEntity{});
-  const bool isKnown = restoreBefore(change, before);
+  const bool isKnown = values.readIfKnown(change, TaskLogEntryEntity::description(), &before);
   return (isKnown || present) && isDerived(before);
 }
 

@@ -44,6 +44,17 @@ void EarlierValues::read(const StoredChange& change, const EntityDescription& en
   table->second.load(*rows, object);
 }
 
+bool EarlierValues::readIfKnown(const StoredChange& change, const EntityDescription& entity, void* object) {
+  if (change.kind == ChangeKind::insertion || isUnusable_) return false;
+  try {
+    read(change, entity, object);
+    return true;
+  } catch (const UndoStack::Error&) {
+    isUnusable_ = true;
+    return false;
+  }
+}
+
 void EarlierValues::fail(std::string_view why) const {
   throw UndoStack::Error(UndoStack::Error::Reason::valuesGone, fmt::format("{}: {}", refusal_, why));
 }

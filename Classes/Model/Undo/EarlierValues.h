@@ -21,6 +21,8 @@ class EarlierValues {
   /// Puts into `object` what the row of an update or a removal was: all of it, or at least what the change names.
   /// Throws UndoStack::Error of reason `valuesGone` when that is not known, or the backup cannot be used.
   void read(const StoredChange& change, const EntityDescription& entity, void* object);
+  /// The same, but gives false when it is not known; of an insertion nothing is.
+  [[nodiscard]] bool readIfKnown(const StoredChange& change, const EntityDescription& entity, void* object);
 
  private:
   void openBackup();
@@ -30,6 +32,7 @@ class EarlierValues {
   StoredTransaction transaction_;
   std::string refusal_;
   std::unique_ptr<Connection> backup_;  ///< opened when history lacks values
+  bool isUnusable_ = false;             ///< it was looked for in vain
   std::map<EntityNumber, EntityTable> tables_;
 };
 

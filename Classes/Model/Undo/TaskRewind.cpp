@@ -4,6 +4,7 @@
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
+#include <HabitraModel/Undo/LoggedPeriod.h>
 #include <HabitraModel/Undo/TaskRewind.h>
 
 #include <algorithm>
@@ -18,14 +19,28 @@ std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
   return day && day->exists() ? day : std::nullopt;
 }
 
-/// The days of the period that an entry counts for, or its own.
-std::pair<std::int32_t, std::int32_t> daysOf(const TaskLogEntryEntity& entry) {
-  const bool hasPeriod = entry.entryPeriodFrom > 0 && entry.entryPeriodFrom <= entry.entryPeriodTo;
-  return hasPeriod ? std::pair(entry.entryPeriodFrom, entry.entryPeriodTo)
-                   : std::pair(entry.entryDate, entry.entryDate);
+bool isSamePeriod(const TaskLogEntryEntity& a, const TaskLogEntryEntity& b) {
+  return LoggedPeriod::of(a) == LoggedPeriod::of(b);
 }
 
-bool isSamePeriod(const TaskLogEntryEntity& a, const TaskLogEntryEntity& b) { return daysOf(a) == daysOf(b); }
+/// The first row of the log from a day on that `isWanted`. Reads spans that grow, so that what lies near is found
+/// without the rest of the log.
+template <typename Predicate>
+std::optional<LogKey> firstRow(StoreContext& context, ObjectID task, std::int32_t from, const Predicate& isWanted) {
+  const auto newest = context.newestEntryDay(task);
+  std::optional<LogKey> first;
+  constexpr std::int64_t aMonth = 100;  // of days as they are stored: year, month, day
+  for (std::int64_t span = aMonth; !first && newest && from <= *newest; span *= 4) {
+    const auto to = static_cast<std::int32_t>(std::min<std::int64_t>(from + span, *newest));
+    context.readLog(task, from, to, [&](const LogRow& row) {
+      const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
+      if (!first && type && isWanted(*type)) first = LogKey{task, row.entryDate, row.objectID};
+    });
+    if (to == StoreContext::lastDay) break;
+    from = to + 1;
+  }
+  return first;
+}
 
 /// A day that never comes when there is no entry.
 std::int32_t dayOf(const std::optional<TaskLogEntryEntity>& entry) {
@@ -107,7 +122,7 @@ bool TaskRewind::isReplaced(const TaskLogEntryEntity& filledIn) {
       isReplaced |= supersedes(*type, *own) && (isFull(*type) || entry.objectID > filledIn.objectID);
     }
   };
-  const auto [from, to] = daysOf(filledIn);
+  const auto [from, to] = LoggedPeriod::of(filledIn);
   context_.readLogEntries(filledIn.task, from, to, look);
   return isReplaced;
 }
@@ -116,15 +131,20 @@ void TaskRewind::removeOutdated(const TaskEntity& task, const DaySpans& affected
                                 Touched& touched) {
   const std::optional<TaskLogEntryEntity> first = firstEntry(task.objectID, false);
   // All that was filled in since the history began on another day depends on that.
-  const std::int32_t beginning = dayOf(first) == touched.beginning || haveRulesChangedSince(task.objectID)
+  const std::int32_t beginning = dayOf(first) == touched.beginning || haveRulesChangedSince(task)
                                      ? StoreContext::lastDay
                                      : std::min(dayOf(first), touched.beginning);
-  for (const TaskLogEntryEntity& entry : context_.fetchLogEntries(task.objectID)) {
-    if (!isDerived(entry)) continue;
-    const bool isAffected = affected.contains(entry.entryDate);
-    if (later_.hasInserted(entry.objectID) ? isAffected || touched.hasNewRules || entry.entryDate >= beginning
-                                           : isAffected && entry.entryDate >= disturbed)
-      removeEntry(entry, touched);
+  DaySpans outdated = affected;
+  outdated.add(touched.hasNewRules ? std::min(later_.firstInsertedDay(task.objectID), beginning) : beginning,
+               StoreContext::lastDay);
+  for (const auto& [from, to] : outdated.ends()) {
+    for (const TaskLogEntryEntity& entry : context_.fetchLogEntries(task.objectID, from, to)) {
+      if (!isDerived(entry)) continue;
+      const bool isAffected = affected.contains(entry.entryDate);
+      if (later_.hasInserted(entry.objectID) ? isAffected || touched.hasNewRules || entry.entryDate >= beginning
+                                             : isAffected && entry.entryDate >= disturbed)
+        removeEntry(entry, touched);
+    }
   }
 }
 
@@ -133,7 +153,7 @@ DaySpans TaskRewind::affectedDays(const TaskEntity& task, const Touched& touched
   const std::optional<TaskRules> rules = rulesOf(task);
   for (const TaskLogEntryEntity& entry : touched.entries) addPeriod(entry, rules, affected);
   for (const TaskLogEntryEntity& entry : touched.filledInBefore) addPeriod(entry, rules, affected);
-  if (rules && !haveRulesChangedSince(task.objectID)) addFollowingDays(task.objectID, touched, *rules, affected);
+  if (rules && !haveRulesChangedSince(task)) addFollowingDays(task.objectID, touched, *rules, affected);
   return affected;
 }
 
@@ -151,26 +171,16 @@ void TaskRewind::addFollowingDays(ObjectID task, const Touched& touched, const T
   std::set<qz::YYYYMMDD> days;
   for (const TaskLogEntryEntity& entry : touched.entries)
     if (const auto day = existingDay(entry.entryDate)) days.insert(*day);
-  std::optional<std::set<std::int32_t>> completed;
   for (const qz::YYYYMMDD& day : days) {
     const auto following = followingDays(rules, day);
     if (!following) continue;
     std::int32_t last = following->last ? storedDay(*following->last) : StoreContext::lastDay;
     if (following->endAtCompletion) {
-      if (!completed) completed = completedDays(task);
-      if (const auto next = completed->upper_bound(storedDay(day)); next != completed->end()) last = *next;
+      const auto next = firstRow(context_, task, storedDay(day) + 1, isCompletedFull);
+      if (next) last = next->entryDate;
     }
     affected.add(storedDay(following->first), last);
   }
-}
-
-std::set<std::int32_t> TaskRewind::completedDays(ObjectID task) {
-  std::set<std::int32_t> days;
-  context_.readLog(task, 1, StoreContext::lastDay, [&days](const LogRow& row) {
-    const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (type && isCompletedFull(*type)) days.insert(row.entryDate);
-  });
-  return days;
 }
 
 void TaskRewind::fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task) {
@@ -192,19 +202,18 @@ void TaskRewind::fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task) {
 }
 
 std::optional<TaskLogEntryEntity> TaskRewind::firstEntry(ObjectID task, bool orFilledIn) {
-  std::optional<LogKey> first;
-  context_.readLog(task, 1, StoreContext::lastDay, [&](const LogRow& row) {
-    const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (!first && type && marksHistory(*type) && (orFilledIn || !followsFromEarlierDays(*type)))
-      first = LogKey{task, row.entryDate, row.objectID};
+  const auto earliest = context_.earliestEntryDay(task);
+  if (!earliest) return std::nullopt;
+  const auto first = firstRow(context_, task, *earliest, [orFilledIn](TaskLogEntryType type) {
+    return marksHistory(type) && (orFilledIn || !followsFromEarlierDays(type));
   });
   return first ? context_.findLogEntry(*first) : std::nullopt;
 }
 
-bool TaskRewind::haveRulesChangedSince(ObjectID task) {
-  const auto& changes = later_.ofCommands();
-  return std::any_of(changes.begin(), changes.end(), [task](const LaterChanges::OfCommand& later) {
-    return later.change.entity == EntityNumber::task && later.change.object == task &&
+bool TaskRewind::haveRulesChangedSince(const TaskEntity& task) {
+  return std::ranges::any_of(later_.ofCommands(), [&task](const LaterChanges::OfCommand& later) {
+    if (later.change.entity == EntityNumber::setting) return later.name && isRuleOf(*later.name, task);
+    return later.row() == RowID(EntityNumber::task, task.objectID) &&
            (later.change.attributes.bits() & attributesOfRules().bits()) != 0;
   });
 }
@@ -214,7 +223,7 @@ std::int32_t TaskRewind::firstDisturbedDay(ObjectID task, const DaySpans& affect
   for (const LaterChanges::OfCommand& later : later_.ofCommands()) {
     const StoredChange& change = later.change;
     if (change.entity == EntityNumber::taskLogEntry && change.task == task && change.day < first &&
-        affected.contains(change.day) && !isDerived(context_, change))
+        affected.contains(change.day) && !later.isDerived)
       first = change.day;
   }
   return first;

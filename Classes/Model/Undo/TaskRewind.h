@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace habitra {
@@ -60,14 +59,13 @@ class TaskRewind {
   [[nodiscard]] DaySpans affectedDays(const TaskEntity& task, const Touched& touched);
   static void addPeriod(const TaskLogEntryEntity& entry, const std::optional<TaskRules>& rules, DaySpans& affected);
   void addFollowingDays(ObjectID task, const Touched& touched, const TaskRules& rules, DaySpans& affected);
-  [[nodiscard]] std::set<std::int32_t> completedDays(ObjectID task);
   /// The entry with which the history begins.
   [[nodiscard]] std::optional<TaskLogEntryEntity> firstEntry(ObjectID task, bool orFilledIn);
   /// The first of these days on which a later command changed entries of the task: from there on, what was filled in
   /// before the command no longer holds either.
   [[nodiscard]] std::int32_t firstDisturbedDay(ObjectID task, const DaySpans& affected);
   /// Whether a later command changed what the task is judged by: what was filled in before that stays as it was judged.
-  [[nodiscard]] bool haveRulesChangedSince(ObjectID task);
+  [[nodiscard]] bool haveRulesChangedSince(const TaskEntity& task);
   /// Fills in the days from `from` on and before the first entry that there is now, if that came later than the
   /// command: passes had filled in these days before it was made, and would not look at them again.
   void fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task);
