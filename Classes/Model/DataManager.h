@@ -138,7 +138,7 @@ class DataManager {
   void restoreStore(const std::filesystem::path& file);
 
   /// Joins tasks that mirroring has doubled and gives new identifiers to those that only bear the same one. Gives the
-  /// number of rows that it changed. Throws StoreError.
+  /// number of rows that it changed. No person's command: nothing that undo would take back. Throws StoreError.
   std::int64_t deduplicate();
 
   // Mirroring

@@ -57,7 +57,7 @@ void DataManager::restoreStore(const std::filesystem::path& file) {
 std::int64_t DataManager::deduplicate() {
   const auto unit = context();
   TaskDeduplicator(qz::UniqueID::generate(clock_->now())).deduplicate(*unit);
-  const SaveResult saved = unit->save({.author = Author::app, .command = "deduplicate"});
+  const SaveResult saved = unit->save({.author = Author::app});
   return saved.inserted + saved.updated + saved.removed;
 }
 

@@ -74,6 +74,14 @@ constinit const Setting<bool, bool> cloudSync{
     .decode = [](const bool& kept) { return std::optional(kept); },
 };
 
+bool isReadable(const SettingEntity& row) {
+  const auto isReadableAs = [&row]<typename T, typename Kind>(const Setting<T, Kind>& setting) {
+    const auto& kept = row.*StoreSettings::column<Kind>();
+    return row.settingKey == setting.key && kept && setting.decode(*kept);
+  };
+  return isReadableAs(firstDayOfWeek) || isReadableAs(startOfDay) || isReadableAs(defaultFrequency);
+}
+
 std::string pausesOf(std::string_view taskId) { return "task.pauses." + std::string(taskId); }
 
 }  // namespace settings

@@ -55,6 +55,10 @@ extern const Setting<bool, bool> cloudSync;
 /// The key under which the store keeps the pauses of the task with this identifier.
 [[nodiscard]] std::string pausesOf(std::string_view taskId);
 
+/// Whether a row of the store holds a value of a setting above that can be read. Of other keys this version knows
+/// nothing.
+[[nodiscard]] bool isReadable(const SettingEntity& row);
+
 }  // namespace settings
 
 /// Reads and changes settings, wherever each is kept. Belongs to the queue of its context.

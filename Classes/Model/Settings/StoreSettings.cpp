@@ -36,19 +36,25 @@ void StoreSettings::put(std::string_view key, const SettingEntity& values) {
     if (other != &newest) context_.remove(*other);
 }
 
-std::size_t StoreSettings::removeRowsThatDoNotCount(std::string_view key) {
+std::size_t StoreSettings::removeRowsThatDoNotCount(std::string_view key,
+                                                    const std::function<bool(const SettingEntity&)>& isReadable) {
   std::size_t removed = 0;
-  AttributeSet kinds;  // of which a newer row has a value
+  std::vector<SettingEntity> newer;  // values of the rows that stay
+  AttributeSet readableKinds;        // of which one of them has a value that can be read
   for (SettingEntity* row : newestFirst(key)) {
     SettingEntity values = *row;
-    values.settingKey.reset();
+    values.objectID = ObjectID::none;
     values.dateCreated.reset();
-    const AttributeSet own = attributesWithValues(SettingEntity::description(), &values);
-    if ((kinds | own) == kinds) {
+    const bool canBeRead = isReadable(values);
+    values.settingKey.reset();
+    const AttributeSet kinds = attributesWithValues(SettingEntity::description(), &values);
+    if ((readableKinds | kinds) == readableKinds || std::ranges::find(newer, values) != newer.end()) {
       context_.remove(*row);
       ++removed;
+      continue;
     }
-    kinds = kinds | own;
+    if (canBeRead) readableKinds = readableKinds | kinds;
+    newer.push_back(std::move(values));
   }
   return removed;
 }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,25 @@ namespace habitra {
 class StoreSettings {
  public:
   explicit StoreSettings(StoreContext& context) : context_(context) {}
+
+  /// The column of a kind.
+  template <typename Kind>
+  static constexpr auto column() {
+    if constexpr (std::is_same_v<Kind, bool>)
+      return &SettingEntity::booleanValue;
+    else if constexpr (std::is_same_v<Kind, std::int64_t>)
+      return &SettingEntity::intValue;
+    else if constexpr (std::is_same_v<Kind, double>)
+      return &SettingEntity::doubleValue;
+    else if constexpr (std::is_same_v<Kind, std::string>)
+      return &SettingEntity::stringValue;
+    else if constexpr (std::is_same_v<Kind, Bytes>)
+      return &SettingEntity::dataValue;
+    else {
+      static_assert(std::is_same_v<Kind, qz::Moment>, "not a kind of stored value");
+      return &SettingEntity::dateValue;
+    }
+  }
 
   /// The value of `key`; none when there is none of this kind.
   template <typename Kind>
@@ -54,31 +74,16 @@ class StoreSettings {
   /// Removes all rows of `key`.
   void remove(std::string_view key);
 
-  /// Removes the rows of `key` that count for no kind, and gives how many there were. REQUIRES: a unit.
-  std::size_t removeRowsThatDoNotCount(std::string_view key);
+  /// Removes the rows of `key` that count for nobody, and gives how many there were: those with the values of a newer
+  /// row, and those of whose kinds of value newer rows have one that `isReadable`. What is newer but cannot be read by
+  /// this version takes no row's place. REQUIRES: a unit.
+  std::size_t removeRowsThatDoNotCount(std::string_view key,
+                                       const std::function<bool(const SettingEntity&)>& isReadable);
 
   /// Gives `to` the value of `from`, if that has one.
   void copy(std::string_view from, std::string_view to);
 
  private:
-  template <typename Kind>
-  static constexpr auto column() {
-    if constexpr (std::is_same_v<Kind, bool>)
-      return &SettingEntity::booleanValue;
-    else if constexpr (std::is_same_v<Kind, std::int64_t>)
-      return &SettingEntity::intValue;
-    else if constexpr (std::is_same_v<Kind, double>)
-      return &SettingEntity::doubleValue;
-    else if constexpr (std::is_same_v<Kind, std::string>)
-      return &SettingEntity::stringValue;
-    else if constexpr (std::is_same_v<Kind, Bytes>)
-      return &SettingEntity::dataValue;
-    else {
-      static_assert(std::is_same_v<Kind, qz::Moment>, "not a kind of stored value");
-      return &SettingEntity::dateValue;
-    }
-  }
-
   [[nodiscard]] std::vector<SettingEntity*> newestFirst(std::string_view key);
   /// Takes over the value columns.
   void put(std::string_view key, const SettingEntity& values);

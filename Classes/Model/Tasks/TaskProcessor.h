@@ -39,8 +39,9 @@ class TaskProcessor {
   /// Whether a pass would look at a new day: some active task was last processed on another day than its today.
   [[nodiscard]] bool isDue(StoreContext& context, qz::Moment now) const;
 
-  /// Gives tasks that bear the identifier of an older one a new one of their own, and their settings along with it.
-  /// Gives how many there were. REQUIRES: a unit, which the caller saves.
+  /// Gives tasks that bear the identifier of an older one (by `created`, where none is earliest, then by row) a new one
+  /// of their own, and their settings along with it. The moment of creation decides first so that all devices rename
+  /// the same task. Gives how many there were. REQUIRES: a unit, which the caller saves.
   static std::size_t cleanUpDuplicatedTaskIDs(StoreContext& context);
 
   /// The active tasks, in order of creation.

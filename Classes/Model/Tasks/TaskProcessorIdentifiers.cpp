@@ -4,6 +4,7 @@
 #include <QZKit/UniqueID.h>
 #include <QZLog/Log.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -13,7 +14,8 @@ std::size_t TaskProcessor::cleanUpDuplicatedTaskIDs(StoreContext& context) {
   qz::require(context.isInUnit(), "identifiers are changed outside a unit");
   std::vector<TaskEntity*> duplicates;
   for (const std::string& uniqueId : context.repeatedTexts<TaskEntity>("uniqueId")) {
-    const auto bearers = context.fetch<TaskEntity>("uniqueId", uniqueId);
+    auto bearers = context.fetch<TaskEntity>("uniqueId", uniqueId);
+    std::ranges::stable_sort(bearers, {}, &TaskEntity::created);
     duplicates.insert(duplicates.end(), bearers.begin() + 1, bearers.end());
   }
   if (duplicates.empty()) return 0;
