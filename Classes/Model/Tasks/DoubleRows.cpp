@@ -1,4 +1,4 @@
-#include <HabitraModel/Settings/StoreSettings.h>
+#include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/Entities/TaskCategoryEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
 #include <HabitraModel/Store/Entities/TaskCounterEntity.h>
@@ -13,8 +13,11 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -41,6 +44,54 @@ void uniteRelated(StoreContext& context, ObjectID survivor, ObjectID other) {
   }
 }
 
+/// What a counter says, to the second; none while the moment of its creation is not known.
+auto content(const TaskCounterEntity& row) {
+  using Content = std::tuple<std::int32_t, std::int16_t, std::chrono::sys_seconds, std::optional<std::string>>;
+  if (!row.createdTimestamp) return std::optional<Content>();
+  return std::optional<Content>(std::in_place, row.entryDate, row.quantity,
+                                std::chrono::floor<std::chrono::seconds>(*row.createdTimestamp), row.status);
+}
+
+/// One counter of two: the larger quantity stays (no moment of change is kept), of equal ones the rest decides.
+void takeOver(TaskCounterEntity& kept, const TaskCounterEntity& other) {
+  const auto statement = [](auto& row) {
+    return std::tie(row.quantity, row.createdTimestamp, row.entryDate, row.status);
+  };
+  if (statement(other) > statement(std::as_const(kept))) statement(kept) = statement(other);
+  kept.uniqueId = std::min(kept.uniqueId, other.uniqueId);
+}
+
+/// One to one, those with the same identifier first, then those with the same content.
+void uniteCounters(StoreContext& context, ObjectID survivor, ObjectID other) {
+  std::vector<TaskCounterEntity*> kept = context.fetchRelated<TaskCounterEntity>("task", survivor);
+  std::vector<TaskCounterEntity*> added = context.fetchRelated<TaskCounterEntity>("task", other);
+  const auto uniteBy = [&](const auto& keyOf) {
+    std::erase_if(added, [&](const TaskCounterEntity* row) {
+      const auto key = keyOf(*row);
+      const auto partner = std::ranges::find_if(
+          kept, [&](const TaskCounterEntity* candidate) { return key && keyOf(*candidate) == key; });
+      if (partner == kept.end()) return false;
+      takeOver(**partner, *row);
+      kept.erase(partner);
+      return true;
+    });
+  };
+  uniteBy([](const TaskCounterEntity& row) { return row.uniqueId; });
+  uniteBy([](const TaskCounterEntity& row) { return content(row); });
+  for (TaskCounterEntity* row : added) row->task = survivor;
+}
+
+/// Whether two rows with the same identifier are one.
+template <typename T>
+bool areOne(const T& a, const T& b) {
+  return areAlike(a, b);
+}
+bool areOne(const TaskCounterEntity& a, const TaskCounterEntity& b) { return a.task == b.task; }
+
+/// What `kept` takes over from a row that is one with it.
+template <typename T>
+void takeOver(T&, const T&) {}
+
 /// Leads every row of Holder that leads to `from` to `to`.
 template <typename Holder, typename Target>
 void leadOver(StoreContext& context, const Target& from, const Target& to) {
@@ -56,8 +107,9 @@ void resolve(StoreContext& context, DoubleRows& done) {
   for (const std::string& uniqueId : context.repeatedTexts<T>("uniqueId")) {
     std::vector<T*> kept;
     for (T* row : context.fetch<T>("uniqueId", uniqueId)) {
-      const auto older = std::ranges::find_if(kept, [&](const T* candidate) { return areAlike(*candidate, *row); });
+      const auto older = std::ranges::find_if(kept, [&](const T* candidate) { return areOne(*candidate, *row); });
       if (older != kept.end()) {
+        takeOver(**older, *row);
         leadOver<TaskEntity>(context, *row, **older);
         leadOver<TaskCategoryLink>(context, *row, **older);
         context.remove(*row);
@@ -73,15 +125,14 @@ void resolve(StoreContext& context, DoubleRows& done) {
   }
 }
 
+/// An identifier is one entry of a task; entries of other tasks get identifiers of their own.
 void resolveEntries(StoreContext& context, DoubleRows& done) {
   for (const std::string& uniqueId : context.repeatedTexts<TaskLogEntryEntity>("uniqueId")) {
-    std::vector<TaskLogEntryEntity> kept;
+    std::vector<UnitedEntry> kept;
     for (TaskLogEntryEntity& entry : context.fetchLogEntries(uniqueId)) {
-      const auto older =
-          std::ranges::find_if(kept, [&](const TaskLogEntryEntity& candidate) { return areAlike(candidate, entry); });
-      if (older != kept.end()) {
-        leadRequestsOver(context, entry.objectID, older->objectID);
-        context.removeLogEntry(entry.key());
+      const auto same = std::ranges::find(kept, entry.task, [](const UnitedEntry& one) { return one.entry.task; });
+      if (same != kept.end()) {
+        uniteSameEntries(context, *same, {.entry = entry});
         ++done.united;
         continue;
       }
@@ -89,11 +140,10 @@ void resolveEntries(StoreContext& context, DoubleRows& done) {
         entry.uniqueId = newIdentifier(context);
         context.updateLogEntry(entry.key(), entry);
         // Timers of a task name the entry of that task.
-        if (std::ranges::find(kept, entry.task, &TaskLogEntryEntity::task) == kept.end())
-          renameEntryOfTimers(context, entry.task, uniqueId, *entry.uniqueId);
+        renameEntriesOfTimers(context, entry.task, {{uniqueId, *entry.uniqueId}});
         ++done.renamed;
       }
-      kept.push_back(std::move(entry));
+      kept.push_back({.entry = std::move(entry)});
     }
   }
 }
@@ -118,7 +168,7 @@ void resolveRowsOfTasks(StoreContext& context, DoubleRows& done) {
 
 void resolveSettings(StoreContext& context, DoubleRows& done) {
   for (const std::string& key : context.repeatedTexts<SettingEntity>("settingKey"))
-    done.united += StoreSettings(context).removeRowsThatDoNotCount(key);
+    done.united += StoreSettings(context).removeRowsThatDoNotCount(key, &settings::isReadable);
 }
 
 /// What a task has one of goes over as well; then the one that counts stays.
@@ -132,7 +182,7 @@ void uniteRowsOfTask(StoreContext& context, ObjectID survivor, ObjectID other) {
 
 void uniteRelatedRows(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
   uniteRelated<TaskNoteEntity>(context, survivor.objectID, other.objectID);
-  uniteRelated<TaskCounterEntity>(context, survivor.objectID, other.objectID);
+  uniteCounters(context, survivor.objectID, other.objectID);
   uniteRelated<TaskTimerEntity>(context, survivor.objectID, other.objectID);
   uniteRelated<TaskNotificationRemindersEntity>(context, survivor.objectID, other.objectID);
   uniteRelated<TaskCategoryLink>(context, survivor.objectID, other.objectID);

@@ -1,194 +1,181 @@
-#include <HabitraCore/RawValue.h>
-#include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskTimerEntity.h>
-#include <HabitraModel/Tasks/AlikeRows.h>
 #include <HabitraModel/Tasks/LogUnion.h>
-#include <QZKit/UniqueID.h>
+#include <QZDateTime/HHMMSS.h>
+#include <QZDateTime/TimeZone.h>
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
-#include <map>
+#include <initializer_list>
+#include <iterator>
 #include <set>
-#include <string>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 namespace habitra {
 namespace {
 
-using Entries = std::vector<TaskLogEntryEntity>;
+using Entries = std::vector<UnitedEntry>;
 
-/// What an entry says: of which day and type it is, when it was made, and how much it reports. How much the system has
-/// measured does not count: it goes on measuring, and then one entry says two things.
-auto content(const TaskLogEntryEntity& entry) {
-  const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
-  const bool isMeasured = type && isAutomatic(*type);
-  std::optional<std::int64_t> second;
-  if (entry.createdTimestamp)
-    second = std::chrono::floor<std::chrono::seconds>(*entry.createdTimestamp).time_since_epoch().count();
-  return std::tuple(entry.entryDate, entry.entryType, second, isMeasured ? 0 : entry.progress,
-                    isMeasured ? 0 : entry.progressTotal);
+/// All that an entry says; where two say different things under one identifier, the greater one stays.
+auto statement(const TaskLogEntryEntity& entry) {
+  return std::tie(entry.progressTotal, entry.progress, entry.createdTimestamp, entry.entryDate, entry.entryType,
+                  entry.entryPeriodFrom, entry.entryPeriodTo, entry.entryPeriodType, entry.createdTimeZone);
 }
 
-/// The entries of a task without those that it has twice; these are removed.
-Entries withoutDoubles(StoreContext& context, const TaskEntity& task, DoubleRows& done) {
-  Entries entries;
-  std::multimap<std::string, std::size_t> places;  // in `entries`, by identifier
-  for (TaskLogEntryEntity& entry : context.fetchLogEntries(task.objectID)) {
-    if (entry.uniqueId) {
-      const auto [first, last] = places.equal_range(*entry.uniqueId);
-      const auto older =
-          std::find_if(first, last, [&](const auto& place) { return areAlike(entries[place.second], entry); });
-      if (older != last) {
-        leadRequestsOver(context, entry.objectID, entries[older->second].objectID);
-        context.removeLogEntry(entry.key());
-        ++done.united;
+/// Day, type, second of creation and amounts.
+using Content = std::tuple<std::int32_t, std::int16_t, std::int64_t, double, double>;
+
+/// By what entries with different identifiers are known to be one; none while the moment of creation is not known.
+std::optional<Content> content(const TaskLogEntryEntity& entry) {
+  if (!entry.createdTimestamp) return std::nullopt;
+  return Content(entry.entryDate, entry.entryType,
+                 std::chrono::floor<std::chrono::seconds>(*entry.createdTimestamp).time_since_epoch().count(),
+                 entry.progressTotal, entry.progress);
+}
+
+/// How far a request to the health store has come.
+int progressOf(const HealthKitRequestEntity& request) {
+  if (request.status == "done") return 2;
+  return request.status == "failed" ? 1 : 0;
+}
+
+/// Leads the requests of one entry over to another. What both have asked for is one request, as far as it has come.
+void leadRequestsOver(StoreContext& context, ObjectID from, ObjectID to) {
+  std::vector<HealthKitRequestEntity*> present = context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", to);
+  for (HealthKitRequestEntity* request : context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", from)) {
+    const auto same = std::ranges::find_if(present, [&](const HealthKitRequestEntity* other) {
+      return std::tie(other->created, other->data, other->type) ==
+             std::tie(request->created, request->data, request->type);
+    });
+    if (same == present.end()) {
+      request->taskLogEntry = to;
+      present.push_back(request);
+    } else if (std::pair(progressOf(**same), (*same)->statusDate) <
+               std::pair(progressOf(*request), request->statusDate)) {
+      (*same)->status = request->status;
+      (*same)->statusDate = request->statusDate;
+    }
+  }
+}
+
+/// The log that several become.
+class UnitedLog {
+ public:
+  UnitedLog(StoreContext& context, ObjectID survivor) : context_(context), survivor_(survivor) {}
+
+  /// Leads the entries of a task over; those with an identifier that is there already are one with it. Gives how many
+  /// were double within the log of this task.
+  std::size_t add(ObjectID task) {
+    std::set<std::string> own;
+    std::size_t doubles = 0;
+    for (const TaskLogEntryEntity& row : context_.fetchLogEntries(task)) {
+      UnitedEntry entry{.entry = row, .tasks = {task}, .firstDay = row.entryDate};
+      const auto [place, isNew] =
+          row.uniqueId ? places_.emplace(*row.uniqueId, entries_.size()) : std::pair(places_.end(), true);
+      if (row.uniqueId && !own.insert(*row.uniqueId).second) ++doubles;
+      if (!isNew) {
+        uniteSameEntries(context_, entries_[place->second], entry);
         continue;
       }
-      places.emplace(*entry.uniqueId, entries.size());
+      entry.entry.task = survivor_;
+      context_.updateLogEntry(row.key(), entry.entry);
+      entries_.push_back(std::move(entry));
     }
-    entries.push_back(std::move(entry));
+    return doubles;
   }
-  return entries;
-}
 
-/// Finds for each entry of one log its partner in the other, one to one.
-class Partners {
- public:
-  Partners(const Entries& wanted, const Entries& kept)
-      : wanted_(wanted), kept_(kept), partnerOf_(wanted.size()), isTaken_(kept.size()) {
-    pair([](const TaskLogEntryEntity& entry) {
-      return entry.uniqueId ? std::optional(std::pair(*entry.uniqueId, content(entry))) : std::nullopt;
+  /// Makes one of the entries with the same content that come from different logs, one to one: that which was made
+  /// first stays. Gives what the others are called now.
+  RenamedEntries uniteAlike() {
+    std::ranges::sort(entries_, {}, [](const UnitedEntry& united) {
+      return std::pair(!united.entry.uniqueId.has_value(), creation(united.entry));
     });
-    pair([](const TaskLogEntryEntity& entry) { return std::optional(content(entry)); });
+    RenamedEntries renamed;
+    std::map<Content, Entries> present;
+    Entries withoutContent;
+    for (UnitedEntry& entry : entries_) {
+      const auto key = content(entry.entry);
+      Entries& alike = key ? present[*key] : withoutContent;
+      const auto first =
+          key ? std::ranges::find_if(alike, [&](const UnitedEntry& kept) { return !share(kept, entry); }) : alike.end();
+      if (first == alike.end()) {
+        alike.push_back(std::move(entry));
+        continue;
+      }
+      if (entry.entry.uniqueId) renamed.emplace(*entry.entry.uniqueId, *first->entry.uniqueId);
+      leadRequestsOver(context_, entry.entry.objectID, first->entry.objectID);
+      context_.removeLogEntry(entry.entry.key());
+      first->tasks.merge(entry.tasks);
+    }
+    entries_ = std::move(withoutContent);
+    for (auto& [key, alike] : present) std::ranges::move(alike, std::back_inserter(entries_));
+    return renamed;
   }
 
-  /// The partner of the wanted entry at `index`, or null.
-  [[nodiscard]] const TaskLogEntryEntity* of(std::size_t index) const {
-    return partnerOf_[index] ? &kept_[*partnerOf_[index]] : nullptr;
-  }
+  /// Gives the entries away.
+  [[nodiscard]] Entries take() { return std::move(entries_); }
 
  private:
-  template <typename KeyOf>
-  void pair(KeyOf keyOf) {
-    std::multimap<typename std::invoke_result_t<KeyOf, const TaskLogEntryEntity&>::value_type, std::size_t> free;
-    for (std::size_t i = 0; i < kept_.size(); ++i)
-      if (const auto key = keyOf(kept_[i]); key && !isTaken_[i]) free.emplace(*key, i);
-    for (std::size_t i = 0; i < wanted_.size(); ++i) {
-      const auto key = keyOf(wanted_[i]);
-      const auto found = key && !partnerOf_[i] ? free.find(*key) : free.end();
-      if (found == free.end()) continue;
-      partnerOf_[i] = found->second;
-      isTaken_[found->second] = true;
-      free.erase(found);
-    }
+  static bool share(const UnitedEntry& a, const UnitedEntry& b) {
+    return std::ranges::any_of(a.tasks, [&](ObjectID task) { return b.tasks.contains(task); });
   }
 
-  const Entries& wanted_;
-  const Entries& kept_;
-  std::vector<std::optional<std::size_t>> partnerOf_;
-  std::vector<bool> isTaken_;
+  StoreContext& context_;
+  const ObjectID survivor_;
+  Entries entries_;
+  std::map<std::string, std::size_t> places_;  // in `entries_`, by identifier
 };
 
-/// The entries of one task for one period, of those types that can stand against each other.
-struct PeriodEntries {
-  Entries automatic;  ///< written by the system, full or partial
-  bool hasPersonsFull = false;
-  bool hasAutomaticFull = false;
-  bool hasAutomaticCompletion = false;
-};
-
-using Period = std::tuple<std::int32_t, std::int32_t>;
-
-std::map<Period, PeriodEntries> byPeriod(const Entries& entries) {
-  std::map<Period, PeriodEntries> periods;
-  for (const TaskLogEntryEntity& entry : entries) {
-    const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
-    if (!type || !marksHistory(*type)) continue;
-    const bool hasPeriod = entry.entryPeriodFrom > 0 && entry.entryPeriodTo > 0;
-    PeriodEntries& period = periods[hasPeriod ? Period(entry.entryPeriodFrom, entry.entryPeriodTo)
-                                              : Period(entry.entryDate, entry.entryDate)];
-    if (isAutomatic(*type)) {
-      period.automatic.push_back(entry);
-      period.hasAutomaticFull |= isFull(*type);
-      period.hasAutomaticCompletion |= isCompletedFull(*type);
-    } else {
-      period.hasPersonsFull |= isFull(*type);
-    }
-  }
-  return periods;
-}
-
-/// Whether the automatic entries of one side give way to what the other has for the same period.
-bool giveWay(const PeriodEntries& own, const PeriodEntries& others, bool othersAreOlder) {
-  if (own.hasPersonsFull || others.hasPersonsFull) return others.hasPersonsFull && !own.hasPersonsFull;
-  if (!own.hasAutomaticFull || !others.hasAutomaticFull) return false;
-  if (own.hasAutomaticCompletion != others.hasAutomaticCompletion) return others.hasAutomaticCompletion;
-  return othersAreOlder;
-}
-
-void removeContradicted(StoreContext& context, const Entries& kept, const Entries& added) {
-  const auto keptPeriods = byPeriod(kept);
-  for (const auto& [bounds, addedPeriod] : byPeriod(added)) {
-    const auto keptPeriod = keptPeriods.find(bounds);
-    if (keptPeriod == keptPeriods.end()) continue;
-    const PeriodEntries* loser = nullptr;
-    if (giveWay(addedPeriod, keptPeriod->second, true))
-      loser = &addedPeriod;
-    else if (giveWay(keptPeriod->second, addedPeriod, false))
-      loser = &keptPeriod->second;
-    if (loser == nullptr) continue;
-    for (const TaskLogEntryEntity& entry : loser->automatic) context.removeLogEntry(entry.key());
-  }
+/// Lets the next pass begin before a day. The first moment of no day, wherever it begins, lies two days before.
+void judgeAnewFrom(TaskEntity& task, std::int32_t day) {
+  const auto changed = existingDayFromStored(day);
+  if (!changed || !task.lastProcessedDate) return;
+  const qz::Moment before = changed->add(-2).beginning(qz::HHMMSS::midnight, qz::TimeZone::utc());
+  task.lastProcessedDate = std::min(*task.lastProcessedDate, before);
 }
 
 }  // namespace
 
-void leadRequestsOver(StoreContext& context, ObjectID from, ObjectID to) {
-  const auto present = context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", to);
-  for (HealthKitRequestEntity* request : context.fetchRelated<HealthKitRequestEntity>("taskLogEntry", from)) {
-    const bool isThere = std::ranges::any_of(present, [&](const HealthKitRequestEntity* other) {
-      return std::tie(other->created, other->data, other->status, other->statusDate, other->type) ==
-             std::tie(request->created, request->data, request->status, request->statusDate, request->type);
-    });
-    if (!isThere) request->taskLogEntry = to;
+void uniteSameEntries(StoreContext& context, UnitedEntry& kept, const UnitedEntry& other) {
+  TaskLogEntryEntity said = statement(other.entry) > statement(kept.entry) ? other.entry : kept.entry;
+  std::set<ObjectID> tasks;  // what another log said is news to it
+  for (const UnitedEntry* entry : std::initializer_list<const UnitedEntry*>{&kept, &other})
+    if (statement(entry->entry) == statement(said)) tasks.insert(entry->tasks.begin(), entry->tasks.end());
+
+  const LogKey key = kept.entry.key();
+  said.objectID = kept.entry.objectID;
+  said.task = kept.entry.task;
+  said.uniqueId = kept.entry.uniqueId;
+  leadRequestsOver(context, other.entry.objectID, kept.entry.objectID);
+  context.removeLogEntry(other.entry.key());
+  context.updateLogEntry(key, said);
+  kept = {.entry = std::move(said), .tasks = std::move(tasks), .firstDay = std::min(kept.firstDay, other.firstDay)};
+}
+
+void renameEntriesOfTimers(StoreContext& context, ObjectID task, const RenamedEntries& renamed) {
+  if (renamed.empty()) return;
+  for (TaskTimerEntity* timer : context.fetchRelated<TaskTimerEntity>("task", task)) {
+    const auto found = timer->entryId ? renamed.find(*timer->entryId) : renamed.end();
+    if (found != renamed.end()) timer->entryId = found->second;
   }
 }
 
-void renameEntryOfTimers(StoreContext& context, ObjectID task, std::string_view from, std::string_view to) {
-  for (TaskTimerEntity* timer : context.fetchRelated<TaskTimerEntity>("task", task))
-    if (timer->entryId == from) timer->entryId = to;
-}
-
-DoubleRows uniteLogs(StoreContext& context, const TaskEntity& survivor, const TaskEntity& other) {
-  DoubleRows done;
-  const Entries kept = withoutDoubles(context, survivor, done);
-  const Entries wanted = withoutDoubles(context, other, done);
-  const Partners partners(wanted, kept);
-  std::set<std::optional<std::string>> keptIdentifiers;
-  for (const TaskLogEntryEntity& entry : kept) keptIdentifiers.insert(entry.uniqueId);
-  Entries added;
-  for (std::size_t i = 0; i < wanted.size(); ++i) {
-    if (const TaskLogEntryEntity* partner = partners.of(i)) {
-      leadRequestsOver(context, wanted[i].objectID, partner->objectID);
-      if (wanted[i].uniqueId && partner->uniqueId && wanted[i].uniqueId != partner->uniqueId)
-        renameEntryOfTimers(context, other.objectID, *wanted[i].uniqueId, *partner->uniqueId);
-    } else {
-      TaskLogEntryEntity& entry = added.emplace_back(wanted[i]);
-      entry.task = survivor.objectID;
-      if (entry.uniqueId && keptIdentifiers.contains(entry.uniqueId)) {
-        entry.uniqueId = qz::UniqueID::generate(context.store().clock().now()).text();
-        renameEntryOfTimers(context, other.objectID, *wanted[i].uniqueId, *entry.uniqueId);
-        ++done.renamed;
-      }
-      context.updateLogEntry(wanted[i].key(), entry);
-    }
+std::size_t uniteLogs(StoreContext& context, TaskEntity& survivor, const std::vector<TaskEntity*>& others) {
+  UnitedLog united(context, survivor.objectID);
+  std::size_t doubles = united.add(survivor.objectID);
+  for (const TaskEntity* other : others) {
+    doubles += united.add(other->objectID);
+    // None is earlier than any moment: then all of it is looked at again.
+    survivor.lastProcessedDate = std::min(survivor.lastProcessedDate, other->lastProcessedDate);
   }
-  removeContradicted(context, kept, added);
-  return done;
+  const RenamedEntries renamed = united.uniteAlike();
+  renameEntriesOfTimers(context, survivor.objectID, renamed);
+  for (const TaskEntity* other : others) renameEntriesOfTimers(context, other->objectID, renamed);
+  if (const auto day = removeContradictions(context, survivor, others.size() + 1, united.take()))
+    judgeAnewFrom(survivor, *day);
+  return doubles;
 }
 
 }  // namespace habitra

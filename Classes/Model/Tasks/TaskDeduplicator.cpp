@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace habitra {
 namespace {
@@ -30,32 +31,47 @@ TaskEntity identityOf(const TaskEntity& task) {
   return identity;
 }
 
-/// Makes one task of two; the row of `other` goes, with all that is kept already.
-void unite(StoreContext& context, TaskEntity& survivor, TaskEntity& other, TaskDeduplicator::Report& report) {
-  const DoubleRows entries = uniteLogs(context, survivor, other);
-  report.unitedRows += entries.united;
-  report.renamedRows += entries.renamed;
-  uniteRelatedRows(context, survivor, other);
-  if (survivor.userProfile == ObjectID::none) survivor.userProfile = other.userProfile;
-  // None is earlier than any moment: then all of it is looked at again.
-  survivor.lastProcessedDate = std::min(survivor.lastProcessedDate, other.lastProcessedDate);
-  context.remove(other);
-  ++report.unitedTasks;
+/// Takes over what of a task bears the moment of its change, where it was changed later.
+void takeLaterChanges(TaskEntity& survivor, const TaskEntity& other) {
+  if (other.statusDate > survivor.statusDate) {
+    survivor.status = other.status;
+    survivor.statusDate = other.statusDate;
+  }
+  if (other.lastChangedDifficulty > survivor.lastChangedDifficulty) {
+    survivor.lastChangedDifficulty = other.lastChangedDifficulty;
+    survivor.lastChangedDifficultyStatus = other.lastChangedDifficultyStatus;
+    survivor.lastChangedDifficultyTimeZone = other.lastChangedDifficultyTimeZone;
+  }
+}
+
+/// Makes one task of several; the rows of the others go, with all that is kept already.
+void unite(StoreContext& context, TaskEntity& survivor, const std::vector<TaskEntity*>& others,
+           TaskDeduplicator::Report& report) {
+  report.unitedRows += uniteLogs(context, survivor, others);
+  for (TaskEntity* other : others) {
+    uniteRelatedRows(context, survivor, *other);
+    takeLaterChanges(survivor, *other);
+    if (survivor.userProfile == ObjectID::none) survivor.userProfile = other->userProfile;
+    context.remove(*other);
+    ++report.unitedTasks;
+  }
 }
 
 /// Unites those of a group that are the same, which equal hashes do not prove.
 void uniteGroup(StoreContext& context, const TaskDeduplicator::DuplicateGroup& group,
                 TaskDeduplicator::Report& report) {
-  std::vector<TaskEntity*> survivors;
+  std::vector<std::vector<TaskEntity*>> tasks;  // that are one; the oldest row first
   for (const ObjectID id : group.objectIDs) {
     TaskEntity* task = context.find<TaskEntity>(id);
-    const auto same = std::ranges::find(survivors, identityOf(*task),
-                                        [](const TaskEntity* survivor) { return identityOf(*survivor); });
-    if (same == survivors.end())
-      survivors.push_back(task);
+    const auto same = std::ranges::find(tasks, identityOf(*task),
+                                        [](const std::vector<TaskEntity*>& one) { return identityOf(*one.front()); });
+    if (same == tasks.end())
+      tasks.push_back({task});
     else
-      unite(context, **same, *task, report);
+      same->push_back(task);
   }
+  for (const std::vector<TaskEntity*>& one : tasks)
+    if (one.size() > 1) unite(context, *one.front(), {one.begin() + 1, one.end()}, report);
 }
 
 }  // namespace

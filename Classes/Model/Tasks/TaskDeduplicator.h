@@ -15,22 +15,34 @@ namespace habitra {
 /// Resolves the double identifiers that mirroring leaves behind.
 ///
 /// Tasks with the same `uniqueId` are one task when title, frequency and creation (to the second) agree. The older row
-/// survives with its attributes, and what belongs to the other goes over to it:
-/// - entries of the log are united that agree in day, type, second of creation and, but for what the system measured,
-///   amounts, one to one, those with the same `uniqueId` first, the older row staying; where only one of the two tasks
-///   has a person's full entry for a period, automatic ones of the other for that period go, as they go when it is
-///   recorded; of two automatic full ones a completion stays, else the older;
-/// - notes, counters, timers, reminders and categories that both have are kept once, all others of both;
-/// - of the notification settings, temporal data and share of both, those that were changed last stay;
-/// - the page is taken over where the survivor has none.
+/// survives, and what belongs to the others goes over to it:
+/// - the log becomes what it would be had all been recorded for one task in order of creation (by moment, then by
+///   identifier). The same identifier is one entry: no moment of change is kept, so the larger amount stays, of equal
+///   ones the greater content. Other entries are one where they come from different logs and agree in day, type, second
+///   of creation (which must be known) and amounts, one to one; that which was made first stays. What a person recorded
+///   later takes the place of the other completions, misses and skips of its period (supersedes()). What was filled in
+///   without knowing an entry that refutes it goes (FilledInEntries), and the next pass begins before it. What stood
+///   side by side in one of the logs does not contradict itself;
+/// - what entries have asked of the health store is one request by creation, data and type, as far as it has come;
+/// - counters are one like entries; notes, timers, reminders and categories that both have are kept once, all others of
+///   both;
+/// - of the notification settings, temporal data, share, status and change of difficulty, those that were changed last
+///   stay; of the page and the other attributes, which bear no moment, those of the older row, and the page of another
+///   where it has none.
 /// Tasks that are not one keep apart: the newer gets a new identifier (TaskProcessor::cleanUpDuplicatedTaskIDs).
 ///
 /// Rows of other entities with the same identifier are one when they are alike in everything but their state towards
-/// the cloud; links to them then lead to the older. Otherwise the newer gets a new identifier. Of several rows of what
-/// a task has one of, the one that counts stays (RowOfTask.h), and of a setting those that do (StoreSettings.h).
+/// the cloud (entries and counters when they belong to one task); links to them then lead to the older. Otherwise the
+/// newer gets a new identifier. Of several rows of what a task has one of, the one that counts stays (RowOfTask.h), and
+/// of a setting those that do (StoreSettings.h).
 ///
-/// So no entry, note or other record of a person is lost, of what there can be one of the last choice stays, and no
-/// identifier is double afterwards. Figures are not recomputed: a pass does that.
+/// What the united log, its counters and requests say is decided by their content, so that all devices come to the
+/// same. By row number, on which devices do not agree, are decided: which row of a task or entry stays; attributes that
+/// bear no moment of change; what was changed in the same moment; which of two rows of any entity but tasks that are
+/// not one keeps the identifier (of tasks, that which was created first does).
+///
+/// No identifier is double afterwards, and nothing that a person recorded is lost that would not be replaced when it is
+/// recorded for one task. Figures are not recomputed, nor is anything filled in: a pass does that.
 ///
 /// Works on the queue of the context that it is given.
 class TaskDeduplicator {

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <HabitraCore/TaskFrequencyPeriod.h>
+#include <HabitraCore/TaskRules.h>
+#include <HabitraModel/Store/StoreContext.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace habitra {
+
+/// The day of an entry and the period that it counts for: the one stored with it, else that of its day by the rules.
+/// None when neither can be told.
+[[nodiscard]] std::optional<DatedPeriod> countedPeriod(const TaskLogEntryEntity& row,
+                                                       const std::optional<TaskRules>& rules);
+
+/// Whether a pass fills in entries of the stored type: automatic skips, misses and allowed misses.
+[[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
+
+/// What passes have filled into the log of one task, and what becomes of it when somebody says something else. Belongs
+/// to the queue of its context; both must live longer.
+class FilledInEntries {
+ public:
+  FilledInEntries(StoreContext& context, const TaskEntity& task);
+
+  /// The entries that `row`, an entry of the task, refutes: those of its period that its type takes the place of, and,
+  /// where it takes the place of any, those of later days that follow from its day (followingDays()): of the rest of
+  /// the counting period, or of the days up to the next full completion. In order of day. An entry that was filled in
+  /// itself, and one that decides nothing, refutes none.
+  [[nodiscard]] std::vector<TaskLogEntryEntity> refutedBy(const TaskLogEntryEntity& row) const;
+
+ private:
+  /// Appends those that follow from a day.
+  void appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const;
+  /// Appends those of some days, up to the first full completion where that is the end; gives whether there was one.
+  bool appendBetween(std::int32_t from, std::int32_t to, bool endAtCompletion,
+                     std::vector<TaskLogEntryEntity>& refuted) const;
+
+  StoreContext& context_;
+  const ObjectID task_;
+  const std::optional<TaskRules> rules_;
+};
+
+}  // namespace habitra
