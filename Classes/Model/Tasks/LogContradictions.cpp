@@ -1,5 +1,6 @@
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Tasks/EntryOrder.h>
 #include <HabitraModel/Tasks/FilledInEntries.h>
 #include <HabitraModel/Tasks/LogContradictions.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
@@ -59,6 +60,21 @@ class Contradictions {
     }
   }
 
+  /// Periods of which no log had all entries are read in order of creation, not in that in which rows came.
+  void putInOrder() {
+    for (const auto& [bounds, places] : periods_) {
+      std::vector<TaskLogEntryEntity> entries;
+      std::set<ObjectID> common;  // that had all of them
+      for (const std::size_t i : places) {
+        if (!isPresent(i)) continue;
+        if (entries.empty()) common = entries_[i].tasks;
+        std::erase_if(common, [&](ObjectID task) { return !entries_[i].tasks.contains(task); });
+        entries.push_back(entries_[i].entry);
+      }
+      if (common.empty()) putRowsInOrder(context_, entries);
+    }
+  }
+
   [[nodiscard]] std::optional<std::int32_t> earliestChangedDay() {
     for (std::size_t i = 0; i < entries_.size(); ++i)
       if (isNews(i)) changed(entries_[i].firstDay);
@@ -106,6 +122,7 @@ std::optional<std::int32_t> removeContradictions(StoreContext& context, const Ta
   contradictions.removeSuperseded();
   contradictions.removeRefuted();
   contradictions.removeFilledInTwice();
+  contradictions.putInOrder();
   return contradictions.earliestChangedDay();
 }
 

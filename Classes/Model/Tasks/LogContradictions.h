@@ -26,8 +26,9 @@ struct UnitedEntry {
 
 /// Removes from the log of `survivor`, which was those of `logs` tasks, what would not be there had all been recorded
 /// for one. What stood side by side in one of the logs does not contradict itself, and what was filled in stays where
-/// one of them had it and all that speaks against it. Gives the earliest day that has to be judged anew, none when no
-/// log has learned anything. REQUIRES: a unit; `entries` is that log.
+/// one of them had it and all that speaks against it. Rows are numbered in order of creation where the walk goes by
+/// that. Gives the earliest day that has to be judged anew, none when no log has learned anything. REQUIRES: a unit;
+/// `entries` is that log.
 [[nodiscard]] std::optional<std::int32_t> removeContradictions(StoreContext& context, const TaskEntity& survivor,
                                                                std::size_t logs, std::vector<UnitedEntry> entries);
 

@@ -129,7 +129,8 @@ RC_GTEST_FIXTURE_PROP(LogUnionTest, LogsBecomeWhatOneWouldBeIntoWhichAllWasRecor
   std::vector<Places> known(static_cast<std::size_t>(logs), Places{0});
   for (int i = *rc::gen::inRange(0, 12); i > 0; --i) {
     const Type type = *rc::gen::element(Type::completedManuallyFull, Type::completedManuallyPartial,
-                                        Type::skippedManuallyFull, Type::missedManuallyFull, Type::unknown);
+                                        Type::skippedManuallyFull, Type::missedManuallyFull, Type::unknown,
+                                        Type::missedManuallyPartial, Type::completedAutomaticallyPartial);
     for (Places& places : known)
       if (*rc::gen::arbitrary<bool>()) places.push_back(events.size());
     events.push_back({*rc::gen::inRange(1, 15), type, *rc::gen::element(0.0, 1.0)});
