@@ -122,7 +122,9 @@ void UndoObstacles::checkReplaced(TouchedRow& touched) {
   const LoggedPeriod period = LoggedPeriod::of(earlier);
   context_.readLog(earlier.task, period.from, period.to, [&](const LogRow& row) {
     const auto other = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (type && other && later_.hasInserted(row.objectID) && supersedes(*other, *type)) touched.isLeftOut = true;
+    // What a pass has filled in since goes when the entry is back.
+    if (!type || !other || followsFromEarlierDays(*other)) return;
+    touched.isLeftOut |= later_.hasInserted(row.objectID) && supersedes(*other, *type);
   });
 }
 

@@ -108,6 +108,14 @@ TEST_F(UndoObstaclesTest, WhatAProgramWouldHaveReplacedDoesNotComeBack) {
   recordAs(walk, 20240110, Type::completedAutomaticallyFull, std::nullopt);
   undo(skip);
   EXPECT_EQ(context_->fetchLogEntries(walk).size(), 1U);
+
+  // What a pass has filled in since does not keep it away.
+  const auto measured = context_->fetchLogEntries(walk);
+  context_->removeLogEntry(measured.at(0).key());
+  const std::int64_t unchecked = recordAs(walk, 20240110, Type::unknown, "uncheck");
+  recordAs(walk, 20240110, Type::missedAutomaticallyFull, std::nullopt);
+  undo(unchecked);
+  EXPECT_EQ(context_->fetchLogEntries(walk), measured);
 }
 
 TEST_F(UndoObstaclesTest, ASettingThatIsPutBackLetsItsHabitsBeJudgedAgain) {
