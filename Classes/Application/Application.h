@@ -30,6 +30,7 @@ struct ApplicationSettings {
   std::filesystem::path home;              ///< the Habitra home; made when something is first written
   std::shared_ptr<const qz::Clock> clock;  ///< where "now" comes from
   qz::TimeZone timeZone;                   ///< the device's zone: days of tasks without a zone of their own
+  bool timeIsGiven = false;                ///< "now" need not have come: then nothing goes because it is old
 };
 
 /// What became of one habit that a person marked.

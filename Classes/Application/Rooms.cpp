@@ -26,7 +26,8 @@ Application::Rooms::Rooms(const ApplicationSettings& settings)
       calendars(settings.timeZone, qz::HHMMSS::midnight),
       recorder(calendars, mainQueue),
       processor(calendars, recorder),
-      timeZone_(settings.timeZone) {}
+      timeZone_(settings.timeZone),
+      timeIsGiven_(settings.timeIsGiven) {}
 
 StoreContext* Application::Rooms::readingContext() {
   if (!readingContext_)
@@ -118,6 +119,7 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
 }
 
 void Application::Rooms::trimHistory(StoreContext& context) noexcept {
+  if (timeIsGiven_) return;
   try {
     HistoryTrimming::trimDaily(context, manager.standardDefaults(), now());
   } catch (const std::exception& error) {

@@ -51,7 +51,8 @@ class Application::Rooms {
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
               qz::Moment startDate);
 
-  /// Lets go of history that nobody needs any more, at most once a day. Never throws: it can wait.
+  /// Lets go of history that nobody needs any more, at most once a day and never by a time that is given.
+  /// Never throws: it can wait.
   void trimHistory(StoreContext& context) noexcept;
 
   DataManager manager;
@@ -66,6 +67,7 @@ class Application::Rooms {
   void followStartOfDay(StoreContext& context);
 
   qz::TimeZone timeZone_;
+  bool timeIsGiven_;
   std::unique_ptr<StoreContext> readingContext_;
 };
 

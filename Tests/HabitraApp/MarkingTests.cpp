@@ -112,6 +112,11 @@ TEST_F(MarkingTests, historyGoesThoughNobodyObserves) {
     context->save({.author = habitra::Author::app, .command = "move"});
   }
   clock_->advance(days(8));
+  habitra::Application(
+      {.home = folder_ / "home", .clock = clock_, .timeZone = qz::TimeZone::utc(), .timeIsGiven = true})
+      .process();
+  context->refresh();
+  EXPECT_EQ(context->oldestKeptSequence(), 1) << "that time need not have come";
   application_.processIfDue();
   context->refresh();
   EXPECT_EQ(context->oldestKeptSequence(), 8) << "undo reaches 200 commands";

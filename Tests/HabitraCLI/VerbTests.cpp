@@ -175,6 +175,9 @@ TEST_F(VerbTests, process) {
   now_ = "2024-02-02T10:00:00Z";
   EXPECT_EQ(runJSON({"process"}), (json{{"tasks", 2}, {"changed", 2}, {"filledIn", 4}, {"removed", 0}}));
   EXPECT_EQ(run({"process"}), says("2 habits up to date\n"));
+  now_ = "2099-01-01T10:00:00Z";
+  EXPECT_EQ(run({"process"}).exitCode, 0);
+  EXPECT_FALSE(std::filesystem::exists(home_ / "Habitra-Standard.json")) << "history was trimmed by an invented time";
 }
 
 TEST_F(VerbTests, exportAndImportAgreeByteForByte) {
