@@ -28,11 +28,14 @@ class Reading {
   int& count_;
 };
 
-std::optional<std::int32_t> onlyDay(Query& query, ObjectID task) {
+/// The day that a query for a day and its row finds.
+std::optional<std::int32_t> onlyDay(Query& query, ObjectID task, const EntityTable& log) {
   auto statement = query.use();
   statement->bind(1, rawValue(task));
   if (!statement->step()) return std::nullopt;
-  return static_cast<std::int32_t>(statement->integer(0));
+  const std::int64_t day = statement->integer(0);
+  if (!std::in_range<std::int32_t>(day)) log.refuse(ObjectID{statement->integer(1)}, "entryDate");
+  return static_cast<std::int32_t>(day);
 }
 
 }  // namespace
@@ -129,12 +132,12 @@ std::optional<TaskLogEntryEntity> StoreContext::findLogEntry(ObjectID id) {
 
 std::optional<std::int32_t> StoreContext::earliestEntryDay(ObjectID task) {
   parts_->beginView();
-  return onlyDay(parts_->earliest, task);
+  return onlyDay(parts_->earliest, task, parts_->table(TaskLogEntryEntity::description()));
 }
 
 std::optional<std::int32_t> StoreContext::newestEntryDay(ObjectID task) {
   parts_->beginView();
-  return onlyDay(parts_->newest, task);
+  return onlyDay(parts_->newest, task, parts_->table(TaskLogEntryEntity::description()));
 }
 
 ObjectID StoreContext::insertLogEntry(const TaskLogEntryEntity& entry) {

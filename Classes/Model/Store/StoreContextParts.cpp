@@ -15,9 +15,11 @@ StoreContext::Parts::Parts(std::shared_ptr<Store> store)
             "progressTotal FROM TaskLogEntryEntity WHERE task=? AND entryDate BETWEEN ? AND ? "
             "ORDER BY entryDate, objectID"),
       earliest(unit.connection(),
-               "SELECT entryDate FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 ORDER BY entryDate LIMIT 1"),
+               "SELECT entryDate, objectID FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 "
+               "ORDER BY entryDate LIMIT 1"),
       newest(unit.connection(),
-             "SELECT entryDate FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 ORDER BY entryDate DESC LIMIT 1") {}
+             "SELECT entryDate, objectID FROM TaskLogEntryEntity WHERE task=? AND entryDate>0 "
+             "ORDER BY entryDate DESC LIMIT 1") {}
 
 EntityTable& StoreContext::Parts::table(const EntityDescription& entity) {
   const auto found = tables.find(entity.number);

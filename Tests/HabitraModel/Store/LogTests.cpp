@@ -178,6 +178,9 @@ TEST_F(LogTest, AValueWiderThanItsColumnIsDamageForEveryReader) {
     runSQL(file(), "UPDATE TaskLogEntryEntity SET entryType=1, entryPeriodTo=20240101, progress=0.0");
   }
   EXPECT_EQ(days(*open(), task).size(), 1U);
+  runSQL(file(), "UPDATE TaskLogEntryEntity SET entryDate=4315207396");
+  EXPECT_EQ(errorKind([&] { (void)open()->earliestEntryDay(task); }), StoreError::Kind::damaged);
+  EXPECT_EQ(errorKind([&] { (void)open()->newestEntryDay(task); }), StoreError::Kind::damaged);
 }
 
 TEST_F(LogTest, TheLogIsNotChangedWhileItIsRead) {
