@@ -55,7 +55,8 @@ class DataManager {
 
   /// The key of the shared defaults that says, as a text, which cloud database the store is mirrored to.
   static constexpr const char* cloudContainerKey = "dm.cloudContainer";
-  /// The key that says, while the storage is switched, to which file.
+  /// The key that says, while the storage is switched, to which file. It is written before anything is moved, to see
+  /// whether the defaults can be, and is for people: one that a crash has left means nothing to a program.
   static constexpr const char* switchingKey = "dm.switchingTo";
 
   /// Looks up an environment variable; none when it is not set.
@@ -129,8 +130,10 @@ class DataManager {
   /// Makes the cloud's store the active one (`cloudContainer` names the database it is mirrored to), or the local one
   /// (none). What is stored goes along; the store that was active stays in its file as it was, and one that lay at the
   /// new place before is kept among the backups. Does nothing when it is so already. Posts
-  /// databaseStorageLocationChanged. Throws StoreError, with all as before, when another program has the store open and
-  /// does not close it in time, or the store is in memory.
+  /// databaseStorageLocationChanged. Throws StoreError when another program has the store open and does not close it in
+  /// time, the store cannot be copied, or it is in memory. Then the active store and the choice are as before; where
+  /// the very last step fails, to write the choice down, the other place has the copy already, and the next switch
+  /// keeps that among the backups.
   void switchStorage(const std::optional<std::string>& cloudContainer);
 
   /// Puts the store of another file in the place of the active one, which is kept among the backups. The same errors,
@@ -165,6 +168,9 @@ class DataManager {
   void beginInterruption();
   void endInterruption() noexcept;
   void startObserving();
+  /// Gives false when the store was in its place already. REQUIRES: maintenance.
+  bool moveStore(bool toCloud, const std::function<void(KeyValueDefaults::Values&)>& choose);
+  void forgetSwitching() noexcept;
 
   const std::filesystem::path home_;
   const std::shared_ptr<const qz::Clock> clock_;

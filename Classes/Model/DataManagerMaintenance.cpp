@@ -5,6 +5,7 @@
 #include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <QZLog/Log.h>
 
+#include <exception>
 #include <utility>
 
 // What changes whole stores.
@@ -20,8 +21,6 @@ void DataManager::switchStorage(const std::optional<std::string>& cloudContainer
   const bool toCloud = cloudContainer.has_value();
   if (isCloudSyncOn() == toCloud && this->cloudContainer() == cloudContainer) return;
   (void)activeStore(true);  // an early store is taken over, a missing one made: there is always something to take along
-  const auto local = home_ / fileName(StoreFile::local);
-  const auto cloud = home_ / fileName(StoreFile::cloudKit);
   const auto choose = [&](KeyValueDefaults::Values& values) {
     values.insert_or_assign(std::string(settings::cloudSync.key), settings::cloudSync.encode(toCloud));
     values.erase(switchingKey);
@@ -29,19 +28,37 @@ void DataManager::switchStorage(const std::optional<std::string>& cloudContainer
     if (toCloud) values[cloudContainerKey] = *cloudContainer;
   };
   bool hasMoved = false;
-  performMaintenance([&] {
-    CoreDataMigrator migrator = maintenance_->makeMigrator();
-    const auto maintenance = migrator.beginMaintenance(home_);
-    // Only now nobody else can choose, or write to what is to be copied.
-    hasMoved = isCloudSyncOn() != toCloud;
-    if (hasMoved) {
-      // When the choice cannot be written down, nothing is moved.
-      sharedDefaults_->set(switchingKey, std::string(fileName(toCloud ? StoreFile::cloudKit : StoreFile::local)));
-      migrator.replaceStore(toCloud ? cloud : local, toCloud ? local : cloud, *maintenance);
-    }
-    sharedDefaults_->update(choose);
-  });
+  performMaintenance([&] { hasMoved = moveStore(toCloud, choose); });
   if (hasMoved) announce(*notifications_, databaseStorageLocationChanged);
+}
+
+bool DataManager::moveStore(bool toCloud, const std::function<void(KeyValueDefaults::Values&)>& choose) {
+  const std::string_view from = fileName(toCloud ? StoreFile::local : StoreFile::cloudKit);
+  const std::string_view to = fileName(toCloud ? StoreFile::cloudKit : StoreFile::local);
+  CoreDataMigrator migrator = maintenance_->makeMigrator();
+  const auto maintenance = migrator.beginMaintenance(home_);
+  // Only now nobody else can choose, or write to what is to be copied.
+  const bool mustMove = isCloudSyncOn() != toCloud;
+  try {
+    if (mustMove) {
+      sharedDefaults_->set(switchingKey, std::string(to));
+      migrator.replaceStore(home_ / to, home_ / from, *maintenance);
+    }
+    // Last, so that the store that is chosen is always there.
+    sharedDefaults_->update(choose);
+  } catch (...) {
+    forgetSwitching();
+    throw;
+  }
+  return mustMove;
+}
+
+void DataManager::forgetSwitching() noexcept {
+  try {
+    sharedDefaults_->remove(switchingKey);
+  } catch (const std::exception& error) {
+    qz::log::warning("That the storage was to be switched stays in the defaults: {}", error.what());
+  }
 }
 
 void DataManager::restoreStore(const std::filesystem::path& file) {

@@ -66,6 +66,16 @@ TEST_F(StoreMaintenanceTest, AnObservedStoreKnowsItsCloud) {
   EXPECT_EQ(manager_.cloudPersistentContainer()->location().cloudContainer(), "private");
 }
 
+TEST_F(StoreMaintenanceTest, ASwitchThatFailsLeavesNoTrace) {
+  makeTask();
+  runSQL(file(), "UPDATE TaskEntity SET title='forged'");
+  EXPECT_EQ(errorKind([this] { manager_.switchStorage("private"); }), StoreError::Kind::damaged);
+  EXPECT_FALSE(manager_.isCloudSyncOn());
+  EXPECT_TRUE(manager_.sharedDefaults().keys().empty());
+  EXPECT_FALSE(std::filesystem::exists(home() / "Habitra-CloudKit.sqlite"));
+  EXPECT_EQ(manager_.contextForReading()->fetchAll<TaskEntity>().size(), 1U);
+}
+
 TEST_F(StoreMaintenanceTest, WhoIsToldOfItsEndMayWaitForOthers) {
   putOldStore(file());
   int told = 0;
