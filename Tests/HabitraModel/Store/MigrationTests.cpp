@@ -1,7 +1,10 @@
 #include <HabitraModel/MigratedDataCloudSummary.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Store/Entities/TaskShareOwnerEntity.h>
+#include <HabitraModel/Store/StoreCopy.h>
 #include <Support/OrdinaryRights.h>
+
+#include <sys/resource.h>
 
 #include "MigrationFixture.h"
 
@@ -187,6 +190,36 @@ TEST_F(MigrationTest, TheSummaryTellsTasksAndOwners) {
                                  .properties = {{"ckRecordIdRecordName", "record"}, {"cnFormattedName", "Ada"}},
                                  .taskIdentifiers = {active}};
   EXPECT_EQ(MigratedDataCloudSummary::of(*context).owners, std::vector<MigratableOwner>{expected});
+}
+
+TEST_F(MigrationTest, ADiskWithoutRoomLeavesEverythingAsItWas) {
+  putOldStore(file());
+  const std::string before = folderContent(home()).at(file().filename());
+  const auto size = fs::file_size(file());
+  for (const rlim_t room : {rlim_t{0}, rlim_t{4096}, rlim_t{size / 2}, rlim_t{size + 4096}}) {
+    SCOPED_TRACE(room);
+    ChildProcess child([&](const ChildProcess::Talk&) {
+      ::signal(SIGXFSZ, SIG_IGN);
+      const rlimit limit{.rlim_cur = room, .rlim_max = room};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
+      const auto fails = [this](auto&& step) {
+        const auto kind = errorKind(step);
+        return kind == StoreError::Kind::failed || kind == StoreError::Kind::diskFull;
+      };
+      if (!fails([this] { migrator().migrate(file()); })) throw std::runtime_error("it was migrated");
+      if (room < size && !fails([this] { copyStore(file(), folder_ / "copy.sqlite"); }))
+        throw std::runtime_error("it was copied");
+      if (room == 0 && !fails([this] { (void)Store::open(home() / "new.sqlite", clock_); }))
+        throw std::runtime_error("a store was made");
+    });
+    EXPECT_TRUE(child.end());
+    EXPECT_TRUE(folderContent(home()).at(file().filename()) == before);
+    EXPECT_FALSE(fs::exists(folder_ / "copy.sqlite"));
+    for (const auto& backup : filesIn(backups())) expectAllRows(backup);
+  }
+  migrator().migrate(file());
+  expectAllRows(file());
+  EXPECT_NE(Store::open(home() / "new.sqlite", clock_), nullptr);
 }
 
 }  // namespace
