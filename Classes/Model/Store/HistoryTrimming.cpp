@@ -155,11 +155,11 @@ class HistoryTrimming::Step {
   /// Copies of this store that no command in reach names, and those named by a command out of reach: in a store that
   /// was restored they bear the identifier that it had before.
   [[nodiscard]] std::set<std::string> backupsOutOfReach() {
-    std::set<std::string> names;
-    if (context_.store().isInMemory()) return names;
-    for (const std::string& name : undoBackups(context_.store().file(), context_.storeIdentifier())) names.insert(name);
+    if (context_.store().isInMemory()) return {};
+    std::set<std::string> names = undoBackups(context_.store().file(), context_.storeIdentifier());
     const std::int64_t first = firstUndoable();
-    Statement rows(connection_, "SELECT backup, sequence FROM habitra_transaction WHERE backup IS NOT NULL");
+    Statement rows(connection_,
+                   "SELECT backup, sequence FROM habitra_transaction WHERE command IS NOT NULL AND backup IS NOT NULL");
     while (rows.step()) {
       const std::string name(rows.text(0));
       if (rows.integer(1) >= first)

@@ -125,7 +125,7 @@ StoredTransaction StoreContext::Parts::writeTransaction(const SaveRequest& reque
                                 .backup = request.backup};
   const bool isBig = request.command && !request.backup && !unit.store().isInMemory() &&
                      written.inserted + written.updated + written.removed > UndoBackup::rowsOfBigCommand;
-  if (isBig) transaction.backup = backup.make(transaction.sequence);
+  if (isBig) transaction.backup = backup.make(transaction.sequence, unit.storeIdentifier());
   history.writeTransaction(transaction);
   if (keepsBefore && (!request.command || isBig)) history.dropBefore(transaction.sequence);
   return transaction;

@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <set>
 #include <string>
-#include <vector>
 
-/// The copies of a store that are made before big commands, so that these can be undone: "before-12.sqlite" in the
-/// folder "Backups" of its home, 12 being the transaction of the command.
+/// The copies of a store that are made before big commands, so that these can be undone: "before-12-90E34B5C.sqlite" in
+/// the folder "Backups" of its home, 12 being the transaction of the command, and the rest how the store's identifier
+/// begins.
 namespace habitra {
 
 class Store;
@@ -22,10 +23,9 @@ class UndoBackup {
   UndoBackup(const UndoBackup&) = delete;
   UndoBackup& operator=(const UndoBackup&) = delete;
 
-  /// Copies the store as last committed, and gives the name of the file. A file that is there already, of another store
-  /// of the home, is left alone: the copy gets a longer name. Throws StoreError. REQUIRES: the writers' turn; a store
-  /// in a file.
-  [[nodiscard]] std::string make(std::int64_t sequence);
+  /// Copies the store as last committed, and gives the name of the file. Throws StoreError. REQUIRES: the writers'
+  /// turn; a store in a file; no transaction of that number.
+  [[nodiscard]] std::string make(std::int64_t sequence, const std::string& storeIdentifier);
   /// The save is committed.
   void keep() noexcept { name_.clear(); }
 
@@ -38,8 +38,7 @@ class UndoBackup {
 [[nodiscard]] std::filesystem::path undoBackupFolder(const std::filesystem::path& store);
 
 /// The names of the copies in the folder that were made of the store with this identifier.
-[[nodiscard]] std::vector<std::string> undoBackups(const std::filesystem::path& store,
-                                                   const std::string& storeIdentifier);
+[[nodiscard]] std::set<std::string> undoBackups(const std::filesystem::path& store, const std::string& storeIdentifier);
 
 /// Whether there is a file of this name among the copies; a path out of their folder is none.
 [[nodiscard]] bool hasUndoBackup(const std::filesystem::path& store, const std::string& name);

@@ -210,6 +210,10 @@ TEST_F(UndoStackTest, OnlyTheLastTwoHundredCommandsAreReached) {
 class BigCommandTest : public UndoStackTest {
  protected:
   [[nodiscard]] std::filesystem::path backups() const { return file().parent_path() / "Backups"; }
+  [[nodiscard]] std::filesystem::path backup(std::int64_t sequence) const {
+    const std::string store = context_->storeIdentifier().substr(0, 8);
+    return backups() / ("before-" + std::to_string(sequence) + "-" + store + ".sqlite");
+  }
   /// 1,200 entries, of which a command then changes every one.
   std::int64_t changeMany() {
     task_ = add("Walk").objectID;
@@ -234,7 +238,7 @@ class BigCommandTest : public UndoStackTest {
 
 TEST_F(BigCommandTest, ABigCommandIsUndoneFromItsBackup) {
   const std::int64_t tidy = changeMany();
-  const auto backup = backups() / ("before-" + std::to_string(tidy) + ".sqlite");
+  const auto backup = this->backup(tidy);
   struct stat status {};
   ASSERT_EQ(::stat(backup.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
@@ -255,7 +259,7 @@ TEST_F(BigCommandTest, ABigCommandIsUndoneFromItsBackup) {
 
   undo();
   EXPECT_EQ(rows(), before_);
-  EXPECT_TRUE(std::filesystem::exists(backups() / ("before-" + std::to_string(tidy + 1) + ".sqlite")));
+  EXPECT_TRUE(std::filesystem::exists(this->backup(tidy + 1)));
   redo();
   EXPECT_NE(rows(), before_);
   undo();
@@ -269,6 +273,8 @@ TEST_F(BigCommandTest, ABackupThatCannotBeMadeFailsTheCommandAndOneOfAFailedComm
   EXPECT_FALSE(context_->hasChanges());
   EXPECT_EQ(rows(), before_);
   std::filesystem::remove(backups());
+  std::filesystem::create_directories(backups());
+  { std::ofstream(backup(context_->sequence() + 1)) << "left by a command that was never committed"; }
   context_->insert(titled("Run")).userProfile = ObjectID{4711};  // leads nowhere, which is refused at the end
   for (int i = 0; i < 1001; ++i) context_->insertLogEntry(entryOn(task_, 20240101));
   EXPECT_THROW(save("refused"), StoreError);
@@ -278,8 +284,8 @@ TEST_F(BigCommandTest, ABackupThatCannotBeMadeFailsTheCommandAndOneOfAFailedComm
 TEST_F(BigCommandTest, BackupsGoWithTheReachOfUndo) {
   const std::int64_t tidy = changeMany();
   EXPECT_EQ(HistoryTrimming::trim(*context_, {}, clock_->now()), HistoryTrimming::Report{});
-  std::filesystem::copy(backups() / ("before-" + std::to_string(tidy) + ".sqlite"), backups() / "before-99.sqlite");
-  { std::ofstream(backups() / "before-98.sqlite") << "no store"; }
+  std::filesystem::copy(backup(tidy), backup(99));
+  std::filesystem::copy(backup(tidy), backups() / "before-99-FFFFFFFF.sqlite");
   EXPECT_EQ(HistoryTrimming::trim(*context_, {}, clock_->now()), (HistoryTrimming::Report{.backups = 1}))
       << "a copy that no command names";
   TaskEntity& task = *context_->find<TaskEntity>(task_);
@@ -289,7 +295,7 @@ TEST_F(BigCommandTest, BackupsGoWithTheReachOfUndo) {
   }
   EXPECT_EQ(HistoryTrimming::trim(*context_, {}, clock_->now()).backups, 1);
   EXPECT_EQ(HistoryTrimming::trim(*context_, {}, clock_->now()), HistoryTrimming::Report{});
-  EXPECT_TRUE(std::filesystem::exists(backups() / "before-98.sqlite")) << "whatever that is";
+  EXPECT_TRUE(std::filesystem::exists(backups() / "before-99-FFFFFFFF.sqlite")) << "of another store of the home";
 }
 
 }  // namespace
