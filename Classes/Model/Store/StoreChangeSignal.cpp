@@ -12,8 +12,18 @@
 #include <utility>
 
 namespace habitra {
+namespace {
 
-StoreChangeSignal::StoreChangeSignal(std::shared_ptr<Store> store) : store_(std::move(store)) {}
+/// Asks for nothing but which file it is: once its times are asked for, too, newer kernels write them out anew with
+/// the next change, which makes each commit a quarter slower.
+bool identify(int folder, const char* file, struct statx& identity) {
+  return ::statx(folder, file, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW, STATX_INO, &identity) == 0;
+}
+
+}  // namespace
+
+StoreChangeSignal::StoreChangeSignal(std::shared_ptr<Store> store)
+    : store_(std::move(store)), file_(store_->isInMemory() ? "" : store_->file().parent_path() / fileName) {}
 
 StoreChangeSignal::~StoreChangeSignal() {
   if (descriptor_ >= 0) ::close(descriptor_);
@@ -47,25 +57,26 @@ void StoreChangeSignal::announce(std::int64_t sequence) noexcept {
 }
 
 bool StoreChangeSignal::isInPlace() const {
-  struct stat found {};
-  struct stat opened {};
-  return ::lstat(file().c_str(), &found) == 0 && ::fstat(descriptor_, &opened) == 0 && found.st_dev == opened.st_dev &&
-         found.st_ino == opened.st_ino;
+  struct statx found {};
+  struct statx opened {};
+  return identify(AT_FDCWD, file_.c_str(), found) && identify(descriptor_, "", opened) &&
+         found.stx_dev_major == opened.stx_dev_major && found.stx_dev_minor == opened.stx_dev_minor &&
+         found.stx_ino == opened.stx_ino;
 }
 
 void StoreChangeSignal::open() {
   if (descriptor_ >= 0 && isInPlace()) return;
   if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
-  if (!isPrivateFile(file())) makePrivateFile(file());
-  descriptor_ = ::open(file().c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-  if (descriptor_ < 0) failWithErrno("cannot open", file());
+  if (!isPrivateFile(file_)) makePrivateFile(file_);
+  descriptor_ = ::open(file_.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor_ < 0) failWithErrno("cannot open", file_);
 }
 
 void StoreChangeSignal::write(std::int64_t sequence) {
-  open();
+  if (descriptor_ < 0) open();
   const std::string line = fmt::format("{:<19}\n", sequence);
   if (::pwrite(descriptor_, line.data(), line.size(), 0) != static_cast<ssize_t>(line.size()))
-    failWithErrno("cannot write", file());
+    failWithErrno("cannot write", file_);
 }
 
 }  // namespace habitra

@@ -35,11 +35,11 @@ class StoreChangeSignal {
   bool attempt(const Step& step) noexcept;
   void open();
   void write(std::int64_t sequence);
-  [[nodiscard]] std::filesystem::path file() const { return store_->file().parent_path() / fileName; }
   /// Whether the open file is still the one that others find.
   [[nodiscard]] bool isInPlace() const;
 
   std::shared_ptr<Store> store_;
+  std::filesystem::path file_;  ///< none in memory
   int descriptor_ = -1;
   bool hasFailed_ = false;  ///< since others were last told
 };
