@@ -15,6 +15,7 @@ namespace {
 
 // How long a foreign program that locks the file is waited for; our own writers wait for their turn instead.
 constexpr int busyMilliseconds = 10'000;
+constexpr int mostPagesLeft = 1'024;  // 4 MiB
 
 std::string systemMessage(sqlite3* handle) {
   const int error = handle == nullptr ? 0 : sqlite3_system_errno(handle);
@@ -196,8 +197,13 @@ void Connection::rollback() noexcept {
 }
 
 bool Connection::checkpoint() noexcept {
-  // Passive: readers are not waited for; what they still need stays for the next time.
-  return sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr) == SQLITE_OK;
+  // Whoever opens the store first reads the whole log, so a long one is not left for the next writer to start over.
+  const int mode = pagesInLog_ > mostPagesLeft ? SQLITE_CHECKPOINT_TRUNCATE : SQLITE_CHECKPOINT_PASSIVE;
+  // Readers are not waited for; what they still need stays for the next time.
+  sqlite3_busy_timeout(handle_, 0);
+  const int code = sqlite3_wal_checkpoint_v2(handle_, nullptr, mode, nullptr, nullptr) & 0xff;
+  sqlite3_busy_timeout(handle_, busyMilliseconds);
+  return code == SQLITE_OK || code == SQLITE_BUSY;
 }
 
 void Connection::fail(int code) const {

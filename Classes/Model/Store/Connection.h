@@ -123,7 +123,7 @@ class Connection {
 
   /// Pages in the write-ahead log after the last commit of this connection.
   [[nodiscard]] int pagesInLog() const { return pagesInLog_; }
-  /// Moves what it can of the write-ahead log into the file. REQUIRES: the writers' turn. Gives false on failure.
+  /// Moves what no reader needs of the write-ahead log into the file. REQUIRES: the writers' turn. Gives false on failure.
   bool checkpoint() noexcept;
 
   /// Throws the StoreError for a result code.
