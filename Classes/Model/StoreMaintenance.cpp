@@ -3,7 +3,6 @@
 #include <QZLog/Log.h>
 
 #include <exception>
-#include <string>
 #include <utility>
 
 namespace habitra {
@@ -20,16 +19,22 @@ void announce(qz::NotificationCenter& notifications, std::string_view name) noex
 /// threads may go on, since whoever is told may wait for them.
 class StoreMaintenance::Turn {
  public:
-  explicit Turn(StoreMaintenance& gate) : gate_(gate), lock_(gate.turn_, gate.patience_) {
-    if (!lock_.owns_lock())
+  explicit Turn(StoreMaintenance& gate) : gate_(gate) {
+    std::unique_lock lock(gate.turn_);
+    if (!gate.turnEnded_.wait_for(lock, gate.patience_, [&] { return gate.mayTakeTurn(); }))
       throw StoreError(StoreError::Kind::busy,
                        "the store is still under maintenance by another part of this program; try again when it is "
                        "done");
-    ++gate_.nestedTurns_;
+    gate.turnOf_ = std::this_thread::get_id();
+    ++gate.nestedTurns_;
   }
   ~Turn() {
-    const bool hasFinished = --gate_.nestedTurns_ == 0 && std::exchange(gate_.hasFinished_, false);
-    lock_.unlock();
+    bool hasFinished = false;
+    {
+      const std::scoped_lock lock(gate_.turn_);
+      if (--gate_.nestedTurns_ == 0) hasFinished = std::exchange(gate_.hasFinished_, false);
+    }
+    gate_.turnEnded_.notify_all();
     if (hasFinished) announce(*gate_.notifications_, maintenanceDidFinish);
   }
   Turn(const Turn&) = delete;
@@ -37,7 +42,6 @@ class StoreMaintenance::Turn {
 
  private:
   StoreMaintenance& gate_;
-  std::unique_lock<std::recursive_timed_mutex> lock_;
 };
 
 StoreMaintenance::StoreMaintenance(std::shared_ptr<const qz::Clock> clock, std::chrono::milliseconds patience,
@@ -46,6 +50,8 @@ StoreMaintenance::StoreMaintenance(std::shared_ptr<const qz::Clock> clock, std::
       patience_(patience),
       notifications_(std::move(notifications)),
       maintenanceQueue_("org.habitra.datamanager.maintenance") {}
+
+bool StoreMaintenance::mayTakeTurn() const { return nestedTurns_ == 0 || turnOf_ == std::this_thread::get_id(); }
 
 bool StoreMaintenance::isInMaintenanceMode() const {
   return maintenanceQueue_.sync([this] { return inMaintenanceMode_ > 0; });
@@ -93,7 +99,8 @@ void StoreMaintenance::underTurn(const std::function<void()>& work) {
 }
 
 void StoreMaintenance::setInterruption(std::function<void()> begin, std::function<void()> end) {
-  const std::scoped_lock turn(turn_);
+  std::unique_lock lock(turn_);
+  turnEnded_.wait(lock, [this] { return mayTakeTurn(); });
   begin_ = std::move(begin);
   end_ = std::move(end);
 }

@@ -8,10 +8,12 @@
 #include <QZKit/SerialQueue.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string_view>
+#include <thread>
 
 namespace habitra {
 
@@ -60,14 +62,18 @@ class StoreMaintenance {
  private:
   class Turn;
 
+  [[nodiscard]] bool mayTakeTurn() const;
   [[nodiscard]] std::shared_ptr<Store> openNow(const ContainerLocation& location, bool mayMake) const;
 
   const std::shared_ptr<const qz::Clock> clock_;
   const std::chrono::milliseconds patience_;
   const std::shared_ptr<qz::NotificationCenter> notifications_;
-  std::recursive_timed_mutex turn_;  // of the thread that opens or maintains
-  // Under the turn.
-  int nestedTurns_ = 0;
+  // The turn of the thread that opens or maintains. Not a recursive_timed_mutex: the thread sanitizer does not know it.
+  std::mutex turn_;  // held for a look at the next two
+  std::condition_variable turnEnded_;
+  std::thread::id turnOf_;
+  int nestedTurns_ = 0;  // of that thread
+  // Of the thread that has the turn.
   bool hasFinished_ = false;  // a maintenance has, and nobody has been told yet
   std::function<void()> begin_;
   std::function<void()> end_;

@@ -15,9 +15,9 @@ namespace habitra {
 /// Commands given and taken back in a store in a file, where no processor runs unless a test does what it would do.
 class UndoStackTest : public StoreTest {
  protected:
-  std::int64_t save(std::optional<std::string> command) {
+  std::int64_t save(const std::optional<std::string>& command) {
     clock_->advance(std::chrono::minutes(1));
-    return context_->save({.command = std::move(command)}).sequence;
+    return context_->save({.command = command}).sequence;
   }
   TaskEntity& add(const std::string& title) {
     TaskEntity values = titled(title);
