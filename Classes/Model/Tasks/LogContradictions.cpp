@@ -6,7 +6,9 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace habitra {
@@ -34,15 +36,15 @@ class Contradictions {
           if (supersedesByHand(*later, *earlier)) remove(*earlier);
   }
 
-  /// What was filled in where something else was known than there is now; `tasks` are then those that knew it.
+  /// What was filled in where something else was known than there is now; `rows` are then of those that knew it.
   void removeRefuted() {
     for (std::size_t i = 0; i < entries_.size(); ++i) {
       if (isPresent(i) && !isNews(i)) continue;
       for (const TaskLogEntryEntity& row : filledIn_.refutedBy(entries_[i].entry)) {
         const std::size_t refuted = places_.at(row.objectID);
-        std::set<ObjectID>& tasks = entries_[refuted].tasks;
-        std::erase_if(tasks, [&](ObjectID task) { return entries_[i].tasks.contains(task) != isPresent(i); });
-        if (tasks.empty()) remove(refuted);
+        auto& rows = entries_[refuted].rows;
+        std::erase_if(rows, [&](const auto& known) { return entries_[i].rows.contains(known.first) != isPresent(i); });
+        if (rows.empty()) remove(refuted);
       }
     }
   }
@@ -60,18 +62,14 @@ class Contradictions {
     }
   }
 
-  /// Periods of which no log had all entries are read in order of creation, not in that in which rows came.
+  /// In which order rows came says nothing.
   void putInOrder() {
     for (const auto& [bounds, places] : periods_) {
+      std::vector<std::size_t> present;
+      std::ranges::copy_if(places, std::back_inserter(present), [this](std::size_t i) { return isPresent(i); });
       std::vector<TaskLogEntryEntity> entries;
-      std::set<ObjectID> common;  // that had all of them
-      for (const std::size_t i : places) {
-        if (!isPresent(i)) continue;
-        if (entries.empty()) common = entries_[i].tasks;
-        std::erase_if(common, [&](ObjectID task) { return !entries_[i].tasks.contains(task); });
-        entries.push_back(entries_[i].entry);
-      }
-      if (common.empty()) putRowsInOrder(context_, entries);
+      for (const std::size_t i : inOrder(std::move(present))) entries.push_back(entries_[i].entry);
+      putRowsInOrder(context_, entries);
     }
   }
 
@@ -85,10 +83,25 @@ class Contradictions {
   [[nodiscard]] bool isPresent(std::size_t i) const { return !gone_.contains(i); }
   /// Whether some log learns of it now.
   [[nodiscard]] bool isNews(std::size_t i) const {
-    return isPresent(i) && entries_[i].tasks.size() < logs_ && !isFilledIn(entries_[i].entry);
+    return isPresent(i) && entries_[i].rows.size() < logs_ && !isFilledIn(entries_[i].entry);
   }
   [[nodiscard]] bool areStrangers(std::size_t a, std::size_t b) const {
-    return std::ranges::none_of(entries_[a].tasks, [&](ObjectID task) { return entries_[b].tasks.contains(task); });
+    return std::ranges::none_of(entries_[a].rows,
+                                [&](const auto& row) { return entries_[b].rows.contains(row.first); });
+  }
+  /// Entries of one period, given in order of creation, in that of the logs that had all of them.
+  [[nodiscard]] std::vector<std::size_t> inOrder(std::vector<std::size_t> places) const {
+    if (places.empty()) return places;
+    std::optional<std::vector<std::size_t>> ofLogs;
+    for (const auto& first : entries_[places.front()].rows) {
+      const ObjectID log = first.first;
+      if (!std::ranges::all_of(places, [&](std::size_t i) { return entries_[i].rows.contains(log); })) continue;
+      std::vector<std::size_t> ofLog = places;
+      std::ranges::sort(ofLog, {}, [&](std::size_t i) { return entries_[i].rows.at(log); });
+      if (ofLogs && *ofLogs != ofLog) return places;
+      ofLogs = std::move(ofLog);
+    }
+    return ofLogs.value_or(std::move(places));
   }
   [[nodiscard]] bool supersedesByHand(std::size_t later, std::size_t earlier) const {
     const auto type = fromRawValue<TaskLogEntryType>(entries_[later].entry.entryType);

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <initializer_list>
 #include <iterator>
+#include <map>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -71,7 +72,7 @@ class UnitedLog {
     std::set<std::string> own;
     std::size_t doubles = 0;
     for (const TaskLogEntryEntity& row : context_.fetchLogEntries(task)) {
-      UnitedEntry entry{.entry = row, .tasks = {task}, .firstDay = row.entryDate};
+      UnitedEntry entry{.entry = row, .rows = {{task, row.objectID}}, .firstDay = row.entryDate};
       const auto [place, isNew] =
           row.uniqueId ? places_.emplace(*row.uniqueId, entries_.size()) : std::pair(places_.end(), true);
       if (row.uniqueId && !own.insert(*row.uniqueId).second) ++doubles;
@@ -107,7 +108,7 @@ class UnitedLog {
       if (entry.entry.uniqueId) renamed.emplace(*entry.entry.uniqueId, *first->entry.uniqueId);
       leadRequestsOver(context_, entry.entry.objectID, first->entry.objectID);
       context_.removeLogEntry(entry.entry.key());
-      first->tasks.merge(entry.tasks);
+      first->rows.merge(entry.rows);
     }
     entries_ = std::move(withoutContent);
     for (auto& [key, alike] : present) std::ranges::move(alike, std::back_inserter(entries_));
@@ -119,7 +120,7 @@ class UnitedLog {
 
  private:
   static bool share(const UnitedEntry& a, const UnitedEntry& b) {
-    return std::ranges::any_of(a.tasks, [&](ObjectID task) { return b.tasks.contains(task); });
+    return std::ranges::any_of(a.rows, [&](const auto& row) { return b.rows.contains(row.first); });
   }
 
   StoreContext& context_;
@@ -140,9 +141,9 @@ void judgeAnewFrom(TaskEntity& task, std::int32_t day) {
 
 void uniteSameEntries(StoreContext& context, UnitedEntry& kept, const UnitedEntry& other) {
   TaskLogEntryEntity said = statement(other.entry) > statement(kept.entry) ? other.entry : kept.entry;
-  std::set<ObjectID> tasks;  // what another log said is news to it
+  std::map<ObjectID, ObjectID> rows;  // what another log said is news to it
   for (const UnitedEntry* entry : std::initializer_list<const UnitedEntry*>{&kept, &other})
-    if (statement(entry->entry) == statement(said)) tasks.insert(entry->tasks.begin(), entry->tasks.end());
+    if (statement(entry->entry) == statement(said)) rows.insert(entry->rows.begin(), entry->rows.end());
 
   const LogKey key = kept.entry.key();
   said.objectID = kept.entry.objectID;
@@ -151,7 +152,7 @@ void uniteSameEntries(StoreContext& context, UnitedEntry& kept, const UnitedEntr
   leadRequestsOver(context, other.entry.objectID, kept.entry.objectID);
   context.removeLogEntry(other.entry.key());
   context.updateLogEntry(key, said);
-  kept = {.entry = std::move(said), .tasks = std::move(tasks), .firstDay = std::min(kept.firstDay, other.firstDay)};
+  kept = {.entry = std::move(said), .rows = std::move(rows), .firstDay = std::min(kept.firstDay, other.firstDay)};
 }
 
 void renameEntriesOfTimers(StoreContext& context, ObjectID task, const RenamedEntries& renamed) {

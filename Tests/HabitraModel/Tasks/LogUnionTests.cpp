@@ -112,6 +112,23 @@ TEST_F(LogUnionTest, WhatWasFilledInWithoutKnowingTheOtherLogIsFilledInAnew) {
   EXPECT_EQ(context_->fetchLogEntries(habit.objectID).size(), 7u) << "each day once";
 }
 
+TEST_F(LogUnionTest, APeriodIsReadAsInTheLogThatHadAllOfIt) {
+  const TaskFrequency threeDays{.dayMode = DayMode::numberOfDaysInWeek, .numCompletions = 3};
+  const std::vector<Event> events{{0, Type::completedManuallyFull},
+                                  {11, Type::missedManuallyFull},
+                                  {8, Type::completedAutomaticallyPartial},
+                                  {11, Type::completedAutomaticallyPartial}};
+  clock_->set(at("2024-01-17T12:00:00Z"));
+  TaskEntity& habit = addHabit("Walk", threeDays);
+  keep(habit, events, {0});
+  keep(addHabit("Walk", threeDays), events, {0, 2, 3});  // brings the later of both of the 11th first
+  keep(addHabit("Walk", threeDays), events, {0, 1, 3});
+  TaskEntity& single = addHabit("single", threeDays);
+  keep(single, events, {0, 1, 2, 3});
+  unite();
+  EXPECT_EQ(describe(habit), describe(single));
+}
+
 /// A frequency of any kind that fills in.
 rc::Gen<TaskFrequency> frequencies() {
   return rc::gen::element(TaskFrequency::everyDay(),

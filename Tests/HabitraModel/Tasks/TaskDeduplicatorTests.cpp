@@ -133,7 +133,7 @@ TEST_F(TaskDeduplicatorTest, EntriesAreUnitedThatSayTheSameOneToOneThoseWithTheS
   for (const char* entry : {"old", "c", "b"}) add(TaskTimerEntity{.entryId = entry}, newer.objectID);
   EXPECT_EQ(run(), Report{.unitedTasks = 1});
   EXPECT_EQ(tasks(), 1u);
-  EXPECT_EQ(log(older), (Names{"both", "a", "b", "d", "e", "old"})) << "c was a";
+  EXPECT_EQ(log(older), (Names{"both", "b", "a", "d", "e", "old"})) << "c was a, and the newer log had all of the day";
   EXPECT_EQ(context.findLogEntry("old")->entryDate, 20240104) << "and the larger amount";
   Names named;
   for (const auto* timer : context.fetchRelated<TaskTimerEntity>("task", older.objectID))
