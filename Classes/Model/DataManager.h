@@ -169,7 +169,8 @@ class DataManager {
   void endInterruption() noexcept;
   void startObserving();
   /// Gives false when the store was in its place already. REQUIRES: maintenance.
-  bool moveStore(bool toCloud, const std::function<void(KeyValueDefaults::Values&)>& choose);
+  bool moveStore(CoreDataMigrator& migrator, bool toCloud,
+                 const std::function<void(KeyValueDefaults::Values&)>& choose);
   void forgetSwitching() noexcept;
 
   const std::filesystem::path home_;

@@ -28,14 +28,14 @@ void DataManager::switchStorage(const std::optional<std::string>& cloudContainer
     if (toCloud) values[cloudContainerKey] = *cloudContainer;
   };
   bool hasMoved = false;
-  performMaintenance([&] { hasMoved = moveStore(toCloud, choose); });
+  maintenance_->migrate([&](CoreDataMigrator& migrator) { hasMoved = moveStore(migrator, toCloud, choose); });
   if (hasMoved) announce(*notifications_, databaseStorageLocationChanged);
 }
 
-bool DataManager::moveStore(bool toCloud, const std::function<void(KeyValueDefaults::Values&)>& choose) {
+bool DataManager::moveStore(CoreDataMigrator& migrator, bool toCloud,
+                            const std::function<void(KeyValueDefaults::Values&)>& choose) {
   const std::string_view from = fileName(toCloud ? StoreFile::local : StoreFile::cloudKit);
   const std::string_view to = fileName(toCloud ? StoreFile::cloudKit : StoreFile::local);
-  CoreDataMigrator migrator = maintenance_->makeMigrator();
   const auto maintenance = migrator.beginMaintenance(home_);
   // Only now nobody else can choose, or write to what is to be copied.
   const bool mustMove = isCloudSyncOn() != toCloud;
@@ -64,8 +64,7 @@ void DataManager::forgetSwitching() noexcept {
 void DataManager::restoreStore(const std::filesystem::path& file) {
   requireFiles();
   if (!isCloudSyncOn()) adoptEarlyStore();
-  performMaintenance([&] {
-    CoreDataMigrator migrator = maintenance_->makeMigrator();
+  maintenance_->migrate([&](CoreDataMigrator& migrator) {
     const auto maintenance = migrator.beginMaintenance(home_);
     migrator.replaceStore(*activeContainer()->location().file(), file, *maintenance);
   });

@@ -80,7 +80,7 @@ void StoreMaintenance::perform(const std::function<void()>& work) {
 
 void StoreMaintenance::migrate(const std::function<void(CoreDataMigrator&)>& work) {
   perform([&] {
-    const auto migrator = std::make_shared<CoreDataMigrator>(makeMigrator());
+    const auto migrator = std::make_shared<CoreDataMigrator>(clock_, CoreDataMigrator::Options{.patience = patience_});
     maintenanceQueue_.sync([&] { migrator_ = migrator; });
     std::exception_ptr failure;
     try {
@@ -121,7 +121,5 @@ std::shared_ptr<Store> StoreMaintenance::openNow(const ContainerLocation& locati
   if (!file) return Store::inMemory(clock_);
   return mayMake ? Store::open(*file, clock_, patience_) : Store::openForReading(*file, clock_, patience_);
 }
-
-CoreDataMigrator StoreMaintenance::makeMigrator() const { return {clock_, {.patience = patience_}}; }
 
 }  // namespace habitra

@@ -57,8 +57,6 @@ class StoreMaintenance {
   /// up to date first. Gives null when there is none and none may be made. Throws StoreError.
   [[nodiscard]] std::shared_ptr<Store> open(const ContainerLocation& location, bool mayMake);
 
-  [[nodiscard]] CoreDataMigrator makeMigrator() const;
-
  private:
   class Turn;
 

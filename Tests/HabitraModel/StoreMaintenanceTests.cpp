@@ -16,11 +16,13 @@ class StoreMaintenanceTest : public MigrationTest {
     manager_.observeChanges(
         Author::widget, [](const PersistentHistoryTransaction&) {},
         [this](const PersistentHistoryObserver::Changes& changes) {
-          if (!changes.everythingChanged) changed_.release();
+          (changes.everythingChanged ? begun_ : changed_).release();
         });
+    EXPECT_TRUE(begun_.try_acquire_for(10s));
   }
-  /// What another program changes arrives.
+  /// What another program changes arrives, once the observer has looked at the store that is there now.
   void expectObservation() {
+    EXPECT_TRUE(begun_.try_acquire_for(10s));
     {
       DataManager other(DataManager::storeLocation(home()), clock_);
       const auto context = other.context();
@@ -31,6 +33,7 @@ class StoreMaintenanceTest : public MigrationTest {
   }
 
   DataManager manager_{DataManager::storeLocation(home()), clock_, 20ms};
+  std::counting_semaphore<> begun_{0};
   std::counting_semaphore<> changed_{0};
 };
 
@@ -87,6 +90,17 @@ TEST_F(StoreMaintenanceTest, WhoIsToldOfItsEndMayWaitForOthers) {
   EXPECT_EQ(told, 1);
   manager_.performMaintenance([] {});
   EXPECT_EQ(told, 2);
+}
+
+TEST_F(StoreMaintenanceTest, OtherThreadsWaitForItsEndAndSayWhenTheirPatienceIsOver) {
+  makeTask();
+  const auto openElsewhere = [this] { return std::async(std::launch::async, [this] { (void)manager_.context(); }); };
+  manager_.performMaintenance([&] {
+    (void)manager_.context();  // the thread that maintains has its turn
+    manager_.performMaintenance([] {});
+    EXPECT_EQ(errorKind([&] { openElsewhere().get(); }), StoreError::Kind::busy);
+  });
+  EXPECT_NO_THROW(openElsewhere().get());
 }
 
 }  // namespace

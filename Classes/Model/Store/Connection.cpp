@@ -207,6 +207,10 @@ bool Connection::checkpoint() noexcept {
 }
 
 void Connection::fail(int code) const {
+  if (file_.empty() && (code & 0xff) == SQLITE_BUSY)
+    throw StoreError(StoreError::Kind::busy,
+                     "the store in memory is in use by another context of this program; save or roll back there and "
+                     "try again");
   throw errorFor(code, handle_, file_.empty() ? std::string("the store in memory") : file_.string());
 }
 

@@ -84,6 +84,7 @@ std::unique_ptr<Connection> Store::makeConnection() const {
 }
 
 bool Store::prepare(bool mayMake) {
+  for (const char* suffix : {"-wal", "-shm", "-journal"}) (void)isPrivateFile(file_.string() + suffix);
   const StoreFile found = StoreFile::at(file_);
   isReadOnly_ = found.isReadOnly;
   address_ = found.address;

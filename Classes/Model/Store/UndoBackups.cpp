@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -14,10 +15,12 @@ namespace {
 constexpr std::string_view prefix = "before-";
 constexpr std::string_view suffix = ".sqlite";
 
-/// How the names of the copies of one store end: several stores of a home count their transactions alike.
+/// How the names of the copies of one store end: several stores of a home count their transactions alike. Identifiers
+/// begin with when they were made, and end by chance.
 std::string endingOf(const std::string& storeIdentifier) {
   constexpr std::size_t length = 8;
-  return fmt::format("-{}{}", storeIdentifier.substr(0, length), suffix);
+  return fmt::format("-{}{}", storeIdentifier.substr(storeIdentifier.size() - std::min(length, storeIdentifier.size())),
+                     suffix);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 /// The copies of a store that are made before big commands, so that these can be undone: "before-12-90E34B5C.sqlite" in
 /// the folder "Backups" of its home, 12 being the transaction of the command, and the rest how the store's identifier
-/// begins.
+/// ends.
 namespace habitra {
 
 class Store;

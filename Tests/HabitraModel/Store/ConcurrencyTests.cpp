@@ -9,7 +9,6 @@
 #include <array>
 #include <condition_variable>
 #include <csignal>
-#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -125,9 +124,7 @@ void ConcurrencyTest::observe(ObjectID task, int own, std::size_t foreign, const
 }
 
 TEST_F(ConcurrencyTest, AnObserverSeesWhatEightOtherProcessesSave) {
-  // The full size is 1,000, a quarter of a minute: each save waits for the disk.
-  const char* const asked = std::getenv("HABITRA_TEST_SAVES");
-  const int saves = asked == nullptr ? 200 : std::atoi(asked);
+  constexpr int saves = 1'000;
   constexpr int writers = 8;
   const ObjectID task = makeTask();
   std::array<int, 2> ends{};

@@ -52,7 +52,7 @@ TEST_F(OpeningTest, WhatCannotBeOpenedIsRefusedAndLeftAlone) {
   const path home = folder_ / "home";
   makeTask();
   runSQL(file(), "PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode=DELETE");
-  for (const char* name : {"damaged.sqlite", "older.sqlite", "newer.sqlite", "given.sqlite"})
+  for (const char* name : {"damaged.sqlite", "older.sqlite", "newer.sqlite", "given.sqlite", "led.sqlite"})
     std::filesystem::copy_file(file(), home / name);
   {
     std::fstream damage(home / "damaged.sqlite", std::ios::in | std::ios::out | std::ios::binary);
@@ -66,12 +66,14 @@ TEST_F(OpeningTest, WhatCannotBeOpenedIsRefusedAndLeftAlone) {
   runSQL(home / "foreign.sqlite", "CREATE TABLE notes (content)");
   runSQL(home / "tagged.sqlite", "PRAGMA application_id=7");
   std::filesystem::create_symlink(home / "elsewhere.sqlite", home / "link.sqlite");
+  std::filesystem::create_symlink(home / "elsewhere", home / "led.sqlite-wal");
   ASSERT_EQ(::mkfifo((home / "pipe.sqlite").c_str(), 0600), 0);
   using Kind = StoreError::Kind;
-  std::map<std::string, Kind> expected{
-      {"folder.sqlite", Kind::notAStore},   {"text.sqlite", Kind::notAStore},     {"foreign.sqlite", Kind::notAStore},
-      {"tagged.sqlite", Kind::notAStore},   {"link.sqlite", Kind::insecurePath},  {"pipe.sqlite", Kind::notAStore},
-      {"newer.sqlite", Kind::newerVersion}, {"older.sqlite", Kind::olderVersion}, {"damaged.sqlite", Kind::damaged}};
+  std::map<std::string, Kind> expected{{"folder.sqlite", Kind::notAStore},   {"text.sqlite", Kind::notAStore},
+                                       {"foreign.sqlite", Kind::notAStore},  {"tagged.sqlite", Kind::notAStore},
+                                       {"link.sqlite", Kind::insecurePath},  {"pipe.sqlite", Kind::notAStore},
+                                       {"newer.sqlite", Kind::newerVersion}, {"older.sqlite", Kind::olderVersion},
+                                       {"damaged.sqlite", Kind::damaged},    {"led.sqlite", Kind::insecurePath}};
   if (::chown((home / "given.sqlite").c_str(), 12345, 12345) == 0) expected.emplace("given.sqlite", Kind::foreignOwner);
   const auto before = folderContent(home);
   for (const auto& [name, kind] : expected) {

@@ -211,8 +211,8 @@ class BigCommandTest : public UndoStackTest {
  protected:
   [[nodiscard]] std::filesystem::path backups() const { return file().parent_path() / "Backups"; }
   [[nodiscard]] std::filesystem::path backup(std::int64_t sequence) const {
-    const std::string store = context_->storeIdentifier().substr(0, 8);
-    return backups() / ("before-" + std::to_string(sequence) + "-" + store + ".sqlite");
+    const std::string store = context_->storeIdentifier();
+    return backups() / ("before-" + std::to_string(sequence) + "-" + store.substr(store.size() - 8) + ".sqlite");
   }
   /// 1,200 entries, of which a command then changes every one.
   std::int64_t changeMany() {
