@@ -213,7 +213,7 @@ void UndoObstacles::refuseFailuresThatFollow() {
     const auto rules = task != nullptr && task->isNegative ? rulesOf(*task) : std::nullopt;
     if (!rules) continue;
     for (const TaskLogEntryEntity& entry : entries) {
-      const auto day = existingDayFromStored(entry.entryDate);
+      const auto day = judgedDay(entry.entryDate);
       const auto following = day && isFailure(entry) ? followingDays(*rules, *day) : std::nullopt;
       if (!following) continue;
       const LoggedPeriod days{storedDay(following->first),

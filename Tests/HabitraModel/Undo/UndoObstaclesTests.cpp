@@ -123,14 +123,18 @@ TEST_F(UndoObstaclesTest, ASettingThatIsPutBackLetsItsHabitsBeJudgedAgain) {
   TaskEntity& run = add("Run");
   run.startOfDayValue = 3600;
   save(std::nullopt);
-  const auto changed = [this](std::string_view key) {
-    StoreSettings(*context_).set<std::int64_t>(key, 14400);
+  std::int64_t value = 3600;
+  const auto changed = [&](std::string_view key) {
+    StoreSettings(*context_).set(key, ++value);
     save("set");
     const auto undone = stack_.undo(*context_);
     finish(undone);
     return undone.tasks;
   };
   const auto day = std::optional(qz::YYYYMMDD(2024, 1, 15));
+  EXPECT_EQ(changed(settings::startOfDay.key), (std::vector<UndoStack::TouchedTask>{{walk.objectID, day}}));
+  StoreSettings(*context_).set<std::int64_t>(settings::startOfDay.key, 1800);
+  save("set for the first time");
   EXPECT_EQ(changed(settings::startOfDay.key), (std::vector<UndoStack::TouchedTask>{{walk.objectID, day}}));
   EXPECT_EQ(changed(settings::pausesOf(*run.uniqueId)), (std::vector<UndoStack::TouchedTask>{{run.objectID, day}}));
   EXPECT_TRUE(changed("another").empty());
