@@ -44,6 +44,7 @@ void StoreContext::Parts::rollback() {
   checkpoints.forgetChanges();
   counts = {};
   hasCheckpoints = hasRows = keepsBefore = false;
+  undone.reset();
 }
 
 void StoreContext::Parts::flush() {

@@ -12,6 +12,7 @@
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -108,7 +109,9 @@ struct StoreContext::Parts {
   bool hasRows = false;              ///< the unit has written rows, and be it back and forth
   bool hasCheckpoints = false;       ///< the unit has written checkpoints
   bool keepsBefore = false;          ///< the unit's history holds values before
-  int readingLog = 0;                ///< reads of the log that are under way
+  /// The transaction whose command the unit takes back.
+  std::optional<std::int64_t> undone;
+  int readingLog = 0;  ///< reads of the log that are under way
 };
 
 }  // namespace habitra
