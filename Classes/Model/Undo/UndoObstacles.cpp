@@ -1,6 +1,7 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Store/Entities/SettingEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
@@ -33,12 +34,6 @@ bool isFailure(const TaskLogEntryEntity& entry) {
 bool changesRecording(const StoredChange& change) {
   return change.entity == EntityNumber::task && change.kind == ChangeKind::update &&
          (change.attributes.bits() & attributesOfRecording().bits()) != 0;
-}
-
-std::optional<std::string> uniqueIdOf(const TouchedRow& touched) {
-  const auto position = touched.entity->position("uniqueId");
-  if (!position) return std::nullopt;
-  return *static_cast<std::optional<std::string>*>(touched.entity->attributes[*position].field(touched.earlier->get()));
 }
 
 }  // namespace
@@ -106,13 +101,24 @@ bool UndoObstacles::comesBack(const TouchedRow& touched) {
 }
 
 void UndoObstacles::checkDouble(TouchedRow& touched) {
-  if (!touched.wasRemoved() || touched.isDerived) return;
+  if (!touched.wasRemoved() || (touched.isEntry() && touched.isDerived)) return;
+  refuseSettingGivenAgain(touched);
   for (const ObjectID id : doublesOf(touched)) {
-    const CommandList::Entry* const command = later_.inserter({touched.entity->number, id});
-    if (command != nullptr) refuse(*command, taskOf(touched));
-    // Two rows for one pair say no more than one. What bears one identifier is told apart by deduplication.
-    if (touched.entity->number == EntityNumber::taskCategoryLink) touched.isLeftOut = true;
+    const RowID other(touched.entity->number, id);
+    const CommandList::Entry* const command = later_.inserter(other);
+    if (command != nullptr && !touched.isDerived) refuse(*command, taskOf(touched));
+    // What bears one identifier is told apart by deduplication.
+    if (touched.entity->position("uniqueId")) continue;
+    // Two rows for one pair say no more than one. Others that were double before are so again.
+    touched.isLeftOut |= touched.entity->number == EntityNumber::taskCategoryLink || later_.hasComeLater(other);
   }
+}
+
+void UndoObstacles::refuseSettingGivenAgain(const TouchedRow& touched) {
+  if (touched.entity->number != EntityNumber::setting) return;
+  const auto& key = static_cast<const SettingEntity*>(touched.earlier->get())->settingKey;
+  for (const LaterChanges::OfCommand& later : later_.ofCommands())
+    if (key && later.change.entity == EntityNumber::setting && later.name == key) refuse(later);
 }
 
 void UndoObstacles::checkReplaced(TouchedRow& touched) {
@@ -136,21 +142,34 @@ ObjectID UndoObstacles::taskOf(const TouchedRow& touched) {
 }
 
 std::vector<ObjectID> UndoObstacles::doublesOf(const TouchedRow& touched) {
+  const EntityDescription& entity = *touched.entity;
   std::vector<ObjectID> doubles;
-  if (touched.entity->number == EntityNumber::taskCategoryLink) {
+  if (entity.number == EntityNumber::taskCategoryLink) {
     const auto& earlier = *static_cast<const TaskCategoryLink*>(touched.earlier->get());
     for (const TaskCategoryLink* link : context_.fetchRelated<TaskCategoryLink>("task", earlier.task))
       if (link->category == earlier.category) doubles.push_back(link->objectID);
-  } else if (const auto uniqueId = uniqueIdOf(touched)) {
-    if (touched.isEntry()) {
+  } else if (touched.isEntry()) {
+    if (const auto& uniqueId = touched.earlierEntry().uniqueId)
       for (const TaskLogEntryEntity& entry : context_.fetchLogEntries(*uniqueId)) doubles.push_back(entry.objectID);
-    } else {
-      for (void* object : objects_.fetch(*touched.entity, "uniqueId", *uniqueId))
-        doubles.push_back(touched.entity->objectID(object));
-    }
+  } else {
+    for (const AttributeDescription& attribute : entity.attributes)
+      for (void* object : alikeBy(touched, attribute)) doubles.push_back(entity.objectID(object));
   }
   std::erase(doubles, touched.change.object);
   return doubles;
+}
+
+std::vector<void*> UndoObstacles::alikeBy(const TouchedRow& touched, const AttributeDescription& attribute) {
+  const void* const field = attribute.field(touched.earlier->get());
+  if (attribute.name == "uniqueId" || attribute.name == "settingKey") {
+    const auto& text = *static_cast<const std::optional<std::string>*>(field);
+    return text ? objects_.fetch(*touched.entity, attribute.name, *text) : std::vector<void*>();
+  }
+  // Of what leads to one row from the other side there is one.
+  if (attribute.type != StoredType::reference || attribute.relationship.inverseIsToMany) return {};
+  const ObjectID target = *static_cast<const ObjectID*>(field);
+  return target == ObjectID::none ? std::vector<void*>()
+                                  : objects_.fetchRelated(*touched.entity, attribute.name, target);
 }
 
 void UndoObstacles::checkReferences(TouchedRow& touched) {

@@ -39,6 +39,8 @@ class UndoObstacles {
   void refuseWhatWasRecordedInstead();
   /// A row that would come back beside one that was added anew in its place.
   void checkDouble(TouchedRow& touched);
+  /// A setting is what its key is, in whatever row.
+  void refuseSettingGivenAgain(const TouchedRow& touched);
   /// An entry in whose place a program has recorded another since.
   void checkReplaced(TouchedRow& touched);
   /// What would come back may lead to a row that is gone.
@@ -53,6 +55,8 @@ class UndoObstacles {
   [[nodiscard]] bool comesBack(const TouchedRow& touched);
   /// The rows of which `touched` would be a double.
   [[nodiscard]] std::vector<ObjectID> doublesOf(const TouchedRow& touched);
+  /// The objects that have this of `touched`, an identifier or something that has one such row.
+  [[nodiscard]] std::vector<void*> alikeBy(const TouchedRow& touched, const AttributeDescription& attribute);
   /// REQUIRES: a row that was there before.
   [[nodiscard]] static ObjectID taskOf(const TouchedRow& touched);
   [[nodiscard]] bool willBeThere(const EntityDescription& entity, ObjectID id);

@@ -2,9 +2,11 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
+#include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskNotifications.h>
 #include <HabitraModel/Tasks/TaskProcessor.h>
 #include <QZKit/MainQueue.h>
 
@@ -58,6 +60,61 @@ TEST_F(UndoObstaclesTest, NothingComesBackBesideWhatWasPutInItsPlace) {
   ASSERT_TRUE(refused);
   EXPECT_EQ(refused->obstacle()->command.sequence, import);
   EXPECT_EQ(refused->obstacle()->habit, "Walk");
+}
+
+TEST_F(UndoObstaclesTest, ASettingIsWhatItsKeyIsInWhateverRow) {
+  StoreSettings settings(*context_);
+  const auto set = [&](std::int64_t value, std::optional<std::string> command) {
+    settings.set<std::int64_t>("limit", value);
+    return save(std::move(command));
+  };
+  const auto remove = [&](std::optional<std::string> command) {
+    settings.remove("limit");
+    return save(std::move(command));
+  };
+  set(1, "set 1");
+  const std::int64_t removal = remove("remove");
+  const std::int64_t again = set(3, "set 3");
+  EXPECT_EQ(obstacleOf(removal), again);
+  const std::int64_t last = remove("remove again");
+  EXPECT_EQ(obstacleOf(removal), last) << "it would be there in spite of that";
+  undo(last);
+  undo(again);
+  set(4, std::nullopt);
+  undo(removal);
+  EXPECT_EQ(settings.get<std::int64_t>("limit"), 4) << "a program had set it already";
+  EXPECT_EQ(context_->fetchAll<SettingEntity>().size(), 1U);
+
+  // Rows that were double before are so again.
+  const SettingEntity values = *context_->fetchAll<SettingEntity>().at(0);
+  context_->insert(values);
+  save(std::nullopt);
+  const auto before = rows();
+  set(5, "set 5");
+  ASSERT_EQ(context_->fetchAll<SettingEntity>().size(), 1U);
+  undo();
+  EXPECT_EQ(rows(), before);
+}
+
+TEST_F(UndoObstaclesTest, AHabitHasItsNotificationSettingsOnce) {
+  TaskEntity& walk = add("Walk");
+  const auto set = [&](std::optional<std::string> command) {
+    setNotificationSettings(*context_, walk, {.completedNotification = true});
+    return save(std::move(command));
+  };
+  const std::int64_t first = set("notify");
+  undo(first);
+  set(std::nullopt);
+  redo();
+  EXPECT_EQ(context_->fetchAll<TaskNotificationSettingsEntity>().size(), 1U);
+
+  context_->remove(*context_->fetchAll<TaskNotificationSettingsEntity>().at(0));
+  const std::int64_t off = save("off");
+  const std::int64_t on = set("on");
+  EXPECT_EQ(obstacleOf(off), on);
+  undo(on);
+  undo(off);
+  EXPECT_EQ(context_->fetchAll<TaskNotificationSettingsEntity>().size(), 1U);
 }
 
 TEST_F(UndoObstaclesTest, CategoriesComeBackInTheirOrder) {
