@@ -26,6 +26,8 @@ class EarlierValues {
 
  private:
   void openBackup();
+  /// Whether the backup was made right before the transaction, of this store or of the one that this is a copy of.
+  [[nodiscard]] bool wasMadeBefore();
   [[noreturn]] void fail(std::string_view why) const;
 
   StoreContext& context_;
