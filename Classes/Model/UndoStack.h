@@ -36,7 +36,8 @@ namespace habitra {
 /// first changed day; the caller's pass in the same unit fills in again. All is then as if the command had not been
 /// given.
 ///
-/// The last 200 commands can be taken back. Belongs to the queue of the context that it is given.
+/// The last 200 commands can be taken back; undos and redos do not count among them. Belongs to the queue of the
+/// context that it is given.
 class UndoStack {
  public:
   /// A save that was made for a person.
@@ -61,7 +62,8 @@ class UndoStack {
     Command command;                 ///< what was taken back
     std::vector<TouchedTask> tasks;  ///< those that are still there, in order of creation
 
-    /// What the unit is to be saved with. `text` is the command that it is saved as.
+    /// What the unit is to be saved with, and no other: once it was rolled back, save() refuses it. `text` is the
+    /// command that it is saved as.
     [[nodiscard]] SaveRequest saveRequest(Author author, std::string text) const {
       return {.author = author, .command = std::move(text), .undoes = command.sequence};
     }

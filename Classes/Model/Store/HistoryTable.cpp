@@ -67,7 +67,12 @@ HistoryTable::HistoryTable(Connection& connection)
                     "WHERE sequence>? ORDER BY sequence LIMIT ?"),
       commands_(connection,
                 "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
-                "WHERE command IS NOT NULL ORDER BY sequence DESC LIMIT ?"),
+                "WHERE command IS NOT NULL AND sequence>=? ORDER BY sequence DESC"),
+      nthCommand_(connection,
+                  "SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL AND undoes IS NULL "
+                  "ORDER BY sequence DESC LIMIT 1 OFFSET ?"),
+      oldestCommand_(connection,
+                     "SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL ORDER BY sequence LIMIT 1"),
       oldest_(connection, "SELECT sequence FROM habitra_transaction ORDER BY sequence LIMIT 1"),
       changes_(connection,
                "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
@@ -159,9 +164,19 @@ void HistoryTable::readTransactions(std::int64_t afterSequence, std::int64_t lim
 }
 
 void HistoryTable::readCommands(std::int64_t limit, const std::function<void(const StoredTransaction&)>& sink) {
+  const auto first = firstCommand(limit);
+  if (!first) return;
   auto statement = commands_.use();
-  statement->bind(1, limit);
+  statement->bind(1, *first);
   while (statement->step()) sink(loadTransaction(*statement));
+}
+
+std::optional<std::int64_t> HistoryTable::firstCommand(std::int64_t count) {
+  auto nth = nthCommand_.use();
+  nth->bind(1, count - 1);
+  if (nth->step()) return nth->integer(0);
+  auto oldest = oldestCommand_.use();
+  return oldest->step() ? std::optional(oldest->integer(0)) : std::nullopt;
 }
 
 StoredTransaction HistoryTable::loadTransaction(Statement& statement) {

@@ -38,8 +38,11 @@ class HistoryTable {
 
   void readTransactions(std::int64_t afterSequence, std::int64_t limit,
                         const std::function<void(const StoredTransaction&)>& sink);
-  /// Newest first.
+  /// The transactions that were made for commands, undos included, newest first, back to firstCommand(limit).
   void readCommands(std::int64_t limit, const std::function<void(const StoredTransaction&)>& sink);
+  /// The first of the last `count` commands, or the oldest transaction made for one when there are fewer; none when
+  /// there is none. What took a command back, or an undo, does not count: many undos must not push a command out.
+  [[nodiscard]] std::optional<std::int64_t> firstCommand(std::int64_t count);
   /// Throws StoreError of kind `damaged` for a row that is no change.
   void readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink);
   [[nodiscard]] std::optional<std::int64_t> oldestSequence();
@@ -55,6 +58,8 @@ class HistoryTable {
   Query dropBefore_;
   Query transactions_;
   Query commands_;
+  Query nthCommand_;
+  Query oldestCommand_;
   Query oldest_;
   Query changes_;
   Query change_;

@@ -27,10 +27,6 @@ bool wasTrimmedToday(const KeyValueDefaults::Values& values, qz::Moment now) {
   return last != nullptr && *last <= now && now - *last < std::chrono::hours(24);
 }
 
-std::int64_t integer(Statement& statement, std::int64_t otherwise) {
-  return statement.step() && !statement.isNull(0) ? statement.integer(0) : otherwise;
-}
-
 }  // namespace
 
 /// One call: what it finds to do, and the doing.
@@ -69,15 +65,9 @@ class HistoryTrimming::Step {
   }
 
  private:
-  /// The oldest transaction that can still be undone: the 200th newest command, or the oldest when there are fewer.
+  /// The oldest transaction that can still be undone.
   [[nodiscard]] std::int64_t firstUndoable() {
-    Statement nth(connection_,
-                  "SELECT sequence FROM habitra_transaction WHERE command IS NOT NULL "
-                  "ORDER BY sequence DESC LIMIT 1 OFFSET ?");
-    nth.bind(1, undoableCommands - 1);
-    if (const std::int64_t found = integer(nth, 0); found > 0) return found;
-    Statement oldest(connection_, "SELECT min(sequence) FROM habitra_transaction WHERE command IS NOT NULL");
-    return integer(oldest, noSequence);
+    return context_.parts_->history.firstCommand(undoableCommands).value_or(noSequence);
   }
 
   /// The last transaction that every reader who counts has read.
