@@ -54,6 +54,7 @@ void UndoObstacles::check() {
     // What leads to it comes later, in the order of entities.
     if (touched.isLeftOut) comingBack_.erase(touched.row());
   }
+  refuseWhatIsGone();
 }
 
 void UndoObstacles::refuseRowsTouchedAgain() {
@@ -185,16 +186,46 @@ void UndoObstacles::checkReferences(TouchedRow& touched) {
     if (target == ObjectID::none || willBeThere(entity, target)) continue;
     for (const LaterChanges::OfCommand& later : later_.ofCommands())
       if (later.change.kind == ChangeKind::removal && later.row() == RowID(entity.number, target)) refuse(later);
-    // No person removed it, so no person's doing is lost with what led to it.
-    if (attribute.relationship.whenTargetIsRemoved == DeleteRule::cascade) touched.isLeftOut = true;
+    // No person removed it. What it had goes with it, also what would have to come back.
+    if (attribute.relationship.whenTargetIsRemoved == DeleteRule::cascade) {
+      touched.isLeftOut = true;
+      orphans_.insert(touched.row());
+    }
     target = ObjectID::none;
   }
 }
 
+void UndoObstacles::refuseWhatIsGone() {
+  bool hasOwn = false;
+  for (const TouchedRow& touched : touched_) {
+    if (touched.isDerived) continue;
+    if (!isGone(touched)) return;
+    hasOwn = true;
+  }
+  if (!hasOwn) return;
+  throw UndoStack::Error(
+      UndoStack::Error::Reason::rowsGone,
+      fmt::format("{}: what it was about is gone; a program has removed it or united it with another",
+                  commands_.refusal(target_)));
+}
+
+bool UndoObstacles::isGone(const TouchedRow& touched) {
+  if (orphans_.contains(touched.row())) return true;
+  if (touched.wasRemoved()) return false;
+  if (!touched.wasInserted()) return !isThere(*touched.entity, touched.change.object);
+  // What was added and is not there any more is as it should be, as long as it has not become part of something else.
+  const ObjectID task = touched.entity->number == EntityNumber::task ? touched.change.object : touched.change.task;
+  return task != ObjectID::none && !isThere(*touched.entity, touched.change.object) &&
+         !isThere(TaskEntity::description(), task);
+}
+
 bool UndoObstacles::willBeThere(const EntityDescription& entity, ObjectID id) {
+  return isThere(entity, id) || comingBack_.contains({entity.number, id});
+}
+
+bool UndoObstacles::isThere(const EntityDescription& entity, ObjectID id) {
   const bool isEntry = entity.number == EntityNumber::taskLogEntry;
-  if (isEntry ? context_.findLogEntry(id).has_value() : objects_.find(entity, id) != nullptr) return true;
-  return comingBack_.contains({entity.number, id});
+  return isEntry ? context_.findLogEntry(id).has_value() : objects_.find(entity, id) != nullptr;
 }
 
 void UndoObstacles::refuseWhatWasRecordedByOtherRules() {

@@ -2,9 +2,11 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
+#include <HabitraModel/Store/Entities/TaskNoteEntity.h>
 #include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
+#include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskNotifications.h>
 #include <HabitraModel/Tasks/TaskProcessor.h>
@@ -32,6 +34,22 @@ class UndoObstaclesTest : public UndoStackTest {
   std::int64_t obstacleOf(std::int64_t command) {
     const auto refused = refusal(command);
     return refused && refused->obstacle() ? refused->obstacle()->command.sequence : 0;
+  }
+  bool isGone(std::int64_t command) {
+    const auto refused = refusal(command);
+    return refused && refused->reason() == UndoStack::Error::Reason::rowsGone;
+  }
+  /// Each the same habit as the others.
+  TaskEntity& addTwin() {
+    TaskEntity values = titled("Walk");
+    values.status = "active";
+    values.uniqueId = "11111111-1111-4111-8111-111111111111";
+    values.created = testMoment;
+    return context_->insert(values);
+  }
+  void deduplicate() {
+    ASSERT_EQ(TaskDeduplicator().deduplicate(*context_).unitedTasks, 1U);
+    save(std::nullopt);
   }
 };
 
@@ -195,6 +213,38 @@ TEST_F(UndoObstaclesTest, ASettingThatIsPutBackLetsItsHabitsBeJudgedAgain) {
   EXPECT_EQ(changed(settings::startOfDay.key), (std::vector<UndoStack::TouchedTask>{{walk.objectID, day}}));
   EXPECT_EQ(changed(settings::pausesOf(*run.uniqueId)), (std::vector<UndoStack::TouchedTask>{{run.objectID, day}}));
   EXPECT_TRUE(changed("another").empty());
+}
+
+TEST_F(UndoObstaclesTest, WhatADeduplicationHasUnitedIsNotSaidToBeUndone) {
+  TaskEntity& older = addTwin();
+  save(std::nullopt);
+  addTwin();
+  std::vector commands{save("add a copy")};
+  deduplicate();
+
+  TaskEntity& newer = addTwin();
+  const auto entries = {context_->insertLogEntry(entryOn(newer.objectID, 20240110)),
+                        context_->insertLogEntry(entryOn(newer.objectID, 20240111))};
+  TaskNoteEntity content;
+  content.task = newer.objectID;
+  TaskNoteEntity& note = context_->insert(content);
+  save(std::nullopt);
+  for (const ObjectID entry : entries) {
+    context_->removeLogEntry(context_->findLogEntry(entry)->key());
+    commands.push_back(save("take the entry back"));
+  }
+  newer.status = "archived";
+  newer.statusDate = clock_->now();
+  commands.push_back(save("archive"));
+  context_->remove(note);
+  older.colorInfo = "red";
+  const std::int64_t both = save("remove the note, and red");
+  deduplicate();
+  const auto before = rows();
+  for (const std::int64_t command : commands) EXPECT_TRUE(isGone(command)) << command;
+  EXPECT_EQ(rows(), before);
+  undo(both);
+  EXPECT_NE(older.colorInfo, "red") << "what can be taken back is";
 }
 
 TEST_F(UndoObstaclesTest, AnImportOfManyRowsGoesAndComesBack) {
