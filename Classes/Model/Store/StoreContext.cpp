@@ -1,7 +1,7 @@
-#include <HabitraModel/Store/Field.h>
+#include <HabitraModel/Store/Engine/Field.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreContextParts.h>
-#include <HabitraModel/Store/UndoBackups.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 

@@ -8,7 +8,7 @@
 #include <HabitraModel/Store/Entities/TaskTemporalDataEntity.h>
 #include <HabitraModel/Store/Entities/UserProfileEntity.h>
 #include <HabitraModel/Store/EntityDescription.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/Store.h>
 
 #include <limits>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <HabitraModel/Store/CheckpointTable.h>
-#include <HabitraModel/Store/EntityTable.h>
-#include <HabitraModel/Store/HistoryTable.h>
+#include <HabitraModel/Store/Engine/CheckpointTable.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
+#include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/ObjectRegistry.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
-#include <HabitraModel/Store/UndoBackups.h>
 
 #include <deque>
 #include <initializer_list>

@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Undo/CommandList.h>
 
 #include <fmt/format.h>

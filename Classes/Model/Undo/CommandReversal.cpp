@@ -1,6 +1,6 @@
 #include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/Entities/SettingEntity.h>
-#include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Undo/CommandReversal.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 #include <HabitraModel/Undo/UndoObstacles.h>

@@ -1,8 +1,8 @@
-#include <HabitraModel/Store/HistoryTable.h>
-#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/StoreFile.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
+#include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/Store.h>
-#include <HabitraModel/Store/StoreFile.h>
-#include <HabitraModel/Store/UndoBackups.h>
 #include <HabitraModel/Undo/EarlierValues.h>
 #include <HabitraModel/UndoStack.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/EntityTable.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/StoreContext.h>
 
 #include <map>

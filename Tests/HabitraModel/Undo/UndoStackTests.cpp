@@ -2,7 +2,7 @@
 #include <HabitraModel/CoreDataMigrator.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskNoteEntity.h>
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
 
