@@ -57,7 +57,7 @@ SaveResult StoreContext::save(const SaveRequest& request) {
     parts_->unit.commit(transaction);
     backup.keep();
     parts_->registry.commit();
-    parts_->hasCheckpoints = parts_->hasRows = parts_->keepsBefore = false;
+    parts_->hasOwnRows = parts_->hasRows = parts_->keepsBefore = false;
     parts_->undone.reset();
     result.sequence = parts_->unit.sequence();
     return result;

@@ -9,6 +9,7 @@
 #include <HabitraModel/Store/Entities/UserProfileEntity.h>
 #include <HabitraModel/Store/EntityDescription.h>
 #include <HabitraModel/Store/History/History.h>
+#include <HabitraModel/Store/Outbox.h>
 #include <HabitraModel/Store/Store.h>
 
 #include <limits>
@@ -269,6 +270,16 @@ class StoreContext {
   /// Keeps a checkpoint for the task in place of an earlier one; written by save(). Begins a unit. It holds for the log
   /// as it is now: later changes in this unit drop it, too.
   void setCheckpoint(ObjectID task, const Checkpoint& checkpoint);
+
+  // Outbox: the tasks that others have still to be told of. It is in no history.
+
+  /// Lets the task be told of over the link from `due` on, or earlier when that was so already. Begins a unit; it is
+  /// told of only when that is saved.
+  void putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due);
+  /// What is still to be told, by when it is due.
+  [[nodiscard]] std::vector<OutboxItem> outbox(OutboxLink link);
+  /// It was told; what was put there meanwhile stays. Begins a unit.
+  void removeFromOutbox(OutboxLink link, const OutboxItem& item);
 
   // History
 

@@ -204,7 +204,26 @@ void StoreContext::setCheckpoint(ObjectID task, const Checkpoint& checkpoint) {
     parts_->flushInsertions();
     parts_->checkpoints.applyChanges();
     parts_->checkpoints.write(task, checkpoint);
-    parts_->hasCheckpoints = true;
+    parts_->hasOwnRows = true;
+  });
+}
+
+void StoreContext::putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due) {
+  parts_->writing([&] {
+    parts_->outbox.put(link, taskId, due);
+    parts_->hasOwnRows = true;
+  });
+}
+
+std::vector<OutboxItem> StoreContext::outbox(OutboxLink link) {
+  parts_->beginView();
+  return parts_->outbox.read(link);
+}
+
+void StoreContext::removeFromOutbox(OutboxLink link, const OutboxItem& item) {
+  parts_->writing([&] {
+    parts_->outbox.remove(link, item);
+    parts_->hasOwnRows = true;
   });
 }
 

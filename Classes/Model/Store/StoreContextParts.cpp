@@ -10,6 +10,7 @@ StoreContext::Parts::Parts(std::shared_ptr<Store> store)
     : unit(std::move(store)),
       history(unit.connection()),
       checkpoints(unit.connection()),
+      outbox(unit.connection()),
       light(unit.connection(),
             "SELECT objectID, entryDate, entryPeriodFrom, entryPeriodTo, entryPeriodType, entryType, progress, "
             "progressTotal FROM TaskLogEntryEntity WHERE task=? AND entryDate BETWEEN ? AND ? "
@@ -43,7 +44,7 @@ void StoreContext::Parts::rollback() {
   registry.rollback();
   checkpoints.forgetChanges();
   counts = {};
-  hasCheckpoints = hasRows = keepsBefore = false;
+  hasOwnRows = hasRows = keepsBefore = false;
   undone.reset();
 }
 

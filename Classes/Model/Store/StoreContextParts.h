@@ -5,6 +5,7 @@
 #include <HabitraModel/Store/Files/UndoBackups.h>
 #include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/ObjectRegistry.h>
+#include <HabitraModel/Store/Engine/OutboxTable.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
 
@@ -57,7 +58,7 @@ struct StoreContext::Parts {
     }
   }
 
-  [[nodiscard]] bool hasWritten() const { return hasCheckpoints || hasRows; }
+  [[nodiscard]] bool hasWritten() const { return hasOwnRows || hasRows; }
 
   /// Counts what the history says of one more object, or no longer says.
   void count(const HistoryTable::Recorded& recorded);
@@ -89,6 +90,7 @@ struct StoreContext::Parts {
   StoreUnit unit;
   HistoryTable history;
   CheckpointTable checkpoints;
+  OutboxTable outbox;
   ObjectRegistry registry;
   Query light;     ///< a task's log, only what the rules need
   Query earliest;  ///< first day of a task's log
@@ -107,7 +109,7 @@ struct StoreContext::Parts {
   TaskLogEntryEntity newEntry;       ///< an entry on its way in
   SaveResult counts;                 ///< what the unit's history says
   bool hasRows = false;              ///< the unit has written rows, and be it back and forth
-  bool hasCheckpoints = false;       ///< the unit has written checkpoints
+  bool hasOwnRows = false;           ///< the unit has written checkpoints, or to the outbox
   bool keepsBefore = false;          ///< the unit's history holds values before
   /// The transaction whose command the unit takes back.
   std::optional<std::int64_t> undone;

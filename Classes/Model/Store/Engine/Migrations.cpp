@@ -170,8 +170,19 @@ constexpr std::array<std::string_view, 26> toVersion2{
     "CREATE INDEX habitra_transaction_command ON habitra_transaction(sequence) WHERE command IS NOT NULL",
 };
 
+constexpr std::array<std::string_view, 1> toVersion3{
+    R"(CREATE TABLE habitra_outbox (
+  link TEXT NOT NULL,
+  task TEXT NOT NULL,
+  due INTEGER NOT NULL,
+  revision INTEGER NOT NULL,
+  PRIMARY KEY (link, task)
+) STRICT, WITHOUT ROWID)",
+};
+
 constexpr std::array migrations{
     Migration{2, toVersion2},
+    Migration{3, toVersion3},
 };
 
 }  // namespace

@@ -77,6 +77,13 @@ CREATE TABLE habitra_checkpoint (
   content BLOB NOT NULL,
   checksum INTEGER NOT NULL
 ) STRICT;
+CREATE TABLE habitra_outbox (
+  link TEXT NOT NULL,
+  task TEXT NOT NULL,
+  due INTEGER NOT NULL,
+  revision INTEGER NOT NULL,
+  PRIMARY KEY (link, task)
+) STRICT, WITHOUT ROWID;
 )";
 
 }  // namespace
