@@ -52,7 +52,10 @@ void Application::processIfDue() noexcept {
   try {
     StoreContext* context = rooms_->readingContext();
     if (context == nullptr || context->store().isReadOnly()) return;
-    if (rooms_->processor.isDue(*context, rooms_->now())) rooms_->processor.processAllTasks(*context, rooms_->now());
+    if (rooms_->processor.isDue(*context, rooms_->now()) &&
+        rooms_->processor.processAllTasks(*context, rooms_->now()).changed > 0)
+      rooms_->widgets.reloadAllTimelines();
+    if (rooms_->widgets.isOutdated()) rooms_->widgets.write(today(), list());
     // When a person has marked all habits today, no pass is due, yet history grows.
     rooms_->trimHistory(*context);
   } catch (const std::exception& error) {

@@ -113,6 +113,7 @@ HabitSummary Application::add(std::string_view title) {
   TaskEntity& task = context->insert(values);
   rooms_->processor.process(*context, task, now);
   context->save({.author = Author::app, .command = commandText("add", {&task})});
+  rooms_->widgets.reloadAllTimelines();
   return rooms_->summarize(*context, task);
 }
 

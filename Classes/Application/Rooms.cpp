@@ -24,7 +24,8 @@ qz::UniqueID identifierOf(const TaskEntity& task) {
 Application::Rooms::Rooms(const ApplicationSettings& settings)
     : manager(DataManager::storeLocation(settings.home), settings.clock),
       calendars(settings.timeZone, qz::HHMMSS::midnight),
-      recorder(calendars, mainQueue),
+      widgets(settings.home),
+      recorder(calendars, mainQueue, {watch, sharedTasks, widgets}),
       processor(calendars, recorder),
       timeZone_(settings.timeZone),
       timeIsGiven_(settings.timeIsGiven) {}
@@ -111,7 +112,9 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
                                                    .endDate = startDate,
                                                    .progressPct = share}},
                                    .createdTimestamp = moment,
-                                   .createdTimeZone = calendars.of(task).timeZone};
+                                   .createdTimeZone = calendars.of(task).timeZone,
+                                   .notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::immediate,
+                                   .recordToHealthKitIfNecessary = true};
   std::exception_ptr failure;
   recorder.record(task, request, [&failure](std::exception_ptr error) { failure = std::move(error); });
   mainQueue.drain();

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <HabitraApp/Application.h>
+#include <HabitraApp/WidgetSnapshot.h>
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
@@ -59,6 +61,9 @@ class Application::Rooms {
   /// With the app-wide start of day as the newest of the contexts above has seen it.
   TaskCalendars calendars;
   qz::MainQueue mainQueue;
+  OutboxTaskLink watch{OutboxLink::watch};
+  OutboxTaskLink sharedTasks{OutboxLink::sharedTask};
+  WidgetSnapshot widgets;
   TaskLogRecorder recorder;
   TaskProcessor processor;
 

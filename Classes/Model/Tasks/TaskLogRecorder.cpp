@@ -1,15 +1,17 @@
 #include <HabitraCore/RawValue.h>
-#include <HabitraCore/TaskLogEntryChoice.h>
-#include <HabitraModel/Mapping/LogEntryMapping.h>
-#include <HabitraModel/Mapping/PeriodMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Store/Entities/TaskShareEntity.h>
+#include <HabitraModel/Tasks/LogEntryWriter.h>
+#include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
 #include <QZDateTime/ISO8601.h>
+#include <QZKit/DispatchGroup.h>
 #include <QZLog/Log.h>
 
 #include <fmt/format.h>
+#include <memory>
 #include <utility>
 
 namespace habitra {
@@ -19,6 +21,7 @@ std::string message(TaskLogRecorder::Error::Reason reason) {
   switch (reason) {
     case TaskLogRecorder::Error::Reason::noLogEntryData: return "No log entry data";
     case TaskLogRecorder::Error::Reason::invalidTask: return "Invalid task";
+    case TaskLogRecorder::Error::Reason::unableToRecordToSharedTask: return "Unable to record to task shared with me";
   }
   return {};
 }
@@ -27,46 +30,31 @@ std::string description(const TaskFrequencyPeriod& period) {
   return fmt::format("{} to {}", period.startDate.debugDescription(), period.finishDate.debugDescription());
 }
 
-/// Whether a row of the log counts for the period: it is the one stored with the row, or the row has none and it is
-/// that of its day.
-bool countsFor(const TaskLogEntryEntity& row, const TaskFrequencyPeriod& period,
-               const std::optional<TaskRules>& rules) {
-  auto own = periodOf(row, period.firstDayOfWeek);
-  if (const auto day = dayFromStored(row.entryDate); !own && day && rules)
-    own = rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate).period;
-  return own && own->startDate == period.startDate && own->finishDate == period.finishDate;
-}
-
-/// Deletes the rows of the period that an entry of `type` takes the place of, but for `kept`.
-void removeSuperseded(StoreContext& context, const TaskEntity& task, const TaskFrequencyPeriod& period,
-                      TaskLogEntryType type, ObjectID kept) {
-  const std::optional<TaskRules> rules = rulesOf(task);
-  for (const TaskLogEntryEntity& row :
-       context.fetchLogEntries(task.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
-    const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (existing && row.objectID != kept && countsFor(row, period, rules) && supersedes(type, *existing))
-      context.removeLogEntry(row.key());
-  }
-}
-
-/// The day of the start moment; that of the dated period where the zone left it out, so that no moment lies on it.
-qz::YYYYMMDD dayOf(const TaskLogRecorder::LogEntryData& entry, const TaskCalendar& calendar) {
-  const qz::YYYYMMDD day = calendar.day(entry.startDate);
-  return entry.period.period.contains(day) ? day : entry.period.date;
-}
-
-/// The row of the task that bears the identifier. One of another task is not the caller's to change.
-std::optional<TaskLogEntryEntity> findOwnEntry(StoreContext& context, const TaskEntity& task, const qz::UniqueID& id) {
-  auto found = context.findLogEntry(id.text());
-  if (found && found->task != task.objectID) throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
-  return found;
-}
-
 /// A change by a person for a day that was processed already lets the next pass begin before that day again.
 void moveLastProcessedDateBack(TaskEntity& task, TaskLogEntryType type, qz::YYYYMMDD day,
                                const TaskCalendar& calendar) {
   if (isAutomatic(type) || !task.lastProcessedDate || calendar.day(*task.lastProcessedDate) <= day) return;
   task.lastProcessedDate = calendar.beginning(day.previousDay());
+}
+
+/// How a task is shared; null when it is not.
+const TaskShareEntity* shareOf(StoreContext& context, const TaskEntity& task) {
+  const auto shares = context.fetchRelated<TaskShareEntity>("task", task.objectID);
+  return shares.empty() ? nullptr : shares.front();
+}
+
+/// Whether somebody waits for the answer of the cloud. A deep link opens the application, which goes on by itself.
+bool waitsForCloud(TaskModifyContext context) {
+  switch (context) {
+    case TaskModifyContext::userInitiatedFromMainApp:
+    case TaskModifyContext::userInitiatedFromAppleWatchApp:
+    case TaskModifyContext::userInitiatedFromNotification:
+    case TaskModifyContext::userInitiatedFromShortcut:
+    case TaskModifyContext::systemInitiatedFromDeviceActivityExtension: return true;
+    case TaskModifyContext::userInitiatedFromDeepLink:
+    case TaskModifyContext::userInitiatedPopulateInitialStreak: return false;
+  }
+  return false;
 }
 
 }  // namespace
@@ -86,45 +74,60 @@ TaskLogRecorder::Error::Error(Reason reason) : qz::Error(message(reason)), reaso
 
 TaskLogRecorder::RecordTaskError::RecordTaskError() : qz::Error("Task not found") {}
 
-TaskLogRecorder::TaskLogRecorder(const TaskCalendars& calendars, qz::MainQueue& mainQueue)
-    : calendars_(calendars), mainQueue_(mainQueue) {}
+TaskLogRecorder::TaskLogRecorder(const TaskCalendars& calendars, qz::MainQueue& mainQueue, Receivers receivers)
+    : calendars_(calendars), mainQueue_(mainQueue), receivers_(receivers) {}
 
-void TaskLogRecorder::record(TaskEntity& task, const Request& request, Completion completion) {
-  try {
-    _record(task, request);
-    complete(std::move(completion), nullptr);
-  } catch (const qz::Error& error) {
-    qz::log::error("Unable to record: {}", error.what());
-    complete(std::move(completion), std::current_exception());
-  }
+void TaskLogRecorder::record(TaskEntity& task, const Request& request, Completion completion,
+                             bool canWaitForCloudToFinish) {
+  _record(task, request, canWaitForCloudToFinish, std::move(completion));
 }
 
-void TaskLogRecorder::record(const qz::UniqueID& taskId, const Request& request, Completion completion) {
+void TaskLogRecorder::record(const qz::UniqueID& taskId, const Request& request, Completion completion,
+                             bool canWaitForCloudToFinish) {
   try {
     auto* task = request.managedObjectContext.find<TaskEntity>("uniqueId", taskId.text());
     if (task == nullptr) throw RecordTaskError();
-    record(*task, request, std::move(completion));
+    record(*task, request, std::move(completion), canWaitForCloudToFinish);
   } catch (const qz::Error&) {
     complete(std::move(completion), std::current_exception());
   }
 }
 
-void TaskLogRecorder::_record(TaskEntity& task, const Request& request) {
+void TaskLogRecorder::_record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish,
+                              Completion completion) {
+  try {
+    write(task, request);
+  } catch (const qz::Error& error) {
+    qz::log::error("Unable to record: {}", error.what());
+    complete(std::move(completion), std::current_exception());
+    return;
+  }
+  if (request.notifyPairedDevice != NotifyPairedDeviceType::none) receivers_.watch.deliver([] {});
+  receivers_.widgets.reloadAllTimelines();
+  const auto group = std::make_shared<qz::DispatchGroup>();
+  if (request.context == TaskModifyContext::userInitiatedPopulateInitialStreak) {
+    qz::log::info("Wrong context to write to iCloud");
+  } else if (canWaitForCloudToFinish && waitsForCloud(request.context)) {
+    group->enter();
+    receivers_.sharedTasks.deliver([group] { group->leave(); });
+  } else {
+    receivers_.sharedTasks.deliver([] {});
+  }
+  group->notify(mainQueue_, [completion = std::move(completion)] { completion(nullptr); });
+}
+
+void TaskLogRecorder::write(TaskEntity& task, const Request& request) {
   if (request.logEntries.empty()) throw Error(Error::Reason::noLogEntryData);
   StoreContext& context = request.managedObjectContext;
   const bool isOwnUnit = !context.isInUnit();
   context.beginUnit();
   try {
     if (task.objectID == ObjectID::none || !isActive(task)) throw Error(Error::Reason::invalidTask);
-    const TaskCalendar calendar = calendars_.of(task);
-    TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(context, task);
-    for (const LogEntryData& entry : request.logEntries) {
-      const TaskLogEntryEntity row = writeRow(task, request, entry, dayOf(entry, calendar));
-      moveLastProcessedDateBack(task, entry.type, dayOf(entry, calendar), calendar);
-      temporalData.progress = row.progress;
-      temporalData.progressDate = row.entryDate;
-    }
-    if (request.saveContext && context.hasChanges()) context.save({.author = Author::app});
+    if (const TaskShareEntity* share = shareOf(context, task); share != nullptr && share->owner != ObjectID::none)
+      throw Error(Error::Reason::unableToRecordToSharedTask);
+    writeEntries(task, request);
+    queueForReceivers(task, request);
+    if (request.saveContext && context.hasChanges()) context.save({.author = Author::app, .command = request.command});
   } catch (...) {
     // What is refused leaves nothing behind; a unit of the caller's is the caller's to give up.
     if (isOwnUnit) context.rollback();
@@ -132,26 +135,39 @@ void TaskLogRecorder::_record(TaskEntity& task, const Request& request) {
   }
 }
 
-TaskLogEntryEntity TaskLogRecorder::writeRow(const TaskEntity& task, const Request& request, const LogEntryData& entry,
-                                             qz::YYYYMMDD day) {
-  StoreContext& context = request.managedObjectContext;
-  const auto existing = findOwnEntry(context, task, entry.uniqueId);
-  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
-  removeSuperseded(context, task, entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+void TaskLogRecorder::writeEntries(TaskEntity& task, const Request& request) const {
+  const TaskCalendar calendar = calendars_.of(task);
+  TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(request.managedObjectContext, task);
+  LogEntryWriter writer(task, request, calendar);
+  for (const LogEntryData& entry : request.logEntries) {
+    const TaskLogEntryEntity row = writer.write(entry);
+    moveLastProcessedDateBack(task, entry.type, dayFromStored(row.entryDate).value(), calendar);
+    temporalData.progress = row.progress;
+    temporalData.progressDate = row.entryDate;
+    if (!isAutomatic(entry.type)) retypeFailures(task, request, dayFromStored(row.entryDate).value());
+  }
+}
 
-  TaskLogEntryEntity row = existing.value_or(TaskLogEntryEntity{});
-  row.uniqueId = entry.uniqueId.text();
-  if (!existing || entry.createdTimestamp)
-    row.createdTimestamp = entry.createdTimestamp.value_or(request.createdTimestamp);
-  if (!existing) row.createdTimeZone = request.createdTimeZone.identifier();
-  row.task = task.objectID;
-  setEntry(row, entry.type, DatedPeriod(day, entry.period.period), entry.progressPct.value_or(0.0),
-           entry.progressValue.value_or(0.0));
-  if (existing)
-    context.updateLogEntry(existing->key(), row);
-  else
-    context.insertLogEntry(row);
-  return row;
+void TaskLogRecorder::retypeFailures(const TaskEntity& task, const Request& request, qz::YYYYMMDD day) const {
+  StoreContext& context = request.managedObjectContext;
+  for (const Retyping& retyping : retypings(context, task, calendars_, day, context.store().clock().now())) {
+    const LogKey key{task.objectID, retyping.entryDate, ObjectID{retyping.order}};
+    auto row = context.findLogEntry(key);
+    if (!row) continue;
+    row->entryType = rawValue(retyping.entryType);
+    context.updateLogEntry(key, *row);
+  }
+}
+
+void TaskLogRecorder::queueForReceivers(const TaskEntity& task, const Request& request) const {
+  StoreContext& context = request.managedObjectContext;
+  const qz::Moment now = context.store().clock().now();
+  if (request.notifyPairedDevice != NotifyPairedDeviceType::none) {
+    const bool isDelayed = request.notifyPairedDevice == NotifyPairedDeviceType::delayed;
+    receivers_.watch.put(context, task, isDelayed ? now + batchingInterval : now);
+  }
+  if (request.context != TaskModifyContext::userInitiatedPopulateInitialStreak && shareOf(context, task) != nullptr)
+    receivers_.sharedTasks.put(context, task, now);
 }
 
 void TaskLogRecorder::complete(Completion completion, std::exception_ptr error) {

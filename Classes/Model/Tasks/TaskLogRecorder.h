@@ -2,15 +2,20 @@
 
 #include <HabitraCore/TaskFrequencyPeriod.h>
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/Links/WidgetCenter.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskModifyContext.h>
+#include <HabitraModel/Tasks/TimedTaskEntry.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZKit/Clock.h>
 #include <QZKit/Error.h>
 #include <QZKit/MainQueue.h>
 #include <QZKit/UniqueID.h>
 
+#include <chrono>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <optional>
@@ -20,12 +25,22 @@
 namespace habitra {
 
 /// The one place where a task's log entries are written: completions, skips, misses, and the undo that replaces them.
-/// It writes the rows, deletes what they supersede, and sets the progress on the task's temporal data; the statuses and
-/// streaks that follow are the processor's work.
+/// It writes the rows, deletes what they supersede or refute, re-types the failures whose allowance they change, asks
+/// for writes to the health store, and sets the progress on the task's temporal data. Then it tells those who show
+/// tasks elsewhere. The statuses and streaks that follow are the processor's work.
 ///
 /// Works on the thread that owns the request's context; completions arrive on the main queue.
 class TaskLogRecorder {
  public:
+  /// Whether the paired device is told, and how.
+  enum class NotifyPairedDeviceType : std::uint8_t {
+    none,
+    delayed,    ///< with what else changes in the next seconds
+    immediate,  ///< now
+  };
+  /// How long a delayed message waits for others.
+  static constexpr std::chrono::seconds batchingInterval{30};
+
   /// One entry to record.
   struct LogEntryData {
     qz::UniqueID uniqueId;  ///< a row that already bears it is brought up to date instead of a second one being made
@@ -35,7 +50,10 @@ class TaskLogRecorder {
     qz::Moment endDate;
     std::optional<double> progressValue;         ///< amount reached, for timed and counted tasks; absent is stored as 0
     std::optional<double> progressPct;           ///< fraction of the target reached; absent is stored as 0
+    std::optional<TimedTaskEntry> timerSummary;  ///< the run of a timer that produced it
+    bool timerDidExpire = false;                 ///< the timer ran out, and was not stopped
     std::optional<qz::Moment> createdTimestamp;  ///< when the entry was made, where that is known; else the request's
+    bool isTemporaryRecord = false;              ///< a provisional row: its cloudStatus is "TMP"
 
     /// "<LogEntryData unique=…, period=…, startDate=…, endDate=…>"
     [[nodiscard]] std::string debugDescription() const;
@@ -49,6 +67,10 @@ class TaskLogRecorder {
     std::vector<LogEntryData> logEntries;  ///< recorded in this order
     qz::Moment createdTimestamp;           ///< stamped on new rows
     qz::TimeZone createdTimeZone;          ///< stamped on new rows
+    NotifyPairedDeviceType notifyPairedDevice = NotifyPairedDeviceType::none;
+    bool recordToHealthKitIfNecessary = false;   ///< also ask for a write to the health store, where the task does that
+    std::optional<std::string> healthKitDevice;  ///< the device that such a write names
+    std::optional<std::string> command;          ///< what the person asked for; a save for it can be taken back
 
     /// "<Request context=…, logEntries=[…]>"
     [[nodiscard]] std::string debugDescription() const;
@@ -60,6 +82,7 @@ class TaskLogRecorder {
     enum class Reason {
       noLogEntryData,  ///< "No log entry data"
       invalidTask,     ///< "Invalid task": not a stored, active task, or not the one that has the entry already
+      unableToRecordToSharedTask,  ///< "Unable to record to task shared with me": another person's
     };
     explicit Error(Reason reason);
     [[nodiscard]] Reason reason() const { return reason_; }
@@ -77,28 +100,41 @@ class TaskLogRecorder {
   /// Called on the main queue: with nothing when all is recorded, else with one of the errors above or the store's.
   using Completion = std::function<void(std::exception_ptr)>;
 
-  /// `calendars` tells the days of a task; both must live longer than the recorder.
-  TaskLogRecorder(const TaskCalendars& calendars, qz::MainQueue& mainQueue);
+  /// Who is told of what was recorded.
+  struct Receivers {
+    TaskLink& watch;
+    TaskLink& sharedTasks;
+    WidgetCenter& widgets;
+  };
 
-  /// Records the entries of `request` for `task`, an object of the request's context.
-  void record(TaskEntity& task, const Request& request, Completion completion);
+  /// `calendars` tells the days of a task. All must live longer than the recorder.
+  TaskLogRecorder(const TaskCalendars& calendars, qz::MainQueue& mainQueue, Receivers receivers);
+
+  /// Records the entries of `request` for `task`, an object of the request's context. With `canWaitForCloudToFinish`,
+  /// and for a context that waits for it, the completion comes after a shared task was brought up to date on the cloud.
+  void record(TaskEntity& task, const Request& request, Completion completion, bool canWaitForCloudToFinish = false);
 
   /// The same for the task with this identifier in the request's context.
-  void record(const qz::UniqueID& taskId, const Request& request, Completion completion);
+  void record(const qz::UniqueID& taskId, const Request& request, Completion completion,
+              bool canWaitForCloudToFinish = false);
 
-  /// The same for a caller that works on the context's thread and must know the outcome before it goes on: throws
-  /// instead of completing.
-  void recordNow(TaskEntity& task, const Request& request) { _record(task, request); }
+  /// Writes the entries for a caller that works on the context's thread, must know the outcome before it goes on, and
+  /// tells others itself: throws instead of completing.
+  void recordNow(TaskEntity& task, const Request& request) { write(task, request); }
 
  private:
-  void _record(TaskEntity& task, const Request& request);
-  /// Inserts or updates the row of one entry, after what it supersedes is gone; gives the row.
-  static TaskLogEntryEntity writeRow(const TaskEntity& task, const Request& request, const LogEntryData& entry,
-                                     qz::YYYYMMDD day);
+  void _record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish, Completion completion);
+  void write(TaskEntity& task, const Request& request);
+  void writeEntries(TaskEntity& task, const Request& request) const;
+  /// Lets the failures around `day` say whether they lie within the allowance, as they do now.
+  void retypeFailures(const TaskEntity& task, const Request& request, qz::YYYYMMDD day) const;
+  /// Puts into the unit who is to be told of the task.
+  void queueForReceivers(const TaskEntity& task, const Request& request) const;
   void complete(Completion completion, std::exception_ptr error);
 
   const TaskCalendars& calendars_;
   qz::MainQueue& mainQueue_;
+  const Receivers receivers_;
 };
 
 }  // namespace habitra

@@ -20,6 +20,8 @@
 #include <string_view>
 #include <vector>
 
+#include "TestReceivers.h"
+
 namespace habitra {
 
 inline qz::Moment at(std::string_view text) { return qz::momentFromISO8601(text).value(); }
@@ -88,7 +90,8 @@ class TaskWorld : public testing::Test {
   std::unique_ptr<StoreContext> context_ = manager_.context();
   TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
   qz::MainQueue mainQueue_;
-  TaskLogRecorder recorder_{calendars_, mainQueue_};
+  TestReceivers receivers_;
+  TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
   TaskProcessor processor_{calendars_, recorder_};
 };
 

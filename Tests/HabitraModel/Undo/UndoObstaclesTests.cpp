@@ -18,6 +18,8 @@
 #include "UndoFixture.h"
 
 // What commands and programs did since, by chance or on purpose, in place of what an undo would bring back.
+#include "../Tasks/TestReceivers.h"
+
 namespace habitra {
 namespace {
 
@@ -279,7 +281,8 @@ TEST_F(UndoObstaclesTest, AnImportOfManyRowsGoesAndComesBack) {
 
 TEST_F(UndoObstaclesTest, WithTheProcessorAllIsAsItWasInAFile) {
   qz::MainQueue mainQueue;
-  TaskLogRecorder recorder(calendars_, mainQueue);
+  TestReceivers receivers;
+  TaskLogRecorder recorder(calendars_, mainQueue, receivers.all());
   TaskProcessor processor(calendars_, recorder);
   TaskEntity& task = add("Walk");
   task.created = testMoment - std::chrono::days(9);

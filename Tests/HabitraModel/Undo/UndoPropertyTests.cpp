@@ -23,6 +23,8 @@
 #include <vector>
 
 // Whatever a person did and took back, all must be as if it had never been asked for.
+#include "../Tasks/TestReceivers.h"
+
 namespace habitra {
 namespace {
 
@@ -240,7 +242,8 @@ class Life {
   std::unique_ptr<StoreContext> context_ = std::make_unique<StoreContext>(Store::inMemory(clock_));
   TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
   qz::MainQueue mainQueue_;
-  TaskLogRecorder recorder_{calendars_, mainQueue_};
+  TestReceivers receivers_;
+  TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
   TaskProcessor processor_{calendars_, recorder_};
   UndoStack stack_{calendars_};
 };

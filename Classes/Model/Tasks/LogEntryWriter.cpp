@@ -1,0 +1,118 @@
+#include <HabitraCore/RawValue.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/HealthWriteRequest.h>
+#include <HabitraModel/Tasks/LogEntryWriter.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
+
+#include <string_view>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+/// The cloudStatus of a provisional row.
+constexpr std::string_view temporaryStatus = "TMP";
+
+/// The day of the start moment; that of the dated period where the zone left it out, so that no moment lies on it.
+qz::YYYYMMDD dayOf(const TaskLogRecorder::LogEntryData& entry, const TaskCalendar& calendar) {
+  const qz::YYYYMMDD day = calendar.day(entry.startDate);
+  return entry.period.period.contains(day) ? day : entry.period.date;
+}
+
+/// Whether the entry says that what the task measures took place: of a task to avoid, that it was not avoided.
+bool tookPlace(TaskLogEntryType type, bool isNegative) {
+  if (!isNegative) return isCompletedFullOrPartial(type);
+  return isMissedFullOrPartial(type) || isAllowableMissFull(type);
+}
+
+/// The amount that the entry stands for: the one it reports, else its share of the target.
+double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
+  return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
+}
+
+}  // namespace
+
+LogEntryWriter::LogEntryWriter(const TaskEntity& task, const TaskLogRecorder::Request& request,
+                               const TaskCalendar& calendar)
+    : task_(task),
+      request_(request),
+      calendar_(calendar),
+      context_(request.managedObjectContext),
+      now_(context_.store().clock().now()),
+      rules_(rulesOf(task)),
+      filledIn_(context_, task) {}
+
+TaskLogEntryEntity LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) {
+  const auto existing = context_.findLogEntry(entry.uniqueId.text());
+  if (existing && existing->task != task_.objectID)
+    throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
+  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
+  removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+
+  TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, !existing);
+  if (existing)
+    context_.updateLogEntry(existing->key(), row);
+  else
+    row.objectID = context_.insertLogEntry(row);
+  removeRefuted(row);
+  requestHealthWrite(row, entry);
+  return row;
+}
+
+void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept) {
+  for (const TaskLogEntryEntity& row :
+       context_.fetchLogEntries(task_.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
+    const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (!existing || row.objectID == kept || !supersedes(type, *existing)) continue;
+    const auto counted = countedPeriod(row, rules_);
+    if (counted && counted->period.startDate == period.startDate && counted->period.finishDate == period.finishDate)
+      context_.removeLogEntry(row.key());
+  }
+}
+
+void LogEntryWriter::removeRefuted(const TaskLogEntryEntity& row) {
+  for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(row)) context_.removeLogEntry(refuted.key());
+}
+
+TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
+                                          bool isNew) const {
+  row.uniqueId = entry.uniqueId.text();
+  if (isNew || entry.createdTimestamp)
+    row.createdTimestamp = entry.createdTimestamp.value_or(request_.createdTimestamp);
+  if (isNew) row.createdTimeZone = request_.createdTimeZone.identifier();
+  row.task = task_.objectID;
+  setEntry(row, entry.type, DatedPeriod(dayOf(entry, calendar_), entry.period.period), entry.progressPct.value_or(0.0),
+           entry.progressValue.value_or(0.0));
+  if (entry.isTemporaryRecord) {
+    row.cloudStatus = temporaryStatus;
+    row.cloudStatusDate = now_;
+  }
+  return row;
+}
+
+void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry) {
+  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return;
+  const auto type = automaticTypeOf(task_);
+  if (!type) return;
+  double amount = amountOf(entry, *type);
+  double duration = type->unit && type->unit->isDuration() ? type->unit->convertToTimeInterval(amount) : 0.0;
+  if (entry.timerSummary) {
+    duration = entry.timerSummary->duration;
+    amount = type->unit ? type->unit->convertFromTimeInterval(duration) : 0.0;
+  }
+  const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
+  const auto request = healthWriteRequest(*type, entry.endDate, amount, duration, request_.healthKitDevice, taskId);
+  if (!request) return;
+  HealthKitRequestEntity values{.created = now_,
+                                .status = std::string(health_request_status::pending),
+                                .statusDate = now_,
+                                .taskLogEntry = row.objectID};
+  request->writeTo(values);
+  context_.insert(values);
+}
+
+}  // namespace habitra

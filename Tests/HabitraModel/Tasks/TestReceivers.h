@@ -1,0 +1,25 @@
+#pragma once
+
+#include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/Links/WidgetCenter.h>
+#include <HabitraModel/Tasks/TaskLogRecorder.h>
+
+namespace habitra {
+
+/// Counts what it was asked for.
+class CountingWidgetCenter : public WidgetCenter {
+ public:
+  void reloadAllTimelines() noexcept override { ++reloads; }
+  int reloads = 0;
+};
+
+/// Whom a recorder tells: outboxes, and widgets that are counted.
+struct TestReceivers {
+  OutboxTaskLink watch{OutboxLink::watch};
+  OutboxTaskLink sharedTasks{OutboxLink::sharedTask};
+  CountingWidgetCenter widgets;
+
+  TaskLogRecorder::Receivers all() { return {watch, sharedTasks, widgets}; }
+};
+
+}  // namespace habitra
