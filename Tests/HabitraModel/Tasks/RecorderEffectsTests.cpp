@@ -1,0 +1,221 @@
+#include <HabitraModel/Store/Entities/TaskShareEntity.h>
+#include <HabitraModel/Store/Entities/TaskShareOwnerEntity.h>
+#include <HabitraModel/Tasks/HealthWriteRequest.h>
+
+#include <functional>
+#include <utility>
+
+#include "TaskWorld.h"
+
+namespace habitra {
+namespace {
+
+using Type = TaskLogEntryType;
+using Notify = TaskLogRecorder::NotifyPairedDeviceType;
+using qz::YYYYMMDD;
+constexpr YYYYMMDD today(2024, 1, 31);
+
+/// What a recorder does beside writing the row.
+class RecorderEffects : public TaskWorld {
+ protected:
+  TaskLogRecorder::Request requestFor(std::vector<TaskLogRecorder::LogEntryData> entries,
+                                      TaskModifyContext context = TaskModifyContext::userInitiatedFromMainApp) {
+    return {.managedObjectContext = *context_,
+            .context = context,
+            .logEntries = std::move(entries),
+            .createdTimestamp = clock_->now(),
+            .createdTimeZone = qz::TimeZone::utc()};
+  }
+  void share(const TaskEntity& task, ObjectID owner = ObjectID::none) {
+    context_->insert(TaskShareEntity{.owner = owner, .task = task.objectID});
+    context_->save({});
+  }
+  std::vector<std::string> waiting(OutboxLink link) {
+    std::vector<std::string> tasks;
+    for (const OutboxItem& item : context_->outbox(link)) tasks.push_back(item.taskId);
+    return tasks;
+  }
+  TaskEntity& addMeasured(HealthType type, double quantity, TypeUnit unit) {
+    TaskEntity& task = addTask();
+    auto measured =
+        AutomaticTaskType::ofNewTask(AutomaticTaskType::TaskType::healthKit(type), TaskFrequencyPeriodType::day);
+    measured.quantity = quantity;
+    measured.unit = unit;
+    setAutomaticType(task, measured);
+    context_->save({});
+    return task;
+  }
+  /// What the health store is to be told of one entry.
+  std::optional<qz::QZHKSample> sampleFor(TaskEntity& task, TaskLogRecorder::LogEntryData entry) {
+    auto request = requestFor({std::move(entry)});
+    request.recordToHealthKitIfNecessary = true;
+    request.healthKitDevice = "watch";
+    recorder_.recordNow(task, request);
+    const auto rows = context_->fetchAll<HealthKitRequestEntity>();
+    if (rows.empty()) return std::nullopt;
+    EXPECT_EQ(rows.back()->status, "pending");
+    EXPECT_EQ(rows.back()->created, clock_->now());
+    EXPECT_EQ(rows.back()->statusDate, clock_->now());
+    const auto written = HealthWriteRequest::of(*rows.back());
+    return written ? std::optional(written->sample) : std::nullopt;
+  }
+};
+
+TEST_F(RecorderEffects, ATaskOfAnotherPersonIsLeftAlone) {
+  TaskEntity& own = addTask();
+  TaskEntity& foreign = addTask("Foreign");
+  share(own);
+  share(foreign, context_->insert(TaskShareOwnerEntity{}).objectID);
+  EXPECT_EQ(messageOf(record(own, Type::completedManuallyFull, today)), "");
+  const auto before = context_->sequence();
+  EXPECT_EQ(messageOf(record(foreign, Type::completedManuallyFull, today)), "Unable to record to task shared with me");
+  EXPECT_EQ(context_->sequence(), before);
+  EXPECT_EQ(receivers_.widgets.reloads, 1) << "for the own task";
+  EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{*own.uniqueId});
+}
+
+TEST_F(RecorderEffects, AnInitialStreakNeverTouchesTheCloud) {
+  TaskEntity& task = addTask();
+  share(task);
+  recorder_.record(
+      task,
+      requestFor({entry(task, Type::completedManuallyFull, today)},
+                 TaskModifyContext::userInitiatedPopulateInitialStreak),
+      [](std::exception_ptr) {}, true);
+  EXPECT_TRUE(waiting(OutboxLink::sharedTask).empty());
+  EXPECT_EQ(receivers_.widgets.reloads, 1);
+}
+
+TEST_F(RecorderEffects, ATaskWaitsInTheOutboxOnceAndAsLongAsAsked) {
+  TaskEntity& task = addTask();
+  const auto notify = [&](Notify type) {
+    auto request = requestFor({entry(task, Type::completedManuallyFull, today)});
+    request.notifyPairedDevice = type;
+    recorder_.record(task, request, [](std::exception_ptr) {});
+  };
+  notify(Notify::none);
+  EXPECT_TRUE(waiting(OutboxLink::watch).empty());
+  notify(Notify::delayed);
+  const OutboxItem first = context_->outbox(OutboxLink::watch).at(0);
+  EXPECT_EQ(first.due, clock_->now() + TaskLogRecorder::batchingInterval);
+  notify(Notify::delayed);
+  notify(Notify::immediate);
+  const OutboxItem second = context_->outbox(OutboxLink::watch).at(0);
+  EXPECT_EQ(second, (OutboxItem{.taskId = *task.uniqueId, .due = clock_->now(), .revision = 3}));
+  context_->removeFromOutbox(OutboxLink::watch, first);
+  context_->save({});
+  EXPECT_EQ(waiting(OutboxLink::watch).size(), 1u) << "it changed while it was told of";
+  context_->removeFromOutbox(OutboxLink::watch, second);
+  context_->save({});
+  EXPECT_TRUE(waiting(OutboxLink::watch).empty());
+}
+
+/// A cloud that answers when it is told to.
+class SlowCloud : public TaskLink {
+ public:
+  void put(StoreContext&, const TaskEntity&, qz::Moment) override {}
+  void deliver(std::function<void()> finished) override { finished_ = std::move(finished); }
+  void answer() { std::exchange(finished_, nullptr)(); }
+
+ private:
+  std::function<void()> finished_;
+};
+
+TEST_F(RecorderEffects, TheCompletionWaitsForTheCloudWhereItMay) {
+  SlowCloud cloud;
+  TaskLogRecorder recorder(calendars_, mainQueue_, {receivers_.watch, cloud, receivers_.widgets});
+  TaskEntity& task = addTask();
+  int completed = 0;
+  const auto record = [&](TaskModifyContext context, bool canWait) {
+    recorder.record(
+        task, requestFor({entry(task, Type::completedManuallyFull, today)}, context),
+        [&](std::exception_ptr error) { completed += error == nullptr; }, canWait);
+    mainQueue_.drain();
+    return std::exchange(completed, 0);
+  };
+  EXPECT_EQ(record(TaskModifyContext::userInitiatedFromMainApp, false), 1);
+  EXPECT_EQ(record(TaskModifyContext::userInitiatedFromDeepLink, true), 1);
+  EXPECT_EQ(record(TaskModifyContext::userInitiatedFromShortcut, true), 0);
+  cloud.answer();
+  EXPECT_EQ(completed, 0) << "not before the main queue runs";
+  mainQueue_.drain();
+  EXPECT_EQ(completed, 1);
+}
+
+TEST_F(RecorderEffects, WhatAnEntryRefutesGoesAtOnce) {
+  TaskEntity& task = addTask();
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 2});
+  task.created = at("2024-01-24T12:00:00Z");
+  context_->save({});
+  record(task, Type::completedManuallyFull, YYYYMMDD(2024, 1, 24));
+  process();
+  const auto before = log(task);
+  record(task, Type::completedManuallyFull, YYYYMMDD(2024, 1, 25));
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240124 completedManuallyFull", "20240125 completedManuallyFull"}))
+      << "all that followed from the day";
+  process();
+  record(task, Type::unknown, YYYYMMDD(2024, 1, 25));
+  process();
+  auto after = log(task);
+  EXPECT_EQ(std::erase(after, "20240125 unknown"), 1u);
+  auto expected = before;
+  std::erase(expected, "20240125 skippedAutomaticallyFull");
+  std::erase(after, "20240125 skippedAutomaticallyFull");
+  EXPECT_EQ(after, expected) << "as if it had never been recorded";
+}
+
+TEST_F(RecorderEffects, FailuresSayWhetherTheyLieWithinTheAllowance) {
+  TaskEntity& task = addTask("Smoke");
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 6});
+  task.isNegative = true;
+  task.created = at("2024-01-29T00:00:00Z");
+  context_->save({});
+  record(task, Type::missedManuallyFull, today);
+  EXPECT_EQ(log(task), std::vector<std::string>{"20240131 allowableMissManuallyFull"});
+  record(task, Type::missedManuallyFull, today.previousDay());
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240130 allowableMissManuallyFull", "20240131 missedManuallyFull"}))
+      << "the earlier one takes the allowance";
+  record(task, Type::unknown, today.previousDay());
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240130 unknown", "20240131 allowableMissManuallyFull"}));
+}
+
+TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
+  TaskEntity& water = addMeasured(HealthType::dietaryDrinkWater, 2.0, TypeUnit::litres);
+  auto drunk = entry(water, Type::completedManuallyPartial, today);
+  drunk.progressValue = 0.5;
+  const auto glass = sampleFor(water, drunk);
+  ASSERT_TRUE(glass);
+  EXPECT_EQ(glass->objectType, qz::QZHKObjectType::dietaryWater);
+  EXPECT_EQ(glass->quantity(), (qz::QZHKQuantity{0.5, qz::QZHKUnit::litre}));
+  EXPECT_EQ(glass->device, "watch");
+  EXPECT_EQ(glass->start, glass->end);
+  EXPECT_EQ(glass->task->text(), *water.uniqueId);
+
+  TaskEntity& calm = addMeasured(HealthType::mindfulMinutes, 10.0, TypeUnit::durationMinutes);
+  auto timed = entry(calm, Type::completedManuallyFull, today);
+  timed.timerSummary = TimedTaskEntry{.start = timed.startDate, .finish = timed.endDate, .duration = 90.0};
+  const auto session = sampleFor(calm, timed);
+  ASSERT_TRUE(session);
+  EXPECT_EQ(session->end - session->start, std::chrono::seconds(90));
+
+  const auto requests = context_->fetchAll<HealthKitRequestEntity>().size();
+  TaskEntity& steps = addMeasured(HealthType::runOrWalk, 8000, TypeUnit::steps);
+  (void)sampleFor(steps, entry(steps, Type::completedManuallyFull, today));
+  EXPECT_EQ(context_->fetchAll<HealthKitRequestEntity>().size(), requests) << "it is only read";
+  (void)sampleFor(water, entry(water, Type::skippedManuallyFull, today));
+  EXPECT_EQ(context_->fetchAll<HealthKitRequestEntity>().size(), requests - 1)
+      << "what was not written goes with its entry";
+}
+
+TEST_F(RecorderEffects, AProvisionalRowSaysSo) {
+  TaskEntity& task = addTask();
+  auto data = entry(task, Type::completedManuallyFull, today);
+  data.isTemporaryRecord = true;
+  record(task, {data});
+  const auto row = context_->findLogEntry(data.uniqueId.text());
+  EXPECT_EQ(row->cloudStatus, "TMP");
+  EXPECT_EQ(row->cloudStatusDate, clock_->now());
+}
+
+}  // namespace
+}  // namespace habitra
