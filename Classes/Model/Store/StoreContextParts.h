@@ -2,10 +2,10 @@
 
 #include <HabitraModel/Store/Engine/CheckpointTable.h>
 #include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/Engine/OutboxTable.h>
 #include <HabitraModel/Store/Files/UndoBackups.h>
 #include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/ObjectRegistry.h>
-#include <HabitraModel/Store/Engine/OutboxTable.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
 
