@@ -131,7 +131,7 @@ void Application::Rooms::trimHistory(StoreContext& context) noexcept {
 }
 
 DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day) {
-  if (const auto rules = rulesOf(task))
+  if (const auto rules = rulesWithoutPauses(task))
     return rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate);
   return DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
 }

@@ -34,7 +34,7 @@ bool isFilledIn(const TaskLogEntryEntity& row) {
 }
 
 FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task)
-    : context_(context), task_(task.objectID), rules_(rulesOf(task)) {}
+    : context_(context), task_(task.objectID), rules_(rulesOf(context, task)) {}
 
 std::vector<TaskLogEntryEntity> FilledInEntries::refutedBy(const TaskLogEntryEntity& row) const {
   std::vector<TaskLogEntryEntity> refuted;

@@ -43,7 +43,7 @@ LogEntryWriter::LogEntryWriter(const TaskEntity& task, const TaskLogRecorder::Re
       calendar_(calendar),
       context_(request.managedObjectContext),
       now_(context_.store().clock().now()),
-      rules_(rulesOf(task)),
+      rules_(rulesOf(context_, task)),
       filledIn_(context_, task) {}
 
 TaskLogEntryEntity LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) {

@@ -230,7 +230,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   LaterEntries later = laterEntries(context, task, assessment, now);
   for (LoggedEntry& entry : later.ahead) entry.isAhead = true;
   assessment.futureEntries = std::move(later.future);
-  assessment.rules = rulesOf(task);
+  assessment.rules = rulesOf(context, task);
   if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
   if (assessment.rules) walkHistory(context, task, later.ahead, assessment);
@@ -240,7 +240,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
 std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
                                   qz::YYYYMMDD from, qz::YYYYMMDD day) {
   const TaskCalendar calendar = calendars.of(task);
-  const auto rules = rulesOf(task);
+  const auto rules = rulesOf(context, task);
   if (!rules || day < earliestDay || !HistoryWalk::supports(rules->frequency)) return {};
   const std::int32_t lastDay = storedDay(day.previousDay());
   const auto first = firstKeptDay(context, task, lastDay);
@@ -257,7 +257,7 @@ std::vector<Retyping> retypings(StoreContext& context, const TaskEntity& task, c
                                 qz::YYYYMMDD day, qz::Moment now) {
   TaskAssessment assessment{.calendar = calendars.of(task)};
   assessment.today = assessment.calendar.day(now);
-  assessment.rules = rulesOf(task);
+  assessment.rules = rulesOf(context, task);
   if (!task.isNegative || !assessment.rules || assessment.today < earliestDay ||
       !HistoryWalk::supports(assessment.rules->frequency))
     return {};

@@ -2,6 +2,7 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskPauses.h>
 #include <QZKit/Checked.h>
 
 #include <utility>
@@ -10,7 +11,13 @@ namespace habitra {
 
 bool isActive(const TaskEntity& task) { return task.status == task_status::active; }
 
-std::optional<TaskRules> rulesOf(const TaskEntity& task) {
+std::optional<TaskRules> rulesOf(StoreContext& context, const TaskEntity& task) {
+  auto rules = rulesWithoutPauses(task);
+  if (rules) rules->pauses = pausesOf(context, task);
+  return rules;
+}
+
+std::optional<TaskRules> rulesWithoutPauses(const TaskEntity& task) {
   const auto frequency = frequencyOf(task);
   if (!frequency) return std::nullopt;
   const auto type = automaticTypeOf(task);

@@ -2,6 +2,7 @@
 
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/Entities/TaskEntity.h>
+#include <HabitraModel/Store/StoreContext.h>
 #include <QZDateTime/DayOfWeek.h>
 #include <QZKit/Clock.h>
 
@@ -23,7 +24,9 @@ inline constexpr std::string_view deleted = "deleted";
 
 /// Everything of a task that its history is judged by; none when its frequency cannot be read. A first day of the week
 /// that is no weekday counts as Sunday.
-[[nodiscard]] std::optional<TaskRules> rulesOf(const TaskEntity& task);
+[[nodiscard]] std::optional<TaskRules> rulesOf(StoreContext& context, const TaskEntity& task);
+/// The same but for its pauses, which its row does not hold: enough to tell periods.
+[[nodiscard]] std::optional<TaskRules> rulesWithoutPauses(const TaskEntity& task);
 
 /// The row of a newly made task: every day, one completion, to do, the app-wide start of day, no zone of its own,
 /// active, made at `now` in the zone called `timeZone`. Identifier and place are left to whoever inserts it.

@@ -110,7 +110,8 @@ void TaskProcessorSingleTaskOperation::storeFigures(const TaskAssessment& assess
   if (assessment.history) {
     putFigures(data, assessment.history->figures);
     if (assessment.history->checkpoint)
-      managedObjectContext_.setCheckpoint(task_.objectID, storedCheckpoint(*assessment.history->checkpoint, assessment.calendar));
+      managedObjectContext_.setCheckpoint(task_.objectID,
+                                          storedCheckpoint(*assessment.history->checkpoint, assessment.calendar));
     if (!wasProcessedToday(task_, assessment)) task_.lastProcessedDate = now_;
   }
   const bool changed = managedObjectContext_.hasChanges(data);

@@ -146,7 +146,7 @@ void TaskRewind::removeOutdated(const TaskEntity& task, const DaySpans& affected
 
 DaySpans TaskRewind::affectedDays(const TaskEntity& task, const Touched& touched) {
   DaySpans affected;
-  const std::optional<TaskRules> rules = rulesOf(task);
+  const std::optional<TaskRules> rules = rulesOf(context_, task);
   for (const TaskLogEntryEntity& entry : touched.entries) addPeriod(entry, rules, affected);
   for (const TaskLogEntryEntity& entry : touched.filledInBefore) addPeriod(entry, rules, affected);
   if (rules && !haveRulesChangedSince(task)) addFollowingDays(task.objectID, touched, *rules, affected);
@@ -225,7 +225,7 @@ std::int32_t TaskRewind::firstDisturbedDay(const TaskEntity& task, const DaySpan
     // The log of a task that is gone may have become part of this one.
     if (change.task == task.objectID || context_.find<TaskEntity>(change.task) == nullptr) changed.insert(change.day);
   }
-  const std::optional<TaskRules> rules = haveRulesChangedSince(task) ? std::nullopt : rulesOf(task);
+  const std::optional<TaskRules> rules = haveRulesChangedSince(task) ? std::nullopt : rulesOf(context_, task);
   std::int32_t first = StoreContext::lastDay;
   for (const std::int32_t day : changed) {
     if (day >= first) break;

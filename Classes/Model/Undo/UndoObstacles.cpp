@@ -260,7 +260,7 @@ void UndoObstacles::refuseFailuresThatFollow() {
   if (later_.ofCommands().empty()) return;
   for (const auto& [id, entries] : touchedEntries()) {
     const TaskEntity* const task = context_.find<TaskEntity>(id);
-    const auto rules = task != nullptr && task->isNegative ? rulesOf(*task) : std::nullopt;
+    const auto rules = task != nullptr && task->isNegative ? rulesOf(context_, *task) : std::nullopt;
     if (!rules) continue;
     for (const TaskLogEntryEntity& entry : entries) {
       const auto day = judgedDay(entry.entryDate);

@@ -9,7 +9,11 @@
 namespace habitra {
 
 LogImport::LogImport(StoreContext& context, const TaskEntity& task, TaskCalendar calendar, qz::Moment now)
-    : context_(context), task_(task.objectID), calendar_(std::move(calendar)), now_(now), rules_(rulesOf(task)) {}
+    : context_(context),
+      task_(task.objectID),
+      calendar_(std::move(calendar)),
+      now_(now),
+      rules_(rulesOf(context, task)) {}
 
 ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntry> entries) {
   const std::vector<LogCandidate> stored = candidates();

@@ -46,7 +46,7 @@ class LogUnionTest : public TaskWorld {
     for (const std::size_t place : places) {
       const Event& event = events[place];
       auto data = entry(task, event.type, qz::YYYYMMDD(2024, 1, 1).add(event.day - 1));
-      const TaskRules rules = rulesOf(task).value();
+      const TaskRules rules = rulesOf(*context_, task).value();
       data.period = rules.frequency.period(data.period.date, rules.firstDayOfWeek);
       data.progressValue = event.amount;
       data.createdTimestamp = at("2024-01-20T08:00:00Z") + std::chrono::seconds(place);

@@ -1,3 +1,6 @@
+#include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Tasks/TaskPauses.h>
+
 #include "TaskWorld.h"
 
 namespace habitra {
@@ -22,7 +25,7 @@ class Processor : public TaskWorld {
                          .periodType = TaskFrequencyPeriodType::day});
     });
     const HistoryScope scope{.created = firstDay, .today = today, .fillFrom = today};
-    return HistoryWalk(rulesOf(task).value(), scope).walk(entries).figures;
+    return HistoryWalk(rulesOf(*context_, task).value(), scope).walk(entries).figures;
   }
 };
 
@@ -65,6 +68,23 @@ TEST_F(Processor, ATaskToAvoidIsNotFilledInWhenClean) {
   EXPECT_EQ(process().filledIn, 0u);
   EXPECT_EQ(figures(task).activeStreak, 4);
   EXPECT_EQ(figures(task).lastCompleted, 20240203);
+}
+
+TEST_F(Processor, PausedDaysAreSkipsOnceTheyAreOver) {
+  TaskEntity& task = addTask();
+  setPauses(*context_, task,
+            {{.from = YYYYMMDD(2024, 2, 1), .to = YYYYMMDD(2024, 2, 2)}, {.from = YYYYMMDD(2024, 3, 1)}});
+  record(task, Type::completedManuallyFull, firstDay);
+  liveUntil("2024-02-04T08:00:00Z");
+  process();
+  EXPECT_EQ(log(task),
+            (std::vector<std::string>{"20240131 completedManuallyFull", "20240201 skippedAutomaticallyFull",
+                                      "20240202 skippedAutomaticallyFull", "20240203 missedAutomaticallyFull"}));
+  EXPECT_EQ(figures(task).lastSkipped, 20240202);
+  TaskEntity& other = addTask("Other");
+  StoreSettings(*context_).set(settings::pausesOf(*other.uniqueId), Bytes{'x'});
+  context_->save({});
+  EXPECT_TRUE(pausesOf(*context_, other).empty()) << "what cannot be read pauses nothing";
 }
 
 TEST_F(Processor, AnUndoOfAnOldDayIsFilledInAgain) {

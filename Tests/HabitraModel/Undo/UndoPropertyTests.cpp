@@ -173,7 +173,7 @@ class Life {
   }
 
   void record(TaskEntity& task, const Step& step) {
-    const TaskRules rules = rulesOf(task).value();
+    const TaskRules rules = rulesWithoutPauses(task).value();
     const TaskCalendar calendar = calendars_.of(task);
     const bool isMeasured = step.kind == Step::Kind::program;
     const qz::YYYYMMDD day = calendar.day(clock_->now()).add(isMeasured ? 0 : -step.daysBack);
