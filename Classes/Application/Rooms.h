@@ -2,6 +2,7 @@
 
 #include <HabitraApp/Application.h>
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
@@ -56,6 +57,7 @@ class Application::Rooms {
   void trimHistory(StoreContext& context) noexcept;
 
   DataManager manager;
+  SampleStore health;
   /// With the app-wide start of day as the newest of the contexts above has seen it.
   TaskCalendars calendars;
   qz::MainQueue mainQueue;

@@ -171,7 +171,7 @@ TEST_F(SampleStoreTest, WhatCannotBeReadIsSaidAndLeftAlone) {
   runSQL(file(), "PRAGMA application_id=5");
   EXPECT_EQ(complaint(), name + " is not a Habitra store; move it away, or choose another home with HABITRA_HOME");
   runSQL(file(), "PRAGMA user_version=1; PRAGMA application_id=" + std::to_string(SampleStore::applicationID));
-  for (const std::string& damage : {"unit='yard'", "amount=-1", "amount=NULL", "origin=9", "endDate=startDate-1"}) {
+  for (const std::string damage : {"unit='yard'", "amount=-1", "amount=NULL", "origin=9", "endDate=startDate-1"}) {
     runSQL(file(), "BEGIN; CREATE TABLE Kept AS SELECT * FROM Sample; UPDATE Sample SET " + damage + "; COMMIT");
     const auto read = failureOf([this] { (void)open().samples(all(T::stepCount)); });
     EXPECT_EQ(read.first, Reason::storage);
