@@ -19,6 +19,12 @@ void makeTables(Connection& connection) {
       fmt::format("PRAGMA application_id={}; PRAGMA user_version={}", format.applicationID, format.version).c_str());
 }
 
+/// Whether the file of the session has the tables, or is empty. Throws StoreError when it is something else.
+bool hasTables(SampleFile::Session& session) {
+  if (!session.hasTables) session.hasTables = format.find(session.connection) != FileFormat::Found::nothing;
+  return session.hasTables;
+}
+
 }  // namespace
 
 SampleFile::Session::Session(const std::string& address, const std::filesystem::path& file, Connection::Access access)
@@ -26,6 +32,8 @@ SampleFile::Session::Session(const std::string& address, const std::filesystem::
       table(connection),
       turn(file.parent_path(), WritersTurn::defaultPatience, lockName),
       signal(file.parent_path() / signalName),
+      beginView(connection, "BEGIN"),
+      beginUnit(connection, "BEGIN IMMEDIATE"),
       isReadOnly(access == Connection::Access::readOnly) {}
 
 SampleFile::Session::Session(const std::string& memoryAddress, std::shared_ptr<std::binary_semaphore> memoryTurn,
@@ -34,6 +42,8 @@ SampleFile::Session::Session(const std::string& memoryAddress, std::shared_ptr<s
       table(connection),
       turn(std::move(memoryTurn)),
       signal(std::move(listeners)),
+      beginView(connection, "BEGIN"),
+      beginUnit(connection, "BEGIN IMMEDIATE"),
       isReadOnly(false) {}
 
 SampleFile::Use::~Use() {
@@ -72,8 +82,8 @@ SampleFile::Use SampleFile::beginReading() {
   }
   Use use(*this, std::move(session));
   if (isInMemory()) use->turn.take();
-  use->connection.execute("BEGIN");
-  if (format.find(use->connection) == FileFormat::Found::nothing) return {*this, nullptr};
+  use->beginView.use()->step();
+  if (!hasTables(*use)) return {*this, nullptr};
   return use;
 }
 
@@ -88,12 +98,15 @@ SampleFile::Use SampleFile::beginWriting() {
   }
   Use use(*this, std::move(session));
   if (use->isReadOnly) failReadOnly(use->connection.file());
-  // Before anything is written to it: the file may be anything yet.
-  (void)format.find(use->connection);
+  // Looked at before anything is written to it: the file may be anything yet.
+  const bool isNew = !hasTables(*use);
   use->turn.take();
-  if (!isInMemory()) use->connection.execute("PRAGMA journal_mode=WAL");
-  use->connection.execute("BEGIN IMMEDIATE");
-  if (format.find(use->connection) == FileFormat::Found::nothing) makeTables(use->connection);
+  if (!isInMemory()) {
+    tighten(use->connection.file());
+    use->connection.execute("PRAGMA journal_mode=WAL");
+  }
+  use->beginUnit.use()->step();
+  if (isNew && !hasTables(*use)) makeTables(use->connection);
   return use;
 }
 
@@ -122,6 +135,13 @@ std::unique_ptr<SampleFile::Session> SampleFile::connect(const std::filesystem::
   const StoreFile found = StoreFile::at(file);
   const auto access = found.isReadOnly ? Connection::Access::readOnly : Connection::Access::readWrite;
   return std::make_unique<Session>(found.address, file, access);
+}
+
+void SampleFile::tighten(const std::filesystem::path& file) {
+  std::call_once(isTightened_, [&file] {
+    for (const char* suffix : {"", "-wal", "-shm"}) tightenFile(file.string() + suffix);
+    for (const char* name : {lockName, signalName}) tightenFile(file.parent_path() / name);
+  });
 }
 
 std::unique_ptr<SampleFile::Session> SampleFile::connectInMemory() const {

@@ -38,7 +38,10 @@ class SampleFile {
     SampleTable table;
     WritersTurn turn;  ///< in memory readers take it, too, since they would keep writers from committing
     StoreChangeSignal signal;
+    Query beginView;
+    Query beginUnit;
     bool isReadOnly;
+    bool hasTables = false;  ///< was seen to have them
   };
 
   /// A session for the length of one use.
@@ -53,6 +56,7 @@ class SampleFile {
     /// Whether there are samples to read: a file.
     explicit operator bool() const { return session_ != nullptr; }
     Session* operator->() const { return session_.get(); }
+    Session& operator*() const { return *session_; }
 
     /// Commits, and tells others that these types have changed; does nothing when none has.
     void commit(const std::set<SampleTable::Type>& changed);
@@ -81,11 +85,14 @@ class SampleFile {
   void giveBack(std::unique_ptr<Session> session) noexcept;
   [[nodiscard]] std::unique_ptr<Session> connect(const std::filesystem::path& file) const;
   [[nodiscard]] std::unique_ptr<Session> connectInMemory() const;
+  /// Takes the files that are written from everybody else; once.
+  void tighten(const std::filesystem::path& file);
 
   std::filesystem::path file_;
   std::string memoryAddress_;
   std::shared_ptr<std::binary_semaphore> memoryTurn_;
   std::shared_ptr<ChangeListeners> listeners_;
+  std::once_flag isTightened_;
   std::mutex mutex_;
   std::vector<std::unique_ptr<Session>> idle_;
   std::unique_ptr<Session> keeper_;  // keeps content in memory alive

@@ -1,9 +1,11 @@
 #include <HabitraBackup/RowIdentifiers.h>
 
-#define XXH_INLINE_ALL
 #include <fmt/format.h>
+#define XXH_INLINE_ALL
 #include <xxhash.h>
 
+#include <algorithm>
+#include <bit>
 #include <chrono>
 #include <iterator>
 #include <string>
@@ -13,8 +15,10 @@ namespace habitra {
 namespace {
 
 void append(std::string& text, const std::optional<qz::QZHKQuantity>& quantity) {
-  // The shortest form that reads back as the same number.
-  if (quantity) fmt::format_to(std::back_inserter(text), "{} {}", quantity->value, qz::rawValue(quantity->unit));
+  // The number by its bits, which no library ever spells in another way.
+  if (quantity)
+    fmt::format_to(std::back_inserter(text), "{:016X} {}", std::bit_cast<std::uint64_t>(quantity->value),
+                   qz::rawValue(quantity->unit));
   text += '\n';
 }
 
@@ -27,6 +31,7 @@ std::string content(const qz::QZHKSample& sample) {
   if (const auto sleep = sample.sleepValue()) text += qz::rawValue(*sleep);
   if (const auto workout = sample.workout()) {
     text += qz::rawValue(workout->activityType);
+    text += '\n';
     append(text, workout->energy);
     append(text, workout->distance);
   }
@@ -34,11 +39,8 @@ std::string content(const qz::QZHKSample& sample) {
 }
 
 qz::UniqueID identifierOf(const std::string& content, qz::Moment start, std::uint32_t number) {
-  const XXH128_canonical_t hash = [&] {
-    XXH128_canonical_t canonical;
-    XXH128_canonicalFromHash(&canonical, XXH3_128bits_withSeed(content.data(), content.size(), number));
-    return canonical;
-  }();
+  XXH128_canonical_t hash;
+  XXH128_canonicalFromHash(&hash, XXH3_128bits_withSeed(content.data(), content.size(), number));
   qz::UniqueID::Bytes bytes{};
   std::copy(std::begin(hash.digest), std::end(hash.digest), bytes.begin());
   const auto milliseconds =
