@@ -2,7 +2,7 @@
 
 #include <HabitraApp/TaskLookup.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>

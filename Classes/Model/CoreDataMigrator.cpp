@@ -1,16 +1,16 @@
 #include <HabitraModel/CoreDataMigrator.h>
 #include <HabitraModel/DataManager.h>
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/SchemaMigration.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/StoreCopy.h>
+#include <HabitraModel/Store/Files/StoreFile.h>
+#include <HabitraModel/Store/Files/SystemFailure.h>
+#include <HabitraModel/Store/Files/UnfinishedCopy.h>
+#include <HabitraModel/Store/Files/WritersTurn.h>
 #include <HabitraModel/Store/RowVerification.h>
-#include <HabitraModel/Store/SchemaMigration.h>
 #include <HabitraModel/Store/Store.h>
-#include <HabitraModel/Store/StoreCopy.h>
 #include <HabitraModel/Store/StoreError.h>
-#include <HabitraModel/Store/StoreFile.h>
-#include <HabitraModel/Store/SystemFailure.h>
-#include <HabitraModel/Store/UnfinishedCopy.h>
-#include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 

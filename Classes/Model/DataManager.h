@@ -6,7 +6,7 @@
 #include <HabitraModel/PersistentHistoryObserver.h>
 #include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/Author.h>
-#include <HabitraModel/Store/MaintenanceLock.h>
+#include <HabitraModel/Store/Files/MaintenanceLock.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/StoreMaintenance.h>

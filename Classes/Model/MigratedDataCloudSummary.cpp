@@ -1,5 +1,5 @@
 #include <HabitraModel/MigratedDataCloudSummary.h>
-#include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/Engine/Connection.h>
 #include <HabitraModel/Store/StoreContextParts.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HabitraModel/Store/History.h>
-#include <HabitraModel/Store/HistoryToken.h>
+#include <HabitraModel/Store/History/History.h>
+#include <HabitraModel/Store/History/HistoryToken.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <QZKit/Clock.h>
 #include <QZKit/Error.h>

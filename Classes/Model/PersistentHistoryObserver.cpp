@@ -1,6 +1,6 @@
 #include <HabitraModel/PersistentHistoryObserver.h>
-#include <HabitraModel/Store/HistoryReaders.h>
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryReaders.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <QZLog/Log.h>
 
 #include <chrono>

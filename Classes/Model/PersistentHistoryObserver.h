@@ -4,7 +4,7 @@
 #include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/Author.h>
-#include <HabitraModel/Store/StoreChangeWatcher.h>
+#include <HabitraModel/Store/Files/StoreChangeWatcher.h>
 #include <QZKit/SerialQueue.h>
 
 #include <atomic>

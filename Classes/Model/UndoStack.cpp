@@ -18,7 +18,9 @@ UndoStack::Undone inUnit(StoreContext& context, const Step& step) {
   const bool isOwnUnit = !context.isInUnit();
   context.beginUnit();
   try {
-    return step();
+    UndoStack::Undone undone = step();
+    context.noteUndo(undone.command.sequence);
+    return undone;
   } catch (...) {
     if (isOwnUnit || context.hasChanges()) context.rollback();
     throw;

@@ -28,7 +28,8 @@ namespace habitra {
 /// **What stands in the way**: a later command that touched the same row, unless that was taken back; one that added
 /// something to what the command added, or removed what it led to; one that recorded or added something in place of
 /// what would come back, or by rules that would no longer hold. What only passes and other programs wrote since is
-/// kept, attribute by attribute, and nothing comes back beside what they put in its place.
+/// kept, attribute by attribute, and nothing comes back beside what they put in its place. Where they removed the
+/// habits or other rows that a command was about, so that nothing of it could be taken back, it stays.
 ///
 /// **Derived rows** never stand in the way, and are worked out anew: temporal data, checkpoints, and the skips, misses
 /// and allowed misses that passes filled in. Those of the changed periods and of the days that follow from them are
@@ -36,7 +37,8 @@ namespace habitra {
 /// first changed day; the caller's pass in the same unit fills in again. All is then as if the command had not been
 /// given.
 ///
-/// The last 200 commands can be taken back. Belongs to the queue of the context that it is given.
+/// The last 200 commands can be taken back; undos and redos do not count among them. Belongs to the queue of the
+/// context that it is given.
 class UndoStack {
  public:
   /// A save that was made for a person.
@@ -61,7 +63,8 @@ class UndoStack {
     Command command;                 ///< what was taken back
     std::vector<TouchedTask> tasks;  ///< those that are still there, in order of creation
 
-    /// What the unit is to be saved with. `text` is the command that it is saved as.
+    /// What the unit is to be saved with, and no other: once it was rolled back, save() refuses it. `text` is the
+    /// command that it is saved as.
     [[nodiscard]] SaveRequest saveRequest(Author author, std::string text) const {
       return {.author = author, .command = std::move(text), .undoes = command.sequence};
     }
@@ -77,6 +80,7 @@ class UndoStack {
       takenBack,   ///< it has been taken back already
       inTheWay,    ///< by `obstacle()`
       valuesGone,  ///< what was there before is no longer known: the backup is gone or not of this store
+      rowsGone,    ///< all that it was about is gone, and by no command: a program removed it or united it with others
     };
     /// A later command, and the habit that both touched, if it is one.
     struct Obstacle {

@@ -1,12 +1,13 @@
 #include <HabitraModel/DataManager.h>
-#include <HabitraModel/Store/StoreCopy.h>
+#include <HabitraModel/Store/Files/StoreCopy.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <fstream>
-#include <future>
 #include <iterator>
 #include <map>
+#include <semaphore>
 #include <thread>
 
 #include "Store/StoreFixture.h"
@@ -190,19 +191,26 @@ TEST_F(DataManagerTest, AnEarlyStoreIsNotLostSightOf) {
   }
 }
 
+/// As long as nothing takes on the slowest machine.
+constexpr std::chrono::seconds longest{60};
+
 TEST_F(DataManagerTest, ObservationPausesForMaintenanceAndGoesOn) {
   const auto manager = this->manager();
   addTask(*manager, "Walk");
-  std::promise<void> arrived;
+  std::counting_semaphore<> begun{0};  // a store was looked at for the first time
+  std::counting_semaphore<> arrived{0};
   manager->observeChanges(
       Author::widget, [](const PersistentHistoryTransaction&) {},
       [&](const PersistentHistoryObserver::Changes& changes) {
-        if (changes.objects.contains(EntityNumber::task)) arrived.set_value();
+        if (changes.everythingChanged) begun.release();
+        if (changes.objects.contains(EntityNumber::task)) arrived.release();
       });
+  EXPECT_TRUE(begun.try_acquire_for(longest));
   manager->switchStorage("private");
+  EXPECT_TRUE(begun.try_acquire_for(longest));
   DataManager other(DataManager::storeLocation(home()), clock_);
   addTask(other, "Read");
-  arrived.get_future().wait();
+  EXPECT_TRUE(arrived.try_acquire_for(longest));
   manager->stopObservingChanges();
   EXPECT_EQ(titles(*manager), (std::vector<std::string>{"Walk", "Read"}));
 }

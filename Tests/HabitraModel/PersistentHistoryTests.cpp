@@ -1,5 +1,5 @@
 #include <HabitraModel/PersistentHistoryObserver.h>
-#include <HabitraModel/Store/HistoryReaders.h>
+#include <HabitraModel/Store/History/HistoryReaders.h>
 
 #include "Store/StoreFixture.h"
 

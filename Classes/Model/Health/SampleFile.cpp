@@ -1,8 +1,8 @@
 #include <HabitraModel/Health/SampleFile.h>
 #include <HabitraModel/Health/SampleStore.h>
-#include <HabitraModel/Store/HomeFolder.h>
-#include <HabitraModel/Store/StoreFile.h>
-#include <HabitraModel/Store/SystemFailure.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/StoreFile.h>
+#include <HabitraModel/Store/Files/SystemFailure.h>
 
 #include <fmt/format.h>
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <HabitraModel/Health/SampleTable.h>
-#include <HabitraModel/Store/ChangeListeners.h>
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/FileFormat.h>
-#include <HabitraModel/Store/StoreChangeSignal.h>
-#include <HabitraModel/Store/StoreChangeWatcher.h>
-#include <HabitraModel/Store/WritersTurn.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/FileFormat.h>
+#include <HabitraModel/Store/Files/ChangeListeners.h>
+#include <HabitraModel/Store/Files/StoreChangeSignal.h>
+#include <HabitraModel/Store/Files/StoreChangeWatcher.h>
+#include <HabitraModel/Store/Files/WritersTurn.h>
 
 #include <filesystem>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/Connection.h>
+#include <HabitraModel/Store/Engine/Connection.h>
 #include <QZHealthKit/QZHKQuery.h>
 #include <QZHealthKit/QZHKSample.h>
 

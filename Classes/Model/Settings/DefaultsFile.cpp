@@ -1,7 +1,7 @@
 #include <HabitraModel/Settings/DefaultsFile.h>
-#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/SystemFailure.h>
 #include <HabitraModel/Store/StoreError.h>
-#include <HabitraModel/Store/SystemFailure.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>

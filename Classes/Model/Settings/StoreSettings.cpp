@@ -1,5 +1,5 @@
 #include <HabitraModel/Settings/StoreSettings.h>
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 
 #include <algorithm>
 #include <functional>

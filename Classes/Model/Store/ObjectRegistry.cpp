@@ -1,6 +1,6 @@
-#include <HabitraModel/Store/Field.h>
+#include <HabitraModel/Store/Engine/Field.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/ObjectRegistry.h>
-#include <HabitraModel/Store/RowCoding.h>
 #include <QZKit/Trap.h>
 
 #include <algorithm>

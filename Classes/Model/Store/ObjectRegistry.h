@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/EntityTable.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
 
 #include <functional>
 #include <map>

@@ -1,6 +1,6 @@
-#include <HabitraModel/Store/EntityTable.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/OwnedObject.h>
-#include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Store/RowVerification.h>
 #include <HabitraModel/Store/StoreError.h>
 

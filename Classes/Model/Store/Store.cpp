@@ -1,14 +1,14 @@
-#include <HabitraModel/Store/ChangeListeners.h>
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/FileFormat.h>
-#include <HabitraModel/Store/HomeFolder.h>
-#include <HabitraModel/Store/MemoryCopy.h>
-#include <HabitraModel/Store/Schema.h>
-#include <HabitraModel/Store/SchemaMigration.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/FileFormat.h>
+#include <HabitraModel/Store/Engine/Schema.h>
+#include <HabitraModel/Store/Engine/SchemaMigration.h>
+#include <HabitraModel/Store/Files/ChangeListeners.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/MemoryCopy.h>
+#include <HabitraModel/Store/Files/StoreChangeSignal.h>
+#include <HabitraModel/Store/Files/StoreFile.h>
+#include <HabitraModel/Store/Files/WritersTurn.h>
 #include <HabitraModel/Store/Store.h>
-#include <HabitraModel/Store/StoreChangeSignal.h>
-#include <HabitraModel/Store/StoreFile.h>
-#include <HabitraModel/Store/WritersTurn.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/MaintenanceLock.h>
+#include <HabitraModel/Store/Files/MaintenanceLock.h>
 #include <HabitraModel/Store/ObjectID.h>
 #include <HabitraModel/Store/StoreError.h>
 #include <QZKit/Clock.h>

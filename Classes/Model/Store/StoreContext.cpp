@@ -1,7 +1,7 @@
-#include <HabitraModel/Store/Field.h>
+#include <HabitraModel/Store/Engine/Field.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreContextParts.h>
-#include <HabitraModel/Store/UndoBackups.h>
 #include <QZKit/Trap.h>
 #include <QZKit/UniqueID.h>
 
@@ -28,11 +28,21 @@ bool StoreContext::isInUnit() const { return parts_->unit.isWriting(); }
 
 bool StoreContext::hasChanges() const { return parts_->hasWritten() || parts_->registry.hasPending(); }
 
+void StoreContext::noteUndo(std::int64_t sequence) {
+  qz::require(isInUnit(), "a command is taken back outside a unit");
+  parts_->undone = sequence;
+}
+
 SaveResult StoreContext::save(const SaveRequest& request) {
+  if (request.undoes && request.undoes != parts_->undone) {
+    rollback();
+    throw StoreError(StoreError::Kind::conflict, "what was undone has not been saved, but given up; undo it again");
+  }
   if (!hasChanges() && !request.undoes) {
     parts_->beginView();
     const SaveResult nothing{.sequence = parts_->unit.sequence()};
     parts_->unit.rollback();
+    parts_->undone.reset();
     return nothing;
   }
   return parts_->writing([&] {
@@ -48,6 +58,7 @@ SaveResult StoreContext::save(const SaveRequest& request) {
     backup.keep();
     parts_->registry.commit();
     parts_->hasCheckpoints = parts_->hasRows = parts_->keepsBefore = false;
+    parts_->undone.reset();
     result.sequence = parts_->unit.sequence();
     return result;
   });

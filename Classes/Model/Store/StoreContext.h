@@ -8,7 +8,7 @@
 #include <HabitraModel/Store/Entities/TaskTemporalDataEntity.h>
 #include <HabitraModel/Store/Entities/UserProfileEntity.h>
 #include <HabitraModel/Store/EntityDescription.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/Store.h>
 
 #include <limits>
@@ -26,7 +26,8 @@ struct SaveRequest {
   Author author = Author::app;
   /// The person's command that the save carries out; then history keeps the values before, so that it can be undone.
   std::optional<std::string> command = std::nullopt;
-  /// The transaction whose command this save takes back; then there is a transaction even without any change.
+  /// The transaction whose command this save takes back, as noteUndo() was told; then there is a transaction even
+  /// without any change.
   std::optional<std::int64_t> undoes = std::nullopt;
   std::optional<std::string> backup = std::nullopt;  ///< a copy of the store made before this save, by file name
 };
@@ -99,7 +100,11 @@ class StoreContext {
   /// Whether save() has something to write: objects inserted, removed or changed, changes of the log.
   [[nodiscard]] bool hasChanges() const;
 
-  /// Writes all changes with their history in one durable transaction and gives up the turn.
+  /// Notes that the open unit takes the command of a transaction back, for save() to say so. REQUIRES: an open unit.
+  void noteUndo(std::int64_t sequence);
+
+  /// Writes all changes with their history in one durable transaction and gives up the turn. Throws StoreError of kind
+  /// `conflict` for a request with `undoes` when that was not noted in this unit: it has been rolled back since.
   SaveResult save(const SaveRequest& request);
 
   /// Gives up everything since the last save, and the turn. Inserted objects are gone, others are as stored.
@@ -270,7 +275,8 @@ class StoreContext {
   /// The transactions after `sequence`, oldest first, at most `limit` of them.
   void readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
                         std::int64_t limit = std::numeric_limits<std::int64_t>::max());
-  /// The transactions that were made for a person's command, newest first, at most `limit` of them.
+  /// The transactions that were made for a person's command, newest first: the last `limit` commands, and the undos and
+  /// redos since the first of them. REQUIRES: limit >= 1.
   void readCommands(RowSink<StoredTransaction> transaction, std::int64_t limit);
   /// The changes of one transaction, one per object, by entity and object. Throws StoreError of kind `damaged` for a
   /// row that is no change.

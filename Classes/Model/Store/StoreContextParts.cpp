@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/StoreContextParts.h>
 #include <QZKit/Trap.h>
 
@@ -44,6 +44,7 @@ void StoreContext::Parts::rollback() {
   checkpoints.forgetChanges();
   counts = {};
   hasCheckpoints = hasRows = keepsBefore = false;
+  undone.reset();
 }
 
 void StoreContext::Parts::flush() {

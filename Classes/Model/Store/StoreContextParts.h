@@ -1,17 +1,18 @@
 #pragma once
 
-#include <HabitraModel/Store/CheckpointTable.h>
-#include <HabitraModel/Store/EntityTable.h>
-#include <HabitraModel/Store/HistoryTable.h>
+#include <HabitraModel/Store/Engine/CheckpointTable.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
+#include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/ObjectRegistry.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Store/StoreUnit.h>
-#include <HabitraModel/Store/UndoBackups.h>
 
 #include <deque>
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -108,7 +109,9 @@ struct StoreContext::Parts {
   bool hasRows = false;              ///< the unit has written rows, and be it back and forth
   bool hasCheckpoints = false;       ///< the unit has written checkpoints
   bool keepsBefore = false;          ///< the unit's history holds values before
-  int readingLog = 0;                ///< reads of the log that are under way
+  /// The transaction whose command the unit takes back.
+  std::optional<std::int64_t> undone;
+  int readingLog = 0;  ///< reads of the log that are under way
 };
 
 }  // namespace habitra

@@ -1,5 +1,5 @@
+#include <HabitraModel/Store/Files/SystemFailure.h>
 #include <HabitraModel/Store/StoreUnit.h>
-#include <HabitraModel/Store/SystemFailure.h>
 #include <QZKit/Trap.h>
 
 #include <fmt/format.h>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/HistoryTable.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Files/StoreChangeSignal.h>
+#include <HabitraModel/Store/Files/WritersTurn.h>
+#include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/Store.h>
-#include <HabitraModel/Store/StoreChangeSignal.h>
-#include <HabitraModel/Store/WritersTurn.h>
 
 #include <memory>
 #include <optional>

@@ -20,6 +20,10 @@ class StoredObjects {
                                          std::string_view text) const {
     return context_.fetchObjects(entity, attribute, ObjectID::none, text, false);
   }
+  [[nodiscard]] std::vector<void*> fetchRelated(const EntityDescription& entity, std::string_view relationship,
+                                                ObjectID target) const {
+    return context_.fetchObjects(entity, relationship, target, {}, false);
+  }
   void* reinsert(const EntityDescription& entity, const void* values) const {
     return context_.reinsertObject(entity, values);
   }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Tasks/DoubleRows.h>
 #include <HabitraModel/Tasks/LogUnion.h>
 #include <HabitraModel/Tasks/TaskDeduplicator.h>

@@ -1,3 +1,4 @@
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Undo/CommandList.h>
 
 #include <fmt/format.h>
@@ -11,6 +12,8 @@ namespace habitra {
 UndoStack::Command CommandList::Entry::command() const {
   return {.sequence = transaction.sequence, .text = transaction.command.value_or(""), .moment = transaction.moment};
 }
+
+static_assert(UndoStack::reach == HistoryTrimming::undoableCommands, "history goes while undo reaches it");
 
 CommandList::CommandList(StoreContext& context) {
   context.readCommands([this](const StoredTransaction& transaction) { entries_.push_back({transaction}); },

@@ -27,7 +27,7 @@ class CommandList {
     [[nodiscard]] UndoStack::Command command() const;
   };
 
-  /// Reads the last UndoStack::reach of them.
+  /// Reads the last UndoStack::reach of them, with the undos and redos among and after them.
   explicit CommandList(StoreContext& context);
 
   /// Newest first.

@@ -1,6 +1,6 @@
 #include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/Entities/SettingEntity.h>
-#include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Undo/CommandReversal.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 #include <HabitraModel/Undo/UndoObstacles.h>
@@ -46,6 +46,8 @@ void CommandReversal::readEarlier(TouchedRow& touched, EarlierValues& values) {
     touched.earlier.emplace(*touched.entity);
     // An update keeps only what it changed; the rest is as it is now.
     if (present) touched.earlier->assign(&*present);
+    const void* const object = touched.isEntry() ? nullptr : objects_.find(*touched.entity, touched.change.object);
+    if (object != nullptr) touched.earlier->assign(object);
     values.read(touched.change, *touched.entity, touched.earlier->get());
   }
   touched.isDerived = touched.isEntry() ? (present || touched.earlier) && (!present || isDerived(*present)) &&
@@ -60,7 +62,11 @@ LaterChanges::Scope CommandReversal::scope() {
     if (touched.wasInserted() && !touched.isDerived) scope.inserted.insert(touched.row());
     if (touched.change.entity == EntityNumber::task) scope.tasks.insert(touched.change.object);
     if (touched.change.entity == EntityNumber::setting) scope.tasks.merge(tasksOfSetting(touched));
-    if (touched.isEntry()) scope.tasks.insert(touched.change.task);
+    if (touched.isEntry()) {
+      scope.tasks.insert(touched.change.task);
+      // A deduplication may have led it over to another task.
+      if (const auto present = context_.findLogEntry(touched.change.object)) scope.tasks.insert(present->task);
+    }
     if (!touched.earlier) continue;
     for (const AttributeDescription& attribute : touched.entity->attributes) {
       if (attribute.type != StoredType::reference) continue;

@@ -22,4 +22,10 @@ bool DaySpans::overlaps(std::int32_t from, std::int32_t to) const {
   return after != ends_.begin() && std::prev(after)->second >= from;
 }
 
+std::optional<std::int32_t> DaySpans::firstWithin(std::int32_t from, std::int32_t to) const {
+  if (from <= to && contains(from)) return from;
+  const auto next = ends_.lower_bound(from);
+  return next != ends_.end() && next->first <= to ? std::optional(next->first) : std::nullopt;
+}
+
 }  // namespace habitra

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 
 namespace habitra {
 
@@ -12,6 +13,8 @@ class DaySpans {
 
   [[nodiscard]] bool overlaps(std::int32_t from, std::int32_t to) const;
   [[nodiscard]] bool contains(std::int32_t day) const { return overlaps(day, day); }
+  /// The first of the days `from` to `to` that it contains.
+  [[nodiscard]] std::optional<std::int32_t> firstWithin(std::int32_t from, std::int32_t to) const;
   /// By their beginnings; no two overlap.
   [[nodiscard]] const std::map<std::int32_t, std::int32_t>& ends() const { return ends_; }
 

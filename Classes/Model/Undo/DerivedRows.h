@@ -2,7 +2,7 @@
 
 #include <HabitraModel/Store/Entities/TaskLogEntryEntity.h>
 #include <HabitraModel/Store/EntityDescription.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Undo/EarlierValues.h>
 

@@ -1,7 +1,8 @@
-#include <HabitraModel/Store/HomeFolder.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/Files/StoreFile.h>
+#include <HabitraModel/Store/Files/UndoBackups.h>
+#include <HabitraModel/Store/History/HistoryTable.h>
 #include <HabitraModel/Store/Store.h>
-#include <HabitraModel/Store/StoreFile.h>
-#include <HabitraModel/Store/UndoBackups.h>
 #include <HabitraModel/Undo/EarlierValues.h>
 #include <HabitraModel/UndoStack.h>
 
@@ -25,12 +26,29 @@ void EarlierValues::openBackup() {
     backup_ = std::make_unique<Connection>(StoreFile::immutableAddress(file), file, Connection::Access::readOnly);
     if (backup_->integer("PRAGMA user_version") != Store::schemaVersion)
       fail(fmt::format("the backup {} was made by another version", file.string()));
-    Statement meta(*backup_, "SELECT storeIdentifier, newestSequence FROM habitra_meta");
-    if (!meta.step() || meta.text(0) != context_.storeIdentifier() || meta.integer(1) != transaction_.sequence - 1)
-      fail(fmt::format("{} is not the backup made before it", file.string()));
+    if (!wasMadeBefore()) fail(fmt::format("{} is not the backup made before it", file.string()));
   } catch (const StoreError& error) {
     fail(error.what());
   }
+}
+
+bool EarlierValues::wasMadeBefore() {
+  const std::int64_t newest = transaction_.sequence - 1;
+  Statement meta(*backup_, "SELECT storeIdentifier, newestSequence FROM habitra_meta");
+  if (!meta.step() || meta.integer(1) != newest) return false;
+  // A store that took the place of another has an identifier of its own, but the history of the one it is a copy of;
+  // that one's identifier is in the name that the transaction gives.
+  const std::string identifier(meta.text(0));
+  if (identifier != context_.storeIdentifier() &&
+      !undoBackups(context_.store().file(), identifier).contains(*transaction_.backup))
+    return false;
+  std::optional<StoredTransaction> present;
+  std::optional<StoredTransaction> copied;
+  context_.readTransactions(
+      newest - 1, [&present](const StoredTransaction& transaction) { present = transaction; }, 1);
+  HistoryTable(*backup_).readTransactions(newest - 1, 1, [&copied](const auto& transaction) { copied = transaction; });
+  // It may be no longer in the history.
+  return !present || present->sequence != newest || present == copied;
 }
 
 void EarlierValues::read(const StoredChange& change, const EntityDescription& entity, void* object) {

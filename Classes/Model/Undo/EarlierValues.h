@@ -1,8 +1,8 @@
 #pragma once
 
-#include <HabitraModel/Store/Connection.h>
-#include <HabitraModel/Store/EntityTable.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/StoreContext.h>
 
 #include <map>
@@ -26,6 +26,8 @@ class EarlierValues {
 
  private:
   void openBackup();
+  /// Whether the backup was made right before the transaction, of this store or of the one that this is a copy of.
+  [[nodiscard]] bool wasMadeBefore();
   [[noreturn]] void fail(std::string_view why) const;
 
   StoreContext& context_;

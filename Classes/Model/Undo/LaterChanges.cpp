@@ -59,6 +59,8 @@ void LaterChanges::read(const StoredTransaction& transaction, const CommandList:
   if (transaction.undoes) putBack = entriesRemovedBy(context_, *transaction.undoes);
   std::vector<StoredChange> ofScope;
   context_.readChanges(transaction.sequence, [&](const StoredChange& change) {
+    if (change.kind != ChangeKind::update && change.entity != EntityNumber::taskLogEntry)
+      comingsAndGoings_.emplace(RowID(change.entity, change.object), change.kind);
     if (change.kind == ChangeKind::insertion && !putBack.contains(change.object))
       noteInsertion(change, cameToNothing ? nullptr : command);
     if (cameToNothing) return;
@@ -122,6 +124,11 @@ const CommandList::Entry* LaterChanges::inserter(const RowID& row) const {
 AttributeSet LaterChanges::attributes(const RowID& row) const {
   const auto found = attributes_.find(row);
   return found == attributes_.end() ? AttributeSet() : found->second;
+}
+
+bool LaterChanges::hasComeLater(const RowID& object) const {
+  const auto first = comingsAndGoings_.find(object);
+  return first != comingsAndGoings_.end() && first->second == ChangeKind::insertion;
 }
 
 std::int32_t LaterChanges::firstInsertedDay(ObjectID task) const {

@@ -49,6 +49,8 @@ class LaterChanges {
   [[nodiscard]] const CommandList::Entry* inserter(const RowID& row) const;
   /// The attributes of one of the rows that others have changed since, passes and programs included.
   [[nodiscard]] AttributeSet attributes(const RowID& row) const;
+  /// Whether the object was not there after the command, but came later or came back.
+  [[nodiscard]] bool hasComeLater(const RowID& object) const;
   /// Whether the entry, of one of the tasks, came later; not, when it only came back.
   [[nodiscard]] bool hasInserted(ObjectID entry) const { return insertedEntries_.contains(entry); }
   /// The first day of such entries of a task; StoreContext::lastDay when there are none.
@@ -66,6 +68,7 @@ class LaterChanges {
   std::vector<OfCommand> ofCommands_;
   std::map<RowID, const CommandList::Entry*> inserters_;
   std::map<RowID, AttributeSet> attributes_;
+  std::map<RowID, ChangeKind> comingsAndGoings_;  ///< of an object the first insertion or removal
   std::set<ObjectID> insertedEntries_;
   std::map<ObjectID, std::int32_t> firstInsertedDays_;
 };

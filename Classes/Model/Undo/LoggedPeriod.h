@@ -1,8 +1,11 @@
 #pragma once
 
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/TaskLogEntryEntity.h>
+#include <QZDateTime/YYYYMMDD.h>
 
 #include <cstdint>
+#include <optional>
 
 namespace habitra {
 
@@ -20,5 +23,12 @@ struct LoggedPeriod {
 
   friend bool operator==(const LoggedPeriod&, const LoggedPeriod&) = default;
 };
+
+/// The day of an entry as it is stored, if passes can judge it: one of the calendar, and none after the year 9999, for
+/// which nobody keeps a log, and whose following days the store may have no room for.
+[[nodiscard]] inline std::optional<qz::YYYYMMDD> judgedDay(std::int32_t stored) {
+  const auto day = existingDayFromStored(stored);
+  return day && *day <= qz::YYYYMMDD(9999, 12, 31) ? day : std::nullopt;
+}
 
 }  // namespace habitra

@@ -8,16 +8,12 @@
 #include <HabitraModel/Undo/TaskRewind.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace habitra {
 
 namespace {
-
-std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
-  const auto day = dayFromStored(stored);
-  return day && day->exists() ? day : std::nullopt;
-}
 
 bool isSamePeriod(const TaskLogEntryEntity& a, const TaskLogEntryEntity& b) {
   return LoggedPeriod::of(a) == LoggedPeriod::of(b);
@@ -86,7 +82,7 @@ void TaskRewind::rewind(TaskEntity& task, Touched& touched) {
   if (touched.hasNewRules) touched.takeIn(storedDay(calendar.day(commandMoment_)));
   for (const TaskLogEntryEntity& entry : touched.filledIn) removeEntry(entry, touched);
   const DaySpans affected = affectedDays(task, touched);
-  const std::int32_t disturbed = firstDisturbedDay(task.objectID, affected);
+  const std::int32_t disturbed = firstDisturbedDay(task, affected);
   for (const TaskLogEntryEntity& entry : touched.filledInBefore) {
     touched.takeIn(entry.entryDate);
     if (entry.entryDate < disturbed && !isReplaced(entry)) context_.reinsertLogEntry(entry);
@@ -158,7 +154,7 @@ DaySpans TaskRewind::affectedDays(const TaskEntity& task, const Touched& touched
 }
 
 void TaskRewind::addPeriod(const TaskLogEntryEntity& entry, const std::optional<TaskRules>& rules, DaySpans& affected) {
-  const auto day = existingDay(entry.entryDate);
+  const auto day = judgedDay(entry.entryDate);
   if (entry.entryPeriodFrom > 0 && entry.entryPeriodFrom <= entry.entryPeriodTo) {
     affected.add(entry.entryPeriodFrom, entry.entryPeriodTo);
   } else if (day && rules) {
@@ -168,24 +164,27 @@ void TaskRewind::addPeriod(const TaskLogEntryEntity& entry, const std::optional<
 }
 
 void TaskRewind::addFollowingDays(ObjectID task, const Touched& touched, const TaskRules& rules, DaySpans& affected) {
-  std::set<qz::YYYYMMDD> days;
-  for (const TaskLogEntryEntity& entry : touched.entries)
-    if (const auto day = existingDay(entry.entryDate)) days.insert(*day);
-  for (const qz::YYYYMMDD& day : days) {
-    const auto following = followingDays(rules, day);
-    if (!following) continue;
-    std::int32_t last = following->last ? storedDay(*following->last) : StoreContext::lastDay;
-    if (following->endAtCompletion) {
-      const auto next = firstRow(context_, task, storedDay(day) + 1, isCompletedFull);
-      if (next) last = next->entryDate;
-    }
-    affected.add(storedDay(following->first), last);
+  std::set<std::int32_t> days;
+  for (const TaskLogEntryEntity& entry : touched.entries) days.insert(entry.entryDate);
+  for (const std::int32_t day : days)
+    if (const auto following = daysFrom(task, rules, day)) affected.add(following->from, following->to);
+}
+
+std::optional<LoggedPeriod> TaskRewind::daysFrom(ObjectID task, const TaskRules& rules, std::int32_t entryDate) {
+  const auto day = judgedDay(entryDate);
+  const auto following = day ? followingDays(rules, *day) : std::nullopt;
+  if (!following) return std::nullopt;
+  LoggedPeriod days{storedDay(following->first), following->last ? storedDay(*following->last) : StoreContext::lastDay};
+  if (following->endAtCompletion) {
+    const auto next = firstRow(context_, task, days.from, isCompletedFull);
+    if (next) days.to = next->entryDate;
   }
+  return days;
 }
 
 void TaskRewind::fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task) {
   const std::optional<TaskLogEntryEntity> first = firstEntry(task.objectID, true);
-  const auto day = first && later_.hasInserted(first->objectID) ? existingDay(first->entryDate) : std::nullopt;
+  const auto day = first && later_.hasInserted(first->objectID) ? judgedDay(first->entryDate) : std::nullopt;
   if (!day || from >= *day) return;
   for (const FillIn& fillIn : fillInsBefore(context_, task, calendars_, from, *day)) {
     TaskLogEntryEntity entry;
@@ -218,13 +217,22 @@ bool TaskRewind::haveRulesChangedSince(const TaskEntity& task) {
   });
 }
 
-std::int32_t TaskRewind::firstDisturbedDay(ObjectID task, const DaySpans& affected) {
-  std::int32_t first = StoreContext::lastDay;
+std::int32_t TaskRewind::firstDisturbedDay(const TaskEntity& task, const DaySpans& affected) {
+  std::set<std::int32_t> changed;
   for (const LaterChanges::OfCommand& later : later_.ofCommands()) {
     const StoredChange& change = later.change;
-    if (change.entity == EntityNumber::taskLogEntry && change.task == task && change.day < first &&
-        affected.contains(change.day) && !later.isDerived)
-      first = change.day;
+    if (change.entity != EntityNumber::taskLogEntry || later.isDerived) continue;
+    // The log of a task that is gone may have become part of this one.
+    if (change.task == task.objectID || context_.find<TaskEntity>(change.task) == nullptr) changed.insert(change.day);
+  }
+  const std::optional<TaskRules> rules = haveRulesChangedSince(task) ? std::nullopt : rulesOf(task);
+  std::int32_t first = StoreContext::lastDay;
+  for (const std::int32_t day : changed) {
+    if (day >= first) break;
+    if (affected.contains(day)) first = day;
+    const auto following = rules ? daysFrom(task.objectID, *rules, day) : std::nullopt;
+    const auto disturbed = following ? affected.firstWithin(following->from, following->to) : std::nullopt;
+    if (disturbed) first = std::min(first, *disturbed);
   }
   return first;
 }
@@ -235,7 +243,7 @@ void TaskRewind::removeEntry(const TaskLogEntryEntity& entry, Touched& touched) 
 }
 
 void TaskRewind::Touched::takeIn(std::int32_t entryDate) {
-  const auto changed = existingDay(entryDate);
+  const auto changed = judgedDay(entryDate);
   if (changed && (!day || *changed < *day)) day = changed;
 }
 

@@ -4,6 +4,7 @@
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Undo/DaySpans.h>
 #include <HabitraModel/Undo/LaterChanges.h>
+#include <HabitraModel/Undo/LoggedPeriod.h>
 #include <HabitraModel/UndoStack.h>
 
 #include <cstdint>
@@ -61,9 +62,11 @@ class TaskRewind {
   void addFollowingDays(ObjectID task, const Touched& touched, const TaskRules& rules, DaySpans& affected);
   /// The entry with which the history begins.
   [[nodiscard]] std::optional<TaskLogEntryEntity> firstEntry(ObjectID task, bool orFilledIn);
-  /// The first of these days on which a later command changed entries of the task: from there on, what was filled in
-  /// before the command no longer holds either.
-  [[nodiscard]] std::int32_t firstDisturbedDay(ObjectID task, const DaySpans& affected);
+  /// The days that follow from the day of an entry by what the log says now.
+  [[nodiscard]] std::optional<LoggedPeriod> daysFrom(ObjectID task, const TaskRules& rules, std::int32_t entryDate);
+  /// The first of these days on which a later command changed entries of the task, or which follows from one that it
+  /// changed: from there on, what was filled in before the command no longer holds either.
+  [[nodiscard]] std::int32_t firstDisturbedDay(const TaskEntity& task, const DaySpans& affected);
   /// Whether a later command changed what the task is judged by: what was filled in before that stays as it was judged.
   [[nodiscard]] bool haveRulesChangedSince(const TaskEntity& task);
   /// Fills in the days from `from` on and before the first entry that there is now, if that came later than the

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <HabitraModel/Store/Entities/TaskLogEntryEntity.h>
-#include <HabitraModel/Store/History.h>
+#include <HabitraModel/Store/History/History.h>
 #include <HabitraModel/Store/OwnedObject.h>
 
 #include <optional>

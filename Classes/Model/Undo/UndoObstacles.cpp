@@ -1,6 +1,7 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Store/Entities/SettingEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
@@ -35,12 +36,6 @@ bool changesRecording(const StoredChange& change) {
          (change.attributes.bits() & attributesOfRecording().bits()) != 0;
 }
 
-std::optional<std::string> uniqueIdOf(const TouchedRow& touched) {
-  const auto position = touched.entity->position("uniqueId");
-  if (!position) return std::nullopt;
-  return *static_cast<std::optional<std::string>*>(touched.entity->attributes[*position].field(touched.earlier->get()));
-}
-
 }  // namespace
 
 void UndoObstacles::check() {
@@ -59,6 +54,7 @@ void UndoObstacles::check() {
     // What leads to it comes later, in the order of entities.
     if (touched.isLeftOut) comingBack_.erase(touched.row());
   }
+  refuseWhatIsGone();
 }
 
 void UndoObstacles::refuseRowsTouchedAgain() {
@@ -106,13 +102,24 @@ bool UndoObstacles::comesBack(const TouchedRow& touched) {
 }
 
 void UndoObstacles::checkDouble(TouchedRow& touched) {
-  if (!touched.wasRemoved() || touched.isDerived) return;
+  if (!touched.wasRemoved() || (touched.isEntry() && touched.isDerived)) return;
+  refuseSettingGivenAgain(touched);
   for (const ObjectID id : doublesOf(touched)) {
-    const CommandList::Entry* const command = later_.inserter({touched.entity->number, id});
-    if (command != nullptr) refuse(*command, taskOf(touched));
-    // Two rows for one pair say no more than one. What bears one identifier is told apart by deduplication.
-    if (touched.entity->number == EntityNumber::taskCategoryLink) touched.isLeftOut = true;
+    const RowID other(touched.entity->number, id);
+    const CommandList::Entry* const command = later_.inserter(other);
+    if (command != nullptr && !touched.isDerived) refuse(*command, taskOf(touched));
+    // What bears one identifier is told apart by deduplication.
+    if (touched.entity->position("uniqueId")) continue;
+    // Two rows for one pair say no more than one. Others that were double before are so again.
+    touched.isLeftOut |= touched.entity->number == EntityNumber::taskCategoryLink || later_.hasComeLater(other);
   }
+}
+
+void UndoObstacles::refuseSettingGivenAgain(const TouchedRow& touched) {
+  if (touched.entity->number != EntityNumber::setting) return;
+  const auto& key = static_cast<const SettingEntity*>(touched.earlier->get())->settingKey;
+  for (const LaterChanges::OfCommand& later : later_.ofCommands())
+    if (key && later.change.entity == EntityNumber::setting && later.name == key) refuse(later);
 }
 
 void UndoObstacles::checkReplaced(TouchedRow& touched) {
@@ -136,21 +143,34 @@ ObjectID UndoObstacles::taskOf(const TouchedRow& touched) {
 }
 
 std::vector<ObjectID> UndoObstacles::doublesOf(const TouchedRow& touched) {
+  const EntityDescription& entity = *touched.entity;
   std::vector<ObjectID> doubles;
-  if (touched.entity->number == EntityNumber::taskCategoryLink) {
+  if (entity.number == EntityNumber::taskCategoryLink) {
     const auto& earlier = *static_cast<const TaskCategoryLink*>(touched.earlier->get());
     for (const TaskCategoryLink* link : context_.fetchRelated<TaskCategoryLink>("task", earlier.task))
       if (link->category == earlier.category) doubles.push_back(link->objectID);
-  } else if (const auto uniqueId = uniqueIdOf(touched)) {
-    if (touched.isEntry()) {
+  } else if (touched.isEntry()) {
+    if (const auto& uniqueId = touched.earlierEntry().uniqueId)
       for (const TaskLogEntryEntity& entry : context_.fetchLogEntries(*uniqueId)) doubles.push_back(entry.objectID);
-    } else {
-      for (void* object : objects_.fetch(*touched.entity, "uniqueId", *uniqueId))
-        doubles.push_back(touched.entity->objectID(object));
-    }
+  } else {
+    for (const AttributeDescription& attribute : entity.attributes)
+      for (void* object : alikeBy(touched, attribute)) doubles.push_back(entity.objectID(object));
   }
   std::erase(doubles, touched.change.object);
   return doubles;
+}
+
+std::vector<void*> UndoObstacles::alikeBy(const TouchedRow& touched, const AttributeDescription& attribute) {
+  const void* const field = attribute.field(touched.earlier->get());
+  if (attribute.name == "uniqueId" || attribute.name == "settingKey") {
+    const auto& text = *static_cast<const std::optional<std::string>*>(field);
+    return text ? objects_.fetch(*touched.entity, attribute.name, *text) : std::vector<void*>();
+  }
+  // Of what leads to one row from the other side there is one.
+  if (attribute.type != StoredType::reference || attribute.relationship.inverseIsToMany) return {};
+  const ObjectID target = *static_cast<const ObjectID*>(field);
+  return target == ObjectID::none ? std::vector<void*>()
+                                  : objects_.fetchRelated(*touched.entity, attribute.name, target);
 }
 
 void UndoObstacles::checkReferences(TouchedRow& touched) {
@@ -166,16 +186,46 @@ void UndoObstacles::checkReferences(TouchedRow& touched) {
     if (target == ObjectID::none || willBeThere(entity, target)) continue;
     for (const LaterChanges::OfCommand& later : later_.ofCommands())
       if (later.change.kind == ChangeKind::removal && later.row() == RowID(entity.number, target)) refuse(later);
-    // No person removed it, so no person's doing is lost with what led to it.
-    if (attribute.relationship.whenTargetIsRemoved == DeleteRule::cascade) touched.isLeftOut = true;
+    // No person removed it. What it had goes with it, also what would have to come back.
+    if (attribute.relationship.whenTargetIsRemoved == DeleteRule::cascade) {
+      touched.isLeftOut = true;
+      orphans_.insert(touched.row());
+    }
     target = ObjectID::none;
   }
 }
 
+void UndoObstacles::refuseWhatIsGone() {
+  bool hasOwn = false;
+  for (const TouchedRow& touched : touched_) {
+    if (touched.isDerived) continue;
+    if (!isGone(touched)) return;
+    hasOwn = true;
+  }
+  if (!hasOwn) return;
+  throw UndoStack::Error(
+      UndoStack::Error::Reason::rowsGone,
+      fmt::format("{}: what it was about is gone; a program has removed it or united it with another",
+                  commands_.refusal(target_)));
+}
+
+bool UndoObstacles::isGone(const TouchedRow& touched) {
+  if (orphans_.contains(touched.row())) return true;
+  if (touched.wasRemoved()) return false;
+  if (!touched.wasInserted()) return !isThere(*touched.entity, touched.change.object);
+  // What was added and is not there any more is as it should be, as long as it has not become part of something else.
+  const ObjectID task = touched.entity->number == EntityNumber::task ? touched.change.object : touched.change.task;
+  return task != ObjectID::none && !isThere(*touched.entity, touched.change.object) &&
+         !isThere(TaskEntity::description(), task);
+}
+
 bool UndoObstacles::willBeThere(const EntityDescription& entity, ObjectID id) {
+  return isThere(entity, id) || comingBack_.contains({entity.number, id});
+}
+
+bool UndoObstacles::isThere(const EntityDescription& entity, ObjectID id) {
   const bool isEntry = entity.number == EntityNumber::taskLogEntry;
-  if (isEntry ? context_.findLogEntry(id).has_value() : objects_.find(entity, id) != nullptr) return true;
-  return comingBack_.contains({entity.number, id});
+  return isEntry ? context_.findLogEntry(id).has_value() : objects_.find(entity, id) != nullptr;
 }
 
 void UndoObstacles::refuseWhatWasRecordedByOtherRules() {
@@ -213,7 +263,7 @@ void UndoObstacles::refuseFailuresThatFollow() {
     const auto rules = task != nullptr && task->isNegative ? rulesOf(*task) : std::nullopt;
     if (!rules) continue;
     for (const TaskLogEntryEntity& entry : entries) {
-      const auto day = existingDayFromStored(entry.entryDate);
+      const auto day = judgedDay(entry.entryDate);
       const auto following = day && isFailure(entry) ? followingDays(*rules, *day) : std::nullopt;
       if (!following) continue;
       const LoggedPeriod days{storedDay(following->first),

@@ -28,8 +28,8 @@ class UndoObstacles {
         later_(later),
         touched_(touched) {}
 
-  /// Throws UndoStack::Error of reason `inTheWay`. Marks the rows that are not to come back, since what they led to is
-  /// gone for good, or since somebody else has put them there again.
+  /// Throws UndoStack::Error of reason `inTheWay` or `rowsGone`. Marks the rows that are not to come back, since what
+  /// they led to is gone for good, or since somebody else has put them there again.
   void check();
 
  private:
@@ -39,6 +39,8 @@ class UndoObstacles {
   void refuseWhatWasRecordedInstead();
   /// A row that would come back beside one that was added anew in its place.
   void checkDouble(TouchedRow& touched);
+  /// A setting is what its key is, in whatever row.
+  void refuseSettingGivenAgain(const TouchedRow& touched);
   /// An entry in whose place a program has recorded another since.
   void checkReplaced(TouchedRow& touched);
   /// What would come back may lead to a row that is gone.
@@ -49,10 +51,18 @@ class UndoObstacles {
   /// To avoid, an earlier failure takes the allowance of a later one.
   void refuseFailuresThatFollow();
 
+  /// Nobody is told that something is undone of which nothing is left.
+  void refuseWhatIsGone();
+
+  /// Whether a program has removed what the row belonged to, or the row that was changed.
+  [[nodiscard]] bool isGone(const TouchedRow& touched);
+  [[nodiscard]] bool isThere(const EntityDescription& entity, ObjectID id);
   /// Of an entry: whether it comes back to a period where it no longer is.
   [[nodiscard]] bool comesBack(const TouchedRow& touched);
   /// The rows of which `touched` would be a double.
   [[nodiscard]] std::vector<ObjectID> doublesOf(const TouchedRow& touched);
+  /// The objects that have this of `touched`, an identifier or something that has one such row.
+  [[nodiscard]] std::vector<void*> alikeBy(const TouchedRow& touched, const AttributeDescription& attribute);
   /// REQUIRES: a row that was there before.
   [[nodiscard]] static ObjectID taskOf(const TouchedRow& touched);
   [[nodiscard]] bool willBeThere(const EntityDescription& entity, ObjectID id);
@@ -73,6 +83,7 @@ class UndoObstacles {
   const LaterChanges& later_;
   std::vector<TouchedRow>& touched_;
   std::set<RowID> comingBack_;
+  std::set<RowID> orphans_;  ///< rows that do not come back, since what they belong to is gone
 };
 
 }  // namespace habitra

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/Field.h>
+#include <HabitraModel/Store/Engine/Field.h>
 #include <HabitraModel/Store/ObjectID.h>
 
 #include <rapidcheck.h>

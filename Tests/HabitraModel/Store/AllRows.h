@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
@@ -11,7 +12,6 @@
 #include <HabitraModel/Store/Entities/TaskShareOwnerEntity.h>
 #include <HabitraModel/Store/Entities/TaskTimerEntity.h>
 #include <HabitraModel/Store/OwnedObject.h>
-#include <HabitraModel/Store/RowCoding.h>
 #include <HabitraModel/Store/StoreContext.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/RowCoding.h>
+#include <HabitraModel/Store/Engine/RowCoding.h>
 #include <HabitraModel/Store/StoreVerification.h>
 
 #include "SampleRows.h"

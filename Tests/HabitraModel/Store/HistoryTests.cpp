@@ -28,6 +28,7 @@ TEST_F(HistoryTest, ATransactionSaysWhoWhenAndWhatFor) {
   const std::int64_t first = context.save(command("add Walk")).sequence;
   clock_->set(testMoment - std::chrono::hours(1));
   context.insert(titled("Run"));
+  context.noteUndo(first);
   const std::int64_t second =
       context.save({.author = Author::deviceActivity, .undoes = first, .backup = "before.sqlite"}).sequence;
 

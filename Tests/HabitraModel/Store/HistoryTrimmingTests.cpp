@@ -1,5 +1,5 @@
 #include <HabitraModel/PersistentHistoryFetcher.h>
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 
 #include "StoreFixture.h"
 

@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/MaintenanceLock.h>
+#include <HabitraModel/Store/Files/MaintenanceLock.h>
 #include <Support/ChildProcess.h>
 
 #include <fmt/format.h>

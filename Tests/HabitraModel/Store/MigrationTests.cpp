@@ -1,7 +1,7 @@
 #include <HabitraModel/MigratedDataCloudSummary.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Store/Entities/TaskShareOwnerEntity.h>
-#include <HabitraModel/Store/StoreCopy.h>
+#include <HabitraModel/Store/Files/StoreCopy.h>
 #include <Support/OrdinaryRights.h>
 
 #include <sys/resource.h>

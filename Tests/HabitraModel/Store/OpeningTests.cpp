@@ -1,5 +1,5 @@
-#include <HabitraModel/Store/StoreCopy.h>
-#include <HabitraModel/Store/WritersTurn.h>
+#include <HabitraModel/Store/Files/StoreCopy.h>
+#include <HabitraModel/Store/Files/WritersTurn.h>
 #include <Support/ChildProcess.h>
 #include <Support/FolderContent.h>
 #include <Support/OrdinaryRights.h>

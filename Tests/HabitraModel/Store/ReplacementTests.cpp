@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/StoreCopy.h>
+#include <HabitraModel/Store/Files/StoreCopy.h>
 #include <Support/OrdinaryRights.h>
 
 #include <thread>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <HabitraModel/Store/Engine/Field.h>
 #include <HabitraModel/Store/EntityDescription.h>
-#include <HabitraModel/Store/Field.h>
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 #include "SchemaPage.h"
 
+#include <HabitraModel/Store/Engine/Schema.h>
 #include <HabitraModel/Store/EntityDescription.h>
-#include <HabitraModel/Store/Schema.h>
 
 #include <fmt/format.h>
 

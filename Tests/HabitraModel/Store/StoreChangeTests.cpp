@@ -1,4 +1,4 @@
-#include <HabitraModel/Store/StoreChangeWatcher.h>
+#include <HabitraModel/Store/Files/StoreChangeWatcher.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -2,9 +2,13 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
+#include <HabitraModel/Store/Entities/TaskNoteEntity.h>
+#include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
+#include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskNotifications.h>
 #include <HabitraModel/Tasks/TaskProcessor.h>
 #include <QZKit/MainQueue.h>
 
@@ -30,6 +34,22 @@ class UndoObstaclesTest : public UndoStackTest {
   std::int64_t obstacleOf(std::int64_t command) {
     const auto refused = refusal(command);
     return refused && refused->obstacle() ? refused->obstacle()->command.sequence : 0;
+  }
+  bool isGone(std::int64_t command) {
+    const auto refused = refusal(command);
+    return refused && refused->reason() == UndoStack::Error::Reason::rowsGone;
+  }
+  /// Each the same habit as the others.
+  TaskEntity& addTwin() {
+    TaskEntity values = titled("Walk");
+    values.status = "active";
+    values.uniqueId = "11111111-1111-4111-8111-111111111111";
+    values.created = testMoment;
+    return context_->insert(values);
+  }
+  void deduplicate() {
+    ASSERT_EQ(TaskDeduplicator().deduplicate(*context_).unitedTasks, 1U);
+    save(std::nullopt);
   }
 };
 
@@ -58,6 +78,61 @@ TEST_F(UndoObstaclesTest, NothingComesBackBesideWhatWasPutInItsPlace) {
   ASSERT_TRUE(refused);
   EXPECT_EQ(refused->obstacle()->command.sequence, import);
   EXPECT_EQ(refused->obstacle()->habit, "Walk");
+}
+
+TEST_F(UndoObstaclesTest, ASettingIsWhatItsKeyIsInWhateverRow) {
+  StoreSettings settings(*context_);
+  const auto set = [&](std::int64_t value, std::optional<std::string> command) {
+    settings.set<std::int64_t>("limit", value);
+    return save(std::move(command));
+  };
+  const auto remove = [&](std::optional<std::string> command) {
+    settings.remove("limit");
+    return save(std::move(command));
+  };
+  set(1, "set 1");
+  const std::int64_t removal = remove("remove");
+  const std::int64_t again = set(3, "set 3");
+  EXPECT_EQ(obstacleOf(removal), again);
+  const std::int64_t last = remove("remove again");
+  EXPECT_EQ(obstacleOf(removal), last) << "it would be there in spite of that";
+  undo(last);
+  undo(again);
+  set(4, std::nullopt);
+  undo(removal);
+  EXPECT_EQ(settings.get<std::int64_t>("limit"), 4) << "a program had set it already";
+  EXPECT_EQ(context_->fetchAll<SettingEntity>().size(), 1U);
+
+  // Rows that were double before are so again.
+  const SettingEntity values = *context_->fetchAll<SettingEntity>().at(0);
+  context_->insert(values);
+  save(std::nullopt);
+  const auto before = rows();
+  set(5, "set 5");
+  ASSERT_EQ(context_->fetchAll<SettingEntity>().size(), 1U);
+  undo();
+  EXPECT_EQ(rows(), before);
+}
+
+TEST_F(UndoObstaclesTest, AHabitHasItsNotificationSettingsOnce) {
+  TaskEntity& walk = add("Walk");
+  const auto set = [&](std::optional<std::string> command) {
+    setNotificationSettings(*context_, walk, {.completedNotification = true});
+    return save(std::move(command));
+  };
+  const std::int64_t first = set("notify");
+  undo(first);
+  set(std::nullopt);
+  redo();
+  EXPECT_EQ(context_->fetchAll<TaskNotificationSettingsEntity>().size(), 1U);
+
+  context_->remove(*context_->fetchAll<TaskNotificationSettingsEntity>().at(0));
+  const std::int64_t off = save("off");
+  const std::int64_t on = set("on");
+  EXPECT_EQ(obstacleOf(off), on);
+  undo(on);
+  undo(off);
+  EXPECT_EQ(context_->fetchAll<TaskNotificationSettingsEntity>().size(), 1U);
 }
 
 TEST_F(UndoObstaclesTest, CategoriesComeBackInTheirOrder) {
@@ -123,8 +198,9 @@ TEST_F(UndoObstaclesTest, ASettingThatIsPutBackLetsItsHabitsBeJudgedAgain) {
   TaskEntity& run = add("Run");
   run.startOfDayValue = 3600;
   save(std::nullopt);
-  const auto changed = [this](std::string_view key) {
-    StoreSettings(*context_).set<std::int64_t>(key, 14400);
+  std::int64_t value = 3600;
+  const auto changed = [&](std::string_view key) {
+    StoreSettings(*context_).set(key, ++value);
     save("set");
     const auto undone = stack_.undo(*context_);
     finish(undone);
@@ -132,8 +208,43 @@ TEST_F(UndoObstaclesTest, ASettingThatIsPutBackLetsItsHabitsBeJudgedAgain) {
   };
   const auto day = std::optional(qz::YYYYMMDD(2024, 1, 15));
   EXPECT_EQ(changed(settings::startOfDay.key), (std::vector<UndoStack::TouchedTask>{{walk.objectID, day}}));
+  StoreSettings(*context_).set<std::int64_t>(settings::startOfDay.key, 1800);
+  save("set for the first time");
+  EXPECT_EQ(changed(settings::startOfDay.key), (std::vector<UndoStack::TouchedTask>{{walk.objectID, day}}));
   EXPECT_EQ(changed(settings::pausesOf(*run.uniqueId)), (std::vector<UndoStack::TouchedTask>{{run.objectID, day}}));
   EXPECT_TRUE(changed("another").empty());
+}
+
+TEST_F(UndoObstaclesTest, WhatADeduplicationHasUnitedIsNotSaidToBeUndone) {
+  TaskEntity& older = addTwin();
+  save(std::nullopt);
+  addTwin();
+  std::vector commands{save("add a copy")};
+  deduplicate();
+
+  TaskEntity& newer = addTwin();
+  const auto entries = {context_->insertLogEntry(entryOn(newer.objectID, 20240110)),
+                        context_->insertLogEntry(entryOn(newer.objectID, 20240111))};
+  TaskNoteEntity content;
+  content.task = newer.objectID;
+  TaskNoteEntity& note = context_->insert(content);
+  save(std::nullopt);
+  for (const ObjectID entry : entries) {
+    context_->removeLogEntry(context_->findLogEntry(entry)->key());
+    commands.push_back(save("take the entry back"));
+  }
+  newer.status = "archived";
+  newer.statusDate = clock_->now();
+  commands.push_back(save("archive"));
+  context_->remove(note);
+  older.colorInfo = "red";
+  const std::int64_t both = save("remove the note, and red");
+  deduplicate();
+  const auto before = rows();
+  for (const std::int64_t command : commands) EXPECT_TRUE(isGone(command)) << command;
+  EXPECT_EQ(rows(), before);
+  undo(both);
+  EXPECT_NE(older.colorInfo, "red") << "what can be taken back is";
 }
 
 TEST_F(UndoObstaclesTest, AnImportOfManyRowsGoesAndComesBack) {

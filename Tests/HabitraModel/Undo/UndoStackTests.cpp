@@ -1,7 +1,8 @@
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/CoreDataMigrator.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskNoteEntity.h>
-#include <HabitraModel/Store/HistoryTrimming.h>
+#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Store/StoreVerification.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
 
@@ -187,7 +188,14 @@ TEST_F(UndoStackTest, OnlyTheLastTwoHundredCommandsAreReached) {
   }
   EXPECT_EQ(standing().size(), 200U);
   EXPECT_EQ(refusal(1)->reason(), Reason::notReached);
-  undo();
+  for (int i = 199; i >= 0; --i) {
+    undo();
+    ASSERT_EQ(task.bestStreak, i) << "undos do not count";
+  }
+  EXPECT_EQ(HistoryTrimming::trim(*context_, {}, clock_->now() + std::chrono::days(30)).transactions, 1);
+  EXPECT_EQ(refusal()->reason(), Reason::nothingToUndo);
+  EXPECT_EQ(stack_.newestUndone(*context_)->sequence, 2);
+  for (int i = 1; i <= 199; ++i) redo();
   EXPECT_EQ(task.bestStreak, 199);
   runSQL(file(), "UPDATE habitra_change SET before=NULL");
   context_->refresh();
@@ -205,6 +213,28 @@ TEST_F(UndoStackTest, OnlyTheLastTwoHundredCommandsAreReached) {
   } catch (const UndoStack::Error& error) {
     EXPECT_STREQ(error.what(), "'another' cannot be redone: what was there before is no longer known");
   }
+}
+
+TEST_F(UndoStackTest, WhatWasRolledBackIsNotSavedAsUndone) {
+  const ObjectID walk = add("Walk").objectID;
+  const std::int64_t done = record(walk, 20240115, "done");
+  const auto undone = stack_.undo(*context_);
+  context_->rollback();
+  EXPECT_THROW(finish(undone), StoreError);
+  context_->beginUnit();
+  context_->find<TaskEntity>(walk)->title = "Run";
+  EXPECT_EQ(errorKind([&] { finish(undone); }), StoreError::Kind::conflict) << "some other unit";
+  EXPECT_FALSE(context_->isInUnit());
+  EXPECT_EQ(stack_.newest(*context_)->sequence, done);
+  EXPECT_EQ(context_->find<TaskEntity>(walk)->title, "Walk");
+
+  // Nothing is left to take back, which is saved all the same, but once.
+  context_->removeLogEntry(context_->fetchLogEntries(walk).at(0).key());
+  save(std::nullopt);
+  const auto again = stack_.undo(*context_);
+  finish(again);
+  EXPECT_EQ(stack_.newest(*context_)->text, "add 'Walk'");
+  EXPECT_THROW(finish(again), StoreError);
 }
 
 class BigCommandTest : public UndoStackTest {
@@ -264,6 +294,33 @@ TEST_F(BigCommandTest, ABigCommandIsUndoneFromItsBackup) {
   EXPECT_NE(rows(), before_);
   undo();
   EXPECT_EQ(rows(), before_);
+}
+
+TEST_F(BigCommandTest, ACopyOfTheStoreUndoesABigCommandFromTheSameBackup) {
+  const std::int64_t tidy = changeMany();
+  const auto backup = this->backup(tidy);
+  const auto other = file().parent_path() / "Habitra-CloudKit.sqlite";
+  const std::string identifier = context_->storeIdentifier();
+  context_.reset();
+  CoreDataMigrator(clock_).replaceStore(other, file());
+  context_ = std::make_unique<StoreContext>(Store::open(other, clock_));
+  ASSERT_NE(context_->storeIdentifier(), identifier);
+  const auto refuses = [&](const std::string& make, const std::string& unmake) {
+    runSQL(backup, make);
+    const auto refused = refusal(tidy);
+    runSQL(backup, unmake);
+    return refused && refused->reason() == Reason::valuesGone;
+  };
+  EXPECT_TRUE(refuses("UPDATE habitra_meta SET storeIdentifier='00000000-'||storeIdentifier||'-00000000'",
+                      "UPDATE habitra_meta SET storeIdentifier='" + identifier + "'"))
+      << "of some other store";
+  EXPECT_TRUE(refuses("UPDATE habitra_transaction SET moment=moment+1 WHERE sequence=2",
+                      "UPDATE habitra_transaction SET moment=moment-1 WHERE sequence=2"))
+      << "of a life of the store that was given up";
+  HistoryTrimming::trim(*context_, {}, clock_->now() + std::chrono::days(30));
+  undo();
+  EXPECT_EQ(context_->fetchLogEntries(task_).size(), 1200U);
+  EXPECT_EQ(context_->fetchLogEntries(task_).at(0).progress, 0);
 }
 
 TEST_F(BigCommandTest, ABackupThatCannotBeMadeFailsTheCommandAndOneOfAFailedCommandGoes) {

@@ -62,6 +62,56 @@ TEST_F(UndoneDaysTest, WhatWasTakenOutComesBackInPlaceOfWhatWasFilledInSince) {
   EXPECT_EQ(numbers(task.objectID, 20240101, 20240131), before);
 }
 
+TEST_F(UndoneDaysTest, WhatALaterCommandOnAnEarlierDayRefutesDoesNotComeBack) {
+  const ObjectID run = addWithInterval(2).objectID;
+  fillIn(run, 20240114, 20240114);
+  save(std::nullopt);
+  remove(run, 20240114, 20240114);
+  insert(run, 20240114, Type::skippedManuallyFull);
+  const std::int64_t skip = save("skip");
+  const ObjectID done = insert(run, 20240113, Type::completedManuallyFull);
+  save("done");
+  undo(skip);
+  EXPECT_EQ(numbers(run, 20240101, 20240131), std::vector{done}) << "the day after it is no miss any more";
+}
+
+TEST_F(UndoneDaysTest, DaysOfTheTaskThatADeduplicationLedAnEntryOverToAreJudgedAnew) {
+  const ObjectID older = addWithInterval(3).objectID;
+  const ObjectID newer = addWithInterval(3).objectID;
+  save(std::nullopt);
+  const std::int64_t done = record(newer, 20240111, "done");
+  ASSERT_EQ(TaskDeduplicator().deduplicate(*context_).unitedTasks, 1);
+  save(std::nullopt);
+  fillIn(older, 20240112, 20240114);
+  save(std::nullopt);
+  const auto undone = stack_.undo(*context_, done);
+  EXPECT_EQ(undone.tasks, (std::vector<UndoStack::TouchedTask>{{older, qz::YYYYMMDD(2024, 1, 11)}}));
+  finish(undone);
+  EXPECT_TRUE(context_->fetchLogEntries(older).empty());
+}
+
+TEST_F(UndoneDaysTest, AnEntryOfADayThatNobodyLivesToSeeGoesAndComesBack) {
+  using DayMode = TaskFrequency::DayMode;
+  for (const DayMode mode : {DayMode::numberOfDaysInWeek, DayMode::dayInterval, DayMode::aggregateOverWeek}) {
+    TaskEntity& task = addWithInterval(2);
+    setFrequency(task, {.dayMode = mode, .numCompletions = 3, .dayInterval = 3});
+    task.isNegative = mode == DayMode::numberOfDaysInWeek;
+    save(std::nullopt);
+    for (const std::int32_t day : {2147481225, 2147481231}) {
+      TaskLogEntryEntity entry = entryOn(task.objectID, day);
+      entry.entryPeriodFrom = entry.entryPeriodTo = 0;
+      entry.entryType = rawValue(task.isNegative ? Type::missedManuallyFull : Type::completedManuallyFull);
+      context_->insertLogEntry(entry);
+      const std::int64_t far = save("far");
+      record(task.objectID, 20240110, "near");
+      undo(far);
+      EXPECT_EQ(context_->fetchLogEntries(task.objectID, day).size(), 0U);
+      redo();
+      EXPECT_EQ(context_->fetchLogEntries(task.objectID, day).size(), 1U);
+    }
+  }
+}
+
 TEST_F(UndoneDaysTest, ThePastOfAnArchivedHabitIsNotTornOpen) {
   TaskEntity& task = addWithInterval(2);
   fillIn(task.objectID, 20240105, 20240109);
