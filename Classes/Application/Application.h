@@ -64,6 +64,12 @@ struct ImportOutcome {
   std::optional<ProcessReport> processed;  ///< none when the pass failed: what was brought in is stored all the same
 };
 
+/// What an import of health samples came to.
+struct HealthImportOutcome {
+  std::size_t added = 0;
+  std::size_t left = 0;  ///< were there already
+};
+
 struct ExportOutcome {
   std::size_t tasks = 0;
   std::size_t rows = 0;
@@ -118,6 +124,11 @@ class Application {
   /// what errors call the stream. All or nothing.
   ImportOutcome importHistory(std::istream& stream, std::string_view name);
   ImportOutcome importHistory(const std::filesystem::path& file);
+
+  /// Reads health samples in six columns from `stream` into the store of samples; the same ones twice change nothing.
+  /// `name` is what errors call the stream. All or nothing.
+  HealthImportOutcome importHealthSamples(std::istream& stream, std::string_view name);
+  HealthImportOutcome importHealthSamples(const std::filesystem::path& file);
 
   /// Writes the history of every habit as nine columns. A file is replaced in one step, or left as it was.
   ExportOutcome exportHistory(std::ostream& stream);

@@ -1,6 +1,7 @@
 #include <HabitraApp/Rooms.h>
 
 #include <HabitraBackup/HabitraBackup.h>
+#include <HabitraBackup/HealthSampleCSV.h>
 #include <HabitraBackup/TaskDataExporter.h>
 #include <HabitraBackup/TaskDataImporter.h>
 #include <QZKit/Error.h>
@@ -34,6 +35,16 @@ ImportOutcome Application::importHistory(std::istream& stream, std::string_view 
 
 ImportOutcome Application::importHistory(const std::filesystem::path& file) {
   return importDocument(HabitraBackup::loadCsv(file, rooms_->now()), file.filename().string());
+}
+
+HealthImportOutcome Application::importHealthSamples(std::istream& stream, std::string_view name) {
+  const SampleStore::Saved saved = habitra::importHealthSamples(stream, name, rooms_->health);
+  return {.added = saved.added, .left = saved.left};
+}
+
+HealthImportOutcome Application::importHealthSamples(const std::filesystem::path& file) {
+  const SampleStore::Saved saved = habitra::importHealthSamples(file, rooms_->health);
+  return {.added = saved.added, .left = saved.left};
 }
 
 ExportOutcome Application::exportHistory(std::ostream& stream) {

@@ -23,6 +23,7 @@ qz::UniqueID identifierOf(const TaskEntity& task) {
 
 Application::Rooms::Rooms(const ApplicationSettings& settings)
     : manager(DataManager::storeLocation(settings.home), settings.clock),
+      health(settings.home),
       calendars(settings.timeZone, qz::HHMMSS::midnight),
       widgets(settings.home),
       recorder(calendars, mainQueue, {watch, sharedTasks, widgets}),

@@ -3,6 +3,7 @@
 #include <HabitraApp/Application.h>
 #include <HabitraApp/WidgetSnapshot.h>
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
@@ -58,6 +59,7 @@ class Application::Rooms {
   void trimHistory(StoreContext& context) noexcept;
 
   DataManager manager;
+  SampleStore health;
   /// With the app-wide start of day as the newest of the contexts above has seen it.
   TaskCalendars calendars;
   qz::MainQueue mainQueue;

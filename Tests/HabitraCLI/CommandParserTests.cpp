@@ -25,6 +25,18 @@ std::string refusal(const Words& words) {
   return "understood";
 }
 
+TEST(CommandParserTests, aVerbOfTwoWordsIsOneVerb) {
+  const ParsedLine line = parse({"health", "--json", "import", "list", "--home", "/h"});
+  ASSERT_EQ(line.command, &habitra::healthImportCommand);
+  EXPECT_EQ(line.arguments.words, Words{"list"});
+  EXPECT_TRUE(line.global.json);
+  EXPECT_EQ(line.global.home, "/h");
+  EXPECT_EQ(refusal({"health"}), "unknown command 'health', did you mean 'health import'?");
+  EXPECT_EQ(refusal({"health", "list"}), "unknown command 'health list', did you mean 'health import'?");
+  EXPECT_EQ(refusal({"health", "import"}), "'health import' needs a FILE");
+  EXPECT_EQ(parse({"done", "health", "import"}).arguments.words, (Words{"health", "import"}));
+}
+
 TEST(CommandParserTests, takesGlobalOptionsBeforeAndAfterTheVerb) {
   for (const Words& words :
        {Words{"--home", "/h", "--json", "--now=2024-01-31", "undo", "Read", "--date", "-2"},

@@ -44,6 +44,23 @@ TEST_F(VerbTests, emptyStoreSaysHowToBeginAndStaysEmpty) {
   EXPECT_FALSE(std::filesystem::exists(home_));
 }
 
+TEST_F(VerbTests, healthImport) {
+  const auto file = write("steps.csv",
+                          "type,start,end,value,unit,source\n"
+                          "stepCount,2024-01-31T08:00:00Z,2024-01-31T08:10:00Z,900,count,Watch\n"
+                          "workout,2024-01-31T08:00:00Z,2024-01-31T08:10:00Z,walking 0.7 km,,Watch\n");
+  EXPECT_EQ(run({"health", "import", file}), says("2 samples: 2 added\n"));
+  EXPECT_EQ(runJSON({"health", "import", file}), (json{{"added", 0}, {"left", 2}}));
+  const auto before = homeContents();
+  input_ = "type,start,end,value,unit,source\nflossingEvent,2024-01-31T08:00:00Z,,,,Me\nflossingEvent,today,,,,Me\n";
+  EXPECT_EQ(run({"health", "import", "-"}),
+            (Outcome{1, "",
+                     "habitra: standard input: line 3, start: \"today\" is not a moment such as "
+                     "2024-01-31T08:15:00+01:00\n"}));
+  EXPECT_EQ(homeContents(), before);
+  EXPECT_FALSE(std::filesystem::exists(home_ / "Habitra-Local.sqlite"));
+}
+
 TEST_F(VerbTests, addAndDone) {
   EXPECT_EQ(run({"add", "Read", "ten", "pages"}), says("[ ] Read ten pages: added\n"));
   EXPECT_EQ(run({"add", "Run"}), says("[ ] Run: added\n"));

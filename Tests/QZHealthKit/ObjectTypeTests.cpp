@@ -6,7 +6,10 @@
 #include <QZHealthKit/QZHKWorkoutActivityType.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <set>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -59,16 +62,31 @@ TEST(ObjectTypeTests, UnitsMeasureWhatTheTypeSays) {
   EXPECT_FALSE(isMeasured(T::standHour, U::hour));
   EXPECT_EQ(aggregation(T::stepCount), QZHKAggregation::cumulative);
   EXPECT_EQ(aggregation(T::heartRate), QZHKAggregation::discrete);
-  // What is entered is what is eaten, drunk, injected and inhaled, nothing else.
+  // What is entered is what is eaten, drunk, injected, inhaled and used, nothing else.
   EXPECT_EQ(std::ranges::count_if(allTypes(),
                                   [](QZHKObjectType type) {
                                     return aggregation(type) == QZHKAggregation::cumulative &&
                                            origin(type) == QZHKOrigin::entered;
                                   }),
-            41);
+            44);
   // Of a goal the latest stands, and several do not add up.
   EXPECT_TRUE(isMeasured(T::standGoal, U::count));
   EXPECT_EQ(aggregation(T::activeEnergyGoal), QZHKAggregation::discrete);
+}
+
+template <typename E>
+void expectNamedIn(const std::string& page) {
+  for (const auto& row : RawValueTable<E>::rows)
+    EXPECT_NE(page.find("`" + std::string(row.raw) + "`"), std::string::npos) << row.raw;
+}
+
+TEST(ObjectTypeTests, ThePageNamesAllThatAFileMaySay) {
+  std::ifstream stream(HEALTH_PAGE);
+  const std::string page{std::istreambuf_iterator<char>(stream), {}};
+  expectNamedIn<QZHKObjectType>(page);
+  expectNamedIn<QZHKUnit>(page);
+  expectNamedIn<QZHKSleepValue>(page);
+  expectNamedIn<QZHKWorkoutActivityType>(page);
 }
 
 TEST(ObjectTypeTests, OptionsIterateInOrder) {

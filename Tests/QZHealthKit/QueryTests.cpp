@@ -54,6 +54,11 @@ TEST(QueryTests, PredicatesLetThroughWhatTheyName) {
   EXPECT_FALSE(onFoot.matches(sample(T::workout, 0, 30, QZHKWorkout{rowing})));
   EXPECT_FALSE(onFoot.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::core)));
 
+  QZHKPredicate ofPhone;
+  ofPhone.sources = {"Phone", "Tablet"};
+  EXPECT_FALSE(ofPhone.matches(walk));
+  EXPECT_TRUE(ofPhone.matches(sample(T::workout, 0, 30, QZHKWorkout{walking}, "Tablet")));
+
   QZHKPredicate asleep;
   asleep.sleepValues = {QZHKSleepValue::deep, QZHKSleepValue::core};
   EXPECT_TRUE(asleep.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::core)));

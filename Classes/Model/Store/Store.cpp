@@ -1,6 +1,8 @@
 #include <HabitraModel/Store/Engine/Connection.h>
+#include <HabitraModel/Store/Engine/FileFormat.h>
 #include <HabitraModel/Store/Engine/Schema.h>
 #include <HabitraModel/Store/Engine/SchemaMigration.h>
+#include <HabitraModel/Store/Files/ChangeListeners.h>
 #include <HabitraModel/Store/Files/HomeFolder.h>
 #include <HabitraModel/Store/Files/MemoryCopy.h>
 #include <HabitraModel/Store/Files/StoreChangeSignal.h>
@@ -12,26 +14,7 @@
 
 #include <fmt/format.h>
 
-#include <map>
-
 namespace habitra {
-
-namespace {
-
-/// A memory that all connections of this process can share.
-std::string newMemoryAddress() {
-  static std::atomic<int> count{0};
-  return fmt::format("file:/habitra-{}?vfs=memdb", ++count);
-}
-
-}  // namespace
-
-/// Who listens, by number.
-struct Store::Listeners {
-  std::mutex mutex;
-  int count = 0;
-  std::map<int, std::function<void()>> listeners;
-};
 
 Store::Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock, std::chrono::milliseconds patience)
     : file_(std::move(file)),
@@ -68,9 +51,9 @@ std::shared_ptr<Store> Store::openForReading(const std::filesystem::path& file, 
 
 std::shared_ptr<Store> Store::inMemory(std::shared_ptr<const qz::Clock> clock) {
   std::shared_ptr<Store> store(new Store({}, std::move(clock)));
-  store->address_ = newMemoryAddress();
+  store->address_ = StoreFile::newMemoryAddress();
   store->memoryTurn_ = std::make_shared<std::binary_semaphore>(1);
-  store->listeners_ = std::make_shared<Listeners>();
+  store->listeners_ = std::make_shared<ChangeListeners>();
   store->keeper_ = store->makeConnection();
   store->makeSchema(*store->keeper_);
   return store;
@@ -89,31 +72,21 @@ bool Store::prepare(bool mayMake) {
   isReadOnly_ = found.isReadOnly;
   address_ = found.address;
   firstConnection_ = makeConnection();
-  const std::int64_t owner = firstConnection_->integer("PRAGMA application_id");
-  const std::int64_t version = firstConnection_->integer("PRAGMA user_version");
-  if (owner == applicationID && version == schemaVersion) {
-    ensureLog();
-    return true;
+  switch (FileFormat{applicationID, schemaVersion}.find(*firstConnection_)) {
+    case FileFormat::Found::nothing:
+      if (!mayMake || isReadOnly_) return false;
+      makeSchema(*firstConnection_);
+      return true;
+    case FileFormat::Found::older:
+      if (!isReadOnly_)
+        throw StoreError(StoreError::Kind::olderVersion,
+                         fmt::format("{} was made by an earlier version of Habitra; bring it up to date to open it",
+                                     file_.string()));
+      moveIntoMemory();
+      return true;
+    case FileFormat::Found::current: ensureLog(); return true;
   }
-  if (owner == applicationID && version > schemaVersion)
-    throw StoreError(
-        StoreError::Kind::newerVersion,
-        fmt::format("{} was made by a newer version of Habitra; bring Habitra up to date to open it", file_.string()));
-  if (owner == applicationID && version > 0) {
-    if (!isReadOnly_)
-      throw StoreError(
-          StoreError::Kind::olderVersion,
-          fmt::format("{} was made by an earlier version of Habitra; bring it up to date to open it", file_.string()));
-    moveIntoMemory();
-    return true;
-  }
-  if (owner != 0 || version != 0 || firstConnection_->integer("SELECT count(*) FROM sqlite_schema") != 0)
-    throw StoreError(StoreError::Kind::notAStore,
-                     fmt::format("{} is not a Habitra store; move it away, or choose another home with HABITRA_HOME",
-                                 file_.string()));
-  if (!mayMake || isReadOnly_) return false;
-  makeSchema(*firstConnection_);
-  return true;
+  return false;
 }
 
 void Store::ensureLog() {
@@ -137,7 +110,7 @@ void Store::tighten() {
 }
 
 void Store::moveIntoMemory() {
-  address_ = newMemoryAddress();
+  address_ = StoreFile::newMemoryAddress();
   keeper_ = copyIntoMemory(*firstConnection_, address_);
   migrateSchema(*keeper_, {});
   firstConnection_ = makeConnection();
@@ -150,12 +123,7 @@ void Store::makeSchema(Connection& connection) const {
   if (connection.integer("PRAGMA application_id") == applicationID) return;
   if (!isInMemory()) connection.execute("PRAGMA journal_mode=WAL");
   const std::string identifier = qz::UniqueID::generate(clock_->now()).text();
-  try {
-    connection.execute(("BEGIN IMMEDIATE;\n" + schemaDefinition(identifier) + "COMMIT").c_str());
-  } catch (...) {
-    connection.rollback();
-    throw;
-  }
+  connection.executeAtomically(schemaDefinition(identifier));
 }
 
 std::unique_ptr<Connection> Store::connect() {
@@ -171,20 +139,14 @@ std::unique_ptr<WritersTurn> Store::makeTurn() const {
   return std::make_unique<WritersTurn>(file_.parent_path());
 }
 
-std::shared_ptr<void> Store::listen(std::function<void()> listener) {
-  qz::require(isInMemory(), "a store in a file is listened to");
-  const std::scoped_lock lock(listeners_->mutex);
-  const int number = ++listeners_->count;
-  listeners_->listeners.emplace(number, std::move(listener));
-  return {nullptr, [listeners = listeners_, number](void*) {
-            const std::scoped_lock ending(listeners->mutex);
-            listeners->listeners.erase(number);
-          }};
+StoreChangeSignal Store::makeSignal() const {
+  if (isInMemory()) return StoreChangeSignal(listeners_);
+  return StoreChangeSignal(file_.parent_path() / StoreChangeSignal::fileName);
 }
 
-void Store::tellListeners() const {
-  const std::scoped_lock lock(listeners_->mutex);
-  for (const auto& [number, listener] : listeners_->listeners) listener();
+ChangeListeners& Store::listeners() const {
+  qz::require(isInMemory(), "a store in a file is listened to");
+  return *listeners_;
 }
 
 ObjectID Store::nextObjectID(ObjectID newestStored) {

@@ -8,7 +8,6 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <semaphore>
@@ -16,7 +15,9 @@
 
 namespace habitra {
 
+class ChangeListeners;
 class Connection;
+class StoreChangeSignal;
 class WritersTurn;
 
 /// A store of tasks: one SQLite file in a home folder, or memory alone.
@@ -67,15 +68,11 @@ class Store : public std::enable_shared_from_this<Store> {
   [[nodiscard]] const std::string& writer() const { return writer_; }
 
   // For a StoreChangeWatcher of a store in memory, which has no file to watch.
-  /// Calls `listener` after each transaction of this object, on the thread that saved and under its turn, until the
-  /// token is let go of. It must not call back.
-  [[nodiscard]] std::shared_ptr<void> listen(std::function<void()> listener);
+  /// Those that are told after each transaction of this object, on the thread that saved and under its turn.
+  [[nodiscard]] ChangeListeners& listeners() const;
 
  private:
-  friend class StoreChangeSignal;
   friend class StoreUnit;
-
-  struct Listeners;
 
   Store(std::filesystem::path file, std::shared_ptr<const qz::Clock> clock,
         std::chrono::milliseconds patience = MaintenanceLock::defaultPatience);
@@ -97,7 +94,7 @@ class Store : public std::enable_shared_from_this<Store> {
   [[nodiscard]] std::unique_ptr<WritersTurn> makeTurn() const;
   /// The number after `newestStored`, or after a greater one that was given to a row that was rolled back.
   [[nodiscard]] ObjectID nextObjectID(ObjectID newestStored);
-  void tellListeners() const;
+  [[nodiscard]] StoreChangeSignal makeSignal() const;
 
   std::filesystem::path file_;
   std::string address_;  // what SQLite is asked to open
@@ -109,7 +106,7 @@ class Store : public std::enable_shared_from_this<Store> {
   std::atomic<std::int64_t> newestGivenID_{0};
   std::shared_ptr<std::binary_semaphore> memoryTurn_;  // in memory only
   std::unique_ptr<Connection> keeper_;                 // keeps content in memory alive
-  std::shared_ptr<Listeners> listeners_;               // in memory only
+  std::shared_ptr<ChangeListeners> listeners_;         // in memory only
   std::mutex firstConnectionMutex_;
   std::unique_ptr<Connection> firstConnection_;
 };

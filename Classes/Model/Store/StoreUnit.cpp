@@ -1,6 +1,6 @@
+#include <HabitraModel/Store/Files/SystemFailure.h>
 #include <HabitraModel/Store/StoreUnit.h>
 #include <QZKit/Trap.h>
-#include <QZLog/Log.h>
 
 #include <fmt/format.h>
 
@@ -8,18 +8,11 @@
 
 namespace habitra {
 
-namespace {
-
-// Some 1 MiB: what the next opening has to read again, in a millisecond or less.
-constexpr int longLogPages = 256;
-
-}  // namespace
-
 StoreUnit::StoreUnit(std::shared_ptr<Store> store)
     : store_(std::move(store)),
       connection_(store_->connect()),
       turn_(store_->makeTurn()),
-      signal_(store_),
+      signal_(store_->makeSignal()),
       beginView_(*connection_, "BEGIN"),
       beginUnit_(*connection_, "BEGIN IMMEDIATE"),
       commit_(*connection_, "COMMIT"),
@@ -44,10 +37,7 @@ void StoreUnit::endView() noexcept {
 
 bool StoreUnit::begin() {
   qz::require(state_ != State::writing, "a unit is begun within a unit");
-  if (store_->isReadOnly())
-    throw StoreError(StoreError::Kind::readOnly,
-                     fmt::format("{} can be read but not written; give yourself the right to write it and its folder",
-                                 store_->file().string()));
+  if (store_->isReadOnly()) failReadOnly(store_->file());
   endView();
   turn_->take();
   try {
@@ -81,8 +71,7 @@ void StoreUnit::commit(const std::optional<StoredTransaction>& transaction) {
   state_ = State::idle;
   newest_ = newest;
   if (transaction) signal_.announce(newest.sequence);
-  if (connection_->pagesInLog() > longLogPages && !connection_->checkpoint())
-    qz::log::warning("Could not shorten the write-ahead log of {}", store_->file().string());
+  connection_->shortenLog();
   turn_->release();
 }
 

@@ -33,32 +33,33 @@ std::string listed(std::span<const std::string_view> names) {
 
 }  // namespace
 
-CSVColumns::CSVColumns(std::size_t line, std::span<const std::string_view> names) {
+CSVColumns::CSVColumns(const CSVColumnNames& format, std::size_t line, std::span<const std::string_view> names)
+    : positions_(format.known.size()) {
   std::vector<std::string_view> unknown;
   for (std::size_t position = 0; position < names.size(); ++position) {
-    const auto* known = std::ranges::find(csvColumnHeaders, names[position]);
-    if (known == csvColumnHeaders.end()) {
+    const auto known = std::ranges::find(format.known, names[position]);
+    if (known == format.known.end()) {
       unknown.push_back(names[position]);
       continue;
     }
-    auto& found = positions_[static_cast<std::size_t>(known - csvColumnHeaders.begin())];
+    auto& found = positions_[static_cast<std::size_t>(known - format.known.begin())];
     if (found) throw CSVError(line, *known, "the header names this column twice");
     found = position;
   }
-  for (std::size_t index = 0; index < csvColumnHeaders.size(); ++index) {
+  for (std::size_t index = 0; index < format.known.size(); ++index) {
     if (positions_[index]) continue;
     for (const std::string_view name : unknown) {
-      if (!isSlip(name, csvColumnHeaders[index])) continue;
+      if (!isSlip(name, format.known[index])) continue;
       throw CSVError(
           line, {},
-          fmt::format("unknown column {}, did you mean \"{}\"?", qz::utf8::quoted(name), csvColumnHeaders[index]));
+          fmt::format("unknown column {}, did you mean \"{}\"?", qz::utf8::quoted(name), format.known[index]));
     }
   }
-  const std::size_t title = 1;
-  if (!positions_[title]) {
+  for (const std::size_t index : format.required) {
+    if (positions_[index]) continue;
     throw CSVError(line, {},
-                   fmt::format("no column \"title\" in the header {}; expected {}", listed(names),
-                               fmt::join(csvColumnHeaders, ",")));
+                   fmt::format("no column \"{}\" in the header {}; expected {}", format.known[index], listed(names),
+                               fmt::join(format.known, ",")));
   }
 }
 

@@ -1,16 +1,12 @@
 #pragma once
 
+#include <HabitraBackup/CSVSource.h>
 #include <HabitraBackup/CSVWriter.h>
 #include <HabitraBackup/HabitraCSVBackupRow.h>
 
-#include <cstddef>
 #include <functional>
-#include <span>
 
 namespace habitra {
-
-/// Fills the span from its beginning and says with how many bytes; 0 is the end.
-using ByteSource = std::function<std::size_t(std::span<char>)>;
 
 /// Turns rows into the text of a task history. The first line holds the nine headers in their order; then
 ///

@@ -1,20 +1,21 @@
 #include <HabitraBackup/CSVColumns.h>
 #include <HabitraBackup/CSVError.h>
-#include <HabitraBackup/CSVReader.h>
+#include <HabitraBackup/CSVNumber.h>
+#include <HabitraBackup/CSVSource.h>
 #include <HabitraBackup/HabitraCSVCoder.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/UTF8.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
-#include <vector>
 
 namespace habitra {
 
 namespace {
 
-constexpr std::size_t chunkLength = std::size_t{1} << 18U;
+constexpr std::array<std::size_t, 1> requiredColumns{1};  // title
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -26,22 +27,13 @@ std::optional<Number> number(std::string_view text) {
   return result;
 }
 
-// Digits, and after a point more digits; a minus sign may lead. What from_chars takes beyond that (exponents,
-// infinities, a bare point) no history holds.
-bool isDecimal(std::string_view text) {
-  if (text.starts_with('-')) text.remove_prefix(1);
-  const std::size_t point = std::min(text.find('.'), text.size());
-  const std::string_view whole = text.substr(0, point);
-  const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
-  return !whole.empty() && std::ranges::all_of(whole, isDigit) && std::ranges::all_of(fraction, isDigit) &&
-         (point == text.size() || !fraction.empty());
-}
-
 class RowDecoder final : public CSVReader::Handler {
  public:
   explicit RowDecoder(const CSVRowHandler& onRow) : onRow_(onRow) {}
 
-  void header(std::size_t line, std::span<const std::string_view> names) override { columns_.emplace(line, names); }
+  void header(std::size_t line, std::span<const std::string_view> names) override {
+    columns_.emplace(CSVColumnNames{csvColumnHeaders, requiredColumns}, line, names);
+  }
 
   void row(std::size_t line, std::span<const std::string_view> fields) override {
     line_ = line;
@@ -105,7 +97,7 @@ class RowDecoder final : public CSVReader::Handler {
 
   [[nodiscard]] std::optional<double> quantity(std::size_t column) const {
     if (field(column).empty()) return std::nullopt;
-    const auto value = isDecimal(field(column)) ? number<double>(field(column)) : std::nullopt;
+    const auto value = decimalNumber(field(column));
     if (!value) refuse(column, " is not a decimal number such as 1.5");
     return value;
   }
@@ -129,10 +121,7 @@ class RowDecoder final : public CSVReader::Handler {
 
 void HabitraCSVDecoder::decode(const ByteSource& source, const CSVRowHandler& onRow) const {
   RowDecoder decoder(onRow);
-  CSVReader reader(decoder);
-  std::vector<char> chunk(chunkLength);
-  while (const std::size_t length = source(chunk)) reader.feed({chunk.data(), length});
-  reader.finish();
+  readCSV(source, decoder);
 }
 
 }  // namespace habitra

@@ -43,6 +43,10 @@ struct ImportedHistory {
   ImportOutcome outcome;
 };
 
+struct ImportedSamples {
+  HealthImportOutcome outcome;
+};
+
 struct ExportedHistory {
   ExportOutcome outcome;
   std::string file;
@@ -55,6 +59,7 @@ struct ExportedHistory {
 [[nodiscard]] std::string asText(const UndoneHabit& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const ProcessReport& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const ImportedHistory& answer, const Terminal& terminal);
+[[nodiscard]] std::string asText(const ImportedSamples& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const ExportedHistory& answer, const Terminal& terminal);
 
 [[nodiscard]] std::string asJSON(const HabitList& answer);
@@ -64,6 +69,7 @@ struct ExportedHistory {
 [[nodiscard]] std::string asJSON(const UndoneHabit& answer);
 [[nodiscard]] std::string asJSON(const ProcessReport& answer);
 [[nodiscard]] std::string asJSON(const ImportedHistory& answer);
+[[nodiscard]] std::string asJSON(const ImportedSamples& answer);
 [[nodiscard]] std::string asJSON(const ExportedHistory& answer);
 
 }  // namespace habitra

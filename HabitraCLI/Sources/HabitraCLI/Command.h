@@ -40,7 +40,7 @@ struct WordsTaken {
 /// One verb: everything that the parser, the help and the program need to know of it. A plain description without
 /// behaviour of its own but for `run`.
 struct Command {
-  std::string_view verb;
+  std::string_view verb;     ///< one word, "done", or two where several commands belong together, "health import"
   std::string_view summary;  ///< one line for the list of verbs
   WordsTaken words;
   std::span<const Option> options;

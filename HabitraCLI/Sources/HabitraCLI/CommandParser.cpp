@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <algorithm>
 #include <CLI/CLI.hpp>
+#include <map>
 
 namespace habitra {
 namespace {
@@ -26,9 +27,8 @@ class Tree {
     app_.require_subcommand(0, 1);
     for (const Option& option : globalOptions) add(app_, option);
     for (const Command* command : commands) {
-      CLI::App* sub = app_.add_subcommand(std::string(command->verb));
-      sub->set_help_flag();
-      sub->fallthrough();
+      CLI::App* sub = place(command->verb);
+      places_.push_back(sub);
       for (const Option& option : command->options) add(*sub, option);
       if (command->words.number != WordsTaken::Number::none) {
         // A fixed, large number instead of "any": for lists without end the library takes "[a]" apart.
@@ -57,6 +57,26 @@ class Tree {
   }
 
  private:
+  /// Where a verb stands in the tree; the first of two words is a place of its own.
+  CLI::App* place(std::string_view verb) {
+    const std::size_t blank = verb.find(' ');
+    if (blank == std::string_view::npos) return addVerb(app_, std::string(verb));
+    CLI::App*& group = groups_[std::string(verb.substr(0, blank))];
+    if (group == nullptr) {
+      group = addVerb(app_, std::string(verb.substr(0, blank)));
+      group->allow_extras();
+      group->require_subcommand(0, 1);
+    }
+    return addVerb(*group, std::string(verb.substr(blank + 1)));
+  }
+
+  static CLI::App* addVerb(CLI::App& parent, const std::string& word) {
+    CLI::App* sub = parent.add_subcommand(word);
+    sub->set_help_flag();
+    sub->fallthrough();
+    return sub;
+  }
+
   static void add(CLI::App& app, const Option& option) {
     const std::string name(option.name);
     if (option.value.empty())
@@ -66,8 +86,8 @@ class Tree {
   }
 
   [[nodiscard]] const Command* command() const {
-    for (const Command* command : commands_) {
-      if (app_.got_subcommand(std::string(command->verb))) return command;
+    for (std::size_t at = 0; at < commands_.size(); ++at) {
+      if (places_[at]->parsed()) return commands_[at];
     }
     return nullptr;
   }
@@ -102,12 +122,20 @@ class Tree {
     }
   }
 
+  /// The first word of a verb of two, where the second is none or missing.
+  [[nodiscard]] std::string_view loneGroup() const {
+    if (command() != nullptr) return {};
+    const auto found = std::find_if(groups_.begin(), groups_.end(), [](const auto& g) { return g.second->parsed(); });
+    return found == groups_.end() ? std::string_view() : found->first;
+  }
+
   void refuseExtras() const {
     const Command* chosen = command();
     for (const std::string& word : app_.remaining(true)) {
       const std::string extra = asWritten(word);
       if (extra == "--" && chosen != nullptr) continue;
       if (extra.size() > 1 && extra[0] == '-') refuseOption(extra, chosen);
+      if (!loneGroup().empty()) refuseGroup(fmt::format("{} {}", loneGroup(), extra));
       if (chosen == nullptr) refuseVerb(extra);
       throw UsageError(fmt::format("'{}' takes no '{}'", chosen->verb, extra), chosen->verb);
     }
@@ -127,6 +155,15 @@ class Tree {
     std::vector<std::string> known;
     for (const Command* command : commands_) known.emplace_back(command->verb);
     throw UsageError(fmt::format("unknown command '{}'{}", word, didYouMean(word, known)));
+  }
+
+  [[noreturn]] void refuseGroup(std::string_view words) const {
+    std::string known;
+    for (const Command* command : commands_) {
+      if (command->verb.starts_with(std::string(loneGroup()) + " "))
+        known += fmt::format("{}'{}'", known.empty() ? "" : " or ", command->verb);
+    }
+    throw UsageError(fmt::format("unknown command '{}', did you mean {}?", words, known));
   }
 
   [[nodiscard]] static std::optional<std::string> value(const CLI::App& app, std::string_view name) {
@@ -150,8 +187,9 @@ class Tree {
                    .version = flag("--version"),
                    .help = flag("--help")};
     line.command = command();
+    if (!loneGroup().empty() && !line.global.help && !line.global.version) refuseGroup(loneGroup());
     if (line.command == nullptr) return line;
-    const CLI::App& sub = *app_.get_subcommand(std::string(line.command->verb));
+    const CLI::App& sub = **std::find_if(places_.begin(), places_.end(), [](const auto* app) { return app->parsed(); });
     for (const Option& option : line.command->options) {
       if (const auto given = value(sub, option.name)) line.arguments.options.emplace(option.name, *given);
     }
@@ -175,6 +213,8 @@ class Tree {
   }
 
   std::span<const Command* const> commands_;
+  std::vector<CLI::App*> places_;            // of the commands
+  std::map<std::string, CLI::App*> groups_;  // of verbs of two words, by the first
   CLI::App app_;
 };
 

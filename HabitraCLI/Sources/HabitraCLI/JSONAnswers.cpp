@@ -77,6 +77,10 @@ std::string asJSON(const ImportedHistory& answer) {
   return text(answered);
 }
 
+std::string asJSON(const ImportedSamples& answer) {
+  return text({{"added", answer.outcome.added}, {"left", answer.outcome.left}});
+}
+
 std::string asJSON(const ExportedHistory& answer) {
   return text({{"tasks", answer.outcome.tasks}, {"rows", answer.outcome.rows}});
 }

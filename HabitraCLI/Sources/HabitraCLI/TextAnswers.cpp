@@ -195,6 +195,11 @@ std::string asText(const ImportedHistory& answer, const Terminal&) {
   return text;
 }
 
+std::string asText(const ImportedSamples& answer, const Terminal&) {
+  const auto& [added, left] = answer.outcome;
+  return withParts(counted(added + left, "sample"), {{added, "added"}, {left, "already there"}});
+}
+
 std::string asText(const ExportedHistory& answer, const Terminal&) {
   return fmt::format("{}: {} of {} written\n", displayable(answer.file), counted(answer.outcome.rows, "row"),
                      counted(answer.outcome.tasks, "habit"));

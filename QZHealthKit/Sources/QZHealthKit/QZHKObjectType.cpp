@@ -17,14 +17,14 @@ struct ObjectTypeRow {
   QZHKOrigin origin;
 };
 
-constexpr std::array<ObjectTypeRow, 82> rows = [] {
+constexpr std::array<ObjectTypeRow, 85> rows = [] {
   using T = QZHKObjectType;
   using K = QZHKObjectKind;
   using D = QZHKDimension;
   using A = QZHKAggregation;
   using O = QZHKOrigin;
   constexpr std::nullopt_t none = std::nullopt;
-  return std::array<ObjectTypeRow, 82>{{
+  return std::array<ObjectTypeRow, 85>{{
       {T::stepCount, K::quantity, D::count, A::cumulative, O::measured},
       {T::distanceWalkingRunning, K::quantity, D::length, A::cumulative, O::measured},
       {T::distanceCycling, K::quantity, D::length, A::cumulative, O::measured},
@@ -92,6 +92,9 @@ constexpr std::array<ObjectTypeRow, 82> rows = [] {
       {T::activeEnergyGoal, K::quantity, D::energy, A::discrete, O::entered},
       {T::exerciseGoal, K::quantity, D::time, A::discrete, O::entered},
       {T::standGoal, K::quantity, D::count, A::discrete, O::entered},
+      {T::applicationUsage, K::quantity, D::time, A::cumulative, O::entered},
+      {T::websiteUsage, K::quantity, D::time, A::cumulative, O::entered},
+      {T::categoryUsage, K::quantity, D::time, A::cumulative, O::entered},
       {T::sleepAnalysis, K::category, none, A::cumulative, O::measured},
       {T::standHour, K::category, none, A::cumulative, O::measured},
       {T::rollHour, K::category, none, A::cumulative, O::measured},

@@ -80,6 +80,9 @@ enum class QZHKObjectType : std::uint8_t {
   activeEnergyGoal,  ///< of the move ring: what is to be spent in a day; it stands until the next one
   exerciseGoal,      ///< of the exercise ring, likewise
   standGoal,         ///< of the stand ring, likewise: a number of hours, in `count`
+  applicationUsage,  ///< how long an application was used; its source is the application
+  websiteUsage,      ///< how long a site was used; its source is the site
+  categoryUsage,     ///< how long applications of a category were used; its source is the category
   sleepAnalysis,
   standHour,  ///< an hour in which the person stood for a while; the sample covers the whole hour
   rollHour,   ///< an hour in which the person rolled in a wheelchair for a while; likewise
@@ -100,7 +103,7 @@ enum class QZHKObjectType : std::uint8_t {
 template <>
 struct RawValueTable<QZHKObjectType> {
   using T = QZHKObjectType;
-  static constexpr std::array<RawValueRow<T, std::string_view>, 82> rows{{
+  static constexpr std::array<RawValueRow<T, std::string_view>, 85> rows{{
       {T::stepCount, "stepCount", "stepCount"},
       {T::distanceWalkingRunning, "distanceWalkingRunning", "distanceWalkingRunning"},
       {T::distanceCycling, "distanceCycling", "distanceCycling"},
@@ -168,6 +171,9 @@ struct RawValueTable<QZHKObjectType> {
       {T::activeEnergyGoal, "activeEnergyGoal", "activeEnergyGoal"},
       {T::exerciseGoal, "exerciseGoal", "exerciseGoal"},
       {T::standGoal, "standGoal", "standGoal"},
+      {T::applicationUsage, "applicationUsage", "applicationUsage"},
+      {T::websiteUsage, "websiteUsage", "websiteUsage"},
+      {T::categoryUsage, "categoryUsage", "categoryUsage"},
       {T::sleepAnalysis, "sleepAnalysis", "sleepAnalysis"},
       {T::standHour, "standHour", "standHour"},
       {T::rollHour, "rollHour", "rollHour"},
@@ -204,7 +210,7 @@ enum class QZHKAggregation : std::uint8_t {
 /// of a discrete one.
 enum class QZHKOrigin : std::uint8_t {
   measured,  ///< one: devices record it as it goes on, and two that do so at the same time record the same
-  entered,   ///< two: people enter it, one by one, as a glass of water during a meal
+  entered,   ///< two: people enter it, one by one, as a glass of water during a meal; or each source is what was used
 };
 
 [[nodiscard]] QZHKObjectKind kind(QZHKObjectType type);

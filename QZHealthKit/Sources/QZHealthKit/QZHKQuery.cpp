@@ -39,7 +39,7 @@ std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType
 
 bool QZHKPredicate::matches(const QZHKSample& sample) const {
   return (!task || sample.task == task) && isWanted(workoutTypes, activityTypeOf(sample)) &&
-         isWanted(sleepValues, sample.sleepValue());
+         isWanted(sleepValues, sample.sleepValue()) && (sources.empty() || sources.contains(sample.source));
 }
 
 bool QZHKSampleQuery::matches(const QZHKSample& sample) const {

@@ -38,6 +38,7 @@ struct QZHKPredicate {
   std::optional<UniqueID> task;                    ///< only those that were written for this task
   std::set<QZHKWorkoutActivityType> workoutTypes;  ///< only workouts of these activities
   std::set<QZHKSleepValue> sleepValues;            ///< only sleep that says one of these
+  std::set<std::string> sources;                   ///< only what is from these sources
 
   [[nodiscard]] bool matches(const QZHKSample& sample) const;
 

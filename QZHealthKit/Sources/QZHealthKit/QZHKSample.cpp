@@ -45,7 +45,7 @@ std::optional<std::string> problemOfValue(QZHKObjectType type, const QZHKSampleV
   return valueAs<std::monostate>(value) ? std::nullopt : std::optional<std::string>("takes no value");
 }
 
-std::optional<std::string> problemOfTime(const QZHKSample& sample) {
+std::optional<std::string> problemOfSpan(const QZHKSample& sample) {
   if (sample.end < sample.start) return "ends before it starts";
   if (sample.start < earliestSampleMoment || sample.end > latestSampleMoment) {
     return "lies outside the years 1900 to 2999";
@@ -57,9 +57,13 @@ std::optional<std::string> problemOfTime(const QZHKSample& sample) {
 }
 
 std::optional<std::string> problemAfterName(const QZHKSample& sample) {
-  if (auto found = problemOfTime(sample)) return found;
+  if (auto found = problemOfSpan(sample)) return found;
   if (sample.source.empty()) return "needs a source";
   return problemOfValue(sample.objectType, sample.value);
+}
+
+std::optional<std::string> withName(QZHKObjectType type, const std::optional<std::string>& problem) {
+  return problem ? std::optional(std::string(rawValue(type)) + " " + *problem) : std::nullopt;
 }
 
 }  // namespace
@@ -71,9 +75,11 @@ std::optional<QZHKSleepValue> QZHKSample::sleepValue() const { return valueAs<QZ
 std::optional<QZHKWorkout> QZHKSample::workout() const { return valueAs<QZHKWorkout>(value); }
 
 std::optional<std::string> problem(const QZHKSample& sample) {
-  const auto found = problemAfterName(sample);
-  if (!found) return std::nullopt;
-  return std::string(rawValue(sample.objectType)) + " " + *found;
+  return withName(sample.objectType, problemAfterName(sample));
+}
+
+std::optional<std::string> problemOfTime(const QZHKSample& sample) {
+  return withName(sample.objectType, problemOfSpan(sample));
 }
 
 }  // namespace qz

@@ -67,4 +67,7 @@ inline constexpr std::chrono::days longestSample{31};
 /// finite), and not below zero unless they are temperatures.
 [[nodiscard]] std::optional<std::string> problem(const QZHKSample& sample);
 
+/// The same of its start and end alone.
+[[nodiscard]] std::optional<std::string> problemOfTime(const QZHKSample& sample);
+
 }  // namespace qz

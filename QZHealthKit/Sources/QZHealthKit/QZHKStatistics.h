@@ -31,7 +31,7 @@ namespace qz {
 /// whole.
 ///
 /// The duration is the time of the span that some sample covers, whichever source it is of: what several cover counts
-/// once, and a sample without length covers none.
+/// once, and a sample without length covers none: where there are only such, it is zero.
 ///
 /// Least, greatest and most recent take each sample with its whole amount, however little of it lies in the span. The
 /// most recent sample is the one that ended last; of several, the one that started last, and of those the one with the

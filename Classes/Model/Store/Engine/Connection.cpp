@@ -1,6 +1,7 @@
 #include <HabitraModel/Store/Engine/Connection.h>
 #include <HabitraModel/Store/Files/StoreFile.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <QZLog/Log.h>
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -15,6 +16,8 @@ namespace {
 
 // How long a foreign program that locks the file is waited for; our own writers wait for their turn instead.
 constexpr int busyMilliseconds = 10'000;
+// Some 1 MiB: what the next opening has to read again, in a millisecond or less.
+constexpr int longLogPages = 256;
 constexpr int mostPagesLeft = 1'024;  // 4 MiB
 
 std::string systemMessage(sqlite3* handle) {
@@ -194,6 +197,22 @@ bool Connection::isInTransaction() const { return sqlite3_get_autocommit(handle_
 
 void Connection::rollback() noexcept {
   if (isInTransaction()) sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Connection::executeAtomically(const std::string& sql) {
+  try {
+    execute(("BEGIN IMMEDIATE;\n" + sql + "COMMIT").c_str());
+  } catch (...) {
+    rollback();
+    throw;
+  }
+}
+
+int Connection::changes() const { return sqlite3_changes(handle_); }
+
+void Connection::shortenLog() noexcept {
+  if (pagesInLog_ > longLogPages && !checkpoint())
+    qz::log::warning("Could not shorten the write-ahead log of {}", file_.string());
 }
 
 bool Connection::checkpoint() noexcept {

@@ -121,8 +121,14 @@ class Connection {
   /// Ends the open transaction, if there is one, without a word on failure.
   void rollback() noexcept;
 
-  /// Pages in the write-ahead log after the last commit of this connection.
-  [[nodiscard]] int pagesInLog() const { return pagesInLog_; }
+  /// Runs several statements in a transaction of their own.
+  void executeAtomically(const std::string& sql);
+
+  /// How many rows the last statement that writes has inserted, changed or removed.
+  [[nodiscard]] int changes() const;
+
+  /// Checkpoints when the write-ahead log has become long; that it could not is logged. REQUIRES: the writers' turn.
+  void shortenLog() noexcept;
   /// Moves what no reader needs of the write-ahead log into the file. REQUIRES: the writers' turn. Gives false on
   /// failure.
   bool checkpoint() noexcept;

@@ -22,8 +22,10 @@ bool identify(int folder, const char* file, struct statx& identity) {
 
 }  // namespace
 
-StoreChangeSignal::StoreChangeSignal(std::shared_ptr<Store> store)
-    : store_(std::move(store)), file_(store_->isInMemory() ? "" : store_->file().parent_path() / fileName) {}
+StoreChangeSignal::StoreChangeSignal(std::filesystem::path file) : file_(std::move(file)) {}
+
+StoreChangeSignal::StoreChangeSignal(std::shared_ptr<const ChangeListeners> listeners)
+    : listeners_(std::move(listeners)) {}
 
 StoreChangeSignal::~StoreChangeSignal() {
   if (descriptor_ >= 0) ::close(descriptor_);
@@ -41,14 +43,14 @@ bool StoreChangeSignal::attempt(const Step& step) noexcept {
 }
 
 void StoreChangeSignal::prepare() noexcept {
-  if (store_->isInMemory()) return;
+  if (listeners_ != nullptr) return;
   attempt([this] { open(); });
 }
 
 void StoreChangeSignal::announce(std::int64_t sequence) noexcept {
   const bool isTold = attempt([this, sequence] {
-    if (store_->isInMemory())
-      store_->tellListeners();
+    if (listeners_ != nullptr)
+      listeners_->tell();
     else
       write(sequence);
   });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraModel/Store/Store.h>
+#include <HabitraModel/Store/Files/ChangeListeners.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -8,8 +8,8 @@
 
 namespace habitra {
 
-/// Tells others that a store has moved: in a home through the file "Habitra.changed", in memory through the store
-/// itself. Each object belongs to one writer and one queue.
+/// Tells others that a store has moved: in a home through a file, "Habitra.changed" for stores of tasks, in memory
+/// through listeners. Each object belongs to one writer and one queue.
 ///
 /// The file holds the number of the newest transaction of whatever store of the home was last written to, as decimal
 /// digits filled up with blanks to a line of 20 bytes. Nobody needs to read it: that it was written is the signal.
@@ -17,7 +17,8 @@ class StoreChangeSignal {
  public:
   static constexpr const char* fileName = "Habitra.changed";
 
-  explicit StoreChangeSignal(std::shared_ptr<Store> store);
+  explicit StoreChangeSignal(std::filesystem::path file);
+  explicit StoreChangeSignal(std::shared_ptr<const ChangeListeners> listeners);
   ~StoreChangeSignal();
   StoreChangeSignal(const StoreChangeSignal&) = delete;
   StoreChangeSignal& operator=(const StoreChangeSignal&) = delete;
@@ -38,8 +39,8 @@ class StoreChangeSignal {
   /// Whether the open file is still the one that others find.
   [[nodiscard]] bool isInPlace() const;
 
-  std::shared_ptr<Store> store_;
-  std::filesystem::path file_;  ///< none in memory
+  std::shared_ptr<const ChangeListeners> listeners_;  ///< in memory only
+  std::filesystem::path file_;                        ///< none in memory
   int descriptor_ = -1;
   bool hasFailed_ = false;  ///< since others were last told
 };

@@ -1,3 +1,4 @@
+#include <HabitraModel/Store/Files/ChangeListeners.h>
 #include <HabitraModel/Store/Files/StoreChangeSignal.h>
 #include <HabitraModel/Store/Files/StoreChangeWatcher.h>
 #include <HabitraModel/Store/StoreError.h>
@@ -58,11 +59,11 @@ class Descriptor {
   int descriptor_;
 };
 
-/// Watches "Habitra.changed" in a folder, and the folder for as long as that is not there.
+/// Watches a file, and its folder for as long as that is not there.
 class FileNotifications {
  public:
-  explicit FileNotifications(const std::filesystem::path& folder)
-      : folder_(folder), queue_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), folder) {
+  explicit FileNotifications(const std::filesystem::path& file)
+      : path_(file), folder_(file.parent_path()), queue_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), folder_) {
     watch();
   }
 
@@ -95,7 +96,7 @@ class FileNotifications {
     // The folder first: a file that comes between the two is then reported or found.
     if (home_ < 0) home_ = ::inotify_add_watch(queue_.get(), folder_.c_str(), IN_CREATE | IN_MOVED_TO | IN_ONLYDIR);
     file_ =
-        ::inotify_add_watch(queue_.get(), (folder_ / StoreChangeSignal::fileName).c_str(),
+        ::inotify_add_watch(queue_.get(), path_.c_str(),
                             IN_MODIFY | IN_CLOSE_WRITE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB | IN_DONT_FOLLOW);
     if (file_ < 0 && home_ < 0) failToWatch(folder_);
     if (file_ < 0) return false;
@@ -104,6 +105,7 @@ class FileNotifications {
   }
 
  private:
+  std::filesystem::path path_;
   std::filesystem::path folder_;
   Descriptor queue_;
   int home_ = -1;
@@ -115,12 +117,15 @@ class FileNotifications {
 /// The thread that waits, and what it waits for.
 class StoreChangeWatcher::Watching {
  public:
-  Watching(Store& store, std::function<void()> onChange)
-      : onChange_(std::move(onChange)), event_(::eventfd(0, EFD_CLOEXEC), store.file().parent_path()) {
-    if (store.isInMemory())
-      listening_ = store.listen([this] { ring(); });
-    else
-      notifications_.emplace(store.file().parent_path());
+  Watching(const std::filesystem::path& file, std::function<void()> onChange)
+      : onChange_(std::move(onChange)), event_(::eventfd(0, EFD_CLOEXEC), file.parent_path()) {
+    notifications_.emplace(file);
+    thread_ = std::thread([this] { run(); });
+  }
+
+  Watching(ChangeListeners& listeners, std::function<void()> onChange)
+      : onChange_(std::move(onChange)), event_(::eventfd(0, EFD_CLOEXEC), {}) {
+    listening_ = listeners.listen([this] { ring(); });
     thread_ = std::thread([this] { run(); });
   }
 
@@ -197,8 +202,17 @@ class StoreChangeWatcher::Watching {
   std::thread thread_;
 };
 
-StoreChangeWatcher::StoreChangeWatcher(Store& store, std::function<void()> onChange)
-    : watching_(std::make_unique<Watching>(store, std::move(onChange))) {}
+StoreChangeWatcher::StoreChangeWatcher(const Store& store, std::function<void()> onChange)
+    : watching_(store.isInMemory()
+                    ? std::make_unique<Watching>(store.listeners(), std::move(onChange))
+                    : std::make_unique<Watching>(store.file().parent_path() / StoreChangeSignal::fileName,
+                                                 std::move(onChange))) {}
+
+StoreChangeWatcher::StoreChangeWatcher(const std::filesystem::path& file, std::function<void()> onChange)
+    : watching_(std::make_unique<Watching>(file, std::move(onChange))) {}
+
+StoreChangeWatcher::StoreChangeWatcher(ChangeListeners& listeners, std::function<void()> onChange)
+    : watching_(std::make_unique<Watching>(listeners, std::move(onChange))) {}
 
 StoreChangeWatcher::~StoreChangeWatcher() = default;
 

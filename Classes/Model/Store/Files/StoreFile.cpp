@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <string_view>
 #include <system_error>
 
@@ -49,5 +50,10 @@ std::string StoreFile::addressAtRest(const std::filesystem::path& file) {
 }
 
 std::string StoreFile::immutableAddress(const std::filesystem::path& file) { return addressWith(file, "?immutable=1"); }
+
+std::string StoreFile::newMemoryAddress() {
+  static std::atomic<int> count{0};
+  return fmt::format("file:/habitra-{}?vfs=memdb", ++count);
+}
 
 }  // namespace habitra

@@ -25,6 +25,8 @@ struct StoreFile {
   [[nodiscard]] static std::string addressAtRest(const std::filesystem::path& file);
   /// The address of a file that is all there is, and that nobody is changing.
   [[nodiscard]] static std::string immutableAddress(const std::filesystem::path& file);
+  /// A memory of its own that all connections of this process can share.
+  [[nodiscard]] static std::string newMemoryAddress();
 };
 
 }  // namespace habitra

@@ -41,4 +41,10 @@ void failWithErrno(const char* what, const std::filesystem::path& path) {
                    fmt::format("{} {}: {}; {}", what, path.string(), std::generic_category().message(error), advice));
 }
 
+void failReadOnly(const std::filesystem::path& file) {
+  throw StoreError(
+      Kind::readOnly,
+      fmt::format("{} can be read but not written; give yourself the right to write it and its folder", file.string()));
+}
+
 }  // namespace habitra

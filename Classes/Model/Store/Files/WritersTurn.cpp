@@ -18,8 +18,8 @@ namespace habitra {
 
 using namespace std::chrono_literals;
 
-WritersTurn::WritersTurn(std::filesystem::path folder, std::chrono::milliseconds patience)
-    : folder_(std::move(folder)), patience_(patience) {}
+WritersTurn::WritersTurn(std::filesystem::path folder, std::chrono::milliseconds patience, std::string name)
+    : folder_(std::move(folder)), name_(std::move(name)), patience_(patience) {}
 
 WritersTurn::WritersTurn(std::shared_ptr<std::binary_semaphore> semaphore, std::chrono::milliseconds patience)
     : semaphore_(std::move(semaphore)), patience_(patience) {}
@@ -59,7 +59,7 @@ bool WritersTurn::tryOnce() {
   if (semaphore_ != nullptr) return semaphore_->try_acquire();
   if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EWOULDBLOCK || errno == EINTR) return false;
-    failWithErrno("cannot lock", folder_ / fileName);
+    failWithErrno("cannot lock", folder_ / name_);
   }
   if (isLinked(descriptor_)) return true;
   // Somebody has removed the file; the next one to come would lock another.
@@ -69,7 +69,7 @@ bool WritersTurn::tryOnce() {
 }
 
 void WritersTurn::open() {
-  const std::filesystem::path file = folder_ / fileName;
+  const std::filesystem::path file = folder_ / name_;
   if (!isPrivateFile(file)) makePrivateFile(file);
   descriptor_ = ::open(file.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
   if (descriptor_ < 0) failWithErrno("cannot open", file);

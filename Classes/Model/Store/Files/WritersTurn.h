@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <semaphore>
+#include <string>
 
 namespace habitra {
 
@@ -11,7 +12,7 @@ namespace habitra {
 /// of every process, happens under it. The engine's own locks do not suffice: SQLite before 3.51.3 can lose committed
 /// writes when two connections write or checkpoint a write-ahead log at the same moment.
 ///
-/// In a folder it is an exclusive lock on the file "Habitra.lock", which ends with the process whatever happens and is
+/// In a folder it is an exclusive lock on a file, "Habitra.lock", which ends with the process whatever happens and is
 /// made anew when somebody has removed it; in memory a semaphore. Each object is one contender and belongs to one
 /// queue.
 class WritersTurn {
@@ -19,8 +20,9 @@ class WritersTurn {
   static constexpr const char* fileName = "Habitra.lock";
   static constexpr std::chrono::milliseconds defaultPatience = std::chrono::seconds(10);
 
-  /// The turn of the home at `folder`.
-  explicit WritersTurn(std::filesystem::path folder, std::chrono::milliseconds patience = defaultPatience);
+  /// The turn of the home at `folder`; `name` is that of the lock file, where a store has a turn of its own.
+  explicit WritersTurn(std::filesystem::path folder, std::chrono::milliseconds patience = defaultPatience,
+                       std::string name = fileName);
   /// The turn of a store in memory; `semaphore` is shared by its contexts.
   explicit WritersTurn(std::shared_ptr<std::binary_semaphore> semaphore,
                        std::chrono::milliseconds patience = defaultPatience);
@@ -41,6 +43,7 @@ class WritersTurn {
   void open();
 
   std::filesystem::path folder_;
+  std::string name_;
   std::shared_ptr<std::binary_semaphore> semaphore_;
   std::chrono::milliseconds patience_;
   int descriptor_ = -1;

@@ -15,6 +15,7 @@ extern const Command listCommand;
 extern const Command importCommand;
 extern const Command exportCommand;
 extern const Command processCommand;
+extern const Command healthImportCommand;
 
 /// The option of the verbs that also take another day than today.
 inline constexpr Option dateOption{"--date", "DAY",

@@ -1,0 +1,309 @@
+#include <HabitraModel/Health/SampleTable.h>
+#include <HabitraModel/Store/StoreError.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <span>
+#include <tuple>
+
+namespace habitra {
+
+namespace {
+
+using qz::QZHKQuantity;
+using qz::QZHKSample;
+
+/// What is longer lies in an index of its own as well, so that who asks for a day need not look through a month before
+/// it for what reaches into it. Stands in the definition of that index, too.
+constexpr std::int64_t longestShort = std::chrono::microseconds(std::chrono::hours(1)).count();
+
+/// Samples of a type lie together in the order in which they are asked for. Types and sources are numbered, so that a
+/// row is short; everything else reads as files name it.
+constexpr std::string_view tables = R"(
+CREATE TABLE SampleType (
+  number INTEGER PRIMARY KEY,
+  name TEXT NOT NULL UNIQUE,
+  changed INTEGER NOT NULL
+) STRICT;
+CREATE TABLE SampleOrigin (
+  number INTEGER PRIMARY KEY,
+  source TEXT NOT NULL,
+  device TEXT
+) STRICT;
+CREATE INDEX SampleOrigin_source ON SampleOrigin(source, device);
+CREATE TABLE Sample (
+  type INTEGER NOT NULL,
+  startDate INTEGER NOT NULL,
+  identifier BLOB NOT NULL,
+  endDate INTEGER NOT NULL,
+  origin INTEGER NOT NULL,
+  amount REAL,
+  unit TEXT,
+  says TEXT,
+  energy REAL,
+  energyUnit TEXT,
+  distance REAL,
+  distanceUnit TEXT,
+  task BLOB,
+  PRIMARY KEY (type, startDate, identifier)
+) STRICT, WITHOUT ROWID;
+CREATE UNIQUE INDEX Sample_identifier ON Sample(identifier);
+CREATE INDEX Sample_long ON Sample(type, startDate, identifier, endDate) WHERE endDate - startDate > 3600000000;
+)";
+
+constexpr std::string_view columns =
+    "identifier, startDate, endDate, origin, amount, unit, says, energy, energyUnit, distance, distanceUnit, task";
+
+enum SampleColumn : int {
+  identifierAt,
+  startAt,
+  endAt,
+  originAt,
+  amountAt,
+  unitAt,
+  saysAt,
+  energyAt,
+  energyUnitAt,
+  distanceAt,
+  distanceUnitAt,
+  taskAt
+};
+
+std::int64_t stored(qz::Moment moment) { return moment.time_since_epoch().count(); }
+
+qz::Moment moment(std::int64_t stored) { return qz::Moment(std::chrono::microseconds(stored)); }
+
+std::optional<qz::UniqueID> identifierOf(const Bytes& bytes) {
+  qz::UniqueID::Bytes content{};
+  if (bytes.size() != content.size()) return std::nullopt;
+  std::ranges::copy(bytes, content.begin());
+  return qz::UniqueID(content);
+}
+
+template <typename Value>
+void bindOptional(Statement& statement, int parameter, const std::optional<Value>& value) {
+  if (value)
+    statement.bind(parameter, *value);
+  else
+    statement.bindNull(parameter);
+}
+
+void bindQuantity(Statement& statement, int parameter, const std::optional<QZHKQuantity>& quantity) {
+  bindOptional(statement, parameter, quantity ? std::optional(quantity->value) : std::nullopt);
+  bindOptional(statement, parameter + 1, quantity ? std::optional(qz::rawValue(quantity->unit)) : std::nullopt);
+}
+
+/// The word of a value that is no amount.
+std::optional<std::string_view> wordOf(const qz::QZHKSampleValue& value) {
+  if (const auto* sleep = std::get_if<qz::QZHKSleepValue>(&value)) return qz::rawValue(*sleep);
+  if (const auto* workout = std::get_if<qz::QZHKWorkout>(&value)) return qz::rawValue(workout->activityType);
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string_view SampleTable::definition() { return tables; }
+
+SampleTable::SampleTable(Connection& connection)
+    : connection_(connection),
+      readLong_(connection,
+                fmt::format("SELECT {} FROM Sample INDEXED BY Sample_long WHERE type=? AND startDate>=? AND "
+                            "startDate<? AND endDate>? AND endDate - startDate > {} ORDER BY startDate, "
+                            "identifier",
+                            columns, longestShort)),
+      read_(connection,
+            fmt::format("SELECT {} FROM Sample NOT INDEXED WHERE type=?1 AND startDate>=?2 AND startDate<?3 "
+                        "AND (startDate>=?4 OR endDate>?4) ORDER BY startDate, identifier",
+                        columns)),
+      readLast_(connection, fmt::format("SELECT {} FROM Sample NOT INDEXED WHERE type=? AND startDate<? ORDER BY "
+                                        "startDate DESC, identifier DESC LIMIT 1",
+                                        columns)),
+      findType_(connection, "SELECT number FROM SampleType WHERE name=?"),
+      findOrigin_(connection, "SELECT number FROM SampleOrigin WHERE source=? AND device IS ?"),
+      readOrigin_(connection, "SELECT source, device FROM SampleOrigin WHERE number=?"),
+      insertType_(connection, "INSERT INTO SampleType(name, changed) VALUES (?, 0) RETURNING number"),
+      insertOrigin_(connection, "INSERT INTO SampleOrigin(source, device) VALUES (?, ?) RETURNING number"),
+      insert_(connection, fmt::format("INSERT INTO Sample(type, {}) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?) ON CONFLICT("
+                                      "identifier) DO NOTHING",
+                                      columns)),
+      find_(connection,
+            "SELECT SampleType.name, Sample.type, startDate FROM Sample JOIN SampleType ON number=type WHERE "
+            "identifier=?"),
+      remove_(connection, "DELETE FROM Sample WHERE type=? AND startDate=? AND identifier=?"),
+      readChanges_(connection, "SELECT name, changed FROM SampleType"),
+      writeChange_(connection, "UPDATE SampleType SET changed=? WHERE number=?") {}
+
+bool SampleTable::isEmpty() { return connection_.integer("SELECT EXISTS(SELECT 1 FROM Sample)") == 0; }
+
+void SampleTable::read(Type type, const qz::QZHKSpan& span, const Reader& reader) {
+  if (span.from >= span.to || span.to <= qz::earliestSampleMoment || span.from >= qz::latestSampleMoment) return;
+  const std::int64_t from = stored(std::max(span.from, qz::earliestSampleMoment));
+  const std::int64_t to = stored(std::min(span.to, qz::latestSampleMoment + std::chrono::microseconds(1)));
+  constexpr std::int64_t longest = std::chrono::microseconds(qz::longestSample).count();
+  readRows(readLong_, type, from - longest, std::min(from - longestShort, to), from, reader);
+  readRows(read_, type, from - longestShort, to, from, reader);
+}
+
+std::optional<QZHKSample> SampleTable::lastBefore(Type type, qz::Moment before) {
+  const auto number = findType(type);
+  if (!number) return std::nullopt;
+  auto row = readLast_.use();
+  row->bind(1, *number);
+  row->bind(2, stored(before));
+  if (!row->step()) return std::nullopt;
+  QZHKSample sample{.identifier = qz::UniqueID({}), .objectType = type};
+  decode(*row, type, sample);
+  return sample;
+}
+
+void SampleTable::readRows(Query& query, Type type, std::int64_t after, std::int64_t before, std::int64_t endAfter,
+                           const Reader& reader) {
+  const auto number = findType(type);
+  if (!number) return;
+  auto row = query.use();
+  row->bind(1, *number);
+  row->bind(2, after);
+  row->bind(3, before);
+  row->bind(4, endAfter);
+  QZHKSample sample{.identifier = qz::UniqueID({}), .objectType = type};
+  while (row->step()) {
+    decode(*row, type, sample);
+    reader(sample);
+  }
+}
+
+void SampleTable::decode(Statement& row, Type type, QZHKSample& sample) {
+  const auto identifier = identifierOf(row.bytes(identifierAt));
+  if (!identifier) failDamaged("has no identifier");
+  sample.identifier = *identifier;
+  sample.start = moment(row.integer(startAt));
+  sample.end = moment(row.integer(endAt));
+  sample.value = valueOf(row, type);
+  std::tie(sample.source, sample.device) = originOf(row.integer(originAt));
+  sample.task = row.isNull(taskAt) ? std::nullopt : identifierOf(row.bytes(taskAt));
+  if (const auto found = problem(sample)) failDamaged(*found);
+}
+
+qz::QZHKSampleValue SampleTable::valueOf(Statement& row, Type type) {
+  if (const auto quantity = quantityAt(row, amountAt)) return *quantity;
+  if (row.isNull(saysAt)) return {};
+  const std::string_view word = row.text(saysAt);
+  if (type == Type::sleepAnalysis) {
+    if (const auto sleep = qz::fromRawValue<qz::QZHKSleepValue>(word)) return *sleep;
+  } else if (const auto activity = qz::fromRawValue<qz::QZHKWorkoutActivityType>(word)) {
+    return qz::QZHKWorkout{*activity, quantityAt(row, energyAt), quantityAt(row, distanceAt)};
+  }
+  failDamaged("says what nobody knows");
+}
+
+std::optional<QZHKQuantity> SampleTable::quantityAt(Statement& row, int column) {
+  const Column amount = row.column(column);
+  if (amount.isNull()) return std::nullopt;
+  const auto unit = qz::fromRawValue<qz::QZHKUnit>(row.text(column + 1));
+  if (!unit) failDamaged("has a unit that nobody knows");
+  return QZHKQuantity{amount.real(), *unit};
+}
+
+SampleTable::Changes SampleTable::changes() {
+  Changes changes;
+  auto row = readChanges_.use();
+  while (row->step()) {
+    changes.newest = std::max(changes.newest, row->integer(1));
+    if (const auto type = qz::fromRawValue<Type>(row->text(0))) changes.types.emplace(*type, row->integer(1));
+  }
+  return changes;
+}
+
+bool SampleTable::insert(const QZHKSample& sample) {
+  const auto workout = sample.workout();
+  auto row = insert_.use();
+  row->bind(1, numberOf(sample.objectType));
+  row->bind(2, std::span(sample.identifier.bytes()));
+  row->bind(3, stored(sample.start));
+  row->bind(4, stored(sample.end));
+  row->bind(5, numberOf(Origin(sample.source, sample.device)));
+  bindQuantity(*row, 6, sample.quantity());
+  bindOptional(*row, 8, wordOf(sample.value));
+  bindQuantity(*row, 9, workout ? workout->energy : std::nullopt);
+  bindQuantity(*row, 11, workout ? workout->distance : std::nullopt);
+  bindOptional(*row, 13, sample.task ? std::optional(std::span(sample.task->bytes())) : std::nullopt);
+  row->step();
+  return connection_.changes() > 0;
+}
+
+std::optional<SampleTable::Type> SampleTable::remove(const qz::UniqueID& identifier) {
+  auto found = find_.use();
+  found->bind(1, std::span(identifier.bytes()));
+  if (!found->step()) return std::nullopt;
+  const auto type = qz::fromRawValue<Type>(found->text(0));
+  if (!type) failDamaged("is of a type that nobody knows");
+  auto row = remove_.use();
+  row->bind(1, found->integer(1));
+  row->bind(2, found->integer(2));
+  row->bind(3, std::span(identifier.bytes()));
+  row->step();
+  return type;
+}
+
+std::int64_t SampleTable::keepChange(const std::set<Type>& types) {
+  const std::int64_t number = connection_.integer("SELECT ifnull(max(changed), 0) + 1 FROM SampleType");
+  for (const Type type : types) {
+    auto row = writeChange_.use();
+    row->bind(1, number);
+    row->bind(2, numberOf(type));
+    row->step();
+  }
+  return number;
+}
+
+void SampleTable::forget() {
+  types_.clear();
+  numbersOfOrigins_.clear();
+  origins_.clear();
+}
+
+std::optional<std::int64_t> SampleTable::findType(Type type) {
+  if (const auto known = types_.find(type); known != types_.end()) return known->second;
+  auto row = findType_.use();
+  row->bind(1, qz::rawValue(type));
+  if (!row->step()) return std::nullopt;
+  return types_.emplace(type, row->integer(0)).first->second;
+}
+
+std::int64_t SampleTable::numberOf(Type type) {
+  if (const auto found = findType(type)) return *found;
+  auto row = insertType_.use();
+  row->bind(1, qz::rawValue(type));
+  row->step();
+  return types_.emplace(type, row->integer(0)).first->second;
+}
+
+std::int64_t SampleTable::numberOf(const Origin& origin) {
+  if (const auto known = numbersOfOrigins_.find(origin); known != numbersOfOrigins_.end()) return known->second;
+  const auto ask = [&](Query& query) -> std::optional<std::int64_t> {
+    auto row = query.use();
+    row->bind(1, origin.first);
+    bindOptional(*row, 2, origin.second);
+    return row->step() ? std::optional(row->integer(0)) : std::nullopt;
+  };
+  auto number = ask(findOrigin_);
+  if (!number) number = ask(insertOrigin_);
+  return numbersOfOrigins_.emplace(origin, *number).first->second;
+}
+
+const SampleTable::Origin& SampleTable::originOf(std::int64_t number) {
+  if (const auto known = origins_.find(number); known != origins_.end()) return known->second;
+  auto row = readOrigin_.use();
+  row->bind(1, number);
+  if (!row->step()) failDamaged("has no source");
+  Origin origin(row->text(0), row->isNull(1) ? std::nullopt : std::optional(std::string(row->text(1))));
+  return origins_.emplace(number, std::move(origin)).first->second;
+}
+
+void SampleTable::failDamaged(std::string_view what) const {
+  throw StoreError(StoreError::Kind::damaged, fmt::format("{} is damaged: a sample {}; restore a backup of it",
+                                                          connection_.file().string(), what));
+}
+
+}  // namespace habitra
