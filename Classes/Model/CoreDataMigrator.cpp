@@ -32,6 +32,7 @@ using Access = Connection::Access;
 
 /// The path without links of a store that is there.
 std::filesystem::path existingStore(const std::filesystem::path& store) {
+  if (store.empty()) throw StoreError(Kind::failed, "the path of a store is empty; say where it lies");
   const std::filesystem::path home = existingHomeFolder(std::filesystem::absolute(store).parent_path());
   if (home.empty() || !isPrivateFile(home / store.filename()))
     throw StoreError(Kind::failed, fmt::format("there is no store at {}; check the path", store.string()));

@@ -120,7 +120,7 @@ class DataManager {
   // open a store.
 
   [[nodiscard]] bool isInMaintenanceMode() const { return maintenance_->isInMaintenanceMode(); }
-  /// Whether a store is being brought up to date.
+  /// Whether a store is being brought up to date or put in another's place.
   [[nodiscard]] bool isMigrating() const { return maintenance_->isMigrating(); }
 
   /// Closes both stores, runs `work` while no other thread can open them, and posts maintenanceDidFinish; see

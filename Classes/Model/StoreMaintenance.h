@@ -34,7 +34,8 @@ class StoreMaintenance {
 
   /// Whether a store is being moved, migrated or repaired.
   [[nodiscard]] bool isInMaintenanceMode() const;
-  /// Whether one is being brought up to date, or taken over from an early version.
+  /// Whether a migrator is at work: one is brought up to date, put in another's place, or taken over from an early
+  /// version.
   [[nodiscard]] bool isMigrating() const;
 
   /// Keeps other threads from opening stores, has this process close those that it knows of, runs `work`, and lets

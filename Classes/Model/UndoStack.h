@@ -98,7 +98,7 @@ class UndoStack {
     std::optional<Obstacle> obstacle_;
   };
 
-  static constexpr std::int64_t reach = 200;
+  static constexpr std::int64_t reach = undoableCommands;
 
   /// `calendars` tells the days of a task, and must live longer than the stack.
   explicit UndoStack(const TaskCalendars& calendars) : calendars_(calendars) {}

@@ -61,12 +61,13 @@ TEST_F(StoreMaintenanceTest, AnOlderStoreMayTakeThePlaceOfAnObservedOne) {
   EXPECT_THROW((void)manager_.context(), StoreError);
 }
 
-TEST_F(StoreMaintenanceTest, AnObservedStoreKnowsItsCloud) {
+TEST_F(StoreMaintenanceTest, ObservationGoesOnAfterASwitchInAStoreThatKnowsItsCloud) {
   makeTask();
   observe();
   manager_.switchStorage("private");
   EXPECT_TRUE(manager_.cloudPersistentContainer()->isOpen());
   EXPECT_EQ(manager_.cloudPersistentContainer()->location().cloudContainer(), "private");
+  expectObservation();
 }
 
 TEST_F(StoreMaintenanceTest, ASwitchThatFailsLeavesNoTrace) {

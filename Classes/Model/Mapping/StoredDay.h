@@ -8,6 +8,9 @@
 /// Days as attributes keep them: in their integer form, 0 for none.
 namespace habitra {
 
+/// Days after it come from no calendar that a person kept, and what follows from them may not fit a column.
+inline constexpr qz::YYYYMMDD latestKeptDay(9999, 12, 31);
+
 /// Stops the program when the day does not fit 32 bits.
 [[nodiscard]] std::int32_t storedDay(const std::optional<qz::YYYYMMDD>& day);
 

@@ -14,8 +14,6 @@ namespace {
 
 /// As many days are looked through first for the next completion.
 constexpr std::int64_t nearDays = 90;
-/// Days after it come from no calendar that a person kept.
-constexpr qz::YYYYMMDD latestDay(9999, 12, 31);
 
 }  // namespace
 
@@ -42,7 +40,7 @@ std::vector<TaskLogEntryEntity> FilledInEntries::refutedBy(const TaskLogEntryEnt
   // Whatever decides something takes the place of a miss that was filled in.
   if (!type || isFilledIn(row) || !supersedes(*type, TaskLogEntryType::missedAutomaticallyFull)) return refuted;
   const auto counted = countedPeriod(row, rules_);
-  if (!counted || counted->period.finishDate > latestDay) return refuted;
+  if (!counted || counted->period.finishDate > latestKeptDay) return refuted;
   const TaskFrequencyPeriod& period = counted->period;
   for (TaskLogEntryEntity& other :
        context_.fetchLogEntries(task_, storedDay(period.startDate), storedDay(period.finishDate))) {

@@ -62,7 +62,7 @@ class Contradictions {
     }
   }
 
-  /// In which order rows came says nothing.
+  /// Rows came log by log, but a walk goes by their order within a period.
   void putInOrder() {
     for (const auto& [bounds, places] : periods_) {
       std::vector<std::size_t> present;

@@ -1,4 +1,3 @@
-#include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Undo/CommandList.h>
 
 #include <fmt/format.h>
@@ -12,8 +11,6 @@ namespace habitra {
 UndoStack::Command CommandList::Entry::command() const {
   return {.sequence = transaction.sequence, .text = transaction.command.value_or(""), .moment = transaction.moment};
 }
-
-static_assert(UndoStack::reach == HistoryTrimming::undoableCommands, "history goes while undo reaches it");
 
 CommandList::CommandList(StoreContext& context) {
   context.readCommands([this](const StoredTransaction& transaction) { entries_.push_back({transaction}); },

@@ -24,11 +24,10 @@ struct LoggedPeriod {
   friend bool operator==(const LoggedPeriod&, const LoggedPeriod&) = default;
 };
 
-/// The day of an entry as it is stored, if passes can judge it: one of the calendar, and none after the year 9999, for
-/// which nobody keeps a log, and whose following days the store may have no room for.
+/// The day of an entry as it is stored, if passes can judge it: one of the calendar, and none after latestKeptDay.
 [[nodiscard]] inline std::optional<qz::YYYYMMDD> judgedDay(std::int32_t stored) {
   const auto day = existingDayFromStored(stored);
-  return day && *day <= qz::YYYYMMDD(9999, 12, 31) ? day : std::nullopt;
+  return day && *day <= latestKeptDay ? day : std::nullopt;
 }
 
 }  // namespace habitra

@@ -18,7 +18,9 @@ namespace {
 constexpr int busyMilliseconds = 10'000;
 // Some 1 MiB: what the next opening has to read again, in a millisecond or less.
 constexpr int longLogPages = 256;
-constexpr int mostPagesLeft = 1'024;  // 4 MiB
+// A log that is longer is cut off, at once or, where a reader was in the way, when it starts over.
+constexpr int mostPagesLeft = 1'024;
+constexpr int bytesOfPage = 4'096;
 
 std::string systemMessage(sqlite3* handle) {
   const int error = handle == nullptr ? 0 : sqlite3_system_errno(handle);
@@ -180,8 +182,8 @@ void Connection::configure(Access access) {
       this);
   sqlite3_int64 noMap = 0;
   sqlite3_file_control(handle_, nullptr, SQLITE_FCNTL_MMAP_SIZE, &noMap);
-  // After a big import the log file is cut back to 4 MiB when it starts over.
-  if (access == Access::readWrite) execute("PRAGMA synchronous=FULL; PRAGMA journal_size_limit=4194304");
+  if (access == Access::readWrite)
+    execute(fmt::format("PRAGMA synchronous=FULL; PRAGMA journal_size_limit={}", mostPagesLeft * bytesOfPage).c_str());
 }
 
 void Connection::execute(const char* sql) {

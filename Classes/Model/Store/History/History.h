@@ -9,6 +9,9 @@
 /// The history of a store: one transaction per save, one change per object that it touched.
 namespace habitra {
 
+/// So many of a person's commands can be taken back, and history is kept for; undos and redos do not count.
+inline constexpr std::int64_t undoableCommands = 200;
+
 struct StoredTransaction {
   std::int64_t sequence = 0;  ///< ascends by one with each save; never given twice
   std::string author;         ///< raw value of Author

@@ -22,7 +22,6 @@ class HistoryTrimming {
  public:
   static constexpr std::chrono::days youngestToGo{7};
   static constexpr std::chrono::days readerForgottenAfter{90};
-  static constexpr std::int64_t undoableCommands = 200;  ///< undos and redos do not count
 
   /// How much one call does at most; what remains is left to the next. A command's values before go at once.
   struct Limits {
