@@ -3,6 +3,7 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskProcessorReport.h>
 #include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
 #include <QZKit/Clock.h>
 
@@ -17,13 +18,7 @@ namespace habitra {
 /// Works on the queue of the context that it is given.
 class TaskProcessor {
  public:
-  /// What a pass did.
-  struct Report {
-    std::size_t tasks = 0;     ///< active tasks looked at
-    std::size_t changed = 0;   ///< of these, the ones that something was written for
-    std::size_t filledIn = 0;  ///< automatic entries added
-    std::size_t removed = 0;   ///< entries of the future deleted
-  };
+  using Report = TaskProcessorReport;
 
   /// Both must live longer than the processor.
   TaskProcessor(const TaskCalendars& calendars, TaskLogRecorder& recorder);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+namespace habitra {
+
+/// What a pass over tasks did.
+struct TaskProcessorReport {
+  std::size_t tasks = 0;     ///< active tasks looked at
+  std::size_t changed = 0;   ///< of these, the ones that something was written for
+  std::size_t filledIn = 0;  ///< automatic entries added
+  std::size_t removed = 0;   ///< entries of the future deleted
+  std::size_t decided = 0;   ///< tasks for which health data completed or failed a period
+
+  friend bool operator==(const TaskProcessorReport&, const TaskProcessorReport&) = default;
+};
+
+}  // namespace habitra
