@@ -54,7 +54,7 @@ SampleFile::Use::~Use() {
   file_->giveBack(std::move(session_));
 }
 
-void SampleFile::Use::commit(const std::set<SampleTable::Type>& changed) {
+void SampleFile::Use::commit(const SampleTable::Reaches& changed) {
   if (changed.empty()) return;
   const std::int64_t number = session_->table.keepChange(changed);
   session_->signal.prepare();

@@ -13,7 +13,6 @@
 #include <memory>
 #include <mutex>
 #include <semaphore>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -59,7 +58,7 @@ class SampleFile {
     Session& operator*() const { return *session_; }
 
     /// Commits, and tells others that these types have changed; does nothing when none has.
-    void commit(const std::set<SampleTable::Type>& changed);
+    void commit(const SampleTable::Reaches& changed);
 
    private:
     SampleFile* file_;

@@ -1,4 +1,5 @@
 #include <HabitraModel/Health/SampleObservers.h>
+#include <QZHealthKit/QZHKActivitySummary.h>
 #include <QZLog/Log.h>
 
 #include <algorithm>
@@ -14,13 +15,11 @@ using Type = qz::QZHKObjectType;
 /// While the samples cannot be read.
 constexpr std::chrono::seconds timeBetweenAttempts{1};
 
-/// What the rings of a day are made of.
-constexpr Type ringTypes[] = {Type::activeEnergyBurned, Type::exerciseTime, Type::standHour, Type::rollHour,
-                              Type::activeEnergyGoal,   Type::exerciseGoal, Type::standGoal};
-
 bool hasChanged(Type type, const SampleTable::Changes& changes, std::int64_t seen) {
-  if (type == Type::activitySummary)
-    return std::ranges::any_of(ringTypes, [&](Type ring) { return hasChanged(ring, changes, seen); });
+  if (type == Type::activitySummary) {
+    const auto has = [&](Type ring) { return hasChanged(ring, changes, seen); };
+    return std::ranges::any_of(qz::ringValueTypes, has) || std::ranges::any_of(qz::ringGoalTypes, has);
+  }
   const auto found = changes.types.find(type);
   return found != changes.types.end() && found->second > seen;
 }

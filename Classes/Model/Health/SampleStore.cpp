@@ -114,6 +114,13 @@ std::optional<qz::QZHKActivitySummary> SampleStore::activitySummary(const qz::QZ
   });
 }
 
+qz::QZHKChanges SampleStore::changesSince(std::int64_t number) const {
+  return withStorage([&] {
+    const SampleFile::Use use = file_->beginReading();
+    return use ? use->table.changesSince(number) : qz::QZHKChanges{};
+  });
+}
+
 void SampleStore::save(std::span<const QZHKSample> samples) {
   for (const QZHKSample& sample : samples) requireRecord(sample);
   saveEach([samples](const Sink& sink) {
@@ -125,18 +132,18 @@ SampleStore::Saved SampleStore::saveEach(const Producer& produce) {
   return withStorage([&] {
     std::optional<SampleFile::Use> use;
     Saved saved;
-    std::set<Type> changed;
+    qz::QZHKChanges changed;
     produce([&](const QZHKSample& sample) {
       requireRecord(sample);
       if (!use) use.emplace(file_->beginWriting());
       if ((*use)->table.insert(sample)) {
         ++saved.added;
-        changed.insert(sample.objectType);
+        changed.include(sample.objectType, {sample.start, sample.end});
       } else {
         ++saved.left;
       }
     });
-    if (use) use->commit(changed);
+    if (use) use->commit(changed.reaches);
     return saved;
   });
 }
@@ -145,10 +152,9 @@ void SampleStore::remove(std::span<const qz::UniqueID> identifiers) {
   withStorage([&] {
     if (identifiers.empty() || !file_->beginReading()) return;
     SampleFile::Use use = file_->beginWriting();
-    std::set<Type> changed;
-    for (const qz::UniqueID& identifier : identifiers)
-      if (const auto type = use->table.remove(identifier)) changed.insert(*type);
-    use.commit(changed);
+    qz::QZHKChanges changed;
+    for (const qz::UniqueID& identifier : identifiers) use->table.remove(identifier, changed);
+    use.commit(changed.reaches);
   });
 }
 

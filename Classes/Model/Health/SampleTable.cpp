@@ -1,5 +1,6 @@
 #include <HabitraModel/Health/SampleTable.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <QZHealthKit/QZHKActivitySummary.h>
 
 #include <fmt/format.h>
 
@@ -13,6 +14,7 @@ namespace {
 
 using qz::QZHKQuantity;
 using qz::QZHKSample;
+using Reach = qz::QZHKChanges::Reach;
 
 /// What is longer lies in an index of its own as well, so that who asks for a day need not look through a month before
 /// it for what reaches into it. Stands in the definition of that index, too.
@@ -51,6 +53,19 @@ CREATE TABLE Sample (
 CREATE UNIQUE INDEX Sample_identifier ON Sample(identifier);
 CREATE INDEX Sample_long ON Sample(type, startDate, identifier, endDate) WHERE endDate - startDate > 3600000000;
 )";
+
+/// Over which time each change of a type reached. Of each type the newest changes stand by themselves, those before
+/// together.
+constexpr const char* reachTable = R"(
+CREATE TABLE IF NOT EXISTS SampleChange (
+  type INTEGER NOT NULL,
+  change INTEGER NOT NULL,
+  earliest INTEGER NOT NULL,
+  latest INTEGER NOT NULL,
+  PRIMARY KEY (type, change)
+) STRICT, WITHOUT ROWID;
+)";
+constexpr std::int64_t numSingleChanges = 64;
 
 constexpr std::string_view columns =
     "identifier, startDate, endDate, origin, amount, unit, says, energy, energyUnit, distance, distanceUnit, task";
@@ -128,11 +143,22 @@ SampleTable::SampleTable(Connection& connection)
                                       "identifier) DO NOTHING",
                                       columns)),
       find_(connection,
-            "SELECT SampleType.name, Sample.type, startDate FROM Sample JOIN SampleType ON number=type WHERE "
+            "SELECT SampleType.name, Sample.type, startDate, endDate FROM Sample JOIN SampleType ON number=type WHERE "
             "identifier=?"),
       remove_(connection, "DELETE FROM Sample WHERE type=? AND startDate=? AND identifier=?"),
       readChanges_(connection, "SELECT name, changed FROM SampleType"),
-      writeChange_(connection, "UPDATE SampleType SET changed=? WHERE number=?") {}
+      writeChange_(connection, "UPDATE SampleType SET changed=? WHERE number=?"),
+      readReaches_(connection,
+                   "SELECT name, min(earliest), max(latest) FROM SampleChange JOIN SampleType ON number=type WHERE "
+                   "change>? GROUP BY type"),
+      writeReach_(connection, "INSERT INTO SampleChange(type, change, earliest, latest) VALUES (?,?,?,?)"),
+      findOldReach_(connection, fmt::format("SELECT change FROM SampleChange WHERE type=? ORDER BY change DESC LIMIT 1 "
+                                            "OFFSET {}",
+                                            numSingleChanges)),
+      mergeReaches_(connection,
+                    "REPLACE INTO SampleChange(type, change, earliest, latest) SELECT type, ?2, min(earliest), "
+                    "max(latest) FROM SampleChange WHERE type=?1 AND change<=?2"),
+      removeReaches_(connection, "DELETE FROM SampleChange WHERE type=? AND change<?") {}
 
 bool SampleTable::isEmpty() { return connection_.integer("SELECT EXISTS(SELECT 1 FROM Sample)") == 0; }
 
@@ -215,6 +241,32 @@ SampleTable::Changes SampleTable::changes() {
   return changes;
 }
 
+qz::QZHKChanges SampleTable::changesSince(std::int64_t number) {
+  const Changes known = changes();
+  if (known.newest < number) number = 0;
+  qz::QZHKChanges since{.newest = known.newest, .reaches = {}};
+  if (keepsReaches()) {
+    auto row = readReaches_.use();
+    row->bind(1, number);
+    while (row->step()) {
+      if (const auto type = qz::fromRawValue<Type>(row->text(0)))
+        since.include(*type, {moment(row->integer(1)), moment(row->integer(2))});
+    }
+  } else {
+    for (const auto& [type, changed] : known.types)
+      if (changed > number) since.include(type, {qz::earliestSampleMoment, qz::latestSampleMoment});
+  }
+  const auto includeRing = [&](Type type, bool isGoal) {
+    const auto found = since.reaches.find(type);
+    if (found == since.reaches.end()) return;
+    const Reach reach = found->second;
+    since.include(Type::activitySummary, {reach.earliest, isGoal ? qz::latestSampleMoment : reach.latest});
+  };
+  for (const Type type : qz::ringValueTypes) includeRing(type, false);
+  for (const Type type : qz::ringGoalTypes) includeRing(type, true);
+  return since;
+}
+
 bool SampleTable::insert(const QZHKSample& sample) {
   const auto workout = sample.workout();
   auto row = insert_.use();
@@ -232,29 +284,65 @@ bool SampleTable::insert(const QZHKSample& sample) {
   return connection_.changes() > 0;
 }
 
-std::optional<SampleTable::Type> SampleTable::remove(const qz::UniqueID& identifier) {
+void SampleTable::remove(const qz::UniqueID& identifier, qz::QZHKChanges& changed) {
   auto found = find_.use();
   found->bind(1, std::span(identifier.bytes()));
-  if (!found->step()) return std::nullopt;
+  if (!found->step()) return;
   const auto type = qz::fromRawValue<Type>(found->text(0));
   if (!type) failDamaged("is of a type that nobody knows");
+  changed.include(*type, {moment(found->integer(2)), moment(found->integer(3))});
   auto row = remove_.use();
   row->bind(1, found->integer(1));
   row->bind(2, found->integer(2));
   row->bind(3, std::span(identifier.bytes()));
   row->step();
-  return type;
 }
 
-std::int64_t SampleTable::keepChange(const std::set<Type>& types) {
+std::int64_t SampleTable::keepChange(const Reaches& changed) {
+  if (!keepsReaches()) makeReaches();
   const std::int64_t number = connection_.integer("SELECT ifnull(max(changed), 0) + 1 FROM SampleType");
-  for (const Type type : types) {
+  for (const auto& [type, reach] : changed) {
     auto row = writeChange_.use();
     row->bind(1, number);
     row->bind(2, numberOf(type));
     row->step();
+    keepReach(numberOf(type), number, reach);
   }
   return number;
+}
+
+bool SampleTable::keepsReaches() {
+  return connection_.integer("SELECT EXISTS(SELECT 1 FROM sqlite_schema WHERE name='SampleChange')") != 0;
+}
+
+void SampleTable::makeReaches() {
+  connection_.execute(reachTable);
+  connection_.execute(fmt::format("INSERT INTO SampleChange SELECT number, changed, {}, {} FROM SampleType WHERE "
+                                  "changed>0",
+                                  stored(qz::earliestSampleMoment), stored(qz::latestSampleMoment))
+                          .c_str());
+}
+
+void SampleTable::keepReach(std::int64_t type, std::int64_t change, const Reach& reach) {
+  auto row = writeReach_.use();
+  row->bind(1, type);
+  row->bind(2, change);
+  row->bind(3, stored(reach.earliest));
+  row->bind(4, stored(reach.latest));
+  row->step();
+  std::int64_t last = 0;
+  {
+    auto old = findOldReach_.use();
+    old->bind(1, type);
+    if (!old->step()) return;
+    last = old->integer(0);
+  }
+  for (Query* step : {&mergeReaches_, &removeReaches_}) {
+    auto one = step->use();
+    one->bind(1, type);
+    one->bind(2, last);
+    one->step();
+  }
 }
 
 void SampleTable::forget() {

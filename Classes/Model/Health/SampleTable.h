@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraModel/Store/Engine/Connection.h>
+#include <QZHealthKit/QZHKChanges.h>
 #include <QZHealthKit/QZHKQuery.h>
 #include <QZHealthKit/QZHKSample.h>
 
@@ -8,7 +9,6 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,6 +22,7 @@ namespace habitra {
 class SampleTable {
  public:
   using Type = qz::QZHKObjectType;
+  using Reaches = std::map<Type, qz::QZHKChanges::Reach>;
   using Reader = std::function<void(const qz::QZHKSample&)>;
 
   /// Which types have changed since some change of the store.
@@ -46,14 +47,18 @@ class SampleTable {
 
   [[nodiscard]] Changes changes();
 
+  /// What QZHealthStore::changesSince() answers.
+  [[nodiscard]] qz::QZHKChanges changesSince(std::int64_t number);
+
   // REQUIRES of the following: the writers' turn and a transaction.
 
   /// Gives false, changing nothing, when the identifier is there already. REQUIRES: no problem(sample).
   bool insert(const qz::QZHKSample& sample);
-  /// Gives the type of what was removed; none when there is no such sample.
-  std::optional<Type> remove(const qz::UniqueID& identifier);
-  /// Says that these types have changed. Gives the number of the change.
-  std::int64_t keepChange(const std::set<Type>& types);
+  /// Adds what was removed to `changed`; nothing when there is no such sample.
+  void remove(const qz::UniqueID& identifier, qz::QZHKChanges& changed);
+  /// Says that samples of these types have come or gone, and over which time they reach. Gives the number of the
+  /// change.
+  std::int64_t keepChange(const Reaches& changed);
   /// After a rollback: lets go of numbers that were given in it.
   void forget();
 
@@ -61,6 +66,11 @@ class SampleTable {
   /// Who wrote a sample, and with what.
   using Origin = std::pair<std::string, std::optional<std::string>>;
 
+  /// Whether the file says over which time changes reach; one that was made before it did says so from its next change
+  /// on.
+  [[nodiscard]] bool keepsReaches();
+  void makeReaches();
+  void keepReach(std::int64_t type, std::int64_t change, const qz::QZHKChanges::Reach& reach);
   [[nodiscard]] std::optional<std::int64_t> findType(Type type);
   [[nodiscard]] std::int64_t numberOf(Type type);
   [[nodiscard]] std::int64_t numberOf(const Origin& origin);
@@ -86,6 +96,11 @@ class SampleTable {
   Query remove_;
   Query readChanges_;
   Query writeChange_;
+  Query readReaches_;
+  Query writeReach_;
+  Query findOldReach_;
+  Query mergeReaches_;
+  Query removeReaches_;
   std::map<Type, std::int64_t> types_;
   std::map<Origin, std::int64_t> numbersOfOrigins_;
   std::unordered_map<std::int64_t, Origin> origins_;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QZHealthKit/QZHKObjectType.h>
 #include <QZHealthKit/QZHKQuery.h>
+
+#include <array>
 
 namespace qz {
 
@@ -14,6 +17,12 @@ struct QZHKActivityRing {
 
   friend bool operator==(const QZHKActivityRing&, const QZHKActivityRing&) = default;
 };
+
+/// What the values of the rings are made of, and their goals.
+inline constexpr std::array ringValueTypes{QZHKObjectType::activeEnergyBurned, QZHKObjectType::exerciseTime,
+                                           QZHKObjectType::standHour, QZHKObjectType::rollHour};
+inline constexpr std::array ringGoalTypes{QZHKObjectType::activeEnergyGoal, QZHKObjectType::exerciseGoal,
+                                          QZHKObjectType::standGoal};
 
 /// The three rings of one day. The values are sums over the day, as QZHKStatistics tells them; goals are samples as
 /// well, of `activeEnergyGoal`, `exerciseGoal` and `standGoal`: on a day stands the one that starts last before the day

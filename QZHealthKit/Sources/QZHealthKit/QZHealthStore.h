@@ -2,11 +2,13 @@
 
 #include <QZHealthKit/QZHealthStoreError.h>
 #include <QZHealthKit/QZHKActivitySummary.h>
+#include <QZHealthKit/QZHKChanges.h>
 #include <QZHealthKit/QZHKQuery.h>
 #include <QZHealthKit/QZHKSample.h>
 #include <QZHealthKit/QZHKStatistics.h>
 #include <QZKit/UniqueID.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <set>
@@ -44,6 +46,10 @@ class QZHealthStore {
 
   /// The rings of a day; none when no sample of it adds to a ring, whether there are goals or not.
   [[nodiscard]] virtual std::optional<QZHKActivitySummary> activitySummary(const QZHKSpan& day) const = 0;
+
+  /// What has changed since the change with this number, which an earlier answer named; 0: since the beginning. Where
+  /// the store never came so far, since another one lies in its place, it is all that there is.
+  [[nodiscard]] virtual QZHKChanges changesSince(std::int64_t number) const = 0;
 
   /// Writes all of the samples or, when it throws, none. One whose identifier is there already is left as it is, so
   /// that a write that is repeated after a crash counts once. Who has no identifier for a sample, like an import of

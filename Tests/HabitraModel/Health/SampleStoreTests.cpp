@@ -70,6 +70,27 @@ RC_GTEST_PROP(SampleStoreProperty, AnswersAsIfItLookedAtEverySample, ()) {
   RC_ASSERT(store->statistics(figures) == calculation.figures());
 }
 
+TEST_F(SampleStoreTest, TellsOverWhichTimeChangesReach) {
+  const auto reach = [](std::int64_t from, std::int64_t to) { return QZHKChanges::Reach{minute(from), minute(to)}; };
+  SampleStore store = open();
+  EXPECT_EQ(store.changesSince(0), QZHKChanges{});
+  save(store, {steps(1, 100, 105), steps(2, -5000, -4990),
+               sample(3, T::activeEnergyGoal, 7, 7, QZHKQuantity{400, U::kilocalorie})});
+  const QZHKChanges first = store.changesSince(0);
+  EXPECT_EQ(first.reaches.at(T::stepCount), reach(-5000, 105));
+  EXPECT_EQ(first.reaches.at(T::activitySummary), (QZHKChanges::Reach{minute(7), latestSampleMoment}));
+  save(store, {steps(1, 100, 105)});
+  EXPECT_EQ(store.changesSince(0), first) << "nothing new";
+
+  store.remove(std::vector{identifier(2)});
+  const QZHKChanges second = open().changesSince(first.newest);
+  EXPECT_EQ(second.reaches, (std::map<T, QZHKChanges::Reach>{{T::stepCount, reach(-5000, -4990)}}));
+  for (std::uint32_t number = 0; number < 200; ++number) save(store, {steps(1000 + number, 200, 201 + number)});
+  EXPECT_EQ(store.changesSince(second.newest + 195).reaches.at(T::stepCount), reach(200, 400));
+  EXPECT_EQ(store.changesSince(second.newest).reaches.at(T::stepCount), reach(-5000, 400)) << "more than it was";
+  EXPECT_EQ(store.changesSince(999'999).reaches.at(T::stepCount), reach(-5000, 400)) << "of another store";
+}
+
 TEST_F(SampleStoreTest, AWriteCountsOnceAndIsWholeOrNotAtAll) {
   SampleStore store = open();
   save(store, {steps(1, 0, 5), steps(2, 5, 9)});
