@@ -27,7 +27,7 @@ auto TaskProcessor::processAllTasks(StoreContext& context, qz::Moment now) -> Re
       continue;
     }
     if (!isActive(*task)) continue;
-    const auto result = TaskProcessorSingleTaskOperation(context, *task, calendars_, recorder_, now).run();
+    const auto result = operation(context, *task, now).run();
     ++report.tasks;
     if (result.taskWasUpdated) ++report.changed;
     report.filledIn += result.filledIn;
@@ -37,8 +37,17 @@ auto TaskProcessor::processAllTasks(StoreContext& context, qz::Moment now) -> Re
 }
 
 void TaskProcessor::process(StoreContext& context, TaskEntity& task, qz::Moment now) {
-  if (clockCanBeRight(context, now))
-    TaskProcessorSingleTaskOperation(context, task, calendars_, recorder_, now).runInUnit();
+  if (clockCanBeRight(context, now)) operation(context, task, now).runInUnit();
+}
+
+TaskProcessorSingleTaskOperation TaskProcessor::operation(StoreContext& context, TaskEntity& task, qz::Moment now) {
+  return {{.calendars = calendars_, .recorder = recorder_, .health = nullptr, .sharedTasks = sharedTasks_},
+          context,
+          task,
+          TaskModifyContext::systemInitiatedFromDeviceActivityExtension,
+          LayoutDirection::leftToRight,
+          true,
+          now};
 }
 
 bool TaskProcessor::isDue(StoreContext& context, qz::Moment now) const {

@@ -46,9 +46,11 @@ class TaskProcessor {
   /// A clock that is more than a day behind the newest transaction is wrong: filling in or deleting by it could cost
   /// what a person recorded.
   [[nodiscard]] static bool clockCanBeRight(StoreContext& context, qz::Moment now);
+  [[nodiscard]] TaskProcessorSingleTaskOperation operation(StoreContext& context, TaskEntity& task, qz::Moment now);
 
   const TaskCalendars& calendars_;
   TaskLogRecorder& recorder_;
+  OutboxTaskLink sharedTasks_{OutboxLink::sharedTask};
 };
 
 }  // namespace habitra

@@ -25,14 +25,33 @@ bool wasProcessedToday(const TaskEntity& task, const TaskAssessment& assessment)
 
 }  // namespace
 
-TaskProcessorSingleTaskOperation::TaskProcessorSingleTaskOperation(StoreContext& managedObjectContext, TaskEntity& task,
-                                                                   const TaskCalendars& calendars,
-                                                                   TaskLogRecorder& recorder, qz::Moment now)
-    : managedObjectContext_(managedObjectContext), task_(task), calendars_(calendars), recorder_(recorder), now_(now) {}
+TaskProcessorSingleTaskOperation::ProcessorError::ProcessorError(Reason reason)
+    : qz::Error("Task is already being processed"), reason_(reason) {}
+
+TaskProcessorSingleTaskOperation::TaskProcessorSingleTaskOperation(
+    const Environment& environment, StoreContext& managedObjectContext, TaskEntity& task, TaskModifyContext context,
+    LayoutDirection layoutDirection, bool canUpdateSharedTasksOnCloud, qz::Moment now,
+    std::optional<qz::Moment> lastProcessedHere, qz::QZHKChanges healthChanges)
+    : environment_(environment),
+      managedObjectContext_(managedObjectContext),
+      task_(task),
+      context_(context),
+      layoutDirection_(layoutDirection),
+      canUpdateSharedTasksOnCloud_(canUpdateSharedTasksOnCloud),
+      now_(now),
+      lastProcessedHere_(lastProcessedHere),
+      healthChanges_(std::move(healthChanges)) {}
+
+TaskClaim TaskProcessorSingleTaskOperation::claim() const {
+  auto claim = TaskClaim::make(managedObjectContext_.storeIdentifier(), task_.objectID);
+  if (!claim) throw ProcessorError(ProcessorError::Reason::taskAlreadyBeingProcessed);
+  return *std::move(claim);
+}
 
 auto TaskProcessorSingleTaskOperation::run() -> Result {
+  const TaskClaim claimed = claim();
   const std::int64_t readAt = managedObjectContext_.sequence();
-  TaskAssessment assessment = assess(managedObjectContext_, task_, calendars_, now_);
+  TaskAssessment assessment = assess(managedObjectContext_, task_, environment_.calendars, now_);
   if (!hasSomethingToWrite(assessment)) return {};
 
   const ObjectID objectID = task_.objectID;
@@ -42,7 +61,7 @@ auto TaskProcessorSingleTaskOperation::run() -> Result {
       managedObjectContext_.rollback();
       return {};
     }
-    assessment = assess(managedObjectContext_, task_, calendars_, now_);
+    assessment = assess(managedObjectContext_, task_, environment_.calendars, now_);
   }
   const Result result = apply(assessment);
   managedObjectContext_.save({.author = Author::app});
@@ -51,7 +70,8 @@ auto TaskProcessorSingleTaskOperation::run() -> Result {
 
 auto TaskProcessorSingleTaskOperation::runInUnit() -> Result {
   qz::require(managedObjectContext_.isInUnit(), "a task is processed inside a unit");
-  const TaskAssessment assessment = assess(managedObjectContext_, task_, calendars_, now_);
+  const TaskClaim claimed = claim();
+  const TaskAssessment assessment = assess(managedObjectContext_, task_, environment_.calendars, now_);
   return hasSomethingToWrite(assessment) ? apply(assessment) : Result{};
 }
 
@@ -95,7 +115,7 @@ void TaskProcessorSingleTaskOperation::processSkipAndMiss(const TaskAssessment& 
                                   .startDate = start,
                                   .endDate = start});
   }
-  recorder_.recordNow(task_, request);
+  environment_.recorder.recordNow(task_, request);
 }
 
 void TaskProcessorSingleTaskOperation::removeFutureEntries(const TaskAssessment& assessment) {

@@ -1,4 +1,5 @@
 #include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Tasks/TaskClaim.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
 
 #include "TaskWorld.h"
@@ -58,6 +59,19 @@ TEST_F(Processor, APassThatFindsNothingNewWritesNothing) {
   EXPECT_EQ(process().changed, 0u);
   EXPECT_EQ(context_->sequence(), sequence);
   EXPECT_EQ(figures(task).lastUpdated, lastUpdated);
+}
+
+TEST_F(Processor, OneTaskIsProcessedOnceAtATime) {
+  TaskEntity& task = addTask();
+  TaskEntity& other = addTask("Other");
+  {
+    const auto elsewhere = TaskClaim::make(context_->storeIdentifier(), task.objectID);
+    EXPECT_THROW(process(), TaskProcessorSingleTaskOperation::ProcessorError);
+    EXPECT_FALSE(TaskClaim::make(context_->storeIdentifier(), task.objectID));
+    EXPECT_TRUE(TaskClaim::make(context_->storeIdentifier(), other.objectID));
+    EXPECT_TRUE(TaskClaim::make("another store", task.objectID));
+  }
+  EXPECT_EQ(process().changed, 2u);
 }
 
 TEST_F(Processor, ATaskToAvoidIsNotFilledInWhenClean) {
