@@ -58,14 +58,21 @@ TEST(Histories, BeginAndAreFilledInFromTheSameDayOnEveryPass) {
   const qz::YYYYMMDD creation(2024, 1, 20);
   const qz::YYYYMMDD today(2024, 1, 31);
   const auto fillFrom = [&](std::optional<qz::YYYYMMDD> earliest, std::optional<qz::YYYYMMDD> processed) {
-    return HistoryScope::of(creation, earliest, processed, today).fillFrom;
+    return HistoryScope::of(creation, {earliest, earliest}, processed, today).fillFrom;
   };
   EXPECT_EQ(fillFrom({}, {}), creation);
   EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), {}), qz::YYYYMMDD(2024, 1, 25));
   EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), qz::YYYYMMDD(2024, 1, 22)), qz::YYYYMMDD(2024, 1, 25))
       << "a later pass begins nowhere before the first";
   EXPECT_EQ(fillFrom(qz::YYYYMMDD(2024, 1, 25), qz::YYYYMMDD(2024, 1, 29)), qz::YYYYMMDD(2024, 1, 29));
-  EXPECT_EQ(HistoryScope::of(creation, qz::YYYYMMDD(2024, 1, 3), {}, today).created, qz::YYYYMMDD(2024, 1, 3));
+  const qz::YYYYMMDD early(2024, 1, 3);
+  EXPECT_EQ(HistoryScope::of(creation, {early, early}, {}, today).created, early);
+
+  // A day that was unchecked begins what is filled in, but no history.
+  EXPECT_EQ(HistoryScope::of(creation, {creation, qz::YYYYMMDD(2024, 1, 25)}, {}, today).fillFrom, creation);
+  const HistoryScope unchecked = HistoryScope::of(creation, {early, {}}, {}, today);
+  EXPECT_EQ(unchecked.created, creation);
+  EXPECT_EQ(unchecked.fillFrom, creation);
 }
 
 TEST(Histories, ThatBeginAfterTodayAreEmpty) {

@@ -24,8 +24,9 @@ void applySettings(Scenario& scenario, Settings settings) {
   scenario.rules = takeRules(settings);
   // The log is in order of days.
   const auto first = std::ranges::find_if(scenario.log, marksHistory, &LoggedEntry::entryType);
-  std::optional<qz::YYYYMMDD> logBegins;
-  if (first != scenario.log.end()) logBegins = qz::YYYYMMDD::fromRawValue(first->entryDate);
+  HistoryScope::LogBeginning logBegins;
+  if (!scenario.log.empty()) logBegins.firstEntryDay = qz::YYYYMMDD::fromRawValue(scenario.log.front().entryDate);
+  if (first != scenario.log.end()) logBegins.firstKeptDay = qz::YYYYMMDD::fromRawValue(first->entryDate);
   const qz::YYYYMMDD created = day(take(settings, "created"));
   std::optional<qz::YYYYMMDD> filled;
   if (settings.contains("filled")) filled = day(take(settings, "filled"));

@@ -75,7 +75,7 @@ class TappedLog {
     return rules_.frequency.period(dayOf(day), rules_.firstDayOfWeek, rules_.referenceDate).period;
   }
   [[nodiscard]] HistoryWalk walkUntil(std::int32_t today) const {
-    return {rules_, HistoryScope::of({2024, 1, 1}, std::nullopt, std::nullopt, dayOf(today))};
+    return {rules_, HistoryScope::of({2024, 1, 1}, {}, std::nullopt, dayOf(today))};
   }
 
   void add(LoggedEntry entry, std::int32_t day) {

@@ -1,6 +1,7 @@
 #include <HabitraCore/FutureEntries.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/LogWalk.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
@@ -94,18 +95,21 @@ std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
   return day && *day >= earliestDay ? day : std::nullopt;
 }
 
-/// The day of the earliest entry that says the task was being kept, up to `today`.
-std::optional<std::int32_t> firstKeptDay(StoreContext& context, const TaskEntity& task, std::int32_t today) {
+/// Where the task's log begins, up to `today`.
+HistoryScope::LogBeginning beginningOfLog(StoreContext& context, const TaskEntity& task, std::int32_t today) {
+  HistoryScope::LogBeginning log;
   const auto earliest = context.earliestEntryDay(task.objectID);
-  if (!earliest || *earliest > today) return std::nullopt;
-  std::optional<std::int32_t> first;
+  if (!earliest || *earliest > today) return log;
   const auto look = [&](const LogRow& row) {
-    if (!first && marksHistory(entryTypeFromStored(row.entryType)) && existingDay(row.entryDate)) first = row.entryDate;
+    if (log.firstKeptDay) return;
+    const auto day = existingDay(row.entryDate);
+    if (!log.firstEntryDay) log.firstEntryDay = day;
+    if (marksHistory(entryTypeFromStored(row.entryType))) log.firstKeptDay = day;
   };
   // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
   context.readLog(task.objectID, *earliest, *earliest, look);
-  if (!first) context.readLog(task.objectID, *earliest, today, look);
-  return first;
+  if (!log.firstKeptDay) context.readLog(task.objectID, *earliest, today, look);
+  return log;
 }
 
 /// What the log holds beyond today.
@@ -149,47 +153,13 @@ qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, q
 HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
   const TaskCalendar& calendar = assessment.calendar;
   const qz::YYYYMMDD today = assessment.today;
-  const auto first = firstKeptDay(context, task, storedDay(today));
   std::optional<qz::YYYYMMDD> processedThrough;
   if (task.lastProcessedDate)
     processedThrough = std::min(calendar.day(*task.lastProcessedDate), today).add(-fillInOverlap);
-  HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today), first ? existingDay(*first) : std::nullopt,
-                                        processedThrough, today);
+  HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today),
+                                        beginningOfLog(context, task, storedDay(today)), processedThrough, today);
   scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
   return scope;
-}
-
-/// A day that the zone left out altogether (Apia had no 30 December 2011) held no moment to do anything in: it is a
-/// skip.
-bool wasLeftOut(qz::YYYYMMDD day, const TaskCalendar& calendar) { return calendar.day(calendar.beginning(day)) != day; }
-
-/// Turns the misses that the walk would fill in for days the zone left out into skips, by walking again with these.
-template <typename Walk>
-HistoryResult walkWithoutLeftOutDays(const Walk& walk, std::vector<LoggedEntry> entries, const TaskCalendar& calendar) {
-  HistoryResult result = walk(entries);
-  std::vector<FillIn> skips;
-  for (const FillIn& fillIn : result.fillIns) {
-    if (fillIn.period.periodType == TaskFrequencyPeriodType::day && wasLeftOut(fillIn.period.startDate, calendar))
-      skips.push_back({fillIn.period, TaskLogEntryType::skippedAutomaticallyFull});
-  }
-  if (skips.empty()) return result;
-
-  const auto byDay = [](const auto& a, const auto& b) { return a.entryDate < b.entryDate; };
-  for (const FillIn& skip : skips) {
-    const std::int32_t day = storedDay(skip.period.startDate);
-    entries.push_back({.order = std::numeric_limits<std::int64_t>::max(),
-                       .entryDate = day,
-                       .periodFrom = day,
-                       .periodTo = day,
-                       .entryType = skip.entryType,
-                       .periodType = skip.period.periodType});
-  }
-  std::stable_sort(entries.begin(), entries.end(), byDay);
-  result = walk(entries);
-  result.fillIns.insert(result.fillIns.end(), skips.begin(), skips.end());
-  std::stable_sort(result.fillIns.begin(), result.fillIns.end(),
-                   [](const FillIn& a, const FillIn& b) { return a.period.startDate < b.period.startDate; });
-  return result;
 }
 
 /// Whether the checkpoint of a walk is worth keeping, when the walk was begun after `begun`.
@@ -198,28 +168,16 @@ bool isWorthKeeping(const HistoryResult& history, std::optional<qz::YYYYMMDD> be
   return begun && closedThrough && begun->distance(*closedThrough) > checkpointPatience;
 }
 
-void walkHistory(StoreContext& context, const TaskEntity& task, std::span<const LoggedEntry> ahead,
+void walkHistory(StoreContext& context, const TaskEntity& task, std::vector<LoggedEntry> ahead,
                  TaskAssessment& assessment) {
   const HistoryScope scope = scopeOf(context, task, assessment);
-  const HistoryWalk walk(*assessment.rules, scope);
-  const auto read = [&](std::int32_t from) {
-    std::vector<LoggedEntry> entries = readEntries(context, task, from, storedDay(scope.today));
-    entries.insert(entries.end(), ahead.begin(), ahead.end());
-    return entries;
-  };
-
-  const auto checkpoint = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
-  if (checkpoint && walk.canResume(*checkpoint)) {
-    assessment.history =
-        walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.resume(*checkpoint, entries); },
-                               read(checkpoint->closedThrough + 1), assessment.calendar);
-    assessment.checkpointIsStale = isWorthKeeping(*assessment.history, dayFromStored(checkpoint->closedThrough));
-  } else {
-    assessment.history =
-        walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.walk(entries); },
-                               read(StoreContext::firstDay), assessment.calendar);
-    assessment.checkpointIsStale = isWorthKeeping(*assessment.history, scope.created);
-  }
+  auto begin = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
+  if (begin && !HistoryWalk(*assessment.rules, scope).canResume(*begin)) begin.reset();
+  LogWalk walk(context, task.objectID, *assessment.rules, assessment.calendar, storedDay(scope.today),
+               std::move(ahead));
+  assessment.history = walk.run(scope, begin);
+  assessment.checkpointIsStale =
+      isWorthKeeping(*assessment.history, begin ? dayFromStored(begin->closedThrough) : scope.created);
 }
 
 }  // namespace
@@ -233,7 +191,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   assessment.rules = rulesOf(context, task);
   if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
-  if (assessment.rules) walkHistory(context, task, later.ahead, assessment);
+  if (assessment.rules) walkHistory(context, task, std::move(later.ahead), assessment);
   return assessment;
 }
 
@@ -243,14 +201,10 @@ std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task,
   const auto rules = rulesOf(context, task);
   if (!rules || day < earliestDay || !HistoryWalk::supports(rules->frequency)) return {};
   const std::int32_t lastDay = storedDay(day.previousDay());
-  const auto first = firstKeptDay(context, task, lastDay);
   HistoryScope scope =
-      HistoryScope::of(creationDay(task, calendar, day), first ? existingDay(*first) : std::nullopt, std::nullopt, day);
+      HistoryScope::of(creationDay(task, calendar, day), beginningOfLog(context, task, lastDay), std::nullopt, day);
   scope.fillFrom = from;
-  const HistoryWalk walk(*rules, scope);
-  return walkWithoutLeftOutDays([&](std::span<const LoggedEntry> entries) { return walk.walk(entries); },
-                                readEntries(context, task, StoreContext::firstDay, lastDay), calendar)
-      .fillIns;
+  return LogWalk(context, task.objectID, *rules, calendar, lastDay).run(scope, std::nullopt).fillIns;
 }
 
 std::vector<Retyping> retypings(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,

@@ -204,7 +204,7 @@ std::optional<TaskLogEntryEntity> TaskRewind::firstEntry(ObjectID task, bool orF
   const auto earliest = context_.earliestEntryDay(task);
   if (!earliest) return std::nullopt;
   const auto first = firstRow(context_, task, *earliest, [orFilledIn](TaskLogEntryType type) {
-    return marksHistory(type) && (orFilledIn || !followsFromEarlierDays(type));
+    return orFilledIn || !followsFromEarlierDays(type);
   });
   return first ? context_.findLogEntry(*first) : std::nullopt;
 }

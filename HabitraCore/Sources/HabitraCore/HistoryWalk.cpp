@@ -42,12 +42,13 @@ void put(TaskRecentHistory& history, const TaskFrequencyPeriod& period, Calendar
 
 }  // namespace
 
-HistoryScope HistoryScope::of(const qz::YYYYMMDD& creationDay, const std::optional<qz::YYYYMMDD>& earliestEntryDay,
+HistoryScope HistoryScope::of(const qz::YYYYMMDD& creationDay, const LogBeginning& log,
                               const std::optional<qz::YYYYMMDD>& processedThrough, const qz::YYYYMMDD& today) {
   HistoryScope scope;
   scope.today = today;
-  scope.created = std::min(creationDay, earliestEntryDay.value_or(creationDay));
-  const qz::YYYYMMDD firstFilled = earliestEntryDay.value_or(creationDay);
+  scope.created = std::min(creationDay, log.firstKeptDay.value_or(creationDay));
+  // A day that was unchecked again lies in the history only where that begins no later.
+  const qz::YYYYMMDD firstFilled = std::max(log.firstEntryDay.value_or(creationDay), scope.created);
   scope.fillFrom = std::max(firstFilled, processedThrough.value_or(firstFilled));
   return scope;
 }

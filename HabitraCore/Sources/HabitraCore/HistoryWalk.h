@@ -50,12 +50,16 @@ struct HistoryScope {
   /// firstSampledDay().
   std::optional<qz::YYYYMMDD> checkpointDay;
 
-  /// The days of a task that was made on `creationDay`. `earliestEntryDay` is the entryDate of its earliest entry that
-  /// marksHistory(), `processedThrough` the day of the last pass over it. The first pass fills in from the earliest
-  /// entry on, without one from the creation day; later ones from where the last one was, but never from an earlier day
-  /// than the first.
-  [[nodiscard]] static HistoryScope of(const qz::YYYYMMDD& creationDay,
-                                       const std::optional<qz::YYYYMMDD>& earliestEntryDay,
+  /// Where a log begins; both are none where it is empty.
+  struct LogBeginning {
+    std::optional<qz::YYYYMMDD> firstEntryDay{};  ///< the entryDate of its earliest entry, whatever that says
+    std::optional<qz::YYYYMMDD> firstKeptDay{};   ///< that of its earliest entry that marksHistory()
+  };
+
+  /// The days of a task that was made on `creationDay`. `processedThrough` is the day of the last pass over it. The
+  /// first pass fills in from the earliest entry on, without one from the creation day; later ones from where the last
+  /// one was, but never from an earlier day than the first.
+  [[nodiscard]] static HistoryScope of(const qz::YYYYMMDD& creationDay, const LogBeginning& log,
                                        const std::optional<qz::YYYYMMDD>& processedThrough, const qz::YYYYMMDD& today);
 };
 
