@@ -18,7 +18,7 @@ const Values* dictionary(const Values& values) {
 }  // namespace
 
 LastProcessedDates::Dates LastProcessedDates::read() const {
-  const Values values = defaults_->values();
+  const Values values = defaults_.values();
   Dates dates;
   if (const Values* kept = dictionary(values))
     for (const auto& [task, date] : *kept)
@@ -28,7 +28,7 @@ LastProcessedDates::Dates LastProcessedDates::read() const {
 
 void LastProcessedDates::merge(const Dates& processed) {
   if (processed.empty()) return;
-  defaults_->update([&](Values& values) {
+  defaults_.update([&](Values& values) {
     const Values* kept = dictionary(values);
     Values dates = kept ? *kept : Values();
     for (const auto& [task, date] : processed) dates.insert_or_assign(task, date);
@@ -41,7 +41,7 @@ void LastProcessedDates::removeStale(const std::set<std::string>& tasks) {
   const Dates dates = read();
   if (std::none_of(dates.begin(), dates.end(), isStale)) return;
   qz::log::info("Removing stale entries");
-  defaults_->update([&](Values& values) {
+  defaults_.update([&](Values& values) {
     const Values* kept = dictionary(values);
     Values present = kept ? *kept : Values();
     std::erase_if(present, isStale);

@@ -25,8 +25,7 @@ class LastProcessedDates {
   static constexpr std::string_view key = "tp.lastProcessed";
   using Dates = std::map<std::string, qz::Moment, std::less<>>;
 
-  explicit LastProcessedDates(std::shared_ptr<KeyValueDefaults> standardDefaults)
-      : defaults_(std::move(standardDefaults)) {}
+  explicit LastProcessedDates(KeyValueDefaults& standardDefaults) : defaults_(standardDefaults) {}
 
   /// All of them. Throws StoreError.
   [[nodiscard]] Dates read() const;
@@ -38,7 +37,7 @@ class LastProcessedDates {
   void removeStale(const std::set<std::string>& tasks);
 
  private:
-  std::shared_ptr<KeyValueDefaults> defaults_;
+  KeyValueDefaults& defaults_;
 };
 
 }  // namespace habitra

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 
 namespace habitra {
 
@@ -11,6 +12,8 @@ struct TaskProcessorReport {
   std::size_t filledIn = 0;  ///< automatic entries added
   std::size_t removed = 0;   ///< entries of the future deleted
   std::size_t decided = 0;   ///< tasks for which health data completed or failed a period
+  /// What went wrong first, for a task or with the pass; null for nothing. It is in the log, too.
+  std::exception_ptr failure = nullptr;
 
   friend bool operator==(const TaskProcessorReport&, const TaskProcessorReport&) = default;
 };

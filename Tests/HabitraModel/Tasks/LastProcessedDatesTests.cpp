@@ -10,11 +10,11 @@ TEST(LastProcessedDatesTest, FollowThePassesAndLetGoOfTasksThatAreGone) {
   const auto defaults = KeyValueDefaults::inMemory();
   const qz::Moment noon = std::chrono::sys_days(std::chrono::year(2024) / 1 / 31) + std::chrono::hours(12);
   defaults->set("other", std::int64_t{1});
-  LastProcessedDates dates(defaults);
+  LastProcessedDates dates(*defaults);
   EXPECT_TRUE(dates.read().empty());
   dates.merge({{"A", noon}, {"B", noon}});
   dates.merge({{"B", noon + std::chrono::hours(24)}, {"C", noon}});
-  EXPECT_EQ(LastProcessedDates(defaults).read(),
+  EXPECT_EQ(LastProcessedDates(*defaults).read(),
             (LastProcessedDates::Dates{{"A", noon}, {"B", noon + std::chrono::hours(24)}, {"C", noon}}));
   dates.removeStale({"C", "D"});
   EXPECT_EQ(dates.read(), (LastProcessedDates::Dates{{"C", noon}}));

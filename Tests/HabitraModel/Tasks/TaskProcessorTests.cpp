@@ -1,6 +1,7 @@
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/TaskClaim.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
+#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
 
 #include "TaskWorld.h"
 
@@ -66,7 +67,11 @@ TEST_F(Processor, OneTaskIsProcessedOnceAtATime) {
   TaskEntity& other = addTask("Other");
   {
     const auto elsewhere = TaskClaim::make(context_->storeIdentifier(), task.objectID);
-    EXPECT_THROW(process(), TaskProcessorSingleTaskOperation::ProcessorError);
+    TaskProcessorSingleTaskOperation operation(
+        {.calendars = calendars_, .recorder = recorder_, .health = nullptr, .sharedTasks = receivers_.sharedTasks},
+        *context_, task, TaskModifyContext::userInitiatedFromMainApp, LayoutDirection::leftToRight, true,
+        clock_->now());
+    EXPECT_THROW(operation.run(), TaskProcessorSingleTaskOperation::ProcessorError);
     EXPECT_FALSE(TaskClaim::make(context_->storeIdentifier(), task.objectID));
     EXPECT_TRUE(TaskClaim::make(context_->storeIdentifier(), other.objectID));
     EXPECT_TRUE(TaskClaim::make("another store", task.objectID));

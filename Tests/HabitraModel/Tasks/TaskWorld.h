@@ -92,7 +92,11 @@ class TaskWorld : public testing::Test {
   qz::MainQueue mainQueue_;
   TestReceivers receivers_;
   TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  TaskProcessor processor_{calendars_, recorder_};
+  TaskProcessor processor_{{.dataManager = manager_,
+                            .mainQueue = mainQueue_,
+                            .receivers = receivers_.all(),
+                            .calendars = [this](StoreContext&) { return calendars_; },
+                            .viewContext = [this] { return context_.get(); }}};
 };
 
 }  // namespace habitra

@@ -9,7 +9,7 @@
 #include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskNotifications.h>
-#include <HabitraModel/Tasks/TaskProcessor.h>
+#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
 #include <QZKit/MainQueue.h>
 
 #include <fmt/format.h>
@@ -283,14 +283,18 @@ TEST_F(UndoObstaclesTest, WithTheProcessorAllIsAsItWasInAFile) {
   qz::MainQueue mainQueue;
   TestReceivers receivers;
   TaskLogRecorder recorder(calendars_, mainQueue, receivers.all());
-  TaskProcessor processor(calendars_, recorder);
+  const TaskProcessorSingleTaskOperation::Environment environment{
+      .calendars = calendars_, .recorder = recorder, .health = nullptr, .sharedTasks = receivers.sharedTasks};
   TaskEntity& task = add("Walk");
   task.created = testMoment - std::chrono::days(9);
   task.createdTimeZone = "UTC";
   setFrequency(task, {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 2});
   const auto process = [&] {
     context_->beginUnit();
-    processor.process(*context_, task, clock_->now());
+    TaskProcessorSingleTaskOperation(environment, *context_, task,
+                                     TaskModifyContext::systemInitiatedFromDeviceActivityExtension,
+                                     LayoutDirection::leftToRight, true, clock_->now())
+        .runInUnit();
   };
   const auto log = [&] {
     std::vector<std::string> lines;

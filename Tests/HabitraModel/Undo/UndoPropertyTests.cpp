@@ -244,7 +244,12 @@ class Life {
   qz::MainQueue mainQueue_;
   TestReceivers receivers_;
   TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  TaskProcessor processor_{calendars_, recorder_};
+  DataManager manager_{DataManager::ContainerLocation::inMemory(), clock_};
+  TaskProcessor processor_{{.dataManager = manager_,
+                            .mainQueue = mainQueue_,
+                            .receivers = receivers_.all(),
+                            .calendars = [this](StoreContext&) { return calendars_; },
+                            .viewContext = [this] { return context_.get(); }}};
   UndoStack stack_{calendars_};
 };
 
