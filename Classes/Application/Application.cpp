@@ -15,7 +15,8 @@ Application::Application(ApplicationSettings settings) : rooms_(std::make_unique
 Application::~Application() = default;
 
 qz::YYYYMMDD Application::today() {
-  (void)rooms_->readingContext();  // knows when the day begins
+  // The store knows when the day begins.
+  if (rooms_->readingContext() == nullptr) rooms_->followTimeZone();
   return rooms_->calendars.ofDevice().day(rooms_->now());
 }
 
@@ -43,8 +44,9 @@ std::vector<HabitSummary> Application::list() {
 ProcessReport Application::process() {
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) return {};
-  const TaskProcessor::Report report = rooms_->processor.processAllTasks(*context, rooms_->now());
+  const TaskProcessorReport report = rooms_->pass();
   rooms_->trimHistory(*context);
+  if (report.failure) std::rethrow_exception(report.failure);
   return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
 }
 
@@ -52,14 +54,20 @@ void Application::processIfDue() noexcept {
   try {
     StoreContext* context = rooms_->readingContext();
     if (context == nullptr || context->store().isReadOnly()) return;
-    if (rooms_->processor.isDue(*context, rooms_->now()) &&
-        rooms_->processor.processAllTasks(*context, rooms_->now()).changed > 0)
-      rooms_->widgets.reloadAllTimelines();
-    if (rooms_->widgets.isOutdated()) rooms_->widgets.write(today(), list());
+    rooms_->processor.runDueBackgroundTasks(rooms_->now());
+    if (rooms_->processor.isDue(*context, rooms_->now())) (void)rooms_->pass();
     // When a person has marked all habits today, no pass is due, yet history grows.
     rooms_->trimHistory(*context);
   } catch (const std::exception& error) {
     qz::log::warning("The pass after the answer could not be made: {}", error.what());
+  }
+}
+
+void Application::refreshWidgets() noexcept {
+  try {
+    if (rooms_->widgets.isOutdated()) rooms_->widgets.write(today(), list());
+  } catch (const std::exception& error) {
+    qz::log::warning("The snapshot for panels could not be written: {}", error.what());
   }
 }
 

@@ -11,6 +11,7 @@
 #include <QZKit/UniqueID.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <memory>
@@ -29,8 +30,9 @@ struct TaskEntity;
 struct ApplicationSettings {
   std::filesystem::path home;              ///< the Habitra home; made when something is first written
   std::shared_ptr<const qz::Clock> clock;  ///< where "now" comes from
-  qz::TimeZone timeZone;                   ///< the device's zone: days of tasks without a zone of their own
-  bool timeIsGiven = false;                ///< "now" need not have come: then nothing goes because it is old
+  /// The device's zone: days of tasks without a zone of their own. None: the system's, whichever that is at the time.
+  std::optional<qz::TimeZone> timeZone;
+  bool timeIsGiven = false;  ///< "now" need not have come: then nothing goes because it is old
 };
 
 /// What became of one habit that a person marked.
@@ -97,9 +99,10 @@ class Application {
   /// The day that "now" belongs to, in the device's zone and by the app-wide start of day.
   [[nodiscard]] qz::YYYYMMDD today();
 
-  /// A new habit: to do, on the first page, as often as the setting "default-frequency" says.
-  /// Throws qz::Error for a title that is empty, longer than 500 bytes, not UTF-8 or has control characters.
-  HabitSummary add(std::string_view title);
+  /// A new habit: to do, on the first page, as often as the setting "default-frequency" says, and done so many times in
+  /// a row before today. Throws qz::Error for a title that is empty, longer than 500 bytes, not UTF-8 or has control
+  /// characters, and for a streak that is below 0 or longer than 10,000.
+  HabitSummary add(std::string_view title, std::int64_t streak = 0);
 
   /// Marks the period of these habits that holds `day` (none: the today of each) done. Names are all looked up before
   /// anything is recorded. Throws qz::Error when the day lies in the future of one of them.
@@ -113,20 +116,24 @@ class Application {
   HabitSummary undo(std::string_view name, std::optional<qz::YYYYMMDD> day);
 
   /// Brings every active habit up to date: fills in the days that are over, stores the figures. At most once a day what
-  /// history nobody needs any more goes, too.
+  /// history nobody needs any more goes, too. When a habit could not be, the others are, and the first such failure is
+  /// thrown then.
   ProcessReport process();
 
-  /// The same after a call that only looked, when the day has changed since the last pass. Never throws: what could not
-  /// be done now is done next time.
+  /// The same after a call that only looked, when the day has changed since the last pass or something that was put off
+  /// is due. Never throws: what could not be done now is done next time.
   void processIfDue() noexcept;
+
+  /// Writes the snapshot that desktop panels show, when something was changed since it was written. Never throws.
+  void refreshWidgets() noexcept;
 
   /// Reads a nine-column history from `stream`, merges it into the store and brings the habits up to date. `name` is
   /// what errors call the stream. All or nothing.
   ImportOutcome importHistory(std::istream& stream, std::string_view name);
   ImportOutcome importHistory(const std::filesystem::path& file);
 
-  /// Reads health samples in six columns from `stream` into the store of samples; the same ones twice change nothing.
-  /// `name` is what errors call the stream. All or nothing.
+  /// Reads health samples in six columns from `stream` into the store of samples, and brings the habits up to date that
+  /// such data complete; the same ones twice change nothing. `name` is what errors call the stream. All or nothing.
   HealthImportOutcome importHealthSamples(std::istream& stream, std::string_view name);
   HealthImportOutcome importHealthSamples(const std::filesystem::path& file);
 
@@ -156,6 +163,8 @@ class Application {
                            std::optional<qz::YYYYMMDD> day);
   Marked markOne(StoreContext& context, TaskEntity& task, TaskLogEntryType type, std::optional<qz::YYYYMMDD> day);
 
+  /// What an import of samples came to, once the habits have followed it.
+  HealthImportOutcome healthImportOutcome(std::size_t added, std::size_t left);
   ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name);
 
   std::unique_ptr<Rooms> rooms_;

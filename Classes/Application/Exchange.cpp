@@ -18,8 +18,12 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
   TaskDataImporter importer(*context,
                             {.calendars = rooms_->calendars, .firstDayOfWeek = firstDayOfWeek, .now = rooms_->now()});
   ImportOutcome outcome;
-  outcome.report = importer.importBackup(document, ImportStrategy::merge,
-                                         {.author = Author::app, .command = fmt::format("import '{}'", name)});
+  {
+    const TaskProcessor::BulkDataUpdate bulk(rooms_->processor);
+    outcome.report = importer.importBackup(document, ImportStrategy::merge,
+                                           {.author = Author::app, .command = fmt::format("import '{}'", name)});
+  }
+  rooms_->widgets.reloadAllTimelines();
   try {
     outcome.processed = process();
   } catch (const qz::Error& error) {
@@ -39,12 +43,18 @@ ImportOutcome Application::importHistory(const std::filesystem::path& file) {
 
 HealthImportOutcome Application::importHealthSamples(std::istream& stream, std::string_view name) {
   const SampleStore::Saved saved = habitra::importHealthSamples(stream, name, rooms_->health);
-  return {.added = saved.added, .left = saved.left};
+  return healthImportOutcome(saved.added, saved.left);
 }
 
 HealthImportOutcome Application::importHealthSamples(const std::filesystem::path& file) {
   const SampleStore::Saved saved = habitra::importHealthSamples(file, rooms_->health);
-  return {.added = saved.added, .left = saved.left};
+  return healthImportOutcome(saved.added, saved.left);
+}
+
+HealthImportOutcome Application::healthImportOutcome(std::size_t added, std::size_t left) {
+  // What goes wrong in the pass is logged; the samples are stored all the same, and the next one catches up.
+  if (added > 0) rooms_->processAutomaticTasks();
+  return {.added = added, .left = left};
 }
 
 ExportOutcome Application::exportHistory(std::ostream& stream) {

@@ -95,7 +95,7 @@ std::string commandText(std::string_view verb, const std::vector<TaskEntity*>& t
 
 }  // namespace
 
-HabitSummary Application::add(std::string_view title) {
+HabitSummary Application::add(std::string_view title, std::int64_t streak) {
   std::string text = trimmed(title);
   checkTitle(text);
   const auto context = rooms_->contextToWrite();
@@ -110,11 +110,11 @@ HabitSummary Application::add(std::string_view title) {
   setFrequency(values, settings.get(settings::defaultFrequency));
   values.uniqueId = rooms_->manager.generateUniqueTaskId(*context, qz::UniqueID::generate(now)).text();
   values.displayOrder = StoredPages(*context).nextDisplayOrder(TaskPageNumber::first());
-  TaskEntity& task = context->insert(values);
-  rooms_->processor.process(*context, task, now);
-  context->save({.author = Author::app, .command = commandText("add", {&task})});
-  rooms_->widgets.reloadAllTimelines();
-  return rooms_->summarize(*context, task);
+  rooms_->waitFor([&](const TaskProcessor::ChangeCompletion& completion) {
+    rooms_->processor.createTasksPopulateInitialStreak(*context, {{.values = values, .initialStreak = streak}},
+                                                       completion);
+  });
+  return rooms_->summarize(*context, *context->find<TaskEntity>("uniqueId", *values.uniqueId));
 }
 
 std::vector<Marked> Application::mark(std::string_view verb, TaskLogEntryType type,

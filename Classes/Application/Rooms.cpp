@@ -9,6 +9,7 @@
 #include <QZLog/Log.h>
 
 #include <exception>
+#include <set>
 
 namespace habitra {
 namespace {
@@ -24,10 +25,15 @@ qz::UniqueID identifierOf(const TaskEntity& task) {
 Application::Rooms::Rooms(const ApplicationSettings& settings)
     : manager(DataManager::storeLocation(settings.home), settings.clock),
       health(settings.home),
-      calendars(settings.timeZone, qz::HHMMSS::midnight),
+      calendars(settings.timeZone ? *settings.timeZone : qz::TimeZone::current(), qz::HHMMSS::midnight),
       widgets(settings.home),
       recorder(calendars, mainQueue, {watch, sharedTasks, widgets}),
-      processor(calendars, recorder),
+      processor({.dataManager = manager,
+                 .mainQueue = mainQueue,
+                 .receivers = {watch, sharedTasks, widgets},
+                 .health = &health,
+                 .calendars = [this](StoreContext& context) { return calendarsSeenBy(context); },
+                 .viewContext = [this] { return readingContext(); }}),
       timeZone_(settings.timeZone),
       timeIsGiven_(settings.timeIsGiven) {}
 
@@ -58,8 +64,8 @@ std::unique_ptr<StoreContext> Application::Rooms::contextToWrite() {
 
 Settings Application::Rooms::settings(StoreContext* context) const { return {context, nullptr, nullptr}; }
 
-void Application::Rooms::followStartOfDay(StoreContext& context) {
-  calendars = TaskCalendars(timeZone_, settings(&context).get(settings::startOfDay));
+TaskCalendars Application::Rooms::calendarsSeenBy(StoreContext& context) const {
+  return {timeZone(), settings(&context).get(settings::startOfDay)};
 }
 
 HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEntity& task) {
@@ -116,10 +122,36 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
                                    .createdTimeZone = calendars.of(task).timeZone,
                                    .notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::immediate,
                                    .recordToHealthKitIfNecessary = true};
+  waitFor([&](const TaskLogRecorder::Completion& completion) { recorder.record(task, request, completion); });
+}
+
+void Application::Rooms::waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin) {
   std::exception_ptr failure;
-  recorder.record(task, request, [&failure](std::exception_ptr error) { failure = std::move(error); });
+  begin([&failure](std::exception_ptr error) { failure = std::move(error); });
   mainQueue.drain();
   if (failure) std::rethrow_exception(failure);
+}
+
+TaskProcessorReport Application::Rooms::pass() {
+  TaskProcessorReport report;
+  processor.applicationDidFinishLaunching(TaskProcessor::Lifetime::command,
+                                          [&report](const TaskProcessorReport& made) { report = made; });
+  processor.waitForPasses();
+  mainQueue.drain();
+  return report;
+}
+
+void Application::Rooms::processAutomaticTasks() noexcept {
+  try {
+    StoreContext* context = readingContext();
+    if (context == nullptr) return;
+    std::set<qz::UniqueID> tasks;
+    for (const TaskEntity* task : TaskProcessor::activeTasks(*context))
+      if (task->typeName) tasks.insert(identifierOf(*task));
+    if (!tasks.empty()) (void)processor.processTasks(tasks, LayoutDirection::leftToRight);
+  } catch (const std::exception& error) {
+    qz::log::warning("The pass over automatic habits could not be made: {}", error.what());
+  }
 }
 
 void Application::Rooms::trimHistory(StoreContext& context) noexcept {

@@ -11,6 +11,7 @@
 #include <HabitraModel/Tasks/TaskProcessor.h>
 #include <QZKit/MainQueue.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -36,6 +37,9 @@ class Application::Rooms {
   /// A context to change anything in, with the writers' turn taken; makes the store when there is none.
   [[nodiscard]] std::unique_ptr<StoreContext> contextToWrite();
 
+  /// Lets the calendars go by the device's zone where there is no store that knows more.
+  void followTimeZone() { calendars = TaskCalendars(timeZone(), qz::HHMMSS::midnight); }
+
   /// The settings as `context` sees them; null while there is no store.
   [[nodiscard]] Settings settings(StoreContext* context) const;
 
@@ -54,6 +58,15 @@ class Application::Rooms {
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
               qz::Moment startDate);
 
+  /// Begins something and waits for its completion. Throws what it failed with.
+  void waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin);
+
+  /// A full pass over the habits, however it is asked for first, and waits for it.
+  TaskProcessorReport pass();
+
+  /// A pass over the habits that something but their keeper completes. Throws nothing: what goes wrong is logged.
+  void processAutomaticTasks() noexcept;
+
   /// Lets go of history that nobody needs any more, at most once a day and never by a time that is given.
   /// Never throws: it can wait.
   void trimHistory(StoreContext& context) noexcept;
@@ -70,11 +83,14 @@ class Application::Rooms {
   TaskProcessor processor;
 
  private:
-  /// Lets the calendars go by the start of day in the store.
-  void followStartOfDay(StoreContext& context);
+  [[nodiscard]] qz::TimeZone timeZone() const { return timeZone_ ? *timeZone_ : qz::TimeZone::current(); }
+  /// When the days begin, by the settings as a context sees them; for any thread.
+  [[nodiscard]] TaskCalendars calendarsSeenBy(StoreContext& context) const;
+  /// Lets the calendars go by them.
+  void followStartOfDay(StoreContext& context) { calendars = calendarsSeenBy(context); }
 
-  qz::TimeZone timeZone_;
-  bool timeIsGiven_;
+  const std::optional<qz::TimeZone> timeZone_;
+  const bool timeIsGiven_;
   std::unique_ptr<StoreContext> readingContext_;
 };
 

@@ -55,6 +55,7 @@ void answer(const ParsedLine& line, StandardOutput& output) {
     const Command& command = line.command == nullptr ? todayCommand : *line.command;
     try {
       command.run(session, line.arguments);
+      session.finish();
     } catch (const UsageError& error) {
       throw UsageError(error.what(), command.verb);
     } catch (const TaskNameError& error) {

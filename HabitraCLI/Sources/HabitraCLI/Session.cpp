@@ -25,8 +25,8 @@ Session::Session(const GlobalOptions& options, StandardOutput& output)
       json_(options.json),
       timeIsGiven_(options.now.has_value()),
       home_(homeOf(options)),
-      timeZone_(options.timeZone ? timeZoneFromArgument(*options.timeZone) : qz::TimeZone::current()),
-      clock_(clockOf(options, timeZone_)) {
+      timeZone_(options.timeZone ? std::optional(timeZoneFromArgument(*options.timeZone)) : std::nullopt),
+      clock_(clockOf(options, timeZone_ ? *timeZone_ : qz::TimeZone::current())) {
   qz::log::configure({.file = home_ / "habitra.log", .verbose = options.verbose});
 }
 
@@ -46,6 +46,11 @@ std::optional<qz::YYYYMMDD> Session::day(const std::optional<std::string>& optio
 void Session::catchUp() {
   output_.flush();
   if (!timeIsGiven_) application().processIfDue();
+}
+
+void Session::finish() {
+  output_.flush();
+  if (application_ && !timeIsGiven_) application_->refreshWidgets();
 }
 
 }  // namespace habitra

@@ -42,6 +42,10 @@ class Session {
   /// nothing is due, since that moment need not have come.
   void catchUp();
 
+  /// After any command: hands the answer out, then lets desktop panels show what it changed. Not under --now, since
+  /// they show the day that is.
+  void finish();
+
  private:
   static constexpr int descriptor = 1;
 
@@ -49,7 +53,7 @@ class Session {
   bool json_;
   bool timeIsGiven_;
   std::filesystem::path home_;
-  qz::TimeZone timeZone_;
+  std::optional<qz::TimeZone> timeZone_;  // none: the system's
   std::shared_ptr<const qz::Clock> clock_;
   std::unique_ptr<Application> application_;
 };
