@@ -4,10 +4,12 @@
 
 #include <array>
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 
 namespace habitra {
 
-/// Who asked for a change to a task's log. The position is its stored value.
+/// Who asked for a change to a task's log. The position is its stored value; coded, since requests travel between
+/// devices, it is its name without a payload: {"userInitiatedFromDeepLink": {}}.
 enum class TaskModifyContext : std::int16_t {
   userInitiatedFromMainApp = 0,
   userInitiatedFromAppleWatchApp = 1,
@@ -17,6 +19,10 @@ enum class TaskModifyContext : std::int16_t {
   userInitiatedFromShortcut = 5,
   systemInitiatedFromDeviceActivityExtension = 6,  ///< also the context of what processing records by itself
 };
+
+void to_json(nlohmann::json& json, TaskModifyContext context);
+/// Throws qz::DecodingError for anything that to_json does not give.
+void from_json(const nlohmann::json& json, TaskModifyContext& context);
 
 }  // namespace habitra
 
