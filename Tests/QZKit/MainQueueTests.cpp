@@ -36,4 +36,24 @@ TEST(MainQueue, AnExceptionReachesTheCallerAndLosesNothingBehindIt) {
   EXPECT_TRUE(ran);
 }
 
+TEST(MainQueue, RunsUntilItIsStoppedFromAnyThread) {
+  qz::MainQueue queue;
+  queue.stop();
+  queue.run();  // was stopped before
+  std::vector<int> ran;
+  std::thread other([&] {
+    queue.async([&] { ran.push_back(1); });
+    queue.async([&] {
+      ran.push_back(2);
+      std::thread([&] { queue.stop(); }).join();
+    });
+    queue.async([&] { ran.push_back(3); });
+  });
+  queue.run();
+  other.join();
+  EXPECT_EQ(ran, (std::vector{1, 2}));
+  queue.drain();
+  EXPECT_EQ(ran, (std::vector{1, 2, 3}));
+}
+
 }  // namespace

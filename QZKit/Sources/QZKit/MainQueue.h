@@ -1,5 +1,6 @@
 #pragma once
 
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -9,7 +10,8 @@ namespace qz {
 /// The queue that belongs to the executable: what is handed to it runs when the executable drains it, in order, on the
 /// thread that drains. Completions of recorded changes arrive here.
 ///
-/// async() may be called from any thread; drain() from one thread, which is the main one by definition.
+/// async() and stop() may be called from any thread; drain() and run() from one thread, which is the main one by
+/// definition.
 class MainQueue {
  public:
   using Task = std::function<void()>;
@@ -25,11 +27,19 @@ class MainQueue {
   /// caller; the tasks behind it stay queued.
   void drain();
 
+  /// The same, and waits for more, until stop() is called: the life of a program that stays. What is queued when it is
+  /// stopped stays queued.
+  void run();
+  /// Lets run() end after the task that is running, or at once when it is called next.
+  void stop();
+
  private:
   [[nodiscard]] Task takeFirst();
 
   std::mutex mutex_;
+  std::condition_variable isWoken_;
   std::deque<Task> tasks_;
+  bool isStopped_ = false;
 };
 
 }  // namespace qz
