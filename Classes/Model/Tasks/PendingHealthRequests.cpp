@@ -158,8 +158,8 @@ void PendingHealthRequests::Pass::bringToTheirState(const WithdrawnHealthRequest
 }
 
 PendingHealthRequests::PendingHealthRequests(qz::QZHealthStore& healthStore,
-                                             std::shared_ptr<KeyValueDefaults> standardDefaults)
-    : healthStore_(healthStore), defaults_(std::move(standardDefaults)) {}
+                                             KeyValueDefaults& standardDefaults)
+    : healthStore_(healthStore), defaults_(standardDefaults) {}
 
 Report PendingHealthRequests::processPendingHealthKitRequests(StoreContext& context, qz::Moment now) {
   if (processingHealthKitRecordRequests_.exchange(true)) {
@@ -167,7 +167,7 @@ Report PendingHealthRequests::processPendingHealthKitRequests(StoreContext& cont
     return {};
   }
   const Raised raised(processingHealthKitRecordRequests_);
-  Pass pass(healthStore_, *defaults_, context, now);
+  Pass pass(healthStore_, defaults_, context, now);
   try {
     context.refresh();
     pass.followHistory();

@@ -38,8 +38,8 @@ class PendingHealthRequests {
     friend bool operator==(const Report&, const Report&) = default;
   };
 
-  /// `healthStore` must live as long as this object.
-  PendingHealthRequests(qz::QZHealthStore& healthStore, std::shared_ptr<KeyValueDefaults> standardDefaults);
+  /// Both must live as long as this object.
+  PendingHealthRequests(qz::QZHealthStore& healthStore, KeyValueDefaults& standardDefaults);
 
   /// One pass. Takes no turn and writes nothing where nothing is pending and nothing has gone. What goes wrong with
   /// either store is a line of the log and is tried again by the next pass; throws nothing but for lack of memory.
@@ -50,7 +50,7 @@ class PendingHealthRequests {
   class Pass;
 
   qz::QZHealthStore& healthStore_;
-  std::shared_ptr<KeyValueDefaults> defaults_;
+  KeyValueDefaults& defaults_;
   std::atomic<bool> processingHealthKitRecordRequests_ = false;
 };
 

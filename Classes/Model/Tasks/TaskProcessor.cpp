@@ -13,6 +13,8 @@
 namespace habitra {
 TaskProcessor::TaskProcessor(Environment environment)
     : environment_(std::move(environment)), scheduler_(environment_.dataManager.standardDefaults()) {
+  if (environment_.health != nullptr)
+    pendingHealthRequests_.emplace(*environment_.health, environment_.dataManager.standardDefaults());
   // What passes save in contexts of their own reaches the one that is shown.
   contextMergeObserver_ = environment_.dataManager.notifications().addObserver(contextDidSave, [this] {
     environment_.mainQueue.async([viewContext = environment_.viewContext] {
@@ -28,7 +30,7 @@ TaskProcessor::TaskProcessor(Environment environment)
       });
 }
 
-TaskProcessor::~TaskProcessor() = default;
+TaskProcessor::~TaskProcessor() { stopObserving(); }
 
 // Triggers
 
@@ -38,6 +40,7 @@ void TaskProcessor::applicationDidFinishLaunching(Lifetime lifetime, Completion 
     const std::lock_guard lock(mutex_);
     isResident_ = lifetime == Lifetime::resident;
   }
+  if (lifetime == Lifetime::resident) (void)observeAutomaticTasks();
   processAllTasks(std::move(completion));
 }
 
@@ -53,9 +56,9 @@ void TaskProcessor::applicationDidBecomeActive(qz::Moment now) {
   processAllTasks();
 }
 
-void TaskProcessor::calendarDayChanged() {
+void TaskProcessor::calendarDayChanged(Completion completion) {
   qz::log::info("Calendar day changed");
-  processAllTasks();
+  processAllTasks(std::move(completion));
 }
 
 // Passes
@@ -111,6 +114,7 @@ void TaskProcessor::requestPass() {
 
 void TaskProcessor::runRequestedPass() {
   std::vector<Completion> completions;
+  bool isResident = false;
   {
     const std::lock_guard lock(mutex_);
     passIsDispatched_ = false;
@@ -118,10 +122,15 @@ void TaskProcessor::runRequestedPass() {
     passIsRequested_ = false;
     hasDoneInitialSetup_ = true;
     completions = std::exchange(completions_, {});
+    isResident = isResident_;
   }
   const TaskProcessorReport report =
       isHeldByMaintenance() ? TaskProcessorReport{} : passInOwnContext(std::nullopt, LayoutDirection::leftToRight);
   for (Completion& completion : completions) complete(std::move(completion), report);
+  if (!isResident) return;
+  environment_.mainQueue.async([this] {
+    if (observeAutomaticTasks()) processAllTasks();  // which sees what came before they were observed
+  });
 }
 
 TaskProcessorReport TaskProcessor::passInOwnContext(const std::optional<std::set<qz::UniqueID>>& only,
@@ -161,7 +170,11 @@ TaskProcessorReport TaskProcessor::passIn(StoreContext& context, qz::Moment now,
                           .layoutDirection = layoutDirection},
                          now);
   TaskProcessorReport report = pass.run(only);
-  if (!only) removeStaleTaskProcessorLastProcessedDateEntries(context);
+  if (!only) {
+    removeStaleTaskProcessorLastProcessedDateEntries(context);
+    scheduleRefresh(tools, context, now);
+  }
+  processPendingHealthKitRequests(context);
   if (report.changed > 0) environment_.receivers.widgets.reloadAllTimelines();
   return report;
 }

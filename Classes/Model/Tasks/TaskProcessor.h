@@ -5,8 +5,10 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/BackgroundTaskScheduler.h>
 #include <HabitraModel/Tasks/LayoutDirection.h>
+#include <HabitraModel/Tasks/PendingHealthRequests.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskProcessorObserver.h>
 #include <HabitraModel/Tasks/TaskProcessorReport.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZHealthKit/QZHealthStore.h>
@@ -94,7 +96,7 @@ class TaskProcessor {
   /// that was set back holds nothing up.
   void applicationDidBecomeActive(qz::Moment now);
   /// When the day of any task has changed: a full pass.
-  void calendarDayChanged();
+  void calendarDayChanged(Completion completion = {});
 
   /// A full pass. While the store is in maintenance `completion` is told of a pass over no tasks.
   void processAllTasks(Completion completion = {});
@@ -111,6 +113,14 @@ class TaskProcessor {
 
   /// Whether a pass would look at a new day: some active task was last processed on another day than its today.
   [[nodiscard]] bool isDue(StoreContext& context, qz::Moment now) const;
+
+  /// After a process that stays has launched: observes no data any more. On the front end's thread; waits for a pass
+  /// that they have set off.
+  void stopObserving() noexcept;
+
+  /// Writes to the health store what entries have asked for, and takes out of it what was asked for by entries that are
+  /// gone; every full pass does. Writes nothing where there is nothing of that. REQUIRES: no open unit.
+  void processPendingHealthKitRequests(StoreContext& context);
 
   // Changes of many days at once
 
@@ -185,6 +195,10 @@ class TaskProcessor {
                            const std::optional<std::set<qz::UniqueID>>& only, LayoutDirection layoutDirection) noexcept;
   TaskProcessorReport passIn(StoreContext& context, qz::Moment now, const std::optional<std::set<qz::UniqueID>>& only,
                              LayoutDirection layoutDirection);
+  /// Observes the data that the tasks of the front end's context are completed by. Gives whether these are others than
+  /// before. On the front end's thread.
+  bool observeAutomaticTasks();
+  void scheduleRefresh(const Tools& tools, StoreContext& context, qz::Moment now);
   void removeStaleTaskProcessorLastProcessedDateEntries(StoreContext& context);
   void processIn(const Tools& tools, StoreContext& context, TaskEntity& task, TaskModifyContext by, qz::Moment now);
   void complete(Completion completion, TaskProcessorReport report);
@@ -194,6 +208,7 @@ class TaskProcessor {
 
   const Environment environment_;
   KeptBackgroundTasks scheduler_;
+  std::optional<PendingHealthRequests> pendingHealthRequests_;  // none without a health store
 
   std::mutex mutex_;  // never held while something is waited for
   int performingBulkDataUpdate_ = 0;
@@ -205,10 +220,15 @@ class TaskProcessor {
   bool passIsRequested_ = false;          // one waits, on the queue or for bulk data updates to end
   bool passIsDispatched_ = false;         // it waits on the queue
   std::vector<Completion> completions_;   // of the pass that waits
+  std::optional<qz::Moment> scheduledRefresh_;
 
   // The queues end before what their tasks use.
   qz::SerialQueue operationQueue_{operationQueueLabel};
   qz::SerialQueue processorQueue_{queueLabel};
+  // The front end's thread's. They end before the queue that they hand data to.
+  std::unique_ptr<TaskProcessorObserver> healthKitObserver_;
+  std::unique_ptr<TaskProcessorObserver> screenTimeObserver_;
+  std::vector<ObservedTask> observedTasks_;
   qz::NotificationCenter::Observation contextMergeObserver_;
   qz::NotificationCenter::Observation maintenanceObserver_;
 };

@@ -100,7 +100,7 @@ class PendingHealthRequestsTest : public TaskWorld {
   std::unique_ptr<SampleStore> samples_ = SampleStore::inMemory();
   TappedHealthStore health_{*samples_};
   std::shared_ptr<KeyValueDefaults> defaults_ = KeyValueDefaults::inMemory();
-  PendingHealthRequests requests_{health_, defaults_};
+  PendingHealthRequests requests_{health_, *defaults_};
 };
 
 TEST_F(PendingHealthRequestsTest, WhatIsPendingIsWrittenOnceAndThenNothing) {
@@ -183,7 +183,7 @@ TEST_F(PendingHealthRequestsTest, ADiskThatIsFullLeavesThemPending) {
 TEST_F(PendingHealthRequestsTest, PassesThatOverlapWriteOnce) {
   drink(0.5);
   const auto other = manager_.context();
-  PendingHealthRequests ofOtherProcess(*samples_, defaults_);
+  PendingHealthRequests ofOtherProcess(*samples_, *defaults_);
   health_.beforeSaving = [&](auto) {
     EXPECT_EQ(requests_.processPendingHealthKitRequests(*other, clock_->now()), Report{}) << "it is running";
     EXPECT_EQ(ofOtherProcess.processPendingHealthKitRequests(*other, clock_->now()).written, 1U);
