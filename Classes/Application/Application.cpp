@@ -41,13 +41,17 @@ std::vector<HabitSummary> Application::list() {
   return habits;
 }
 
+ProcessReport processReport(const TaskProcessorReport& report) {
+  return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
+}
+
 ProcessReport Application::process() {
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) return {};
   const TaskProcessorReport report = rooms_->pass();
   rooms_->trimHistory(*context);
   if (report.failure) std::rethrow_exception(report.failure);
-  return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
+  return processReport(report);
 }
 
 void Application::processIfDue() noexcept {
@@ -63,11 +67,15 @@ void Application::processIfDue() noexcept {
   }
 }
 
-void Application::refreshWidgets() noexcept {
+void Application::afterAnswer() noexcept {
   try {
-    if (rooms_->widgets.isOutdated()) rooms_->widgets.write(today(), list());
+    StoreContext* context = rooms_->readingContext();
+    if (context == nullptr || context->store().isReadOnly()) return;
+    rooms_->processor.processPendingHealthKitRequests(*context);
+    // Panels show the day that is.
+    if (rooms_->widgets.isOutdated() && !rooms_->timeIsGiven()) rooms_->widgets.write(today(), list());
   } catch (const std::exception& error) {
-    qz::log::warning("The snapshot for panels could not be written: {}", error.what());
+    qz::log::warning("Something was left to do after the answer: {}", error.what());
   }
 }
 

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -124,8 +125,19 @@ class Application {
   /// is due. Never throws: what could not be done now is done next time.
   void processIfDue() noexcept;
 
-  /// Writes the snapshot that desktop panels show, when something was changed since it was written. Never throws.
-  void refreshWidgets() noexcept;
+  /// What nobody waits for after an answer: writes health samples that entries asked for, and the snapshot that desktop
+  /// panels show, when something was changed since it was written. Never throws: it can wait for the next time.
+  void afterAnswer() noexcept;
+
+  /// Told of the first pass of a watch, and of each later one that was asked for by a new day or by another program.
+  using PassObserver = std::function<void(const ProcessReport&)>;
+
+  /// Stays until stopWatching() is called, and keeps habits up to date meanwhile: at once, as days begin, as data come
+  /// in that complete habits, as what was put off becomes due, and as other programs save. Throws qz::Error when the
+  /// store cannot be watched; what goes wrong later is logged, but for what `onPass` throws.
+  void watch(const PassObserver& onPass);
+  /// Lets watch() end; from any thread. A watch that has not begun ends at its beginning.
+  void stopWatching();
 
   /// Reads a nine-column history from `stream`, merges it into the store and brings the habits up to date. `name` is
   /// what errors call the stream. All or nothing.
@@ -157,6 +169,7 @@ class Application {
 
  private:
   class Rooms;
+  class Watch;
 
   /// Records one entry of this type for each habit whose period does not stand as it asks for yet.
   std::vector<Marked> mark(std::string_view verb, TaskLogEntryType type, const std::vector<std::string>& names,

@@ -23,7 +23,8 @@ qz::UniqueID identifierOf(const TaskEntity& task) {
 }  // namespace
 
 Application::Rooms::Rooms(const ApplicationSettings& settings)
-    : manager(DataManager::storeLocation(settings.home), settings.clock),
+    : clock(settings.clock),
+      manager(DataManager::storeLocation(settings.home), settings.clock),
       health(settings.home),
       calendars(settings.timeZone ? *settings.timeZone : qz::TimeZone::current(), qz::HHMMSS::midnight),
       widgets(settings.home),

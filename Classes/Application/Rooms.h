@@ -25,6 +25,8 @@ class Application::Rooms {
   explicit Rooms(const ApplicationSettings& settings);
 
   [[nodiscard]] qz::Moment now() const { return manager.clock().now(); }
+  /// Whether that need not have come.
+  [[nodiscard]] bool timeIsGiven() const { return timeIsGiven_; }
 
   /// The context of calls that look, kept from one to the next so that a command opens the store once; null when there
   /// is no store yet.
@@ -39,6 +41,9 @@ class Application::Rooms {
 
   /// Lets the calendars go by the device's zone where there is no store that knows more.
   void followTimeZone() { calendars = TaskCalendars(timeZone(), qz::HHMMSS::midnight); }
+
+  /// When the days begin, by the settings as a context sees them; for any thread.
+  [[nodiscard]] TaskCalendars calendarsSeenBy(StoreContext& context) const;
 
   /// The settings as `context` sees them; null while there is no store.
   [[nodiscard]] Settings settings(StoreContext* context) const;
@@ -71,6 +76,7 @@ class Application::Rooms {
   /// Never throws: it can wait.
   void trimHistory(StoreContext& context) noexcept;
 
+  const std::shared_ptr<const qz::Clock> clock;
   DataManager manager;
   SampleStore health;
   /// With the app-wide start of day as the newest of the contexts above has seen it.
@@ -84,15 +90,16 @@ class Application::Rooms {
 
  private:
   [[nodiscard]] qz::TimeZone timeZone() const { return timeZone_ ? *timeZone_ : qz::TimeZone::current(); }
-  /// When the days begin, by the settings as a context sees them; for any thread.
-  [[nodiscard]] TaskCalendars calendarsSeenBy(StoreContext& context) const;
-  /// Lets the calendars go by them.
+  /// Lets the calendars go by the settings as a context sees them.
   void followStartOfDay(StoreContext& context) { calendars = calendarsSeenBy(context); }
 
   const std::optional<qz::TimeZone> timeZone_;
   const bool timeIsGiven_;
   std::unique_ptr<StoreContext> readingContext_;
 };
+
+/// What a front end is told of a pass.
+[[nodiscard]] ProcessReport processReport(const TaskProcessorReport& report);
 
 /// The period of the habit that holds a day: by its frequency, or the day itself where that cannot be read.
 [[nodiscard]] DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day);

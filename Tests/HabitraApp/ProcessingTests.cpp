@@ -35,24 +35,24 @@ TEST_F(ProcessingTests, aHabitMayHaveBeenKeptBefore) {
 }
 
 TEST_F(ProcessingTests, panelsShowWhatWasChangedAndAreLeftAloneOtherwise) {
-  application_.refreshWidgets();
+  application_.afterAnswer();
   EXPECT_FALSE(std::filesystem::exists(snapshot_));
   application_.add("Read");
   application_.done({"Read"}, {});
-  application_.refreshWidgets();
+  application_.afterAnswer();
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["current"], 1);
   std::filesystem::remove(snapshot_);
   application_.processIfDue();
-  application_.refreshWidgets();
+  application_.afterAnswer();
   EXPECT_FALSE(std::filesystem::exists(snapshot_));
   clock_->advance(hours(48));
   application_.processIfDue();
-  application_.refreshWidgets();
+  application_.afterAnswer();
   EXPECT_EQ(snapshot()["day"], 20240202);
   EXPECT_EQ(snapshot()["habits"][0]["lastMissed"], 20240201);
   std::filesystem::remove(snapshot_);
   application_.undo("Read", qz::YYYYMMDD(2024, 1, 31));
-  application_.refreshWidgets();
+  application_.afterAnswer();
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["best"], 0);
 }
 

@@ -50,7 +50,7 @@ void Session::catchUp() {
 
 void Session::finish() {
   output_.flush();
-  if (application_ && !timeIsGiven_) application_->refreshWidgets();
+  if (application_) application_->afterAnswer();
 }
 
 }  // namespace habitra

@@ -35,6 +35,9 @@ class Session {
     output_.write(json_ ? asJSON(answer) : asText(answer, Terminal::of(descriptor)));
   }
 
+  /// Hands out what was answered so far, for a command that stays.
+  void flush() { output_.flush(); }
+
   /// For an answer that is a document by itself.
   [[nodiscard]] std::ostream& document() { return output_.stream(); }
 
@@ -42,8 +45,7 @@ class Session {
   /// nothing is due, since that moment need not have come.
   void catchUp();
 
-  /// After any command: hands the answer out, then lets desktop panels show what it changed. Not under --now, since
-  /// they show the day that is.
+  /// After any command: hands the answer out, then does what nobody waits for.
   void finish();
 
  private:

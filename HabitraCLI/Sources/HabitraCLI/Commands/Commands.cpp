@@ -5,9 +5,9 @@
 namespace habitra {
 
 std::span<const Command* const> allCommands() {
-  static constexpr std::array<const Command*, 10> commands{
-      &todayCommand, &doneCommand,   &skipCommand,   &undoCommand,    &addCommand,
-      &listCommand,  &importCommand, &exportCommand, &processCommand, &healthImportCommand,
+  static constexpr std::array<const Command*, 11> commands{
+      &todayCommand,  &doneCommand,   &skipCommand,    &undoCommand,  &addCommand,          &listCommand,
+      &importCommand, &exportCommand, &processCommand, &watchCommand, &healthImportCommand,
   };
   return commands;
 }

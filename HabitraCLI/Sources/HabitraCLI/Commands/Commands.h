@@ -16,6 +16,7 @@ extern const Command importCommand;
 extern const Command exportCommand;
 extern const Command processCommand;
 extern const Command healthImportCommand;
+extern const Command watchCommand;
 
 /// The option of the verbs that also take another day than today.
 inline constexpr Option dateOption{"--date", "DAY",
