@@ -223,7 +223,8 @@ TEST_F(VerbTests, exportAndImportAgreeByteForByte) {
 TEST_F(VerbTests, helpAndVersionTouchNothing) {
   const Outcome general = runBare({"--help"});
   EXPECT_EQ(general.exitCode, 0);
-  for (const std::string verb : {"today", "done", "skip", "undo", "add", "list", "import", "export", "process", "watch"}) {
+  for (const std::string verb :
+       {"today", "done", "skip", "undo", "add", "list", "import", "export", "process", "watch"}) {
     EXPECT_NE(general.out.find("\n  " + verb + " "), std::string::npos) << verb;
     const Outcome help = runBare({verb, "--help"});
     EXPECT_EQ(help.exitCode, 0);

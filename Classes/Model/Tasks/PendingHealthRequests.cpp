@@ -157,8 +157,7 @@ void PendingHealthRequests::Pass::bringToTheirState(const WithdrawnHealthRequest
   report_.removed += found.withdrawn().size();
 }
 
-PendingHealthRequests::PendingHealthRequests(qz::QZHealthStore& healthStore,
-                                             KeyValueDefaults& standardDefaults)
+PendingHealthRequests::PendingHealthRequests(qz::QZHealthStore& healthStore, KeyValueDefaults& standardDefaults)
     : healthStore_(healthStore), defaults_(standardDefaults) {}
 
 Report PendingHealthRequests::processPendingHealthKitRequests(StoreContext& context, qz::Moment now) {
