@@ -4,7 +4,6 @@
 #include <HabitraModel/Mapping/PeriodMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/FilledInEntries.h>
-#include <HabitraModel/Tasks/TaskEntityRules.h>
 
 #include <algorithm>
 #include <utility>
@@ -31,8 +30,8 @@ bool isFilledIn(const TaskLogEntryEntity& row) {
   return type && followsFromEarlierDays(*type);
 }
 
-FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task)
-    : context_(context), task_(task.objectID), rules_(rulesOf(context, task)) {}
+FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task, std::optional<TaskRules> rules)
+    : context_(context), task_(task.objectID), rules_(std::move(rules)) {}
 
 std::vector<TaskLogEntryEntity> FilledInEntries::refutedBy(const TaskLogEntryEntity& row) const {
   std::vector<TaskLogEntryEntity> refuted;

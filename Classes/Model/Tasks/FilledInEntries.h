@@ -19,10 +19,11 @@ namespace habitra {
 [[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
 
 /// What passes have filled into the log of one task, and what becomes of it when somebody says something else. Belongs
-/// to the queue of its context; both must live longer.
+/// to the queue of its context, which must live longer.
 class FilledInEntries {
  public:
-  FilledInEntries(StoreContext& context, const TaskEntity& task);
+  /// `rules`: the task's; none where they cannot be read.
+  FilledInEntries(StoreContext& context, const TaskEntity& task, std::optional<TaskRules> rules);
 
   /// The entries that `row`, an entry of the task, refutes: those of its period that its type takes the place of, and,
   /// where it takes the place of any, those of later days that follow from its day (followingDays()): of the rest of

@@ -18,7 +18,10 @@ namespace {
 class Contradictions {
  public:
   Contradictions(StoreContext& context, const TaskEntity& survivor, std::size_t logs, std::vector<UnitedEntry> entries)
-      : context_(context), filledIn_(context, survivor), logs_(logs), entries_(std::move(entries)) {
+      : context_(context),
+        filledIn_(context, survivor, rulesOf(context, survivor)),
+        logs_(logs),
+        entries_(std::move(entries)) {
     std::ranges::sort(entries_, {}, [](const UnitedEntry& united) { return creation(united.entry); });
     const std::optional<TaskRules> rules = rulesOf(context, survivor);
     for (std::size_t i = 0; i < entries_.size(); ++i) {

@@ -36,17 +36,17 @@ double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskT
 
 }  // namespace
 
-LogEntryWriter::LogEntryWriter(const TaskEntity& task, const TaskLogRecorder::Request& request,
-                               const TaskCalendar& calendar)
+LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules,
+                               const TaskLogRecorder::Request& request, const TaskCalendar& calendar)
     : task_(task),
       request_(request),
       calendar_(calendar),
       context_(request.managedObjectContext),
       now_(context_.store().clock().now()),
-      rules_(rulesOf(context_, task)),
-      filledIn_(context_, task) {}
+      rules_(rules),
+      filledIn_(context_, task, rules) {}
 
-TaskLogEntryEntity LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) {
+auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
   const auto existing = context_.findLogEntry(entry.uniqueId.text());
   if (existing && existing->task != task_.objectID)
     throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
@@ -60,7 +60,13 @@ TaskLogEntryEntity LogEntryWriter::write(const TaskLogRecorder::LogEntryData& en
     row.objectID = context_.insertLogEntry(row);
   removeRefuted(row);
   requestHealthWrite(row, entry);
-  return row;
+  Written written{.row = row, .day = dayFromStored(row.entryDate).value()};
+  if (existing && existing->entryDate != row.entryDate) {
+    // Where it stood, nothing stands now: what followed from it is found anew.
+    removeRefuted(*existing);
+    written.earlierDay = existingDayFromStored(existing->entryDate);
+  }
+  return written;
 }
 
 void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept) {

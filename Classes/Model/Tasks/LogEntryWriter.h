@@ -14,11 +14,19 @@ namespace habitra {
 /// its unit.
 class LogEntryWriter {
  public:
-  LogEntryWriter(const TaskEntity& task, const TaskLogRecorder::Request& request, const TaskCalendar& calendar);
+  struct Written {
+    TaskLogEntryEntity row;                  ///< as it is now
+    qz::YYYYMMDD day;                        ///< of the row
+    std::optional<qz::YYYYMMDD> earlierDay;  ///< where it stood before, when it was for another day
+  };
+
+  /// All must live longer. `rules`: the task's; none where they cannot be read.
+  LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules, const TaskLogRecorder::Request& request,
+                 const TaskCalendar& calendar);
 
   /// Inserts the row, or brings the one up to date that bears its identifier, once what it supersedes and refutes is
-  /// gone; gives it as it is then. Throws TaskLogRecorder::Error where the identifier is another task's.
-  TaskLogEntryEntity write(const TaskLogRecorder::LogEntryData& entry);
+  /// gone. Throws TaskLogRecorder::Error where the identifier is another task's.
+  Written write(const TaskLogRecorder::LogEntryData& entry);
 
  private:
   /// Deletes the rows of its period that the row takes the place of, and what was filled in that it refutes.
@@ -34,7 +42,7 @@ class LogEntryWriter {
   const TaskCalendar& calendar_;
   StoreContext& context_;
   const qz::Moment now_;
-  const std::optional<TaskRules> rules_;
+  const std::optional<TaskRules>& rules_;
   const FilledInEntries filledIn_;
 };
 

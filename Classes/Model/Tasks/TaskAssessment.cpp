@@ -207,18 +207,6 @@ std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task,
   return LogWalk(context, task.objectID, *rules, calendar, lastDay).run(scope, std::nullopt).fillIns;
 }
 
-std::vector<Retyping> retypings(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
-                                qz::YYYYMMDD day, qz::Moment now) {
-  TaskAssessment assessment{.calendar = calendars.of(task)};
-  assessment.today = assessment.calendar.day(now);
-  assessment.rules = rulesOf(context, task);
-  if (!task.isNegative || !assessment.rules || assessment.today < earliestDay ||
-      !HistoryWalk::supports(assessment.rules->frequency))
-    return {};
-  const HistoryWalk walk(*assessment.rules, scopeOf(context, task, assessment));
-  return walk.retypings(readEntries(context, task, StoreContext::firstDay, storedDay(assessment.today)), day);
-}
-
 Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar) {
   const CheckpointContent content{.created = checkpoint.created,
                                   .lastCompleted = checkpoint.lastCompleted,

@@ -37,11 +37,6 @@ struct TaskAssessment {
 [[nodiscard]] std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task,
                                                 const TaskCalendars& calendars, qz::YYYYMMDD from, qz::YYYYMMDD day);
 
-/// The failures of a task to avoid that stand in its log with another type than they have to bear since one was
-/// recorded or taken back on `day`. None for a task to do.
-[[nodiscard]] std::vector<Retyping> retypings(StoreContext& context, const TaskEntity& task,
-                                              const TaskCalendars& calendars, qz::YYYYMMDD day, qz::Moment now);
-
 /// The row of a checkpoint, for StoreContext::setCheckpoint. It holds for that calendar of the task only.
 [[nodiscard]] Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar);
 

@@ -1,8 +1,8 @@
+#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/RawValue.h>
-#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
+#include <HabitraModel/Tasks/FailureRetyping.h>
 #include <HabitraModel/Tasks/LogEntryWriter.h>
-#include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskTemporalData.h>
@@ -11,7 +11,9 @@
 #include <QZLog/Log.h>
 
 #include <fmt/format.h>
+#include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 
 namespace habitra {
@@ -30,10 +32,9 @@ std::string description(const TaskFrequencyPeriod& period) {
   return fmt::format("{} to {}", period.startDate.debugDescription(), period.finishDate.debugDescription());
 }
 
-/// A change by a person for a day that was processed already lets the next pass begin before that day again.
-void moveLastProcessedDateBack(TaskEntity& task, TaskLogEntryType type, qz::YYYYMMDD day,
-                               const TaskCalendar& calendar) {
-  if (isAutomatic(type) || !task.lastProcessedDate || calendar.day(*task.lastProcessedDate) <= day) return;
+/// A change for a day that was processed already lets the next pass begin before that day again.
+void moveLastProcessedDateBack(TaskEntity& task, qz::YYYYMMDD day, const TaskCalendar& calendar) {
+  if (!task.lastProcessedDate || calendar.day(*task.lastProcessedDate) <= day) return;
   task.lastProcessedDate = calendar.beginning(day.previousDay());
 }
 
@@ -137,26 +138,22 @@ void TaskLogRecorder::write(TaskEntity& task, const Request& request) {
 
 void TaskLogRecorder::writeEntries(TaskEntity& task, const Request& request) const {
   const TaskCalendar calendar = calendars_.of(task);
+  const auto rules = rulesOf(request.managedObjectContext, task);
   TaskTemporalDataEntity& temporalData = findOrInsertTemporalData(request.managedObjectContext, task);
-  LogEntryWriter writer(task, request, calendar);
+  LogEntryWriter writer(task, rules, request, calendar);
+  std::set<qz::YYYYMMDD> changed;
   for (const LogEntryData& entry : request.logEntries) {
-    const TaskLogEntryEntity row = writer.write(entry);
-    moveLastProcessedDateBack(task, entry.type, dayFromStored(row.entryDate).value(), calendar);
-    temporalData.progress = row.progress;
-    temporalData.progressDate = row.entryDate;
-    if (!isAutomatic(entry.type)) retypeFailures(task, request, dayFromStored(row.entryDate).value());
+    const LogEntryWriter::Written written = writer.write(entry);
+    temporalData.progress = written.row.progress;
+    temporalData.progressDate = written.row.entryDate;
+    // A skip that is filled in leaves everything else as it was judged.
+    if (entry.type != TaskLogEntryType::skippedAutomaticallyFull) changed.insert(written.day);
+    if (written.earlierDay) changed.insert(*written.earlierDay);
+    // What a pass fills in is what it would fill in again.
+    if (!followsFromEarlierDays(entry.type) || written.earlierDay)
+      moveLastProcessedDateBack(task, std::min(written.day, written.earlierDay.value_or(written.day)), calendar);
   }
-}
-
-void TaskLogRecorder::retypeFailures(const TaskEntity& task, const Request& request, qz::YYYYMMDD day) const {
-  StoreContext& context = request.managedObjectContext;
-  for (const Retyping& retyping : retypings(context, task, calendars_, day, context.store().clock().now())) {
-    const LogKey key{task.objectID, retyping.entryDate, ObjectID{retyping.order}};
-    auto row = context.findLogEntry(key);
-    if (!row) continue;
-    row->entryType = rawValue(retyping.entryType);
-    context.updateLogEntry(key, *row);
-  }
+  if (rules) retypeFailures(request.managedObjectContext, task, *rules, changed);
 }
 
 void TaskLogRecorder::queueForReceivers(const TaskEntity& task, const Request& request) const {

@@ -126,8 +126,6 @@ class TaskLogRecorder {
   void _record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish, Completion completion);
   void write(TaskEntity& task, const Request& request);
   void writeEntries(TaskEntity& task, const Request& request) const;
-  /// Lets the failures around `day` say whether they lie within the allowance, as they do now.
-  void retypeFailures(const TaskEntity& task, const Request& request, qz::YYYYMMDD day) const;
   /// Puts into the unit who is to be told of the task.
   void queueForReceivers(const TaskEntity& task, const Request& request) const;
   void complete(Completion completion, std::exception_ptr error);
