@@ -179,6 +179,37 @@ TEST_F(RecorderEffects, FailuresSayWhetherTheyLieWithinTheAllowance) {
   EXPECT_EQ(log(task), (std::vector<std::string>{"20240130 unknown", "20240131 allowableMissManuallyFull"}));
 }
 
+TEST_F(RecorderEffects, AFailureOfAnIntervalDecidesTheNextOneOnly) {
+  TaskEntity& task = addTask("Smoke");
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 10});
+  task.isNegative = true;
+  task.created = at("2023-12-01T00:00:00Z");
+  context_->save({});
+  for (const int day : {1, 11, 21, 31}) record(task, Type::missedManuallyFull, YYYYMMDD(2024, 1, day));
+  record(task, Type::missedManuallyFull, YYYYMMDD(2024, 1, 2));
+  const std::vector<std::string> expected{"20240101 allowableMissManuallyFull", "20240102 missedManuallyFull",
+                                          "20240111 missedManuallyFull", "20240121 allowableMissManuallyFull",
+                                          "20240131 allowableMissManuallyFull"};
+  EXPECT_EQ(log(task), expected);
+  record(task, Type::unknown, YYYYMMDD(2024, 1, 11));
+  record(task, Type::missedManuallyFull, YYYYMMDD(2024, 1, 11));
+  EXPECT_EQ(log(task).at(3), "20240111 missedManuallyFull");
+}
+
+TEST_F(RecorderEffects, WhatADeviceReportsLateIsJudgedLikeWhatAPersonRecordsLate) {
+  TaskEntity& task = addTask("Smoke");
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 6});
+  task.isNegative = true;
+  task.created = at("2024-01-22T00:00:00Z");
+  context_->save({});
+  record(task, Type::missedManuallyFull, YYYYMMDD(2024, 1, 25));
+  process();
+  record(task, Type::missedAutomaticallyPartial, YYYYMMDD(2024, 1, 23));
+  process();
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240123 missedAutomaticallyPartial",
+                                                 "20240123 missedAutomaticallyFull", "20240125 missedManuallyFull"}));
+}
+
 TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   TaskEntity& water = addMeasured(HealthType::dietaryDrinkWater, 2.0, TypeUnit::litres);
   auto drunk = entry(water, Type::completedManuallyPartial, today);

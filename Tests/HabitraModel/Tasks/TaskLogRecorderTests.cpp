@@ -66,6 +66,27 @@ TEST_F(Recorder, AKnownIdentifierUpdatesItsRowWhereverItMoves) {
   EXPECT_EQ(after->createdTimestamp, before->createdTimestamp);
 }
 
+TEST_F(Recorder, WhereARowStoodBeforeItMovedIsJudgedAgain) {
+  TaskEntity& task = addTask();
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 2});
+  record(task, Type::completedManuallyFull, today.previousDay());
+  auto data = entry(task, Type::completedManuallyFull, today.nextDay());
+  clock_->advance(std::chrono::days(4));
+  record(task, {data});
+  process();
+  EXPECT_EQ(log(task), (std::vector<std::string>{"20240130 completedManuallyFull", "20240131 skippedAutomaticallyFull",
+                                                 "20240201 completedManuallyFull", "20240202 skippedAutomaticallyFull",
+                                                 "20240203 missedAutomaticallyFull"}));
+  auto moved = entry(task, Type::completedManuallyFull, today.add(3));
+  moved.uniqueId = data.uniqueId;
+  record(task, {moved});
+  process();
+  EXPECT_EQ(log(task),
+            (std::vector<std::string>{"20240130 completedManuallyFull", "20240131 skippedAutomaticallyFull",
+                                      "20240201 missedAutomaticallyFull", "20240202 skippedAutomaticallyFull",
+                                      "20240203 completedManuallyFull"}));
+}
+
 TEST_F(Recorder, AnIdentifierOfAnotherTasksEntryIsRefusedWithAllOfItsRequest) {
   TaskEntity& task = addTask();
   TaskEntity& other = addTask("Other");
