@@ -51,6 +51,17 @@ std::vector<TaskLogEntryEntity> FilledInEntries::refutedBy(const TaskLogEntryEnt
   return refuted;
 }
 
+std::vector<TaskLogEntryEntity> FilledInEntries::refutedByEarlierBeginning(qz::YYYYMMDD beginning) const {
+  std::vector<TaskLogEntryEntity> refuted;
+  if (!rules_ || !(rules_->frequency.isCountedDays() || rules_->frequency.isAggregate())) return refuted;
+  const TaskFrequencyPeriodType type = rules_->frequency.isCountedDays()
+                                           ? rules_->frequency.periodTypeForCompletionCountCalculation()
+                                           : rules_->frequency.measurementDuration();
+  const qz::YYYYMMDD last = lastDate(type, beginning, rules_->firstDayOfWeek, rules_->referenceDate);
+  if (last <= latestKeptDay) (void)appendBetween(storedDay(beginning), storedDay(last), false, refuted);
+  return refuted;
+}
+
 void FilledInEntries::appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const {
   const auto following = rules_ ? followingDays(*rules_, day) : std::nullopt;
   if (!following) return;

@@ -31,6 +31,10 @@ class FilledInEntries {
   /// itself, and one that decides nothing, refutes none.
   [[nodiscard]] std::vector<TaskLogEntryEntity> refutedBy(const TaskLogEntryEntity& row) const;
 
+  /// The entries that an earlier beginning of the history refutes: those of the counting period, or of the period that
+  /// is summed up, which held `beginning`, the first day until now. Only a part of it had been asked for.
+  [[nodiscard]] std::vector<TaskLogEntryEntity> refutedByEarlierBeginning(qz::YYYYMMDD beginning) const;
+
  private:
   /// Appends those that follow from a day.
   void appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const;

@@ -37,8 +37,9 @@ std::optional<qz::Moment> moment(const nlohmann::json& json, const char* key) {
 /// What a sample of this type says; an amount where it has one.
 std::optional<qz::QZHKSampleValue> valueOf(qz::QZHKObjectType type, const nlohmann::json& json) {
   switch (kind(type)) {
-    case qz::QZHKObjectKind::category: return qz::QZHKSampleValue();
-    case qz::QZHKObjectKind::workout: return qz::QZHKWorkout();
+    case qz::QZHKObjectKind::category: return std::optional<qz::QZHKSampleValue>(std::in_place);
+    case qz::QZHKObjectKind::workout:
+      return std::optional<qz::QZHKSampleValue>(std::in_place, std::in_place_type<qz::QZHKWorkout>);
     case qz::QZHKObjectKind::activitySummary: return std::nullopt;
     case qz::QZHKObjectKind::quantity: break;
   }

@@ -8,6 +8,7 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -34,6 +35,12 @@ double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskT
   return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
 }
 
+std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
+  if (!task.created) return std::nullopt;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  return qz::YYYYMMDD(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+}
+
 }  // namespace
 
 LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules,
@@ -44,6 +51,7 @@ LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskR
       context_(request.managedObjectContext),
       now_(context_.store().clock().now()),
       rules_(rules),
+      creationDay_(creationDay(task, calendar)),
       filledIn_(context_, task, rules) {}
 
 auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
@@ -53,17 +61,19 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
   removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
 
+  const auto beginning = beginningAfter(dayOf(entry, calendar_), entry.type);
   TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, !existing);
   if (existing)
     context_.updateLogEntry(existing->key(), row);
   else
     row.objectID = context_.insertLogEntry(row);
-  removeRefuted(row);
+  remove(filledIn_.refutedBy(row));
+  if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
   requestHealthWrite(row, entry);
   Written written{.row = row, .day = dayFromStored(row.entryDate).value()};
   if (existing && existing->entryDate != row.entryDate) {
     // Where it stood, nothing stands now: what followed from it is found anew.
-    removeRefuted(*existing);
+    remove(filledIn_.refutedBy(*existing));
     written.earlierDay = existingDayFromStored(existing->entryDate);
   }
   return written;
@@ -80,8 +90,24 @@ void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLog
   }
 }
 
-void LogEntryWriter::removeRefuted(const TaskLogEntryEntity& row) {
-  for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(row)) context_.removeLogEntry(refuted.key());
+void LogEntryWriter::remove(const std::vector<TaskLogEntryEntity>& refuted) {
+  for (const TaskLogEntryEntity& row : refuted) context_.removeLogEntry(row.key());
+}
+
+std::optional<qz::YYYYMMDD> LogEntryWriter::beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const {
+  if (!marksHistory(type) || !creationDay_ || day >= *creationDay_) return std::nullopt;
+  std::optional<qz::YYYYMMDD> beginning = creationDay_;
+  const auto look = [&](const LogRow& row) {
+    const auto marked =
+        marksHistory(entryTypeFromStored(row.entryType)) ? existingDayFromStored(row.entryDate) : std::nullopt;
+    if (marked) beginning = std::min(*beginning, *marked);
+  };
+  // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
+  const auto earliest = context_.earliestEntryDay(task_.objectID);
+  if (earliest) context_.readLog(task_.objectID, *earliest, *earliest, look);
+  if (beginning == creationDay_)
+    context_.readLog(task_.objectID, StoreContext::firstDay, storedDay(*creationDay_), look);
+  return day < *beginning ? beginning : std::nullopt;
 }
 
 TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,

@@ -7,6 +7,7 @@
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
 
 #include <optional>
+#include <vector>
 
 namespace habitra {
 
@@ -31,7 +32,9 @@ class LogEntryWriter {
  private:
   /// Deletes the rows of its period that the row takes the place of, and what was filled in that it refutes.
   void removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept);
-  void removeRefuted(const TaskLogEntryEntity& row);
+  void remove(const std::vector<TaskLogEntryEntity>& refuted);
+  /// The first day of the history, where it is later than `day`, to which an entry of this type moves it back.
+  [[nodiscard]] std::optional<qz::YYYYMMDD> beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const;
   [[nodiscard]] TaskLogEntryEntity filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
                                           bool isNew) const;
   /// Asks for a write to the health store, where the task and the entry want one.
@@ -43,6 +46,7 @@ class LogEntryWriter {
   StoreContext& context_;
   const qz::Moment now_;
   const std::optional<TaskRules>& rules_;
+  const std::optional<qz::YYYYMMDD> creationDay_;  ///< by the clock of the zone the task was made in
   const FilledInEntries filledIn_;
 };
 

@@ -20,7 +20,7 @@ using qz::YYYYMMDD;
 constexpr YYYYMMDD firstDay(2024, 1, 1);
 constexpr int habits = 4;
 
-/// The days that are lived through. HABITRA_DAYS in the environment asks for more: 3000 take about a minute.
+/// The days that are lived through. HABITRA_DAYS in the environment asks for more: 1200 take about a minute.
 int daysToLive() {
   const char* days = std::getenv("HABITRA_DAYS");
   return days != nullptr ? std::atoi(days) : 25;
