@@ -1,3 +1,4 @@
+#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/AutomaticTypeMapping.h>
@@ -52,17 +53,19 @@ LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskR
       now_(context_.store().clock().now()),
       rules_(rules),
       creationDay_(creationDay(task, calendar)),
-      filledIn_(context_, task, rules) {}
+      filledIn_(context_, task, rules),
+      emptyDays_(context_, task.objectID) {}
 
 auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
-  const auto existing = context_.findLogEntry(entry.uniqueId.text());
+  const auto existing = entry.hasNewIdentifier ? std::nullopt : context_.findLogEntry(entry.uniqueId.text());
   if (existing && existing->task != task_.objectID)
     throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
   if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
   removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
 
-  const auto beginning = beginningAfter(dayOf(entry, calendar_), entry.type);
-  TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, !existing);
+  const qz::YYYYMMDD day = dayOf(entry, calendar_);
+  const auto beginning = beginningAfter(day, entry.type);
+  TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, day, !existing);
   if (existing)
     context_.updateLogEntry(existing->key(), row);
   else
@@ -70,8 +73,9 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   remove(filledIn_.refutedBy(row));
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
   requestHealthWrite(row, entry);
-  Written written{.row = row, .day = dayFromStored(row.entryDate).value()};
-  if (existing && existing->entryDate != row.entryDate) {
+  emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
+  Written written{.row = std::move(row), .day = day};
+  if (existing && existing->entryDate != written.row.entryDate) {
     // Where it stood, nothing stands now: what followed from it is found anew.
     remove(filledIn_.refutedBy(*existing));
     written.earlierDay = existingDayFromStored(existing->entryDate);
@@ -80,6 +84,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
 }
 
 void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept) {
+  if (followsFromEarlierDays(type) && emptyDays_.hold(period.startDate, period.finishDate)) return;
   for (const TaskLogEntryEntity& row :
        context_.fetchLogEntries(task_.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
     const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
@@ -111,13 +116,13 @@ std::optional<qz::YYYYMMDD> LogEntryWriter::beginningAfter(qz::YYYYMMDD day, Tas
 }
 
 TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
-                                          bool isNew) const {
+                                          qz::YYYYMMDD day, bool isNew) const {
   row.uniqueId = entry.uniqueId.text();
   if (isNew || entry.createdTimestamp)
     row.createdTimestamp = entry.createdTimestamp.value_or(request_.createdTimestamp);
   if (isNew) row.createdTimeZone = request_.createdTimeZone.identifier();
   row.task = task_.objectID;
-  setEntry(row, entry.type, DatedPeriod(dayOf(entry, calendar_), entry.period.period), entry.progressPct.value_or(0.0),
+  setEntry(row, entry.type, DatedPeriod(day, entry.period.period), entry.progressPct.value_or(0.0),
            entry.progressValue.value_or(0.0));
   if (entry.isTemporaryRecord) {
     row.cloudStatus = temporaryStatus;

@@ -2,6 +2,7 @@
 
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/EmptyDays.h>
 #include <HabitraModel/Tasks/FilledInEntries.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <HabitraModel/Tasks/TaskLogRecorder.h>
@@ -36,7 +37,7 @@ class LogEntryWriter {
   /// The first day of the history, where it is later than `day`, to which an entry of this type moves it back.
   [[nodiscard]] std::optional<qz::YYYYMMDD> beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const;
   [[nodiscard]] TaskLogEntryEntity filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
-                                          bool isNew) const;
+                                          qz::YYYYMMDD day, bool isNew) const;
   /// Asks for a write to the health store, where the task and the entry want one.
   void requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry);
 
@@ -48,6 +49,7 @@ class LogEntryWriter {
   const std::optional<TaskRules>& rules_;
   const std::optional<qz::YYYYMMDD> creationDay_;  ///< by the clock of the zone the task was made in
   const FilledInEntries filledIn_;
+  EmptyDays emptyDays_;
 };
 
 }  // namespace habitra

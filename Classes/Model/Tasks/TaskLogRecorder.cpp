@@ -147,7 +147,7 @@ void TaskLogRecorder::writeEntries(TaskEntity& task, const Request& request) con
     temporalData.progress = written.row.progress;
     temporalData.progressDate = written.row.entryDate;
     // A skip that is filled in leaves everything else as it was judged.
-    if (entry.type != TaskLogEntryType::skippedAutomaticallyFull) changed.insert(written.day);
+    if (task.isNegative && entry.type != TaskLogEntryType::skippedAutomaticallyFull) changed.insert(written.day);
     if (written.earlierDay) changed.insert(*written.earlierDay);
     // What a pass fills in is what it would fill in again.
     if (!followsFromEarlierDays(entry.type) || written.earlierDay)

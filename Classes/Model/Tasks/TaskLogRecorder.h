@@ -54,6 +54,7 @@ class TaskLogRecorder {
     bool timerDidExpire = false;                 ///< the timer ran out, and was not stopped
     std::optional<qz::Moment> createdTimestamp;  ///< when the entry was made, where that is known; else the request's
     bool isTemporaryRecord = false;              ///< a provisional row: its cloudStatus is "TMP"
+    bool hasNewIdentifier = false;               ///< made for this entry: no row is looked for that bears it already
 
     /// "<LogEntryData unique=…, period=…, startDate=…, endDate=…>"
     [[nodiscard]] std::string debugDescription() const;

@@ -113,7 +113,8 @@ void TaskProcessorSingleTaskOperation::processSkipAndMiss(const TaskAssessment& 
                                   .type = fillIn.entryType,
                                   .period = DatedPeriod(day, fillIn.period),
                                   .startDate = start,
-                                  .endDate = start});
+                                  .endDate = start,
+                                  .hasNewIdentifier = true});
   }
   environment_.recorder.recordNow(task_, request);
 }
