@@ -77,13 +77,6 @@ std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoin
                            .numSucceeded = content.numSucceeded};
 }
 
-std::vector<LoggedEntry> readEntries(StoreContext& context, const TaskEntity& task, std::int32_t from,
-                                     std::int32_t to) {
-  std::vector<LoggedEntry> entries;
-  context.readLog(task.objectID, from, to, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
-  return entries;
-}
-
 /// The newest day as of which a walk can be resumed, less a margin.
 qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
   return firstSampledDay(frequency, today).value_or(today).add(-checkpointDistance);
