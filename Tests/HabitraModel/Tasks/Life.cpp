@@ -69,10 +69,12 @@ void RecordedLog::record(const Act& act) {
 }
 
 HistoryScope RecordedLog::scope(const qz::YYYYMMDD& today, bool isFilledFromCreation) const {
-  const auto first =
+  HistoryScope::LogBeginning begins;
+  if (!entries_.empty()) begins.firstEntryDay = dayOf(entries_.front().entryDate);
+  const auto kept =
       std::ranges::find_if(entries_, [](const LoggedEntry& entry) { return marksHistory(entry.entryType); });
-  HistoryScope scope = HistoryScope::of(
-      created_, first == entries_.end() ? std::nullopt : std::optional(dayOf(first->entryDate)), std::nullopt, today);
+  if (kept != entries_.end()) begins.firstKeptDay = dayOf(kept->entryDate);
+  HistoryScope scope = HistoryScope::of(created_, begins, std::nullopt, today);
   if (isFilledFromCreation) scope.fillFrom = scope.created;
   return scope;
 }
