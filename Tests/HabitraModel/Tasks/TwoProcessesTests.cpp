@@ -95,7 +95,11 @@ class Program {
   qz::MainQueue mainQueue_;
   TestReceivers receivers_;
   TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  TaskProcessor processor_{calendars_, recorder_};
+  TaskProcessor processor_{{.dataManager = manager_,
+                            .mainQueue = mainQueue_,
+                            .receivers = receivers_.all(),
+                            .calendars = [this](StoreContext&) { return calendars_; },
+                            .viewContext = [this] { return context_.get(); }}};
 };
 
 /// One records while the other processes, day by day: nothing is lost, nothing filled in twice, and no automatic entry
