@@ -171,7 +171,7 @@ constexpr std::array<HealthTypeRow, numActivityRows> rows{{
         .speedSelection = Selection::multi,
         .defaultSpeeds = {S::walk, S::run},
         .reads = {O::stepCount},
-        .readsToTellSpeeds = {O::distanceWalkingRunning},
+        .readsToTellSpeeds = {O::workout},
         .statistics = Statistics::cumulativeSum,
         .update = Update::hourly,
         .icons = {"ic_steps", "ic_person_walking", "ic_person_running", "ic_shoe"},
