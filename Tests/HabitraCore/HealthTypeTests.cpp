@@ -127,8 +127,7 @@ TEST(HealthTypes, ReadMoreToTellPacesApartAndOtherDataForOtherUnits) {
   EXPECT_EQ(walk.healthKitReadTypes(U::steps, {S::walk, S::run}), std::vector{O::stepCount});
   EXPECT_EQ(walk.healthKitReadTypes(U::steps, {}), std::vector{O::stepCount});
   EXPECT_EQ(walk.healthKitReadTypes(U::steps, {S::run}), (std::vector{O::stepCount, O::workout}));
-  EXPECT_EQ(walk.healthKitReadTypes(U::distanceMiles, {S::walk}),
-            (std::vector{O::distanceWalkingRunning, O::workout}));
+  EXPECT_EQ(walk.healthKitReadTypes(U::distanceMiles, {S::walk}), (std::vector{O::distanceWalkingRunning, O::workout}));
   EXPECT_EQ(HealthType(H::energyDeficit).healthKitReadTypes(U::kilojoules, {S::lessThan}),
             (std::vector{O::activeEnergyBurned, O::basalEnergyBurned, O::dietaryEnergyConsumed}));
   EXPECT_EQ(HealthType(H::recordBloodPressure).healthKitReadTypes(std::nullopt, {}),

@@ -40,14 +40,15 @@ void putInOrder(std::vector<FillIn>& fillIns) {
 }  // namespace
 
 LogWalk::LogWalk(StoreContext& context, ObjectID task, const TaskRules& rules, const TaskCalendar& calendar,
-                 std::int32_t lastDay, std::vector<LoggedEntry> ahead, std::int64_t daysOfPart)
+                 std::int32_t lastDay, std::vector<LoggedEntry> ahead, std::int64_t daysOfPart, LogRevision revision)
     : context_(context),
       task_(task),
       rules_(rules),
       calendar_(calendar),
       lastDay_(lastDay),
       ahead_(std::move(ahead)),
-      daysOfPart_(daysOfPart) {}
+      daysOfPart_(daysOfPart),
+      revision_(std::move(revision)) {}
 
 HistoryResult LogWalk::run(const HistoryScope& scope, const std::optional<HistoryCheckpoint>& begin) {
   walked_ = begin;
@@ -114,8 +115,9 @@ HistoryScope LogWalk::rest(HistoryScope scope) const {
 std::vector<LoggedEntry> LogWalk::read(std::int32_t to) {
   std::vector<LoggedEntry> entries;
   const std::int32_t from = walked_ ? walked_->closedThrough + 1 : StoreContext::firstDay;
-  context_.readLog(task_, from, std::min(to, lastDay_),
-                   [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
+  const std::int32_t last = std::min(to, lastDay_);
+  context_.readLog(task_, from, last, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
+  revision_.applyTo(entries, from, last);
   return entries;
 }
 

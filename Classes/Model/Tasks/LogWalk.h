@@ -4,6 +4,7 @@
 #include <HabitraCore/HistoryWalk.h>
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/LogRevision.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 
 #include <cstdint>
@@ -22,9 +23,10 @@ class LogWalk {
   static constexpr std::int64_t usualPart = 1'461;
 
   /// Entries of days after `lastDay`, as it is stored, count for nothing, but for those of `ahead`.
-  /// REQUIRES: HistoryWalk::supports() the frequency.
+  /// The log is walked as `revision` leaves it. REQUIRES: HistoryWalk::supports() the frequency.
   LogWalk(StoreContext& context, ObjectID task, const TaskRules& rules, const TaskCalendar& calendar,
-          std::int32_t lastDay, std::vector<LoggedEntry> ahead = {}, std::int64_t daysOfPart = usualPart);
+          std::int32_t lastDay, std::vector<LoggedEntry> ahead = {}, std::int64_t daysOfPart = usualPart,
+          LogRevision revision = {});
 
   /// The history of these days, gone on with from `begin` where there is one. REQUIRES: such a checkpoint can be
   /// resumed from.
@@ -49,6 +51,7 @@ class LogWalk {
   const std::int32_t lastDay_;
   const std::vector<LoggedEntry> ahead_;
   const std::int64_t daysOfPart_;
+  const LogRevision revision_;
   std::optional<HistoryCheckpoint> walked_;  ///< up to where
   std::vector<FillIn> fillIns_;              ///< of the days up to there
 };

@@ -22,9 +22,6 @@ namespace {
 constexpr std::int64_t checkpointDistance = 11;
 /// A walk of this many days more than it needs is still quick; after that a newer checkpoint pays.
 constexpr std::int64_t checkpointPatience = 62;
-/// Filling in looks this many days further back than the last pass. Somebody who flew east, or whose day now begins
-/// earlier, reads the moment of that pass as a later day than it was; the days in between would never be judged.
-constexpr std::int64_t fillInOverlap = 2;
 /// Days beyond these come from no calendar that a person kept.
 constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
 
@@ -143,16 +140,33 @@ qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, q
   return day < earliestDay || day > today ? today : day;
 }
 
-HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
+/// The day of the last pass over a task.
+std::optional<qz::YYYYMMDD> processedThrough(const TaskEntity& task, const TaskAssessment& assessment,
+                                             std::optional<qz::Moment> lastProcessedHere) {
+  std::optional<qz::Moment> last = task.lastProcessedDate;
+  if (last && lastProcessedHere) last = std::min(*last, *lastProcessedHere);
+  return last ? std::optional(std::min(assessment.calendar.day(*last), assessment.today)) : std::nullopt;
+}
+
+HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                     std::optional<qz::YYYYMMDD> processed) {
   const TaskCalendar& calendar = assessment.calendar;
   const qz::YYYYMMDD today = assessment.today;
-  std::optional<qz::YYYYMMDD> processedThrough;
-  if (task.lastProcessedDate)
-    processedThrough = std::min(calendar.day(*task.lastProcessedDate), today).add(-fillInOverlap);
+  if (processed) processed = processed->add(-passOverlap);
   HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today),
-                                        beginningOfLog(context, task, storedDay(today)), processedThrough, today);
+                                        beginningOfLog(context, task, storedDay(today)), processed, today);
   scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
   return scope;
+}
+
+/// The kept checkpoint, where a walk over these days of the log as `revision` leaves it can go on from it.
+std::optional<HistoryCheckpoint> beginningOfWalk(StoreContext& context, const TaskEntity& task,
+                                                 const HistoryScope& scope, const LogRevision& revision,
+                                                 const TaskAssessment& assessment) {
+  auto begin = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
+  if (!begin || !HistoryWalk(*assessment.rules, scope).canResume(*begin)) return std::nullopt;
+  if (revision.from && storedDay(*revision.from) <= begin->closedThrough) return std::nullopt;
+  return begin;
 }
 
 /// Whether the checkpoint of a walk is worth keeping, when the walk was begun after `begun`.
@@ -161,13 +175,12 @@ bool isWorthKeeping(const HistoryResult& history, std::optional<qz::YYYYMMDD> be
   return begun && closedThrough && begun->distance(*closedThrough) > checkpointPatience;
 }
 
-void walkHistory(StoreContext& context, const TaskEntity& task, std::vector<LoggedEntry> ahead,
+/// REQUIRES: rules, and a scope that ends today.
+void walkHistory(StoreContext& context, const TaskEntity& task, const HistoryScope& scope, const LogRevision& revision,
                  TaskAssessment& assessment) {
-  const HistoryScope scope = scopeOf(context, task, assessment);
-  auto begin = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
-  if (begin && !HistoryWalk(*assessment.rules, scope).canResume(*begin)) begin.reset();
-  LogWalk walk(context, task.objectID, *assessment.rules, assessment.calendar, storedDay(scope.today),
-               std::move(ahead));
+  const auto begin = beginningOfWalk(context, task, scope, revision, assessment);
+  LogWalk walk(context, task.objectID, *assessment.rules, assessment.calendar, storedDay(scope.today), assessment.ahead,
+               LogWalk::usualPart, revision);
   assessment.history = walk.run(scope, begin);
   assessment.checkpointIsStale =
       isWorthKeeping(*assessment.history, begin ? dayFromStored(begin->closedThrough) : scope.created);
@@ -175,17 +188,58 @@ void walkHistory(StoreContext& context, const TaskEntity& task, std::vector<Logg
 
 }  // namespace
 
-TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars, qz::Moment now) {
+TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars, qz::Moment now,
+                      std::optional<qz::Moment> lastProcessedHere) {
   TaskAssessment assessment{.calendar = calendars.of(task)};
   assessment.today = assessment.calendar.day(now);
   LaterEntries later = laterEntries(context, task, assessment, now);
   for (LoggedEntry& entry : later.ahead) entry.isAhead = true;
   assessment.futureEntries = std::move(later.future);
+  assessment.ahead = std::move(later.ahead);
   assessment.rules = rulesOf(context, task);
   if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
-  if (assessment.rules) walkHistory(context, task, std::move(later.ahead), assessment);
+  if (!assessment.rules) return assessment;
+  assessment.processedThrough = processedThrough(task, assessment, lastProcessedHere);
+  const HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  assessment.created = scope.created;
+  walkHistory(context, task, scope, {}, assessment);
   return assessment;
+}
+
+void revise(StoreContext& context, const TaskEntity& task, const LogRevision& revision, TaskAssessment& assessment) {
+  HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  if (revision.from) scope.fillFrom = std::min(scope.fillFrom, std::max(scope.created, *revision.from));
+  walkHistory(context, task, scope, revision, assessment);
+}
+
+std::vector<PeriodOfLog> periodsFrom(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                                     qz::YYYYMMDD from, const LogRevision& revision) {
+  HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  scope.fillFrom = std::min(std::max(scope.created, from), scope.today);
+  const HistoryWalk walk(*assessment.rules, scope);
+  const std::int32_t first = storedDay(scope.fillFrom);
+  std::vector<PeriodOfLog> periods;
+  const auto visit = [&](const WalkedPeriod& walked) {
+    if (walked.to < first) return;
+    periods.push_back({.period = walked.period(),
+                       .isOpen = walked.isOpen,
+                       .isPaused = walked.isPaused,
+                       .missIsAllowed = walked.missIsAllowed,
+                       .expectedUnits = walked.expectedUnits,
+                       .entries = {walked.entries.begin(), walked.entries.end()}});
+  };
+  const auto checkpoint = beginningOfWalk(context, task, scope, revision, assessment);
+  const std::int32_t readFrom = checkpoint ? checkpoint->closedThrough + 1 : StoreContext::firstDay;
+  const std::int32_t today = storedDay(scope.today);
+  std::vector<LoggedEntry> entries = readEntries(context, task, readFrom, today);
+  revision.applyTo(entries, readFrom, today);
+  entries.insert(entries.end(), assessment.ahead.begin(), assessment.ahead.end());
+  if (checkpoint)
+    (void)walk.resume(*checkpoint, entries, visit);
+  else
+    (void)walk.walk(entries, visit);
+  return periods;
 }
 
 std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,

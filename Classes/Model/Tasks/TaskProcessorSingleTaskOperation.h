@@ -2,6 +2,7 @@
 
 #include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/AutomaticEntries.h>
 #include <HabitraModel/Tasks/LayoutDirection.h>
 #include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
@@ -15,11 +16,17 @@
 
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace habitra {
 
-/// Brings one task up to date: fills in the days that are over, deletes entries of the future, repairs what is absent,
-/// and stores the derived figures where they differ from what is stored.
+/// Brings one task up to date: records what health data say of it (AutomaticEntries), fills in the days that are over,
+/// deletes entries of the future, repairs what is absent, stores the derived figures where they differ from what is
+/// stored, and tells those who share it.
+///
+/// Health data are looked at from the last processed day on, two days before it included; before that only where they
+/// have changed. A task that is completed by hand asks no health store for anything. All that a pass adds is one
+/// request to the recorder. A task that somebody else shares is only assessed.
 ///
 /// Works on the queue of its context.
 class TaskProcessorSingleTaskOperation {
@@ -37,6 +44,17 @@ class TaskProcessorSingleTaskOperation {
     std::size_t filledIn = 0;     ///< automatic entries added
     std::size_t removed = 0;      ///< entries of the future deleted
     bool decidedPeriod = false;   ///< health data completed or failed a period
+  };
+
+  /// The entries that a pass would add, by their period.
+  struct SkipAndMissReport {
+    struct Entry {
+      TaskFrequencyPeriod period;
+      TaskLogEntryType entryType{};
+
+      friend bool operator==(const Entry&, const Entry&) = default;
+    };
+    std::vector<Entry> entries;
   };
 
   /// Another operation for the same task is under way in this process.
@@ -67,13 +85,29 @@ class TaskProcessorSingleTaskOperation {
   /// unit.
   Result runInUnit();
 
+  /// What a pass would add. Writes nothing, takes no turn, and may be asked while the task is being processed.
+  [[nodiscard]] SkipAndMissReport dryRun() const;
+
  private:
+  /// What a pass has found and is about to do.
+  struct Pass {
+    TaskAssessment assessment;
+    AutomaticPlan automatic;
+  };
+
   [[nodiscard]] TaskClaim claim() const;
-  [[nodiscard]] bool hasSomethingToWrite(const TaskAssessment& assessment);
-  Result apply(const TaskAssessment& assessment);
-  void processSkipAndMiss(const TaskAssessment& assessment);
+  [[nodiscard]] Pass prepare() const;
+  [[nodiscard]] bool belongsToSomebodyElse() const;
+  [[nodiscard]] bool hasSomethingToWrite(const Pass& pass);
+  Result _main(const Pass& pass);
+  [[nodiscard]] AutomaticPlan processAutomaticTaskUntilToday(const TaskAssessment& assessment) const;
+  [[nodiscard]] AutomaticPlan automaticEntries(const TaskAssessment& assessment, const AutomaticTaskType& type) const;
+  SkipAndMissReport processSkipAndMiss(const Pass& pass, bool dryRun) const;
+  [[nodiscard]] TaskLogRecorder::Request request(const Pass& pass) const;
   void removeFutureEntries(const TaskAssessment& assessment);
   void storeFigures(const TaskAssessment& assessment);
+  /// Tells those who share the task how it stands, where that is new to them.
+  void updateSharedTask(const TaskAssessment& assessment);
 
   const Environment environment_;
   StoreContext& managedObjectContext_;
