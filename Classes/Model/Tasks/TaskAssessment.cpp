@@ -232,7 +232,8 @@ std::vector<PeriodOfLog> periodsFrom(StoreContext& context, const TaskEntity& ta
   const auto checkpoint = beginningOfWalk(context, task, scope, revision, assessment);
   const std::int32_t readFrom = checkpoint ? checkpoint->closedThrough + 1 : StoreContext::firstDay;
   const std::int32_t today = storedDay(scope.today);
-  std::vector<LoggedEntry> entries = readEntries(context, task, readFrom, today);
+  std::vector<LoggedEntry> entries;
+  context.readLog(task.objectID, readFrom, today, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
   revision.applyTo(entries, readFrom, today);
   entries.insert(entries.end(), assessment.ahead.begin(), assessment.ahead.end());
   if (checkpoint)
