@@ -1,10 +1,7 @@
 // The store beside the bare interface of the engine that does the same to the same tables: what descriptions, identity,
 // checksums, history and the writers' turn cost.
 
-#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
-#include <HabitraModel/Tasks/TaskEntityRules.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <Support/Memory.h>
 #include <Support/RatioReport.h>
 #include <Support/TemporaryFolder.h>
@@ -12,11 +9,13 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "BareStore.h"
+#include "PassBenchmarks.h"
 #include "SampleLog.h"
 
 namespace habitra::benchmarks {
@@ -93,64 +92,6 @@ void bareInsert(benchmark::State& state) {
     state.ResumeTiming();
   }
   state.SetItemsProcessed(state.iterations() * bulk);
-}
-
-/// Nobody is told.
-struct NoReceivers : TaskLink, WidgetCenter {
-  void put(StoreContext&, const TaskEntity&, qz::Moment) override {}
-  void deliver(std::function<void()> finished) override { finished(); }
-  void reloadAllTimelines() noexcept override {}
-};
-
-/// The misses of ten years, as a pass hands them over, beside as many rows without a look at the log.
-void recordedFillIns(benchmark::State& state) {
-  const TaskCalendars calendars(qz::TimeZone::utc(), qz::HHMMSS::midnight);
-  qz::MainQueue mainQueue;
-  NoReceivers nobody;
-  TaskLogRecorder recorder(calendars, mainQueue, {nobody, nobody, nobody});
-  for (auto _ : state) {
-    state.PauseTiming();
-    const SampleStore sample(0);
-    auto context = std::make_unique<StoreContext>(Store::open(sample.file(), theClock));
-    TaskEntity& task =
-        context->insert(newlyMadeTask("Filled in", qz::DayOfWeek::monday, theClock->now(), "Europe/Berlin"));
-    context->save({});
-    TaskLogRecorder::Request request{.managedObjectContext = *context,
-                                     .context = TaskModifyContext::systemInitiatedFromDeviceActivityExtension,
-                                     .createdTimestamp = theClock->now(),
-                                     .createdTimeZone = qz::TimeZone::utc()};
-    for (const TaskLogEntryEntity& entry : sampleLog(task.objectID, tenYears)) {
-      const qz::YYYYMMDD day = dayFromStored(entry.entryDate).value();
-      const qz::Moment start = calendars.ofDevice().beginning(day);
-      request.logEntries.push_back({.uniqueId = qz::UniqueID::generate(theClock->now()),
-                                    .type = TaskLogEntryType::missedAutomaticallyFull,
-                                    .period = DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::monday),
-                                    .startDate = start,
-                                    .endDate = start,
-                                    .hasNewIdentifier = true});
-    }
-    state.ResumeTiming();
-    recorder.recordNow(task, request);
-    state.PauseTiming();
-    context.reset();
-    state.ResumeTiming();
-  }
-  state.SetItemsProcessed(state.iterations() * tenYears);
-}
-
-void bareFillIns(benchmark::State& state) {
-  for (auto _ : state) {
-    state.PauseTiming();
-    const SampleStore sample(0);
-    const auto entries = sampleLog(sample.task(), tenYears);
-    auto bare = std::make_unique<BareStore>(sample.file());
-    state.ResumeTiming();
-    bare->save(entries);
-    state.PauseTiming();
-    bare.reset();
-    state.ResumeTiming();
-  }
-  state.SetItemsProcessed(state.iterations() * tenYears);
 }
 
 void storeReadLog(benchmark::State& state) {
@@ -260,8 +201,6 @@ bool memoryIsProportional() {
 
 BENCHMARK(storeInsert)->Unit(benchmark::kMillisecond);
 BENCHMARK(bareInsert)->Unit(benchmark::kMillisecond);
-BENCHMARK(recordedFillIns)->Unit(benchmark::kMillisecond);
-BENCHMARK(bareFillIns)->Unit(benchmark::kMillisecond);
 BENCHMARK(storeReadLog)->Unit(benchmark::kMicrosecond);
 BENCHMARK(bareReadLog)->Unit(benchmark::kMicrosecond);
 BENCHMARK(storeFetchEntries)->Unit(benchmark::kMicrosecond);
@@ -275,13 +214,14 @@ BENCHMARK(bareCommit)->Unit(benchmark::kMicrosecond)->UseRealTime();
 }  // namespace habitra::benchmarks
 
 int main(int argc, char** argv) {
-  const int timing = habitra::benchmarks::runWithRatios(
-      argc, argv,
-      {{"100,000 entries in one save", "storeInsert", "bareInsert", 2},
-       {"ten years filled in by one request", "recordedFillIns", "bareFillIns", 2},
-       {"a ten-year log, read as values", "storeReadLog", "bareReadLog", 1.5},
-       {"a ten-year log, fetched as entries", "storeFetchEntries", "bareFetchEntries", 1.5},
-       {"open, read a setting, close", "storeOpen", "bareOpen", 1.5},
-       {"one entry committed durably", "storeCommit", "bareCommit", 1.3}});
-  return habitra::benchmarks::memoryIsProportional() ? timing : 1;
+  std::vector<habitra::benchmarks::Ratio> ratios{
+      {"100,000 entries in one save", "storeInsert", "bareInsert", 2},
+      {"a ten-year log, read as values", "storeReadLog", "bareReadLog", 1.5},
+      {"a ten-year log, fetched as entries", "storeFetchEntries", "bareFetchEntries", 1.5},
+      {"open, read a setting, close", "storeOpen", "bareOpen", 1.5},
+      {"one entry committed durably", "storeCommit", "bareCommit", 1.3}};
+  for (auto& ratio : habitra::benchmarks::passRatios()) ratios.push_back(std::move(ratio));
+  const int timing = habitra::benchmarks::runWithRatios(argc, argv, ratios);
+  const bool memoryHolds = habitra::benchmarks::memoryIsProportional();
+  return habitra::benchmarks::passMemoryIsBounded() && memoryHolds ? timing : 1;
 }

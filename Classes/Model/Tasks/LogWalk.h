@@ -19,8 +19,8 @@ namespace habitra {
 /// Belongs to the queue of its context; all that is handed in must live longer.
 class LogWalk {
  public:
-  /// The days of a part, four years: more than the longest span of success, within which none can end.
-  static constexpr std::int64_t usualPart = 1'461;
+  /// The days of a part, two years: more than the longest span of success, within which none can end.
+  static constexpr std::int64_t usualPart = 731;
 
   /// Entries of days after `lastDay`, as it is stored, count for nothing, but for those of `ahead`.
   /// The log is walked as `revision` leaves it. REQUIRES: HistoryWalk::supports() the frequency.
