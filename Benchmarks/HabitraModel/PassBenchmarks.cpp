@@ -4,6 +4,7 @@
 
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryType.h>
+#include <HabitraModel/DataManager.h>
 #include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Links/WidgetCenter.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
@@ -72,17 +73,20 @@ class Home {
     context.forgetObjects();
   }
 
-  TaskProcessor::Report process(const TaskCalendars& calendars) {
-    TaskProcessor processor(calendars, recorder_);
-    return processor.processAllTasks(*context_, clock_->now());
+  TaskProcessor::Report process() { return processor_.processAllTasks(*context_, clock_->now()); }
+  /// Under a calendar of another name than the pass before, whose days are the same: no cursor of that one holds.
+  TaskProcessor::Report processWithoutCursors() {
+    const auto& zone = calendars_.ofDevice().timeZone;
+    calendars_ =
+        TaskCalendars(zone == utc() ? qz::TimeZone::fromIdentifier("Etc/UTC").value() : utc(), qz::HHMMSS::midnight);
+    return process();
   }
-  TaskProcessor::Report process() { return process(utc_); }
 
   /// Records a completion of today, from the request to its completion.
   void record() {
     TaskEntity& task = *context_->fetchAll<TaskEntity>().front();
     const qz::Moment now = clock_->now();
-    const qz::YYYYMMDD day = utc_.of(task).day(now);
+    const qz::YYYYMMDD day = calendars_.of(task).day(now);
     bool isCompleted = false;
     recorder_.record(task,
                      {.managedObjectContext = *context_,
@@ -106,6 +110,7 @@ class Home {
   [[nodiscard]] StoreContext& context() { return *context_; }
 
  private:
+  static qz::TimeZone utc() { return qz::TimeZone::utc(); }
   static std::vector<TaskLogEntryEntity> logOf(const TaskEntity& task, int days) {
     std::vector<TaskLogEntryEntity> log = sampleLog(task.objectID, days);
     const TaskRules rules = rulesWithoutPauses(task).value();
@@ -121,13 +126,19 @@ class Home {
 
   TemporaryFolder folder_;
   std::shared_ptr<SettableClock> clock_ = std::make_shared<SettableClock>(firstEvening);
-  std::unique_ptr<StoreContext> context_ = std::make_unique<StoreContext>(Store::open(file(), clock_));
-  TaskCalendars utc_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
+  DataManager manager_{DataManager::storeLocation(folder_ / "home"), clock_};
+  std::unique_ptr<StoreContext> context_ = manager_.context();
+  TaskCalendars calendars_{utc(), qz::HHMMSS::midnight};
   qz::MainQueue mainQueue_;
   OutboxTaskLink watch_{OutboxLink::watch};
   OutboxTaskLink sharedTasks_{OutboxLink::sharedTask};
   NoWidgets widgets_;
-  TaskLogRecorder recorder_{utc_, mainQueue_, {watch_, sharedTasks_, widgets_}};
+  TaskLogRecorder recorder_{calendars_, mainQueue_, {watch_, sharedTasks_, widgets_}};
+  TaskProcessor processor_{{.dataManager = manager_,
+                            .mainQueue = mainQueue_,
+                            .receivers = {watch_, sharedTasks_, widgets_},
+                            .calendars = [this](StoreContext&) { return calendars_; },
+                            .viewContext = [this] { return context_.get(); }}};
 };
 
 Home& fullHome() {
@@ -135,14 +146,10 @@ Home& fullHome() {
   return home;
 }
 
-/// Each pass is under a calendar of another name, whose days are the same, so that no cursor of the one before holds.
 void fullPass(benchmark::State& state) {
   Home& home = fullHome();
-  const TaskCalendars calendars[]{{qz::TimeZone::fromIdentifier("Etc/UTC").value(), qz::HHMMSS::midnight},
-                                  {qz::TimeZone::fromIdentifier("Etc/UCT").value(), qz::HHMMSS::midnight}};
-  static std::size_t pass = 0;
   for (auto _ : state) {
-    const auto report = home.process(calendars[pass++ % 2]);
+    const auto report = home.processWithoutCursors();
     if (report.filledIn + report.removed > 0) state.SkipWithError("the histories have holes");
   }
   state.SetItemsProcessed(state.iterations() * habits * tenYears);
@@ -246,7 +253,7 @@ bool passMemoryIsBounded() {
     home.process();
     const std::int64_t before = bytesHeld();
     (void)takePeakOfBytesHeld();
-    home.process(TaskCalendars(qz::TimeZone::fromIdentifier("Etc/UTC").value(), qz::HHMMSS::midnight));
+    home.processWithoutCursors();
     return takePeakOfBytesHeld() - before;
   };
   const std::int64_t decade = peakOfPass(tenYears);
