@@ -1,7 +1,10 @@
+#include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Store/Entities/TaskTimerEntity.h>
+#include <HabitraModel/Tasks/FailureRetyping.h>
 #include <HabitraModel/Tasks/LogUnion.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZDateTime/HHMMSS.h>
 #include <QZDateTime/TimeZone.h>
 
@@ -137,6 +140,19 @@ void judgeAnewFrom(TaskEntity& task, std::int32_t day) {
   task.lastProcessedDate = std::min(*task.lastProcessedDate, before);
 }
 
+/// A failure that only another log knew of takes up room that later ones had.
+void retypeFailuresFrom(StoreContext& context, const TaskEntity& task, std::int32_t day) {
+  const auto rules = rulesOf(context, task);
+  if (!rules || !rules->isNegative) return;
+  std::set<qz::YYYYMMDD> failed;
+  context.readLog(task.objectID, day, StoreContext::lastDay, [&](const LogRow& row) {
+    const TaskLogEntryType type = entryTypeFromStored(row.entryType);
+    const auto date = existingDayFromStored(row.entryDate);
+    if (date && (isMissedFullOrPartial(type) || isAllowableMissFull(type))) failed.insert(*date);
+  });
+  retypeFailures(context, task, *rules, failed);
+}
+
 }  // namespace
 
 void uniteSameEntries(StoreContext& context, UnitedEntry& kept, const UnitedEntry& other) {
@@ -174,8 +190,10 @@ std::size_t uniteLogs(StoreContext& context, TaskEntity& survivor, const std::ve
   const RenamedEntries renamed = united.uniteAlike();
   renameEntriesOfTimers(context, survivor.objectID, renamed);
   for (const TaskEntity* other : others) renameEntriesOfTimers(context, other->objectID, renamed);
-  if (const auto day = removeContradictions(context, survivor, others.size() + 1, united.take()))
+  if (const auto day = removeContradictions(context, survivor, others.size() + 1, united.take())) {
     judgeAnewFrom(survivor, *day);
+    retypeFailuresFrom(context, survivor, *day);
+  }
   return doubles;
 }
 
