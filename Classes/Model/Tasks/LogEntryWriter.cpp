@@ -72,6 +72,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
     row.objectID = context_.insertLogEntry(row);
   remove(filledIn_.refutedBy(row));
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
+  if (existing) withdrawHealthWrites(row.objectID);
   requestHealthWrite(row, entry);
   emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
   Written written{.row = std::move(row), .day = day};
@@ -129,6 +130,12 @@ TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogR
     row.cloudStatusDate = now_;
   }
   return row;
+}
+
+void LogEntryWriter::withdrawHealthWrites(ObjectID entry) {
+  if (!request_.recordToHealthKitIfNecessary) return;
+  for (HealthKitRequestEntity* request : context_.fetchRelated<HealthKitRequestEntity>("taskLogEntry", entry))
+    context_.remove(*request);
 }
 
 void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry) {

@@ -38,6 +38,8 @@ class LogEntryWriter {
   [[nodiscard]] std::optional<qz::YYYYMMDD> beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const;
   [[nodiscard]] TaskLogEntryEntity filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
                                           qz::YYYYMMDD day, bool isNew) const;
+  /// What the entry said before is no longer to be written, or to be taken out again.
+  void withdrawHealthWrites(ObjectID entry);
   /// Asks for a write to the health store, where the task and the entry want one.
   void requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry);
 

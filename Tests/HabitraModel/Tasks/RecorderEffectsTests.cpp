@@ -219,6 +219,10 @@ TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   EXPECT_EQ(glass->objectType, qz::QZHKObjectType::dietaryWater);
   EXPECT_EQ(glass->quantity(), (qz::QZHKQuantity{0.5, qz::QZHKUnit::litre}));
   EXPECT_EQ(glass->device, "watch");
+
+  drunk.progressValue = 0.75;
+  EXPECT_EQ(sampleFor(water, drunk)->quantity(), (qz::QZHKQuantity{0.75, qz::QZHKUnit::litre}));
+  EXPECT_EQ(context_->fetchAll<HealthKitRequestEntity>().size(), 1U) << "the same entry, put right";
   EXPECT_EQ(glass->start, glass->end);
   EXPECT_EQ(glass->task->text(), *water.uniqueId);
 
