@@ -10,9 +10,9 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessor.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
-#include <HabitraModel/Tasks/TaskProcessor.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/MainQueue.h>
 #include <Support/Memory.h>

@@ -39,10 +39,20 @@ struct ChosenDay {
   qz::Moment start;    ///< of the entry
 };
 
-/// Throws qz::Error for a day that lies in the future.
+/// A clock that has fallen back by years would put today's entry there, and every day since would count as missed.
+/// Whoever flew west may be a day before the one that the habit was made on.
+void checkToday(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
+  if (!task.created || today >= calendar.day(*task.created).previousDay()) return;
+  throw qz::Error(fmt::format("the clock says {}, but '{}' was made on {}: set the clock, or say which day is meant",
+                              today.debugDescription(), task.title.value_or(""),
+                              calendar.day(*task.created).debugDescription()));
+}
+
+/// Throws qz::Error for a day that lies in the future, and for a today that cannot be.
 ChosenDay chosenDay(const TaskEntity& task, const TaskCalendar& calendar, qz::Moment now,
                     std::optional<qz::YYYYMMDD> day) {
   const qz::YYYYMMDD today = calendar.day(now);
+  if (!day) checkToday(task, calendar, today);
   const qz::YYYYMMDD chosen = day.value_or(today);
   if (chosen > today)
     throw qz::Error(fmt::format("{} has not come yet for '{}'", chosen.debugDescription(), task.title.value_or("")));

@@ -3,8 +3,8 @@
 #include <HabitraApp/TaskLookup.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Store/History/HistoryTrimming.h>
+#include <HabitraModel/Tasks/Processing/TaskAssessment.h>
 #include <HabitraModel/Tasks/StoredPages.h>
-#include <HabitraModel/Tasks/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 

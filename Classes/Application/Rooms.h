@@ -6,9 +6,9 @@
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessor.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
-#include <HabitraModel/Tasks/TaskProcessor.h>
 #include <QZKit/MainQueue.h>
 
 #include <functional>

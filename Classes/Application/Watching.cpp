@@ -1,6 +1,6 @@
 #include <HabitraApp/Rooms.h>
 
-#include <HabitraModel/Tasks/CalendarDayWatcher.h>
+#include <HabitraModel/Tasks/Processing/CalendarDayWatcher.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
 

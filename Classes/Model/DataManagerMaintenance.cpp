@@ -2,7 +2,7 @@
 #include <HabitraModel/DataManager.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreError.h>
-#include <HabitraModel/Tasks/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/Deduplication/TaskDeduplicator.h>
 #include <QZLog/Log.h>
 
 #include <exception>

@@ -97,6 +97,8 @@ TEST_F(MarkingTests, aDayThatHasNotComeIsAnErrorAndRecordsNothing) {
   } catch (const qz::Error& error) {
     EXPECT_STREQ(error.what(), "2030-01-01 has not come yet for 'Read'");
   }
+  clock_->set(qz::Moment(hours(12)));
+  EXPECT_THROW(done("Read"), qz::Error) << "a clock that fell back to 1970";
   EXPECT_EQ(rowsInLog("Read"), 0u);
 }
 

@@ -1,7 +1,7 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/StoredDay.h>
-#include <HabitraModel/Tasks/TaskAssessment.h>
+#include <HabitraModel/Tasks/Processing/TaskAssessment.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 #include <HabitraModel/Undo/LoggedPeriod.h>

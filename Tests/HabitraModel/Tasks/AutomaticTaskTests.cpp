@@ -1,7 +1,7 @@
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Mapping/TaskCloudSummaryCoreDataContainer.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
-#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 
 #include <map>
 

@@ -1,4 +1,4 @@
-#include <HabitraModel/Tasks/CalendarDayWatcher.h>
+#include <HabitraModel/Tasks/Processing/CalendarDayWatcher.h>
 #include <QZDateTime/ISO8601.h>
 #include <Support/TemporaryFolder.h>
 

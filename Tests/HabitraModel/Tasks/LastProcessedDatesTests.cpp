@@ -1,4 +1,4 @@
-#include <HabitraModel/Tasks/LastProcessedDates.h>
+#include <HabitraModel/Tasks/Processing/LastProcessedDates.h>
 
 #include <gtest/gtest.h>
 #include <chrono>

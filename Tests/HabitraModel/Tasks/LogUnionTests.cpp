@@ -1,5 +1,5 @@
-#include <HabitraModel/Tasks/FilledInEntries.h>
-#include <HabitraModel/Tasks/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/Deduplication/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

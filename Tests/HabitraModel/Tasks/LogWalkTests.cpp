@@ -2,7 +2,7 @@
 #include <HabitraCore/RawValue.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
-#include <HabitraModel/Tasks/LogWalk.h>
+#include <HabitraModel/Tasks/Processing/LogWalk.h>
 #include <rapidcheck/gtest.h>
 #include <Support/SettableClock.h>
 

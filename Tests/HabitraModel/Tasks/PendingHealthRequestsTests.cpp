@@ -1,7 +1,7 @@
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
-#include <HabitraModel/Tasks/HealthWriteRequest.h>
-#include <HabitraModel/Tasks/PendingHealthRequests.h>
+#include <HabitraModel/Tasks/Processing/PendingHealthRequests.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/UndoStack.h>
 #include <QZHealthKit/QZHealthStoreError.h>
 

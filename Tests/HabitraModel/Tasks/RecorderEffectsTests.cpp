@@ -1,6 +1,6 @@
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Store/Entities/TaskShareOwnerEntity.h>
-#include <HabitraModel/Tasks/HealthWriteRequest.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 
 #include <functional>
 #include <utility>

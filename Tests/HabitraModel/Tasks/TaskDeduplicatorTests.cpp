@@ -2,9 +2,9 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreVerification.h>
+#include <HabitraModel/Tasks/Deduplication/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
-#include <HabitraModel/Tasks/TaskDeduplicator.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 

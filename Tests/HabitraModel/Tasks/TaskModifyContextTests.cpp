@@ -1,4 +1,4 @@
-#include <HabitraModel/Tasks/TaskModifyContext.h>
+#include <HabitraModel/Tasks/Recording/TaskModifyContext.h>
 #include <QZDateTime/DecodingError.h>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <HabitraModel/Health/SampleStore.h>
-#include <HabitraModel/Tasks/TaskProcessorHealthKitObserver.h>
-#include <HabitraModel/Tasks/TaskProcessorScreenTimeObserver.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorHealthKitObserver.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorScreenTimeObserver.h>
 
 #include <gtest/gtest.h>
 

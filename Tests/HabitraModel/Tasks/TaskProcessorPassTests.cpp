@@ -1,5 +1,5 @@
-#include <HabitraModel/Tasks/LastProcessedDates.h>
-#include <HabitraModel/Tasks/TaskClaim.h>
+#include <HabitraModel/Tasks/Processing/LastProcessedDates.h>
+#include <HabitraModel/Tasks/Processing/TaskClaim.h>
 #include <Support/TemporaryFolder.h>
 
 #include <chrono>

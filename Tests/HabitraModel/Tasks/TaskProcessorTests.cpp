@@ -1,7 +1,7 @@
 #include <HabitraModel/Settings/Settings.h>
-#include <HabitraModel/Tasks/TaskClaim.h>
+#include <HabitraModel/Tasks/Processing/TaskClaim.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
-#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
 
 #include "TaskWorld.h"
 

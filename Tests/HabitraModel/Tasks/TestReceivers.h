@@ -2,7 +2,7 @@
 
 #include <HabitraModel/Links/TaskLink.h>
 #include <HabitraModel/Links/WidgetCenter.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 
 namespace habitra {
 

@@ -44,6 +44,7 @@ TEST_P(WrongClock, LosesNothing) {
     const std::vector<std::string> before = recorded(task);
     process();
     EXPECT_EQ(recorded(task), before);
+    EXPECT_EQ(shown(task).streak.current, day) << "nobody can have missed a day that is not over";
     recordToday(task, Type::completedManuallyFull);
     EXPECT_EQ(shown(task).streak.current, day + 1) << "as if the clock had never been wrong";
     EXPECT_EQ(recorded(task).size(), before.size() + 1);

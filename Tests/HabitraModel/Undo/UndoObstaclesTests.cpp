@@ -5,11 +5,11 @@
 #include <HabitraModel/Store/Entities/TaskNoteEntity.h>
 #include <HabitraModel/Store/Entities/TaskNotificationSettingsEntity.h>
 #include <HabitraModel/Store/StoreVerification.h>
+#include <HabitraModel/Tasks/Deduplication/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskCategories.h>
-#include <HabitraModel/Tasks/TaskDeduplicator.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskNotifications.h>
-#include <HabitraModel/Tasks/TaskProcessorSingleTaskOperation.h>
 #include <QZKit/MainQueue.h>
 
 #include <fmt/format.h>

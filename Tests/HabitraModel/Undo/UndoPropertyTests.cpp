@@ -3,11 +3,11 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
-#include <HabitraModel/Tasks/TaskAssessment.h>
+#include <HabitraModel/Tasks/Processing/TaskAssessment.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessor.h>
+#include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
-#include <HabitraModel/Tasks/TaskLogRecorder.h>
-#include <HabitraModel/Tasks/TaskProcessor.h>
-#include <HabitraModel/Tasks/TaskTemporalData.h>
 #include <HabitraModel/UndoStack.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/MainQueue.h>

@@ -1,7 +1,7 @@
 #include <HabitraCore/TaskLogEntryType.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Store/Entities/TaskTemporalDataEntity.h>
-#include <HabitraModel/Tasks/TaskDeduplicator.h>
+#include <HabitraModel/Tasks/Deduplication/TaskDeduplicator.h>
 
 #include "UndoFixture.h"
 

@@ -1,0 +1,232 @@
+#include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/Processing/AutomaticEntries.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+using Type = TaskLogEntryType;
+
+/// Of entries that are not in the log yet, which come after all that are.
+constexpr std::int64_t newOrder = std::numeric_limits<std::int64_t>::max() - 1;
+
+/// Whether a person decided the period, or a past that was judged was sealed with it.
+bool stands(const LoggedEntry& entry, bool isNegative) {
+  if (!isFull(entry.entryType)) return false;
+  if (!isAutomatic(entry.entryType)) return true;
+  return entry.entryType == Type::completedAutomaticallyFull && (isNegative || !(entry.progress > 0));
+}
+
+}  // namespace
+
+/// What the log says of a period before data are looked at.
+struct AutomaticEntries::Standing {
+  bool isDecidedOtherwise = false;  ///< by a person, or sealed
+  bool hasFull = false;
+  std::vector<LoggedEntry> fulls;     ///< that data asked for
+  std::vector<LoggedEntry> partials;  ///< likewise
+  std::int64_t lastByHand = 0;        ///< order of the last part that people or timers added
+
+  [[nodiscard]] double amount() const {
+    return !fulls.empty() ? fulls.back().progressTotal : !partials.empty() ? partials.back().progressTotal : 0.0;
+  }
+};
+
+/// What data say of it.
+struct AutomaticEntries::Finding {
+  bool hasData = false;
+  bool isReached = false;
+  bool addsUp = false;  ///< its amount only grows with the data
+  double measured = 0.0;
+  double amount = 0.0;  ///< with what people said
+  double share = 0.0;
+};
+
+AutomaticEntries::AutomaticEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                                   const AutomaticTaskType& type, const HealthMeasuring& measuring, qz::Moment now)
+    : context_(context),
+      task_(task),
+      assessment_(assessment),
+      type_(type),
+      measuring_(measuring),
+      now_(now),
+      filledIn_(context, task, assessment.rules) {}
+
+void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
+  const auto health = type_.type.healthType();
+  if (period.isOpen && health && health->isFluctuating()) return;
+  if (task_.isNegative && period.isPaused) return;
+  const Standing standing = this->standing(period);
+  if (standing.isDecidedOtherwise) {
+    qz::log::debug("Already has full entry for this period, skipping. date={}",
+                   period.period.startDate.debugDescription());
+    return;
+  }
+  const Finding finding = find(period);
+  const bool isJudged = !period.isOpen && standing.hasFull;
+  if (isJudged && finding.amount == standing.amount()) return;
+  if (finding.isReached) {
+    decide(period, standing, finding);
+    return;
+  }
+  // A completion of the past was given for the target of its time; more of the same does not speak against it.
+  if (isJudged && finding.addsUp && !standing.fulls.empty() && finding.amount > standing.amount()) return;
+  if (!finding.hasData && !mayHaveChanged) return;
+  for (const LoggedEntry& full : standing.fulls) takeBack(period, full);
+  carry(period, standing, finding);
+}
+
+AutomaticPlan AutomaticEntries::finish() {
+  if (!task_.isNegative || plan_.revision.added.empty()) return std::move(plan_);
+  const auto periods =
+      periodsFrom(context_, task_, assessment_, plan_.revision.from.value_or(assessment_.today), plan_.revision);
+  for (std::size_t i = 0; i < plan_.entries.size(); ++i) {
+    if (plan_.entries[i].type != Type::missedAutomaticallyFull) continue;
+    const auto found = std::ranges::find(periods, plan_.entries[i].period.period, &PeriodOfLog::period);
+    if (found == periods.end() || !found->missIsAllowed) continue;
+    plan_.entries[i].type = Type::allowableMissAutomaticallyFull;
+    plan_.revision.added[i].entryType = Type::allowableMissAutomaticallyFull;
+  }
+  return std::move(plan_);
+}
+
+bool AutomaticEntries::isOwnFull(const LoggedEntry& entry) const {
+  if (!(entry.progress > 0)) return false;  // filled in
+  if (!task_.isNegative) return entry.entryType == Type::completedAutomaticallyFull;
+  return entry.entryType == Type::missedAutomaticallyFull || entry.entryType == Type::allowableMissAutomaticallyFull;
+}
+
+AutomaticEntries::Standing AutomaticEntries::standing(const PeriodOfLog& period) const {
+  const Type partial = task_.isNegative ? Type::missedAutomaticallyPartial : Type::completedAutomaticallyPartial;
+  Standing standing;
+  for (const LoggedEntry& entry : period.entries) {
+    standing.isDecidedOtherwise = standing.isDecidedOtherwise || stands(entry, task_.isNegative);
+    standing.hasFull = standing.hasFull || isFull(entry.entryType);
+    if (isOwnFull(entry)) standing.fulls.push_back(entry);
+    if (entry.entryType == partial) standing.partials.push_back(entry);
+    const bool isPart = isPartial(entry.entryType) && !isAutomatic(entry.entryType);
+    if (isPart || isTimer(entry.entryType)) standing.lastByHand = std::max(standing.lastByHand, entry.order);
+  }
+  return standing;
+}
+
+AutomaticEntries::Finding AutomaticEntries::find(const PeriodOfLog& period) const {
+  const MeasurementFamily family = measurementFamily(type_).value();
+  const bool isSingleDay = period.period.startDate == period.period.finishDate;
+  const double needed = neededAmount(type_, period.expectedUnits, isSingleDay);
+  const PeriodMeasurement measured = measuring_.measure(period.period);
+  Finding finding{.hasData = measured.hasData, .measured = measured.amount, .amount = measured.amount};
+  finding.addsUp = family == MeasurementFamily::amount || family == MeasurementFamily::samples ||
+                   family == MeasurementFamily::screenTime;
+  if (finding.addsUp && measured.hasData)
+    finding.amount += saidByHand(period, needed / static_cast<double>(period.expectedUnits));
+  finding.isReached = measured.hasData && measured.isReached.value_or(needed > 0 && finding.amount >= needed);
+  finding.share = needed > 0 ? finding.amount / needed : 0;
+  return finding;
+}
+
+double AutomaticEntries::saidByHand(const PeriodOfLog& period, double unit) const {
+  const Type partial = task_.isNegative ? Type::missedManuallyPartial : Type::completedManuallyPartial;
+  const bool isTimed = type_.measure().kind == TaskMeasure::Kind::timed;
+  const double target = unit * static_cast<double>(period.expectedUnits);
+  double amount = 0;
+  for (const LoggedEntry& entry : period.entries) {
+    const bool isRun = isTimed && isTimer(entry.entryType);
+    if ((entry.entryType != partial && !isRun) || isInHealthStore(entry)) continue;
+    const double reported = entry.progressTotal > 0 ? entry.progressTotal : entry.progress * target;
+    if (isRun)
+      amount += std::max(entry.progressTotal, 0.0);
+    else
+      amount = reported > 0 ? reported : amount + unit;
+  }
+  return amount;
+}
+
+bool AutomaticEntries::isInHealthStore(const LoggedEntry& entry) const {
+  const auto requests = context_.fetchRelated<HealthKitRequestEntity>("taskLogEntry", ObjectID{entry.order});
+  return std::ranges::any_of(
+      requests, [](const HealthKitRequestEntity* request) { return request->status == health_request_status::done; });
+}
+
+void AutomaticEntries::decide(const PeriodOfLog& period, const Standing& standing, const Finding& finding) {
+  if (!standing.fulls.empty()) return;
+  for (const LoggedEntry& partial : standing.partials) takeBack(period, partial);
+  Finding whole = finding;
+  whole.share = 1.0;
+  const Type type = task_.isNegative ? Type::missedAutomaticallyFull : Type::completedAutomaticallyFull;
+  record(period, type, whole, nullptr, std::nullopt);
+  if (task_.isNegative) plan_.failures.insert(period.period.finishDate);
+  plan_.decidesPeriod = true;
+}
+
+void AutomaticEntries::carry(const PeriodOfLog& period, const Standing& standing, const Finding& finding) {
+  const bool carriesAmount = type_.measure().kind != TaskMeasure::Kind::byHand && finding.measured > 0;
+  const LoggedEntry* const last = standing.partials.empty() ? nullptr : &standing.partials.back();
+  for (const LoggedEntry& partial : standing.partials)
+    if (!carriesAmount || partial.order != last->order) takeBack(period, partial);
+  if (!carriesAmount) return;
+  const Type type = task_.isNegative ? Type::missedAutomaticallyPartial : Type::completedAutomaticallyPartial;
+  if (last == nullptr) {
+    record(period, type, finding, nullptr, std::nullopt);
+    return;
+  }
+  const bool isLast = last->order > standing.lastByHand;
+  if (isLast && last->progressTotal == finding.amount && last->progress == finding.share) return;
+  const LogKey key{task_.objectID, last->entryDate, ObjectID{last->order}};
+  const auto row = context_.findLogEntry(key);
+  const auto uniqueId = row && row->uniqueId ? qz::UniqueID::fromText(*row->uniqueId) : std::nullopt;
+  const bool staysInPlace = isLast && uniqueId;
+  if (!staysInPlace) remove(key);
+  record(period, type, finding, staysInPlace ? last : nullptr, uniqueId);
+}
+
+void AutomaticEntries::record(const PeriodOfLog& period, Type type, const Finding& finding, const LoggedEntry* inPlace,
+                              std::optional<qz::UniqueID> uniqueId) {
+  // Of a period that is not over the last day has not come.
+  const qz::YYYYMMDD day = std::min(period.period.finishDate, assessment_.today);
+  TaskLogEntryEntity row;
+  row.task = task_.objectID;
+  setEntry(row, type, DatedPeriod(day, period.period), finding.share, finding.amount);
+  row.objectID = ObjectID{inPlace != nullptr ? inPlace->order : newOrder};
+  const qz::Moment start = assessment_.calendar.beginning(day);
+  plan_.entries.push_back({.uniqueId = uniqueId.value_or(qz::UniqueID::generate(now_)),
+                           .type = type,
+                           .period = DatedPeriod(day, period.period),
+                           .startDate = start,
+                           .endDate = start,
+                           .progressValue = finding.amount,
+                           .progressPct = finding.share});
+  plan_.revision.added.push_back(loggedEntry(row));
+  for (const LoggedEntry& entry : period.entries)
+    if (entry.order != rawValue(row.objectID) && supersedes(type, entry.entryType))
+      remove({task_.objectID, entry.entryDate, ObjectID{entry.order}});
+  for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(row)) remove(refuted.key());
+  touch(period.period.startDate);
+}
+
+void AutomaticEntries::takeBack(const PeriodOfLog& period, const LoggedEntry& entry) {
+  const LogKey key{task_.objectID, entry.entryDate, ObjectID{entry.order}};
+  if (const auto row = context_.findLogEntry(key))
+    for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(*row)) remove(refuted.key());
+  remove(key);
+  if (task_.isNegative && isFull(entry.entryType)) plan_.failures.insert(period.period.finishDate);
+  touch(period.period.startDate);
+}
+
+void AutomaticEntries::remove(const LogKey& key) {
+  auto& removed = plan_.revision.removed;
+  if (std::ranges::find(removed, key) == removed.end()) removed.push_back(key);
+}
+
+void AutomaticEntries::touch(qz::YYYYMMDD day) {
+  plan_.revision.from = std::min(plan_.revision.from.value_or(day), day);
+}
+
+}  // namespace habitra

@@ -1,0 +1,298 @@
+#include <HabitraCore/FutureEntries.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/Processing/LogWalk.h>
+#include <HabitraModel/Tasks/Processing/TaskAssessment.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <limits>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+/// Checkpoints are taken this many days before the days that the shares of success look at, from where a walk must
+/// begin; so that most corrections of the last weeks leave them valid.
+constexpr std::int64_t checkpointDistance = 11;
+/// A walk of this many days more than it needs is still quick; after that a newer checkpoint pays.
+constexpr std::int64_t checkpointPatience = 62;
+/// Days beyond these come from no calendar that a person kept.
+constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
+
+/// What the content of a stored checkpoint holds, beside its two columns.
+struct CheckpointContent {
+  std::int32_t created;
+  std::int32_t lastCompleted;
+  std::int32_t lastMissed;
+  std::int32_t lastSkipped;
+  std::int32_t completedDays;
+  std::int32_t unavailableDays;
+  std::int32_t failedDays;
+  std::int32_t lastCompletedDay;
+  std::int32_t lastFailedDay;
+  std::int32_t unused;  ///< 0
+  std::int64_t current;
+  std::int64_t best;
+  std::int64_t numJudged;
+  std::int64_t numSucceeded;
+};
+static_assert(sizeof(CheckpointContent) == 72 && std::endian::native == std::endian::little);
+
+/// Of the calendar that a walk was made under: when the days begin elsewhere, or at another time, a checkpoint says
+/// nothing any more. FNV-1a, the same on every machine.
+std::uint64_t fingerprint(const TaskCalendar& calendar) {
+  std::uint64_t hash = 0xcbf29ce484222325u;
+  for (const char c : calendar.startOfDay.debugDescription() + calendar.timeZone.identifier())
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+  return hash;
+}
+
+std::optional<HistoryCheckpoint> historyCheckpoint(const std::optional<Checkpoint>& stored,
+                                                   const TaskCalendar& calendar) {
+  CheckpointContent content{};
+  if (!stored || stored->content.size() != sizeof content) return std::nullopt;
+  std::memcpy(&content, stored->content.data(), sizeof content);
+  return HistoryCheckpoint{.fingerprint = std::bit_cast<std::uint64_t>(stored->fingerprint) ^ fingerprint(calendar),
+                           .created = content.created,
+                           .closedThrough = stored->closedThrough,
+                           .lastCompleted = content.lastCompleted,
+                           .lastMissed = content.lastMissed,
+                           .lastSkipped = content.lastSkipped,
+                           .counts = {.completedDays = content.completedDays,
+                                      .unavailableDays = content.unavailableDays,
+                                      .failedDays = content.failedDays,
+                                      .lastCompletedDay = content.lastCompletedDay,
+                                      .lastFailedDay = content.lastFailedDay},
+                           .streak = {.current = content.current, .best = content.best},
+                           .numJudged = content.numJudged,
+                           .numSucceeded = content.numSucceeded};
+}
+
+/// The newest day as of which a walk can be resumed, less a margin.
+qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
+  return firstSampledDay(frequency, today).value_or(today).add(-checkpointDistance);
+}
+
+/// The day that an attribute keeps, if the calendar has it: a row may say anything.
+std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
+  const auto day = existingDayFromStored(stored);
+  return day && *day >= earliestDay ? day : std::nullopt;
+}
+
+/// Where the task's log begins, up to `today`.
+HistoryScope::LogBeginning beginningOfLog(StoreContext& context, const TaskEntity& task, std::int32_t today) {
+  HistoryScope::LogBeginning log;
+  const auto earliest = context.earliestEntryDay(task.objectID);
+  if (!earliest || *earliest > today) return log;
+  const auto look = [&](const LogRow& row) {
+    if (log.firstKeptDay) return;
+    const auto day = existingDay(row.entryDate);
+    if (!log.firstEntryDay) log.firstEntryDay = day;
+    if (marksHistory(entryTypeFromStored(row.entryType))) log.firstKeptDay = day;
+  };
+  // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
+  context.readLog(task.objectID, *earliest, *earliest, look);
+  if (!log.firstKeptDay) context.readLog(task.objectID, *earliest, today, look);
+  return log;
+}
+
+/// What the log holds beyond today.
+struct LaterEntries {
+  std::vector<LogKey> future;      ///< to delete
+  std::vector<LogKey> premature;   ///< of these, the ones of today: filled in by a clock that was ahead
+  std::vector<LoggedEntry> ahead;  ///< recorded in time by somebody who since flew west
+};
+
+LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                          qz::Moment now) {
+  LaterEntries later;
+  // A clock that is behind what the store has seen says nothing about what has not come: such entries count for
+  // nothing, but may be right when it has caught up.
+  const auto newest = context.newestTransactionMoment();
+  const bool isClockBehind = newest && *newest > now;
+  const std::int32_t today = storedDay(assessment.today);
+  const auto look = [&](const TaskLogEntryEntity& entry) {
+    // What was filled in is found anew when its day is over; it need not be spared for a clock that may be wrong.
+    const bool isDerived = isFilledIn(entry);
+    if (entry.entryDate == today) {
+      if (!isDerived || !entry.createdTimestamp || *entry.createdTimestamp <= now) return;
+      later.premature.push_back(entry.key());
+      later.future.push_back(entry.key());
+      return;
+    }
+    const EntryRecording recording{.entryDate = entry.entryDate,
+                                   .createdTimestamp = entry.createdTimestamp,
+                                   .createdTimeZone = entry.createdTimeZone
+                                                          ? std::optional<std::string_view>(*entry.createdTimeZone)
+                                                          : std::nullopt};
+    if (!liesInFuture(recording, assessment.today, assessment.calendar.startOfDay, now)) {
+      later.ahead.push_back(loggedEntry(entry));
+    } else if (isDerived || !isClockBehind) {
+      later.future.push_back(entry.key());
+    }
+  };
+  context.readLogEntries(task.objectID, today, StoreContext::lastDay, look);
+  return later;
+}
+
+/// The day the task was made on, by the clock of the zone it was made in: elsewhere the same moment can be the day
+/// before, which was no day of its history.
+qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
+  if (!task.created) return today;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+  return day < earliestDay || day > today ? today : day;
+}
+
+/// The day of the last pass over a task.
+std::optional<qz::YYYYMMDD> processedThrough(const TaskEntity& task, const TaskAssessment& assessment,
+                                             std::optional<qz::Moment> lastProcessedHere) {
+  std::optional<qz::Moment> last = task.lastProcessedDate;
+  if (last && lastProcessedHere) last = std::min(*last, *lastProcessedHere);
+  return last ? std::optional(std::min(assessment.calendar.day(*last), assessment.today)) : std::nullopt;
+}
+
+HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                     std::optional<qz::YYYYMMDD> processed) {
+  const TaskCalendar& calendar = assessment.calendar;
+  const qz::YYYYMMDD today = assessment.today;
+  if (processed) processed = processed->add(-passOverlap);
+  HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today),
+                                        beginningOfLog(context, task, storedDay(today)), processed, today);
+  scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
+  return scope;
+}
+
+/// The kept checkpoint, where a walk over these days of the log as `revision` leaves it can go on from it.
+std::optional<HistoryCheckpoint> beginningOfWalk(StoreContext& context, const TaskEntity& task,
+                                                 const HistoryScope& scope, const LogRevision& revision,
+                                                 const TaskAssessment& assessment) {
+  auto begin = historyCheckpoint(context.checkpoint(task.objectID), assessment.calendar);
+  if (!begin || !HistoryWalk(*assessment.rules, scope).canResume(*begin)) return std::nullopt;
+  if (revision.from && storedDay(*revision.from) <= begin->closedThrough) return std::nullopt;
+  return begin;
+}
+
+/// Whether the checkpoint of a walk is worth keeping, when the walk was begun after `begun`.
+bool isWorthKeeping(const HistoryResult& history, std::optional<qz::YYYYMMDD> begun) {
+  const auto closedThrough = history.checkpoint ? dayFromStored(history.checkpoint->closedThrough) : std::nullopt;
+  return begun && closedThrough && begun->distance(*closedThrough) > checkpointPatience;
+}
+
+/// The same without what was filled in too early.
+LogRevision withoutPremature(LogRevision revision, const TaskAssessment& assessment) {
+  revision.removed.insert(revision.removed.end(), assessment.premature.begin(), assessment.premature.end());
+  return revision;
+}
+
+/// REQUIRES: rules, and a scope that ends today.
+void walkHistory(StoreContext& context, const TaskEntity& task, const HistoryScope& scope, const LogRevision& revision,
+                 TaskAssessment& assessment) {
+  const auto begin = beginningOfWalk(context, task, scope, revision, assessment);
+  LogWalk walk(context, task.objectID, *assessment.rules, assessment.calendar, storedDay(scope.today), assessment.ahead,
+               LogWalk::usualPart, withoutPremature(revision, assessment));
+  assessment.history = walk.run(scope, begin);
+  assessment.checkpointIsStale =
+      isWorthKeeping(*assessment.history, begin ? dayFromStored(begin->closedThrough) : scope.created);
+}
+
+}  // namespace
+
+TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars, qz::Moment now,
+                      std::optional<qz::Moment> lastProcessedHere) {
+  TaskAssessment assessment{.calendar = calendars.of(task)};
+  assessment.today = assessment.calendar.day(now);
+  LaterEntries later = laterEntries(context, task, assessment, now);
+  for (LoggedEntry& entry : later.ahead) entry.isAhead = true;
+  assessment.futureEntries = std::move(later.future);
+  assessment.premature = std::move(later.premature);
+  assessment.ahead = std::move(later.ahead);
+  assessment.rules = rulesOf(context, task);
+  if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
+  if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
+  if (!assessment.rules) return assessment;
+  assessment.processedThrough = processedThrough(task, assessment, lastProcessedHere);
+  const HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  assessment.created = scope.created;
+  walkHistory(context, task, scope, {}, assessment);
+  return assessment;
+}
+
+void revise(StoreContext& context, const TaskEntity& task, const LogRevision& revision, TaskAssessment& assessment) {
+  HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  if (revision.from) scope.fillFrom = std::min(scope.fillFrom, std::max(scope.created, *revision.from));
+  walkHistory(context, task, scope, revision, assessment);
+}
+
+std::vector<PeriodOfLog> periodsFrom(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
+                                     qz::YYYYMMDD from, const LogRevision& revision) {
+  HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
+  scope.fillFrom = std::min(std::max(scope.created, from), scope.today);
+  const HistoryWalk walk(*assessment.rules, scope);
+  const std::int32_t first = storedDay(scope.fillFrom);
+  std::vector<PeriodOfLog> periods;
+  const auto visit = [&](const WalkedPeriod& walked) {
+    if (walked.to < first) return;
+    periods.push_back({.period = walked.period(),
+                       .isOpen = walked.isOpen,
+                       .isPaused = walked.isPaused,
+                       .missIsAllowed = walked.missIsAllowed,
+                       .expectedUnits = walked.expectedUnits,
+                       .entries = {walked.entries.begin(), walked.entries.end()}});
+  };
+  const auto checkpoint = beginningOfWalk(context, task, scope, revision, assessment);
+  const std::int32_t readFrom = checkpoint ? checkpoint->closedThrough + 1 : StoreContext::firstDay;
+  const std::int32_t today = storedDay(scope.today);
+  std::vector<LoggedEntry> entries;
+  context.readLog(task.objectID, readFrom, today, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
+  withoutPremature(revision, assessment).applyTo(entries, readFrom, today);
+  entries.insert(entries.end(), assessment.ahead.begin(), assessment.ahead.end());
+  if (checkpoint)
+    (void)walk.resume(*checkpoint, entries, visit);
+  else
+    (void)walk.walk(entries, visit);
+  return periods;
+}
+
+std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,
+                                  qz::YYYYMMDD from, qz::YYYYMMDD day) {
+  const TaskCalendar calendar = calendars.of(task);
+  const auto rules = rulesOf(context, task);
+  if (!rules || day < earliestDay || !HistoryWalk::supports(rules->frequency)) return {};
+  const std::int32_t lastDay = storedDay(day.previousDay());
+  HistoryScope scope =
+      HistoryScope::of(creationDay(task, calendar, day), beginningOfLog(context, task, lastDay), std::nullopt, day);
+  scope.fillFrom = from;
+  return LogWalk(context, task.objectID, *rules, calendar, lastDay).run(scope, std::nullopt).fillIns;
+}
+
+Checkpoint storedCheckpoint(const HistoryCheckpoint& checkpoint, const TaskCalendar& calendar) {
+  const CheckpointContent content{.created = checkpoint.created,
+                                  .lastCompleted = checkpoint.lastCompleted,
+                                  .lastMissed = checkpoint.lastMissed,
+                                  .lastSkipped = checkpoint.lastSkipped,
+                                  .completedDays = checkpoint.counts.completedDays,
+                                  .unavailableDays = checkpoint.counts.unavailableDays,
+                                  .failedDays = checkpoint.counts.failedDays,
+                                  .lastCompletedDay = checkpoint.counts.lastCompletedDay,
+                                  .lastFailedDay = checkpoint.counts.lastFailedDay,
+                                  .unused = 0,
+                                  .current = checkpoint.streak.current,
+                                  .best = checkpoint.streak.best,
+                                  .numJudged = checkpoint.numJudged,
+                                  .numSucceeded = checkpoint.numSucceeded};
+  Checkpoint stored{.closedThrough = checkpoint.closedThrough,
+                    .fingerprint = std::bit_cast<std::int64_t>(checkpoint.fingerprint ^ fingerprint(calendar))};
+  stored.content.resize(sizeof content);
+  std::memcpy(stored.content.data(), &content, sizeof content);
+  return stored;
+}
+
+}  // namespace habitra

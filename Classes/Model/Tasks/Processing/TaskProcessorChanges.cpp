@@ -1,0 +1,175 @@
+#include <HabitraCore/HistoryWalk.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessor.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorInitialStreak.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorTools.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZKit/Error.h>
+#include <QZLog/Log.h>
+
+#include <fmt/format.h>
+#include <algorithm>
+#include <utility>
+
+/// The changes of many days at once: what is set in bulk, and the history that a new task begins with.
+namespace habitra {
+namespace {
+
+using LogEntryData = TaskLogRecorder::LogEntryData;
+
+bool canBeSet(TaskLogEntryType type) {
+  switch (type) {
+    case TaskLogEntryType::unknown:
+    case TaskLogEntryType::completedManuallyFull:
+    case TaskLogEntryType::skippedManuallyFull:
+    case TaskLogEntryType::missedManuallyFull:
+    case TaskLogEntryType::allowableMissManuallyFull: return true;
+    default: return false;
+  }
+}
+
+/// Throws qz::Error for what cannot be set.
+void check(const TaskEntity& task, const TaskProcessor::DayStatuses& statuses, qz::YYYYMMDD today) {
+  for (const auto& [day, type] : statuses) {
+    if (day > today)
+      throw qz::Error(fmt::format("{} has not come yet for '{}'", day.debugDescription(), task.title.value_or("")));
+    if (!canBeSet(type)) throw qz::Error(fmt::format("a day cannot be set to {}", caseName(type)));
+  }
+}
+
+/// The day on which the task was made, where it was made.
+std::optional<qz::YYYYMMDD> createdDay(const TaskEntity& task, const TaskCalendar& calendar) {
+  if (!task.created) return std::nullopt;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  return qz::YYYYMMDD(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+}
+
+void setCreated(TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD day) {
+  task.created = calendar.beginning(day);
+  task.createdTimeZone = calendar.timeZone.identifier();
+}
+
+/// What was filled in for the counting period of a day took into account how much of it there was of the task.
+void removeFilledIn(StoreContext& context, const TaskEntity& task, qz::YYYYMMDD day) {
+  const auto rules = rulesWithoutPauses(task);
+  if (!rules) return;
+  const DatedPeriod counting(day, rules->frequency.periodTypeForCompletionCountCalculation(), rules->firstDayOfWeek,
+                             rules->referenceDate);
+  for (const TaskLogEntryEntity& row : context.fetchLogEntries(task.objectID, storedDay(counting.period.startDate),
+                                                               storedDay(counting.period.finishDate)))
+    if (isFilledIn(row)) context.removeLogEntry(row.key());
+}
+
+/// Lets the task have been made on the earliest of the days at the latest.
+void coverDays(StoreContext& context, TaskEntity& task, const TaskCalendar& calendar,
+               const TaskProcessor::DayStatuses& statuses) {
+  const auto earliest =
+      std::ranges::find_if(statuses, [](const auto& status) { return status.second != TaskLogEntryType::unknown; });
+  const auto created = createdDay(task, calendar);
+  if (earliest == statuses.end() || !created || earliest->first >= *created) return;
+  qz::log::info("Modifying task created date from {} to {}", created->debugDescription(),
+                earliest->first.debugDescription());
+  removeFilledIn(context, task, *created);
+  setCreated(task, calendar, earliest->first);
+}
+
+LogEntryData entryFor(const DatedPeriod& period, TaskLogEntryType type, const TaskCalendar& calendar, qz::Moment now) {
+  const qz::Moment start = calendar.beginning(period.date);
+  return {.uniqueId = qz::UniqueID::generate(now),
+          .type = type,
+          .period = period,
+          .startDate = start,
+          .endDate = start,
+          .progressPct = isCompletedFull(type) ? 1.0 : 0.0};
+}
+
+/// The periods that give a new task its streak; none without one. Throws qz::Error where there is no such history.
+std::vector<TaskFrequencyPeriod> streakPeriods(const TaskProcessor::NewTask& newTask, qz::YYYYMMDD today) {
+  const std::int64_t streak = newTask.initialStreak;
+  if (streak < 0 || streak > TaskProcessor::longestInitialStreak)
+    throw qz::Error(
+        fmt::format("a habit begins with a streak of 0 to {}, not {}", TaskProcessor::longestInitialStreak, streak));
+  const auto rules = rulesWithoutPauses(newTask.values);
+  if (streak == 0) return {};
+  if (!rules || !HistoryWalk::supports(rules->frequency))
+    throw qz::Error(fmt::format("'{}' is never due, so it has no streak", newTask.values.title.value_or("")));
+  return lastDuePeriods(*rules, today, streak);
+}
+
+std::string commandText(const std::vector<TaskProcessor::NewTask>& tasks) {
+  std::string text = "add";
+  for (const auto& task : tasks) text += fmt::format(" '{}'", task.values.title.value_or(""));
+  return text;
+}
+
+}  // namespace
+
+void TaskProcessor::setBulkDayStatuses(StoreContext& context, TaskEntity& task, const DayStatuses& statuses,
+                                       ChangeCompletion completion) {
+  const auto change = [&] {
+    const qz::Moment now = environment_.dataManager.clock().now();
+    Tools tools(environment_, context);
+    const TaskCalendar calendar = tools.calendars.of(task);
+    check(task, statuses, calendar.day(now));
+    coverDays(context, task, calendar, statuses);
+    const auto rules = rulesWithoutPauses(task);
+    TaskLogRecorder::Request request = tools.request(TaskModifyContext::userInitiatedFromMainApp, calendar, now);
+    request.notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::delayed;
+    for (const auto& [day, type] : statuses) {
+      const DatedPeriod period = rules ? rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate)
+                                       : DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
+      request.logEntries.push_back(entryFor(period, type, calendar, now));
+    }
+    tools.recorder.recordNow(task, request);
+    process(context, task, now);
+    context.save({.author = Author::app,
+                  .command = fmt::format("set {} days of '{}'", statuses.size(), task.title.value_or(""))});
+  };
+  inBulk(context, change, std::move(completion));
+}
+
+void TaskProcessor::createTasksPopulateInitialStreak(StoreContext& context, const std::vector<NewTask>& tasks,
+                                                     ChangeCompletion completion) {
+  const auto change = [&] {
+    const qz::Moment now = environment_.dataManager.clock().now();
+    Tools tools(environment_, context);
+    for (const NewTask& newTask : tasks) {
+      TaskEntity& task = context.insert(newTask.values);
+      const TaskCalendar calendar = tools.calendars.of(task);
+      const auto periods = streakPeriods(newTask, calendar.day(now));
+      if (!periods.empty()) {
+        setCreated(task, calendar, periods.front().startDate);
+        TaskLogRecorder::Request request =
+            tools.request(TaskModifyContext::userInitiatedPopulateInitialStreak, calendar, now);
+        for (const TaskFrequencyPeriod& period : periods)
+          request.logEntries.push_back(
+              entryFor(DatedPeriod(period.finishDate, period), TaskLogEntryType::completedManuallyFull, calendar, now));
+        tools.recorder.recordNow(task, request);
+      }
+      processIn(tools, context, task, TaskModifyContext::userInitiatedPopulateInitialStreak, now);
+    }
+    context.save({.author = Author::app, .command = commandText(tasks)});
+  };
+  inBulk(context, change, std::move(completion));
+}
+
+void TaskProcessor::inBulk(StoreContext& context, const std::function<void()>& change, ChangeCompletion completion) {
+  const BulkDataUpdate bulk(*this);
+  std::exception_ptr failure;
+  try {
+    context.beginUnit();
+    change();
+  } catch (const qz::Error& error) {
+    qz::log::error("Nothing was changed: {}", error.what());
+    failure = std::current_exception();
+    context.rollback();
+  }
+  if (!failure) {
+    environment_.receivers.watch.deliver([] {});
+    environment_.receivers.widgets.reloadAllTimelines();
+  }
+  environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
+}
+
+}  // namespace habitra

@@ -1,0 +1,87 @@
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Tasks/Processing/CalendarDayWatcher.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessor.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorHealthKitObserver.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorPass.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorScreenTimeObserver.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorTools.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+
+/// What wakes the processor later: health data, screen time, and what is scheduled.
+namespace habitra {
+namespace {
+
+std::vector<ObservedTask> observedTasks(StoreContext& context) {
+  std::vector<ObservedTask> tasks;
+  for (const TaskEntity* task : TaskProcessor::activeTasks(context)) {
+    const auto id = task->uniqueId ? qz::UniqueID::fromText(*task->uniqueId) : std::nullopt;
+    if (auto type = id ? automaticTypeOf(*task) : std::nullopt) tasks.push_back({*id, std::move(*type)});
+  }
+  return tasks;
+}
+
+bool isSame(const ObservedTask& a, const ObservedTask& b) { return a.taskID == b.taskID && a.type == b.type; }
+
+}  // namespace
+
+bool TaskProcessor::observeAutomaticTasks() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!isResident_) return false;
+  }
+  bool hasChanged = false;
+  attempt("Health data are not observed", [&] {
+    StoreContext* view = environment_.viewContext();
+    if (view == nullptr || environment_.health == nullptr || !environment_.health->isHealthDataAvailable()) return;
+    std::vector<ObservedTask> tasks = observedTasks(*view);
+    if (std::ranges::equal(tasks, observedTasks_, isSame)) return;
+    if (!healthKitObserver_) {
+      const auto process = [this](const std::set<qz::UniqueID>& ids, LayoutDirection layoutDirection) {
+        return processTasks(ids, layoutDirection);
+      };
+      qz::NotificationCenter& notifications = environment_.dataManager.notifications();
+      healthKitObserver_ = std::make_unique<TaskProcessorHealthKitObserver>(*environment_.health, processorQueue_,
+                                                                            notifications, process);
+      screenTimeObserver_ = std::make_unique<TaskProcessorScreenTimeObserver>(*environment_.health, processorQueue_,
+                                                                              notifications, process);
+    }
+    healthKitObserver_->observe(tasks);
+    screenTimeObserver_->observe(tasks);
+    observedTasks_ = std::move(tasks);
+    hasChanged = true;
+  });
+  return hasChanged;
+}
+
+void TaskProcessor::stopObserving() noexcept {
+  {
+    const std::lock_guard lock(mutex_);
+    isResident_ = false;
+  }
+  healthKitObserver_.reset();
+  screenTimeObserver_.reset();
+  observedTasks_.clear();
+}
+
+void TaskProcessor::processPendingHealthKitRequests(StoreContext& context) {
+  if (pendingHealthRequests_)
+    (void)pendingHealthRequests_->processPendingHealthKitRequests(context, environment_.dataManager.clock().now());
+}
+
+void TaskProcessor::scheduleRefresh(const Tools& tools, StoreContext& context, qz::Moment now) {
+  attempt("The next refresh is not scheduled", [&] {
+    const qz::Moment next = nextStartOfDay(tools.calendars, activeTasks(context), now);
+    {
+      const std::lock_guard lock(mutex_);
+      // In a process that ends, the next command sees by itself that the day has changed.
+      if (!isResident_ || scheduledRefresh_ == next) return;
+      scheduledRefresh_ = next;
+    }
+    schedule({.identifier = refreshIdentifier, .taskID = {}, .earliestBeginDate = next});
+  });
+}
+
+}  // namespace habitra

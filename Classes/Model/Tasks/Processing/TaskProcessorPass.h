@@ -1,0 +1,95 @@
+#pragma once
+
+#include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/Settings/KeyValueDefaults.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/Processing/LastProcessedDates.h>
+#include <HabitraModel/Tasks/Processing/LayoutDirection.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorReport.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <QZHealthKit/QZHKChanges.h>
+#include <QZKit/Clock.h>
+#include <QZKit/SerialQueue.h>
+#include <QZKit/UniqueID.h>
+#include <QZLog/Log.h>
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace habitra {
+
+/// Does a part of the work without which the rest is still right; what it fails with is logged after `what`.
+template <typename Work>
+void attempt(const char* what, Work&& work) noexcept {
+  try {
+    std::forward<Work>(work)();
+  } catch (const std::exception& error) {
+    qz::log::warning("{}: {}", what, error.what());
+  }
+}
+
+/// One pass over the active tasks of a store, each in a transaction of its own, and the dates up to which this device
+/// has processed them.
+///
+/// A task that fails is logged and the others go on, but for what no other task could do any better: a full disk, a
+/// store that may not be written, a writer that does not end. A pass that finds nothing to change writes nothing.
+///
+/// Works on the queue of its context.
+class TaskProcessorPass {
+ public:
+  /// The key of the standard defaults with the number of the last change of the health store that a full pass has
+  /// taken into account.
+  static constexpr const char* healthChangeKey = "tp.healthChange";
+
+  struct Surroundings {
+    const TaskProcessorSingleTaskOperation::Environment& tasks;
+    /// Held by one operation at a time, in whatever thread.
+    qz::SerialQueue& operationQueue;
+    KeyValueDefaults& standardDefaults;
+    LayoutDirection layoutDirection = LayoutDirection::leftToRight;
+  };
+
+  /// `context` has no open unit. Everything handed in must live longer than the pass.
+  TaskProcessorPass(StoreContext& context, const Surroundings& surroundings, qz::Moment now)
+      : context_(context), surroundings_(surroundings), dates_(surroundings.standardDefaults), now_(now) {}
+
+  /// Processes the active tasks, or those of them that bear one of these identifiers. With a clock that cannot be right
+  /// nothing is done; a warning says so. Throws StoreError where the store or the defaults cannot be read.
+  TaskProcessorReport run(const std::optional<std::set<qz::UniqueID>>& only = std::nullopt);
+
+ private:
+  struct Place {
+    ObjectID object;
+    std::string uniqueId;
+    bool isAutomatic;  ///< something but its keeper completes it
+  };
+
+  [[nodiscard]] std::vector<Place> placesOf(const std::optional<std::set<qz::UniqueID>>& only);
+  /// Gives false where the pass cannot go on.
+  bool process(const Place& place);
+  void operate(TaskEntity& task);
+  void noticeHealthChanges(const std::vector<Place>& places);
+  /// They are taken into account, but by tasks that failed.
+  void keepHealthChange();
+  /// Lets the dates follow what was processed; writes where one has moved.
+  void keepDates();
+
+  StoreContext& context_;
+  const Surroundings surroundings_;
+  LastProcessedDates dates_;
+  const qz::Moment now_;
+  LastProcessedDates::Dates known_;      ///< as the pass began
+  LastProcessedDates::Dates processed_;  ///< of the tasks of this pass
+  std::optional<std::int64_t> seenHealthChange_;
+  std::optional<qz::QZHKChanges> healthChanges_;  ///< since that one; none where no task asks for them
+  TaskProcessorReport report_;
+};
+
+}  // namespace habitra

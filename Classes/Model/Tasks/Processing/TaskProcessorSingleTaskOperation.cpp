@@ -1,0 +1,266 @@
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Store/Entities/TaskShareEntity.h>
+#include <HabitraModel/Tasks/Processing/SharedTaskSummary.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
+#include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
+#include <HabitraModel/Tasks/Recording/FailureRetyping.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZKit/Trap.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+/// What a row cannot do without is filled in.
+void repair(TaskEntity& task, qz::Moment now) {
+  if (!task.created) task.created = now;
+  if (!task.uniqueId) task.uniqueId = qz::UniqueID::generate(now).text();
+  if (!task.statusDate) task.statusDate = now;
+}
+
+bool needsRepair(const TaskEntity& task) { return !task.created || !task.uniqueId || !task.statusDate; }
+
+/// The moment of the last pass is kept by the day: a pass that finds nothing new on the same day writes nothing.
+bool wasProcessedToday(const TaskEntity& task, const TaskAssessment& assessment) {
+  return task.lastProcessedDate && assessment.calendar.day(*task.lastProcessedDate) == assessment.today;
+}
+
+bool hasFullEntry(const PeriodOfLog& period) {
+  return std::ranges::any_of(period.entries, [](const LoggedEntry& entry) { return isFull(entry.entryType); });
+}
+
+/// Says of which days of the last pass and after there is nothing to fill in.
+void logFullEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
+  const auto periods = periodsFrom(context, task, assessment, assessment.processedThrough.value_or(assessment.created));
+  for (auto first = periods.begin(); first != periods.end(); ++first) {
+    if (first->isOpen || !hasFullEntry(*first)) continue;
+    const auto isOther = [](const PeriodOfLog& period) { return period.isOpen || !hasFullEntry(period); };
+    const auto last = std::prev(std::find_if(first, periods.end(), isOther));
+    const std::string start = first->period.startDate.debugDescription();
+    if (first == last)
+      qz::log::debug("Already has full entry for this period, skipping. date={}", start);
+    else
+      qz::log::debug("Already has full entries for period {} to {}", start, last->period.finishDate.debugDescription());
+    first = last;
+  }
+}
+
+}  // namespace
+
+TaskProcessorSingleTaskOperation::ProcessorError::ProcessorError(Reason reason)
+    : qz::Error("Task is already being processed"), reason_(reason) {}
+
+TaskProcessorSingleTaskOperation::TaskProcessorSingleTaskOperation(
+    const Environment& environment, StoreContext& managedObjectContext, TaskEntity& task, TaskModifyContext context,
+    LayoutDirection layoutDirection, bool canUpdateSharedTasksOnCloud, qz::Moment now,
+    std::optional<qz::Moment> lastProcessedHere, qz::QZHKChanges healthChanges)
+    : environment_(environment),
+      managedObjectContext_(managedObjectContext),
+      task_(task),
+      context_(context),
+      layoutDirection_(layoutDirection),
+      canUpdateSharedTasksOnCloud_(canUpdateSharedTasksOnCloud),
+      now_(now),
+      lastProcessedHere_(lastProcessedHere),
+      healthChanges_(std::move(healthChanges)) {}
+
+TaskClaim TaskProcessorSingleTaskOperation::claim() const {
+  auto claim = TaskClaim::make(managedObjectContext_.storeIdentifier(), task_.objectID);
+  if (!claim) throw ProcessorError(ProcessorError::Reason::taskAlreadyBeingProcessed);
+  return *std::move(claim);
+}
+
+auto TaskProcessorSingleTaskOperation::run() -> Result {
+  const TaskClaim claimed = claim();
+  const std::int64_t readAt = managedObjectContext_.sequence();
+  Pass pass = prepare();
+  if (!hasSomethingToWrite(pass)) return {};
+
+  const ObjectID objectID = task_.objectID;
+  managedObjectContext_.beginUnit();
+  if (managedObjectContext_.sequence() != readAt) {
+    if (managedObjectContext_.find<TaskEntity>(objectID) == nullptr || !isActive(task_)) {
+      managedObjectContext_.rollback();
+      return {};
+    }
+    pass = prepare();
+  }
+  const Result result = _main(pass);
+  managedObjectContext_.save({.author = Author::app});
+  if (canUpdateSharedTasksOnCloud_) environment_.sharedTasks.deliver([] {});
+  return result;
+}
+
+auto TaskProcessorSingleTaskOperation::runInUnit() -> Result {
+  qz::require(managedObjectContext_.isInUnit(), "a task is processed inside a unit");
+  const TaskClaim claimed = claim();
+  const Pass pass = prepare();
+  return hasSomethingToWrite(pass) ? _main(pass) : Result{};
+}
+
+auto TaskProcessorSingleTaskOperation::dryRun() const -> SkipAndMissReport {
+  return processSkipAndMiss(prepare(), true);
+}
+
+auto TaskProcessorSingleTaskOperation::prepare() const -> Pass {
+  Pass pass{.assessment = assess(managedObjectContext_, task_, environment_.calendars, now_, lastProcessedHere_)};
+  TaskAssessment& assessment = pass.assessment;
+  if (!assessment.history) {
+    qz::log::warning("The frequency of task {} cannot be read; it is left alone", task_.uniqueId.value_or(""));
+    return pass;
+  }
+  pass.automatic = processAutomaticTaskUntilToday(assessment);
+  const bool wantsToChangeLog =
+      !pass.automatic.revision.isEmpty() || !assessment.history->fillIns.empty() || !assessment.futureEntries.empty();
+  if (wantsToChangeLog && belongsToSomebodyElse()) {
+    pass.automatic = {};
+    assessment.history->fillIns.clear();
+    assessment.futureEntries.clear();
+  }
+  if (!pass.automatic.revision.isEmpty()) revise(managedObjectContext_, task_, pass.automatic.revision, assessment);
+  if (qz::log::isKept(qz::log::Level::debug)) logFullEntries(managedObjectContext_, task_, assessment);
+  return pass;
+}
+
+bool TaskProcessorSingleTaskOperation::belongsToSomebodyElse() const {
+  const auto shares = managedObjectContext_.fetchRelated<TaskShareEntity>("task", task_.objectID);
+  return !shares.empty() && shares.front()->owner != ObjectID::none;
+}
+
+bool TaskProcessorSingleTaskOperation::hasSomethingToWrite(const Pass& pass) {
+  const TaskAssessment& assessment = pass.assessment;
+  if (!assessment.futureEntries.empty() || needsRepair(task_)) return true;
+  const TaskTemporalDataEntity* data = findTemporalData(managedObjectContext_, task_);
+  if (data == nullptr || !pass.automatic.revision.isEmpty()) return true;
+  if (!assessment.history) return false;
+  if (!assessment.history->fillIns.empty() || !wasProcessedToday(task_, assessment)) return true;
+  if (assessment.checkpointIsStale && assessment.history->checkpoint) return true;
+  TaskTemporalDataEntity wanted = *data;
+  putFigures(wanted, assessment.history->figures);
+  return wanted != *data;
+}
+
+auto TaskProcessorSingleTaskOperation::_main(const Pass& pass) -> Result {
+  TaskAssessment assessment = pass.assessment;
+  for (const LogKey& key : pass.automatic.revision.removed) managedObjectContext_.removeLogEntry(key);
+  const std::size_t filledIn = processSkipAndMiss(pass, false).entries.size();
+  if (!pass.automatic.failures.empty()) {
+    retypeFailures(managedObjectContext_, task_, *assessment.rules, pass.automatic.failures);
+    revise(managedObjectContext_, task_, {}, assessment);
+  }
+  removeFutureEntries(assessment);
+  storeFigures(assessment);
+  if (canUpdateSharedTasksOnCloud_) updateSharedTask(assessment);
+  return {.taskWasUpdated = true,
+          .filledIn = filledIn,
+          .removed = assessment.futureEntries.size(),
+          .decidedPeriod = pass.automatic.decidesPeriod};
+}
+
+AutomaticPlan TaskProcessorSingleTaskOperation::processAutomaticTaskUntilToday(const TaskAssessment& assessment) const {
+  const auto type = automaticTypeOf(task_);
+  if (!type || !measurementFamily(*type) || environment_.health == nullptr) return {};
+  if (!environment_.health->isHealthDataAvailable()) return {};
+  try {
+    return automaticEntries(assessment, *type);
+  } catch (const qz::QZHealthStoreError& error) {
+    qz::log::error("Health data of task {} cannot be read: {}", task_.uniqueId.value_or(""), error.what());
+    return {};
+  }
+}
+
+AutomaticPlan TaskProcessorSingleTaskOperation::automaticEntries(const TaskAssessment& assessment,
+                                                                 const AutomaticTaskType& type) const {
+  const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
+  const HealthMeasuring measuring(*environment_.health, type, taskId, assessment.calendar);
+  const auto changed = measuring.daysOf(healthChanges_);
+  const qz::YYYYMMDD recent =
+      assessment.processedThrough ? assessment.processedThrough->add(-passOverlap) : assessment.created;
+  const qz::YYYYMMDD from = changed ? std::min(recent, *changed->minDate) : recent;
+  const auto periods = periodsFrom(managedObjectContext_, task_, assessment, from);
+
+  AutomaticEntries entries(managedObjectContext_, task_, assessment, type, measuring, now_);
+  for (std::size_t i = 0; i < periods.size(); ++i) {
+    const TaskFrequencyPeriod& period = periods[i].period;
+    const bool mayHaveChanged =
+        changed && *changed->minDate <= period.finishDate && period.startDate <= *changed->maxDate;
+    if (!mayHaveChanged && period.finishDate < recent) continue;
+    const bool isPrevious = i + 2 == periods.size() && period.finishDate >= assessment.today.add(-passOverlap);
+    if (isPrevious) qz::log::debug("Can reprocess previous period");
+    if (!periods[i].isOpen && !mayHaveChanged && !isPrevious && hasFullEntry(periods[i])) continue;
+    entries.add(periods[i], mayHaveChanged);
+  }
+  return entries.finish();
+}
+
+auto TaskProcessorSingleTaskOperation::processSkipAndMiss(const Pass& pass, bool dryRun) const -> SkipAndMissReport {
+  SkipAndMissReport report;
+  if (!pass.assessment.history) return report;
+  const TaskLogRecorder::Request request = this->request(pass);
+  for (const TaskLogRecorder::LogEntryData& entry : request.logEntries)
+    report.entries.push_back({.period = entry.period.period, .entryType = entry.type});
+  std::ranges::stable_sort(report.entries, {}, [](const auto& entry) { return entry.period.startDate; });
+  if (!dryRun && !request.logEntries.empty()) environment_.recorder.recordNow(task_, request);
+  return report;
+}
+
+TaskLogRecorder::Request TaskProcessorSingleTaskOperation::request(const Pass& pass) const {
+  const TaskAssessment& assessment = pass.assessment;
+  TaskLogRecorder::Request request{.managedObjectContext = managedObjectContext_,
+                                   .context = TaskModifyContext::systemInitiatedFromDeviceActivityExtension,
+                                   .saveContext = false,
+                                   .logEntries = pass.automatic.entries,
+                                   .createdTimestamp = now_,
+                                   .createdTimeZone = assessment.calendar.timeZone};
+  request.logEntries.reserve(request.logEntries.size() + assessment.history->fillIns.size());
+  for (const FillIn& fillIn : assessment.history->fillIns) {
+    // The entry lies on the last day of its period.
+    const qz::YYYYMMDD day = fillIn.period.finishDate;
+    const qz::Moment start = assessment.calendar.beginning(day);
+    request.logEntries.push_back({.uniqueId = qz::UniqueID::generate(now_),
+                                  .type = fillIn.entryType,
+                                  .period = DatedPeriod(day, fillIn.period),
+                                  .startDate = start,
+                                  .endDate = start,
+                                  .hasNewIdentifier = true});
+  }
+  return request;
+}
+
+void TaskProcessorSingleTaskOperation::removeFutureEntries(const TaskAssessment& assessment) {
+  if (assessment.futureEntries.empty()) return;
+  qz::log::info("Delete future entries ({})", assessment.futureEntries.size());
+  for (const LogKey& key : assessment.futureEntries) managedObjectContext_.removeLogEntry(key);
+}
+
+void TaskProcessorSingleTaskOperation::storeFigures(const TaskAssessment& assessment) {
+  repair(task_, now_);
+  TaskTemporalDataEntity& data = findOrInsertTemporalData(managedObjectContext_, task_);
+  if (assessment.history) {
+    putFigures(data, assessment.history->figures);
+    if (assessment.history->checkpoint)
+      managedObjectContext_.setCheckpoint(task_.objectID,
+                                          storedCheckpoint(*assessment.history->checkpoint, assessment.calendar));
+    if (!wasProcessedToday(task_, assessment)) task_.lastProcessedDate = now_;
+  }
+  const bool changed = managedObjectContext_.hasChanges(data);
+  if (!data.lastUpdated || (changed && !managedObjectContext_.isChanged(data, &TaskTemporalDataEntity::lastUpdated)))
+    data.lastUpdated = now_;
+}
+
+void TaskProcessorSingleTaskOperation::updateSharedTask(const TaskAssessment& assessment) {
+  // Habits that are being made up with a streak are told of when they are done.
+  if (context_ == TaskModifyContext::userInitiatedPopulateInitialStreak || !assessment.history) return;
+  const auto shares = managedObjectContext_.fetchRelated<TaskShareEntity>("task", task_.objectID);
+  if (shares.empty() || shares.front()->owner != ObjectID::none) return;
+  const auto summary = cloudSummary(task_, assessment.history->figures, layoutDirection_, now_);
+  if (summary && setSummary(*shares.front(), *summary))
+    environment_.sharedTasks.put(managedObjectContext_, task_, now_);
+}
+
+}  // namespace habitra

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/Processing/AutomaticEntries.h>
+#include <HabitraModel/Tasks/Processing/LayoutDirection.h>
+#include <HabitraModel/Tasks/Processing/TaskAssessment.h>
+#include <HabitraModel/Tasks/Processing/TaskClaim.h>
+#include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/Recording/TaskModifyContext.h>
+#include <HabitraModel/Tasks/TaskCalendar.h>
+#include <QZHealthKit/QZHealthStore.h>
+#include <QZHealthKit/QZHKChanges.h>
+#include <QZKit/Clock.h>
+#include <QZKit/Error.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace habitra {
+
+/// Brings one task up to date: records what health data say of it (AutomaticEntries), fills in the days that are over,
+/// deletes entries of the future, repairs what is absent, stores the derived figures where they differ from what is
+/// stored, and tells those who share it.
+///
+/// Health data are looked at from the last processed day on, two days before it included; before that only where they
+/// have changed. A task that is completed by hand asks no health store for anything. All that a pass adds is one
+/// request to the recorder. A task that somebody else shares is only assessed.
+///
+/// Works on the queue of its context.
+class TaskProcessorSingleTaskOperation {
+ public:
+  /// What operations work with. All must live longer than they.
+  struct Environment {
+    const TaskCalendars& calendars;
+    TaskLogRecorder& recorder;
+    const qz::QZHealthStore* health;  ///< null: none
+    TaskLink& sharedTasks;
+  };
+
+  struct Result {
+    bool taskWasUpdated = false;  ///< anything of the task changed
+    std::size_t filledIn = 0;     ///< automatic entries added
+    std::size_t removed = 0;      ///< entries of the future deleted
+    bool decidedPeriod = false;   ///< health data completed or failed a period
+  };
+
+  /// The entries that a pass would add, by their period.
+  struct SkipAndMissReport {
+    struct Entry {
+      TaskFrequencyPeriod period;
+      TaskLogEntryType entryType{};
+
+      friend bool operator==(const Entry&, const Entry&) = default;
+    };
+    std::vector<Entry> entries;
+  };
+
+  /// Another operation for the same task is under way in this process.
+  class ProcessorError : public qz::Error {
+   public:
+    enum class Reason { taskAlreadyBeingProcessed };
+    explicit ProcessorError(Reason reason);
+    [[nodiscard]] Reason reason() const { return reason_; }
+
+   private:
+    Reason reason_;
+  };
+
+  /// `task` is an object of `managedObjectContext`; both must live longer than the operation. `context` is who caused
+  /// the pass. `lastProcessedHere`: when this device processed the task last, where it knows; it counts when it is
+  /// earlier than what the task says. `healthChanges`: what has changed in the health store since then.
+  TaskProcessorSingleTaskOperation(const Environment& environment, StoreContext& managedObjectContext, TaskEntity& task,
+                                   TaskModifyContext context, LayoutDirection layoutDirection,
+                                   bool canUpdateSharedTasksOnCloud, qz::Moment now,
+                                   std::optional<qz::Moment> lastProcessedHere = std::nullopt,
+                                   qz::QZHKChanges healthChanges = {});
+
+  /// The pass over one task as a transaction of its own. Reads and walks without the writers' turn; takes it only when
+  /// there is something to write, and walks again if anything was saved in between. Throws ProcessorError.
+  Result run();
+
+  /// The same inside the caller's unit, which the caller saves. Throws ProcessorError. REQUIRES: the context is in a
+  /// unit.
+  Result runInUnit();
+
+  /// What a pass would add. Writes nothing, takes no turn, and may be asked while the task is being processed.
+  [[nodiscard]] SkipAndMissReport dryRun() const;
+
+ private:
+  /// What a pass has found and is about to do.
+  struct Pass {
+    TaskAssessment assessment;
+    AutomaticPlan automatic;
+  };
+
+  [[nodiscard]] TaskClaim claim() const;
+  [[nodiscard]] Pass prepare() const;
+  [[nodiscard]] bool belongsToSomebodyElse() const;
+  [[nodiscard]] bool hasSomethingToWrite(const Pass& pass);
+  Result _main(const Pass& pass);
+  [[nodiscard]] AutomaticPlan processAutomaticTaskUntilToday(const TaskAssessment& assessment) const;
+  [[nodiscard]] AutomaticPlan automaticEntries(const TaskAssessment& assessment, const AutomaticTaskType& type) const;
+  SkipAndMissReport processSkipAndMiss(const Pass& pass, bool dryRun) const;
+  [[nodiscard]] TaskLogRecorder::Request request(const Pass& pass) const;
+  void removeFutureEntries(const TaskAssessment& assessment);
+  void storeFigures(const TaskAssessment& assessment);
+  /// Tells those who share the task how it stands, where that is new to them.
+  void updateSharedTask(const TaskAssessment& assessment);
+
+  const Environment environment_;
+  StoreContext& managedObjectContext_;
+  TaskEntity& task_;
+  const TaskModifyContext context_;
+  const LayoutDirection layoutDirection_;
+  const bool canUpdateSharedTasksOnCloud_;
+  const qz::Moment now_;
+  const std::optional<qz::Moment> lastProcessedHere_;
+  const qz::QZHKChanges healthChanges_;
+};
+
+}  // namespace habitra

@@ -1,0 +1,66 @@
+#include <HabitraCore/HistoryWalk.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/Recording/FailureRetyping.h>
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+namespace habitra {
+namespace {
+
+/// Days before it come from no calendar that a person kept.
+constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
+
+/// The days within which one failure decides what another is. None where none does.
+struct Span {
+  qz::YYYYMMDD from;
+  qz::YYYYMMDD to;
+};
+
+std::optional<Span> daysAround(qz::YYYYMMDD day, const TaskRules& rules) {
+  const TaskFrequency& frequency = rules.frequency;
+  if (frequency.dayMode == TaskFrequency::DayMode::dayInterval)
+    return Span{std::max(day.add(-frequency.dayInterval), earliestDay), day.add(frequency.dayInterval)};
+  if (!frequency.isCountedDays()) return std::nullopt;
+  const TaskFrequencyPeriodType type = frequency.periodTypeForCompletionCountCalculation();
+  return Span{std::max(firstDate(type, day, rules.firstDayOfWeek, rules.referenceDate), earliestDay),
+              lastDate(type, day, rules.firstDayOfWeek, rules.referenceDate)};
+}
+
+void retype(StoreContext& context, ObjectID task, const TaskRules& rules, const Span& span, qz::YYYYMMDD day) {
+  std::vector<LoggedEntry> entries;
+  context.readLog(task, storedDay(span.from), storedDay(span.to),
+                  [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
+  HistoryScope scope{.created = span.from, .today = span.to, .fillFrom = span.from};
+  // A longer stored period counts whole, though it began before.
+  for (const LoggedEntry& entry : entries)
+    if (const auto from = existingDayFromStored(entry.periodFrom); from && *from >= earliestDay)
+      scope.created = std::min(scope.created, *from);
+  for (const Retyping& retyping : HistoryWalk(rules, scope).retypings(entries, day)) {
+    const LogKey key{task, retyping.entryDate, ObjectID{retyping.order}};
+    auto row = context.findLogEntry(key);
+    if (!row) continue;
+    row->entryType = rawValue(retyping.entryType);
+    context.updateLogEntry(key, *row);
+  }
+}
+
+}  // namespace
+
+void retypeFailures(StoreContext& context, const TaskEntity& task, const TaskRules& rules,
+                    const std::set<qz::YYYYMMDD>& days) {
+  if (!rules.isNegative || !HistoryWalk::supports(rules.frequency)) return;
+  std::optional<qz::YYYYMMDD> retypedThrough;
+  for (const qz::YYYYMMDD day : days) {
+    if (day < earliestDay || day > latestKeptDay || (retypedThrough && day <= *retypedThrough)) continue;
+    const auto span = daysAround(day, rules);
+    if (!span) return;
+    retype(context, task.objectID, rules, *span, day);
+    // All that follows in a counting period has been looked at.
+    if (rules.frequency.isCountedDays()) retypedThrough = span->to;
+  }
+}
+
+}  // namespace habitra

@@ -1,0 +1,162 @@
+#include <HabitraCore/FollowingEntries.h>
+#include <HabitraCore/RawValue.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
+#include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
+#include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <QZLog/Log.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace habitra {
+namespace {
+
+/// The cloudStatus of a provisional row.
+constexpr std::string_view temporaryStatus = "TMP";
+
+/// The day of the start moment; that of the dated period where the zone left it out, so that no moment lies on it.
+qz::YYYYMMDD dayOf(const TaskLogRecorder::LogEntryData& entry, const TaskCalendar& calendar) {
+  const qz::YYYYMMDD day = calendar.day(entry.startDate);
+  return entry.period.period.contains(day) ? day : entry.period.date;
+}
+
+/// Whether the entry says that what the task measures took place: of a task to avoid, that it was not avoided.
+bool tookPlace(TaskLogEntryType type, bool isNegative) {
+  if (!isNegative) return isCompletedFullOrPartial(type);
+  return isMissedFullOrPartial(type) || isAllowableMissFull(type);
+}
+
+/// The amount that the entry stands for: the one it reports, else its share of the target.
+double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
+  return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
+}
+
+std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
+  if (!task.created) return std::nullopt;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  return qz::YYYYMMDD(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+}
+
+}  // namespace
+
+LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules,
+                               const TaskLogRecorder::Request& request, const TaskCalendar& calendar)
+    : task_(task),
+      request_(request),
+      calendar_(calendar),
+      context_(request.managedObjectContext),
+      now_(context_.store().clock().now()),
+      rules_(rules),
+      creationDay_(creationDay(task, calendar)),
+      filledIn_(context_, task, rules),
+      emptyDays_(context_, task.objectID) {}
+
+auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
+  const auto existing = entry.hasNewIdentifier ? std::nullopt : context_.findLogEntry(entry.uniqueId.text());
+  if (existing && existing->task != task_.objectID)
+    throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
+  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
+  removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+
+  const qz::YYYYMMDD day = dayOf(entry, calendar_);
+  const auto beginning = beginningAfter(day, entry.type);
+  TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, day, !existing);
+  if (existing)
+    context_.updateLogEntry(existing->key(), row);
+  else
+    row.objectID = context_.insertLogEntry(row);
+  remove(filledIn_.refutedBy(row));
+  if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
+  if (existing) withdrawHealthWrites(row.objectID);
+  requestHealthWrite(row, entry);
+  emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
+  Written written{.row = std::move(row), .day = day};
+  if (existing && existing->entryDate != written.row.entryDate) {
+    // Where it stood, nothing stands now: what followed from it is found anew.
+    remove(filledIn_.refutedBy(*existing));
+    written.earlierDay = existingDayFromStored(existing->entryDate);
+  }
+  return written;
+}
+
+void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept) {
+  if (followsFromEarlierDays(type) && emptyDays_.hold(period.startDate, period.finishDate)) return;
+  for (const TaskLogEntryEntity& row :
+       context_.fetchLogEntries(task_.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
+    const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
+    if (!existing || row.objectID == kept || !supersedes(type, *existing)) continue;
+    const auto counted = countedPeriod(row, rules_);
+    if (counted && counted->period.startDate == period.startDate && counted->period.finishDate == period.finishDate)
+      context_.removeLogEntry(row.key());
+  }
+}
+
+void LogEntryWriter::remove(const std::vector<TaskLogEntryEntity>& refuted) {
+  for (const TaskLogEntryEntity& row : refuted) context_.removeLogEntry(row.key());
+}
+
+std::optional<qz::YYYYMMDD> LogEntryWriter::beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const {
+  if (!marksHistory(type) || !creationDay_ || day >= *creationDay_) return std::nullopt;
+  std::optional<qz::YYYYMMDD> beginning = creationDay_;
+  const auto look = [&](const LogRow& row) {
+    const auto marked =
+        marksHistory(entryTypeFromStored(row.entryType)) ? existingDayFromStored(row.entryDate) : std::nullopt;
+    if (marked) beginning = std::min(*beginning, *marked);
+  };
+  // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
+  const auto earliest = context_.earliestEntryDay(task_.objectID);
+  if (earliest) context_.readLog(task_.objectID, *earliest, *earliest, look);
+  if (beginning == creationDay_)
+    context_.readLog(task_.objectID, StoreContext::firstDay, storedDay(*creationDay_), look);
+  return day < *beginning ? beginning : std::nullopt;
+}
+
+TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
+                                          qz::YYYYMMDD day, bool isNew) const {
+  row.uniqueId = entry.uniqueId.text();
+  if (isNew || entry.createdTimestamp)
+    row.createdTimestamp = entry.createdTimestamp.value_or(request_.createdTimestamp);
+  if (isNew) row.createdTimeZone = request_.createdTimeZone.identifier();
+  row.task = task_.objectID;
+  setEntry(row, entry.type, DatedPeriod(day, entry.period.period), entry.progressPct.value_or(0.0),
+           entry.progressValue.value_or(0.0));
+  if (entry.isTemporaryRecord) {
+    row.cloudStatus = temporaryStatus;
+    row.cloudStatusDate = now_;
+  }
+  return row;
+}
+
+void LogEntryWriter::withdrawHealthWrites(ObjectID entry) {
+  if (!request_.recordToHealthKitIfNecessary) return;
+  for (HealthKitRequestEntity* request : context_.fetchRelated<HealthKitRequestEntity>("taskLogEntry", entry))
+    context_.remove(*request);
+}
+
+void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry) {
+  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return;
+  const auto type = automaticTypeOf(task_);
+  if (!type) return;
+  double amount = amountOf(entry, *type);
+  double duration = type->unit && type->unit->isDuration() ? type->unit->convertToTimeInterval(amount) : 0.0;
+  if (entry.timerSummary) {
+    duration = entry.timerSummary->duration;
+    amount = type->unit ? type->unit->convertFromTimeInterval(duration) : 0.0;
+  }
+  const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
+  const auto request = healthWriteRequest(*type, entry.endDate, amount, duration, request_.healthKitDevice, taskId);
+  if (!request) return;
+  HealthKitRequestEntity values{.created = now_,
+                                .status = std::string(health_request_status::pending),
+                                .statusDate = now_,
+                                .taskLogEntry = row.objectID};
+  request->writeTo(values);
+  context_.insert(values);
+}
+
+}  // namespace habitra
