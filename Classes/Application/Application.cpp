@@ -42,7 +42,14 @@ std::vector<HabitSummary> Application::list() {
 }
 
 ProcessReport processReport(const TaskProcessorReport& report) {
-  return {.tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
+  ProcessReport processed{
+      .tasks = report.tasks, .changed = report.changed, .filledIn = report.filledIn, .removed = report.removed};
+  try {
+    if (report.failure) std::rethrow_exception(report.failure);
+  } catch (const std::exception& error) {
+    processed.failure = error.what();
+  }
+  return processed;
 }
 
 ProcessReport Application::process() {

@@ -59,6 +59,8 @@ struct ProcessReport {
   std::size_t changed = 0;   ///< of these, the ones whose stored figures or log changed
   std::size_t filledIn = 0;  ///< automatic skips and misses added for days that are over
   std::size_t removed = 0;   ///< entries dated after today that were deleted
+  /// What went wrong first; process() throws it instead. A watch tries again.
+  std::optional<std::string> failure{};
 };
 
 /// What was brought in, and the pass that followed.

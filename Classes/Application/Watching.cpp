@@ -5,10 +5,16 @@
 #include <QZLog/Log.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <utility>
 
 namespace habitra {
+namespace {
+
+constexpr std::chrono::minutes timeBetweenAttempts{1};
+
+}  // namespace
 
 /// What wakes an application that stays, from the beginning of the watch to its end. Everything is done on the main
 /// queue; what notices something only hands it over.
@@ -58,6 +64,11 @@ class Application::Watch {
   TaskProcessor::Completion reporting() {
     return [this](const TaskProcessorReport& report) {
       application_.afterAnswer();
+      // Whoever was in the way may be gone in a moment.
+      if (report.failure) {
+        mustTryAgain_ = true;
+        days_.startOfDayMayHaveChanged();
+      }
       if (onPass_) onPass_(processReport(report));
     };
   }
@@ -69,6 +80,7 @@ class Application::Watch {
   }
 
   void dayMayHaveChanged() {
+    if (mustTryAgain_.exchange(false)) return rooms_.processor.processAllTasks(reporting());
     rooms_.processor.runDueBackgroundTasks(rooms_.now());
     StoreContext* const view = rooms_.readingContext();
     if (view != nullptr && rooms_.processor.isDue(*view, rooms_.now()))
@@ -78,14 +90,18 @@ class Application::Watch {
   /// On the watcher's thread.
   qz::Moment nextMoment(qz::Moment now) {
     const auto context = rooms_.manager.context();
-    const qz::Moment day = nextStartOfDay(rooms_.calendarsSeenBy(*context), TaskProcessor::activeTasks(*context), now);
-    const auto task = rooms_.processor.nextBackgroundTask();
-    return task ? std::clamp(*task, now + std::chrono::seconds(1), day) : day;
+    const auto tasks = TaskProcessor::activeTasks(*context);
+    qz::Moment next = nextStartOfDay(rooms_.calendarsSeenBy(*context), tasks, now);
+    if (mustTryAgain_) next = std::min(next, now + timeBetweenAttempts);
+    if (const auto task = rooms_.processor.nextBackgroundTask())
+      next = std::min(next, std::max(*task, now + std::chrono::seconds(1)));
+    return next;
   }
 
   Application& application_;
   Rooms& rooms_;
   const PassObserver& onPass_;
+  std::atomic<bool> mustTryAgain_ = false;  ///< a pass failed
   CalendarDayWatcher days_;
   qz::NotificationCenter::Observation saved_;
 };

@@ -2,7 +2,7 @@
 #include <HabitraCLI/CommandLine.h>
 #include <HabitraCLI/CommandParser.h>
 #include <HabitraCLI/Commands/Commands.h>
-#include <HabitraCLI/DisplayText.h>
+#include <HabitraCLI/Complaint.h>
 #include <HabitraCLI/Help.h>
 #include <HabitraCLI/Session.h>
 #include <HabitraCLI/StandardOutput.h>
@@ -35,12 +35,7 @@ void ignoreWriteSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-void complain(std::string_view message) {
-  const std::string line = "habitra: " + displayable(message) + "\n";
-  static_cast<void>(!::write(STDERR_FILENO, line.data(), line.size()));
-}
-
-void complain(const UsageError& error) {
+void complainOfUsage(const UsageError& error) {
   const std::string verb = error.verb().empty() ? std::string() : error.verb() + " ";
   complain(fmt::format("{} (see 'habitra {}--help')", error.what(), verb));
 }
@@ -75,7 +70,7 @@ int runCommandLine(const std::vector<std::string>& words) {
     answer(parseCommandLine({words.begin() + (words.empty() ? 0 : 1), words.end()}, allCommands()), output);
     return succeeded;
   } catch (const UsageError& error) {
-    complain(error);
+    complainOfUsage(error);
     return misunderstood;
   } catch (const std::exception& error) {
     if (output.readerIsGone()) return succeeded;

@@ -10,13 +10,21 @@ StopSignals::StopSignals(std::function<void()> onSignal) {
   for (const int signal : {SIGINT, SIGTERM}) ::sigaddset(&signals_, signal);
   ::pthread_sigmask(SIG_BLOCK, &signals_, &before_);
   thread_ = std::thread([this, onSignal = std::move(onSignal)] {
-    for (;;) {
+    for (bool isAsked = false;;) {
       int signal = 0;
       if (::sigwait(&signals_, &signal) != 0) continue;
       if (hasEnded_) return;
+      if (isAsked) endAtOnce(signal);
+      isAsked = true;
       onSignal();
     }
   });
+}
+
+void StopSignals::endAtOnce(int signal) const {
+  ::signal(signal, SIG_DFL);
+  ::pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
+  ::raise(signal);
 }
 
 StopSignals::~StopSignals() {

@@ -127,8 +127,9 @@ TEST_F(CalendarDayWatcherTest, StopsWhateverItWaitsFor) {
   for (int round = 0; round < 20; ++round) {
     const auto days = watcher([](qz::Moment) {});
     days->stop();
+    const int before = asked_;
     days->start();
-    if (round % 2 == 0) waitUntilAsked(asked_ + 1);
+    if (round % 2 == 0) waitUntilAsked(before + 1);
     days->stop();
     days->start();
   }

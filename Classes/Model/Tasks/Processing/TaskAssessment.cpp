@@ -106,7 +106,7 @@ HistoryScope::LogBeginning beginningOfLog(StoreContext& context, const TaskEntit
 /// What the log holds beyond today.
 struct LaterEntries {
   std::vector<LogKey> future;      ///< to delete
-  std::vector<LogKey> premature;   ///< of these, the ones of today: filled in by a clock that was ahead
+  std::vector<LogKey> premature;   ///< of these, the ones that were filled in for today
   std::vector<LoggedEntry> ahead;  ///< recorded in time by somebody who since flew west
 };
 
@@ -119,10 +119,11 @@ LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const T
   const bool isClockBehind = newest && *newest > now;
   const std::int32_t today = storedDay(assessment.today);
   const auto look = [&](const TaskLogEntryEntity& entry) {
-    // What was filled in is found anew when its day is over; it need not be spared for a clock that may be wrong.
-    const bool isDerived = isFilledIn(entry);
+    // What was filled in, which no data asked for, is found anew when its day is over: it need not be spared for a
+    // clock that may be wrong, nor for somebody who since flew west.
+    const bool isDerived = isFilledIn(entry) && !(entry.progress > 0);
     if (entry.entryDate == today) {
-      if (!isDerived || !entry.createdTimestamp || *entry.createdTimestamp <= now) return;
+      if (!isDerived) return;
       later.premature.push_back(entry.key());
       later.future.push_back(entry.key());
       return;
@@ -132,7 +133,7 @@ LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const T
                                    .createdTimeZone = entry.createdTimeZone
                                                           ? std::optional<std::string_view>(*entry.createdTimeZone)
                                                           : std::nullopt};
-    if (!liesInFuture(recording, assessment.today, assessment.calendar.startOfDay, now)) {
+    if (!isDerived && !liesInFuture(recording, assessment.today, assessment.calendar.startOfDay, now)) {
       later.ahead.push_back(loggedEntry(entry));
     } else if (isDerived || !isClockBehind) {
       later.future.push_back(entry.key());

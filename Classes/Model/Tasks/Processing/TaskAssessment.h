@@ -38,7 +38,8 @@ struct TaskAssessment {
   /// behind what the store has seen only those that passes have filled in: the others count for nothing, but may be
   /// right when it has caught up.
   std::vector<LogKey> futureEntries;
-  /// Of these, the ones that a clock ahead of now has filled in for today; the walk goes without them.
+  /// Of these, the ones that were filled in for today, by a clock that was ahead or before its keeper flew west; the
+  /// walk goes without them.
   std::vector<LogKey> premature;
   /// Entries of later days that were recorded in time: they count where their period has begun.
   std::vector<LoggedEntry> ahead;

@@ -1,4 +1,5 @@
 #include <HabitraCLI/Commands/Commands.h>
+#include <HabitraCLI/Complaint.h>
 #include <HabitraCLI/Session.h>
 #include <HabitraCLI/StopSignals.h>
 
@@ -14,6 +15,10 @@ void run(Session& session, const Arguments&) {
   const StopSignals signals([&application] { application.stopWatching(); });
   bool isFirst = true;
   application.watch([&](const ProcessReport& report) {
+    if (report.failure) {
+      complain(*report.failure + "; tried again in a minute");
+      return;
+    }
     if (!std::exchange(isFirst, false) && report.changed == 0) return;
     session.answer(report);
     session.flush();

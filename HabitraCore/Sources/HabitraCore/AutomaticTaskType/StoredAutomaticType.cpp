@@ -12,6 +12,9 @@ struct ExtraAndSource {
   std::optional<DataSource> dataSource;
 };
 
+/// A choice of a thousand applications is shorter; what is longer was not written by us, and costs time to read.
+constexpr std::size_t longestExtra = 65'536;
+
 std::optional<std::vector<std::uint8_t>> encodeExtra(const AutomaticTaskType& type) {
   if (!type.extra && !type.dataSource) return std::nullopt;
   nlohmann::json json = nlohmann::json::object();
@@ -32,6 +35,7 @@ std::optional<T> readableMember(const nlohmann::json& json, const char* key) {
 }
 
 ExtraAndSource decodeExtra(const std::vector<std::uint8_t>& bytes) {
+  if (bytes.size() > longestExtra) return {};
   const auto json = nlohmann::json::parse(bytes, nullptr, false);
   return {.extra = readableMember<TypeExtra>(json, "extra"),
           .dataSource = readableMember<DataSource>(json, "dataSource")};
