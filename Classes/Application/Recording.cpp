@@ -37,6 +37,7 @@ struct ChosenDay {
   bool isToday;
   DatedPeriod period;  ///< the one that holds it
   qz::Moment start;    ///< of the entry
+  qz::Moment end;
 };
 
 /// A clock that has fallen back by years would put today's entry there, and every day since would count as missed.
@@ -56,8 +57,11 @@ ChosenDay chosenDay(const TaskEntity& task, const TaskCalendar& calendar, qz::Mo
   const qz::YYYYMMDD chosen = day.value_or(today);
   if (chosen > today)
     throw qz::Error(fmt::format("{} has not come yet for '{}'", chosen.debugDescription(), task.title.value_or("")));
-  const bool isToday = chosen == today;
-  return {chosen, isToday, periodHolding(task, chosen), isToday ? now : calendar.beginning(chosen)};
+  const DatedPeriod period = periodHolding(task, chosen);
+  if (chosen == today) return {chosen, true, period, now, now};
+  // When on that day it was nobody knows; at noon it belongs to no other, whatever zone it is looked at from.
+  const qz::Moment noon = chosen.dateAt(calendar.startOfDay, 12, 0, 0, calendar.timeZone);
+  return {chosen, false, period, calendar.beginning(chosen), noon};
 }
 
 std::vector<TaskLogEntryEntity> logOf(StoreContext& context, const TaskEntity& task, const DatedPeriod& period) {
@@ -150,7 +154,7 @@ Marked Application::markOne(StoreContext& context, TaskEntity& task, TaskLogEntr
   Marked::Outcome outcome = Marked::Outcome::already;
   rooms_->processor.process(context, task, now);
   if (!isMarked(status(), logOf(context, task, chosen.period), type)) {
-    rooms_->record(context, task, type, chosen.period, chosen.start);
+    rooms_->record(context, task, type, chosen.period, chosen.start, chosen.end);
     rooms_->processor.process(context, task, now);
     outcome = Marked::Outcome::recorded;
   }
@@ -178,7 +182,7 @@ HabitSummary Application::undo(std::string_view name, std::optional<qz::YYYYMMDD
                                 chosen.day.debugDescription()));
 
   rooms_->processor.process(*context, task, now);
-  rooms_->record(*context, task, TaskLogEntryType::unknown, chosen.period, chosen.start);
+  rooms_->record(*context, task, TaskLogEntryType::unknown, chosen.period, chosen.start, chosen.end);
   rooms_->processor.process(*context, task, now);
   context->save({.author = Author::app, .command = commandText("undo", {&task})});
   return rooms_->summarize(*context, task);

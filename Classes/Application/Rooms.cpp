@@ -107,7 +107,7 @@ TaskEntity& Application::Rooms::lookUp(StoreContext& context, std::string_view n
 }
 
 void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLogEntryType type,
-                                const DatedPeriod& period, qz::Moment startDate) {
+                                const DatedPeriod& period, qz::Moment startDate, qz::Moment endDate) {
   const qz::Moment moment = now();
   const double share = isCompletedFull(type) ? 1.0 : 0.0;
   TaskLogRecorder::Request request{.managedObjectContext = context,
@@ -117,7 +117,7 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
                                                    .type = type,
                                                    .period = period,
                                                    .startDate = startDate,
-                                                   .endDate = startDate,
+                                                   .endDate = endDate,
                                                    .progressPct = share}},
                                    .createdTimestamp = moment,
                                    .createdTimeZone = calendars.of(task).timeZone,

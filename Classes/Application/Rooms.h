@@ -61,7 +61,7 @@ class Application::Rooms {
 
   /// Hands one entry of a person to the recorder, unsaved, and waits for its completion. Throws what it failed with.
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
-              qz::Moment startDate);
+              qz::Moment startDate, qz::Moment endDate);
 
   /// Begins something and waits for its completion. Throws what it failed with.
   void waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin);

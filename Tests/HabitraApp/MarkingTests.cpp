@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <HabitraApp/Application.h>
 #include <HabitraModel/DataManager.h>
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <Support/SettableClock.h>
 #include <Support/TemporaryFolder.h>
 
@@ -87,6 +89,29 @@ TEST_F(MarkingTests, aPastDayIsJudgedByItself) {
   const Marked beforeAll = done("Read", qz::YYYYMMDD(2024, 1, 30));
   EXPECT_EQ(beforeAll.outcome, Marked::Outcome::recorded);
   EXPECT_EQ(beforeAll.habit.streak.current, 1);
+}
+
+TEST_F(MarkingTests, whatTookPlaceOnAPastDayIsToldOfThatDay) {
+  using namespace habitra;
+  application_.add("Meditate");
+  const auto context = manager().context();
+  context->beginUnit();
+  AutomaticTaskType calm = AutomaticTaskType::ofNewTask(
+      AutomaticTaskType::TaskType::healthKit(HealthType::mindfulMinutes), TaskFrequencyPeriodType::day);
+  calm.quantity = 10.0;
+  calm.unit = TypeUnit::durationMinutes;
+  setAutomaticType(*context->find<TaskEntity>("title", "Meditate"), calm);
+  context->save({.author = Author::app});
+  clock_->advance(days(2));
+  done("Meditate", qz::YYYYMMDD(2024, 2, 1));
+  context->refresh();
+  const auto requests = context->fetchAll<HealthKitRequestEntity>();
+  ASSERT_EQ(requests.size(), 1u);
+  const auto told = HealthWriteRequest::of(*requests.front());
+  ASSERT_TRUE(told);
+  const qz::Moment noon = clock_->now() - days(1);
+  EXPECT_EQ(told->sample.end, noon);
+  EXPECT_EQ(told->sample.start, noon - std::chrono::minutes(10));
 }
 
 TEST_F(MarkingTests, aDayThatHasNotComeIsAnErrorAndRecordsNothing) {

@@ -1,5 +1,5 @@
+#include <HabitraCore/RawValue.h>
 #include <HabitraModel/Mapping/PeriodMapping.h>
-#include <HabitraModel/Mapping/StoredChoice.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 
 namespace habitra {
@@ -8,7 +8,7 @@ namespace {
 
 template <typename Row>
 std::optional<TaskFrequencyPeriod> storedPeriod(const Row& row, qz::DayOfWeek firstDayOfWeek) {
-  const auto type = choice<TaskFrequencyPeriodType>(row.entryPeriodType);
+  const auto type = fromRawValue<TaskFrequencyPeriodType>(row.entryPeriodType);
   const auto from = existingDayFromStored(row.entryPeriodFrom);
   const auto to = existingDayFromStored(row.entryPeriodTo);
   if (!type || !from || !to || *to < *from) return std::nullopt;
@@ -26,6 +26,9 @@ void storePeriod(Row& row, const TaskFrequencyPeriod& period) {
 }  // namespace
 
 std::optional<TaskFrequencyPeriod> periodOf(const TaskLogEntryEntity& row, qz::DayOfWeek firstDayOfWeek) {
+  return storedPeriod(row, firstDayOfWeek);
+}
+std::optional<TaskFrequencyPeriod> periodOf(const LogRow& row, qz::DayOfWeek firstDayOfWeek) {
   return storedPeriod(row, firstDayOfWeek);
 }
 std::optional<TaskFrequencyPeriod> periodOf(const TaskTimerEntity& row, qz::DayOfWeek firstDayOfWeek) {

@@ -13,6 +13,7 @@ namespace habitra {
 
 /// None when no period is stored: without a day at either end, with an end before the beginning, or of an unknown kind.
 [[nodiscard]] std::optional<TaskFrequencyPeriod> periodOf(const TaskLogEntryEntity& row, qz::DayOfWeek firstDayOfWeek);
+[[nodiscard]] std::optional<TaskFrequencyPeriod> periodOf(const LogRow& row, qz::DayOfWeek firstDayOfWeek);
 [[nodiscard]] std::optional<TaskFrequencyPeriod> periodOf(const TaskTimerEntity& row, qz::DayOfWeek firstDayOfWeek);
 
 /// Stops the program when a day does not fit its 32 bits.

@@ -117,16 +117,19 @@ std::vector<FillIn> HistoryWalk::seals(std::span<const LoggedEntry> entries) con
 
 std::vector<Retyping> HistoryWalk::retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& date) const {
   std::vector<Retyping> retypings;
+  if (!rules_.isNegative) return retypings;
   const auto following = followingDays(rules_, date);
-  if (!rules_.isNegative || !(rules_.frequency.isCountedDays() || following)) return retypings;
+  const bool daysFollow = rules_.frequency.isCountedDays() || following;
   const std::int32_t first = intForm(date);
   std::int32_t last = first;
   if (following) last = intForm(following->last.value_or(scope_.today));
   static_cast<void>(walk(entries, [&](const WalkedPeriod& walked) {
-    if (walked.from < first || walked.from > last || walked.from != walked.to) return;
+    const bool isMeant = daysFollow ? walked.from == walked.to && first <= walked.from && walked.from <= last
+                                    : walked.from <= first && first <= walked.to;
+    if (!isMeant) return;
     const bool failedByParts = walked.holdsPartialMiss();
     for (const LoggedEntry& entry : walked.entries) {
-      // The automatic miss of a day that partial misses failed stands whatever room there was.
+      // The automatic miss of a period that partial misses failed stands whatever room there was.
       if (failedByParts && isAutomatic(entry.entryType)) continue;
       const TaskLogEntryType type = retypedFailure(entry.entryType, walked.missIsAllowed);
       if (type != entry.entryType)

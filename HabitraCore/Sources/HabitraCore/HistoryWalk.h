@@ -158,7 +158,7 @@ class HistoryWalk {
 
   /// The entries to re-type after a failure was recorded or taken back on `date`, to avoid, in order of days. Counted
   /// days: those of that day and of later ones of its counting period. Day intervals: those of that day and of the next
-  /// failed one. The automatic miss of a day that partial misses failed stays one.
+  /// failed one. Else: those of the period that holds it. The automatic miss of what partial misses failed stays one.
   [[nodiscard]] std::vector<Retyping> retypings(std::span<const LoggedEntry> entries, const qz::YYYYMMDD& date) const;
 
   /// What a calendar shows of the periods that hold the days from `from` to `to`, both included: those before the

@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <utility>
 
 #include "HabitraCore/Scenario.h"
@@ -55,7 +57,23 @@ Act actOn(const TaskRules& rules, const qz::YYYYMMDD& day, TaskLogEntryType type
           .periodType = period.periodType};
 }
 
-void RecordedLog::record(const Act& act) {
+bool RecordedLog::isLastPartOfFailure(const Act& act) const {
+  if (!rules_.isNegative || act.entryType != TaskLogEntryType::missedManuallyPartial) return false;
+  std::vector<LoggedEntry> period;
+  std::ranges::copy_if(entries_, std::back_inserter(period), [&](const LoggedEntry& old) {
+    return old.periodFrom == act.periodFrom && old.periodTo == act.periodTo &&
+           !supersedes(act.entryType, old.entryType);
+  });
+  LoggedEntry newest = act;
+  newest.order = std::numeric_limits<std::int64_t>::max();
+  period.insert(std::ranges::upper_bound(period, act.entryDate, {}, &LoggedEntry::entryDate), newest);
+  const HistoryScope scope{
+      .created = dayOf(act.periodFrom), .today = dayOf(act.periodTo), .fillFrom = dayOf(act.periodFrom)};
+  return HistoryWalk(rules_, scope).walk(period).figures.completionStatus.status.isFailed();
+}
+
+void RecordedLog::record(Act act) {
+  if (isLastPartOfFailure(act)) act.entryType = TaskLogEntryType::missedManuallyFull;
   std::erase_if(entries_, [&](const LoggedEntry& old) {
     return old.periodFrom == act.periodFrom && old.periodTo == act.periodTo && supersedes(act.entryType, old.entryType);
   });

@@ -19,13 +19,14 @@ using Act = LoggedEntry;
 /// As a person makes it: of the period of `rules` that holds the day.
 [[nodiscard]] Act actOn(const TaskRules& rules, const qz::YYYYMMDD& day, TaskLogEntryType type);
 
-/// What was recorded, by the rules of recording alone: a new entry takes the place of what it supersedes, and failures
-/// say whether they lie within the allowance. Nothing is filled in; that is left to the walk over it.
+/// What was recorded, by the rules of recording alone: a new entry takes the place of what it supersedes, the last part
+/// of a failure is the failure, and failures say whether they lie within the allowance. Nothing is filled in; that is
+/// left to the walk over it.
 class RecordedLog {
  public:
   RecordedLog(TaskRules rules, const qz::YYYYMMDD& creationDay) : rules_(std::move(rules)), created_(creationDay) {}
 
-  void record(const Act& act);
+  void record(Act act);
   [[nodiscard]] const std::vector<LoggedEntry>& entries() const { return entries_; }
   /// How the history is walked that was filled in from its creation day on, or else from its first entry on.
   [[nodiscard]] HistoryScope scope(const qz::YYYYMMDD& today, bool isFilledFromCreation) const;
@@ -34,6 +35,8 @@ class RecordedLog {
   }
 
  private:
+  [[nodiscard]] bool isLastPartOfFailure(const Act& act) const;
+
   TaskRules rules_;
   qz::YYYYMMDD created_;
   std::vector<LoggedEntry> entries_;  ///< by day, then in order of creation

@@ -3,6 +3,7 @@
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 
 #include <functional>
+#include <stdexcept>
 #include <utility>
 
 #include "TaskWorld.h"
@@ -72,6 +73,31 @@ TEST_F(RecorderEffects, ATaskOfAnotherPersonIsLeftAlone) {
   EXPECT_EQ(context_->sequence(), before);
   EXPECT_EQ(receivers_.widgets.reloads, 1) << "for the own task";
   EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{*own.uniqueId});
+
+  context_->insert(TaskShareEntity{.statusUpdated = clock_->now(), .task = foreign.objectID});
+  context_->save({});
+  EXPECT_EQ(messageOf(record(foreign, Type::completedManuallyFull, today)), "") << "of two rows the newer one counts";
+}
+
+/// A link whose outbox is broken.
+class BrokenLink : public TaskLink {
+ public:
+  void put(StoreContext&, const TaskEntity&, qz::Moment) override { throw std::out_of_range("no outbox"); }
+  void deliver(std::function<void()>) override {}
+};
+
+TEST_F(RecorderEffects, AnyFailureIsToldToWhoeverWaits) {
+  BrokenLink link;
+  TaskLogRecorder recorder(calendars_, mainQueue_, {link, link, receivers_.widgets});
+  TaskEntity& task = addTask();
+  auto request = requestFor({entry(task, Type::completedManuallyFull, today)});
+  request.notifyPairedDevice = Notify::immediate;
+  std::string message;
+  recorder.record(task, request, [&](const std::exception_ptr& error) { message = messageOf(error); });
+  mainQueue_.drain();
+  EXPECT_EQ(message, "no outbox");
+  EXPECT_FALSE(context_->isInUnit());
+  EXPECT_TRUE(log(task).empty());
 }
 
 TEST_F(RecorderEffects, AnInitialStreakNeverTouchesTheCloud) {
@@ -196,6 +222,42 @@ TEST_F(RecorderEffects, AFailureOfAnIntervalDecidesTheNextOneOnly) {
   EXPECT_EQ(log(task).at(3), "20240111 missedManuallyFull");
 }
 
+TEST_F(RecorderEffects, AFailureIsOfTheKindThatTheDayGivesItWhateverWasAskedFor) {
+  TaskEntity& weekdays = addTask("Sweets");
+  TaskFrequency mondays{.dayMode = TaskFrequency::DayMode::specificDaysOfWeek};
+  mondays.days.insert(qz::DayOfWeek(qz::DayOfWeek::monday));
+  setFrequency(weekdays, mondays);
+  weekdays.isNegative = true;
+  weekdays.created = at("2024-01-22T00:00:00Z");
+  record(weekdays, Type::missedManuallyFull, YYYYMMDD(2024, 1, 28));
+  record(weekdays, Type::allowableMissManuallyFull, YYYYMMDD(2024, 1, 29));
+  EXPECT_EQ(log(weekdays),
+            (std::vector<std::string>{"20240128 allowableMissManuallyFull", "20240129 missedManuallyFull"}));
+
+  TaskEntity& weekly = addTask("Meat");
+  setFrequency(weekly, {.dayMode = TaskFrequency::DayMode::aggregateOverWeek});
+  weekly.isNegative = true;
+  weekly.created = at("2024-01-22T00:00:00Z");
+  auto failure = entry(weekly, Type::allowableMissManuallyFull, today);
+  failure.period = DatedPeriod(today, TaskFrequencyPeriodType::week, qz::DayOfWeek::monday);
+  record(weekly, {failure});
+  EXPECT_EQ(log(weekly), std::vector<std::string>{"20240131 missedManuallyFull"});
+}
+
+TEST_F(RecorderEffects, TheLastPartOfAFailureIsTheFailure) {
+  TaskEntity& task = addTask("Smoke");
+  setFrequency(
+      task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numPartialCompletions = 2, .numCompletions = 6});
+  task.isNegative = true;
+  task.created = at("2024-01-29T00:00:00Z");
+  const auto first = entry(task, Type::missedManuallyPartial, today);
+  record(task, {first});
+  record(task, {first});
+  EXPECT_EQ(log(task), std::vector<std::string>{"20240131 missedManuallyPartial"}) << "the same one again";
+  record(task, Type::missedManuallyPartial, today);
+  EXPECT_EQ(log(task), std::vector<std::string>{"20240131 allowableMissManuallyFull"});
+}
+
 TEST_F(RecorderEffects, WhatADeviceReportsLateIsJudgedLikeWhatAPersonRecordsLate) {
   TaskEntity& task = addTask("Smoke");
   setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 6});
@@ -232,6 +294,13 @@ TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   const auto session = sampleFor(calm, timed);
   ASSERT_TRUE(session);
   EXPECT_EQ(session->end - session->start, std::chrono::seconds(90));
+  EXPECT_EQ(session->start, timed.startDate) << "not on the day before";
+  timed.endDate = at("2024-01-31T00:02:00Z");
+  EXPECT_EQ(sampleFor(calm, timed)->end, timed.endDate);
+  timed.timerSummary->duration = 30 * 3600.0;
+  const auto longest = sampleFor(calm, timed);
+  EXPECT_EQ(longest->start, timed.startDate);
+  EXPECT_EQ(longest->end, at("2024-02-01T00:00:00Z"));
 
   const auto requests = context_->fetchAll<HealthKitRequestEntity>().size();
   TaskEntity& steps = addMeasured(HealthType::runOrWalk, 8000, TypeUnit::steps);
@@ -250,6 +319,9 @@ TEST_F(RecorderEffects, AProvisionalRowSaysSo) {
   const auto row = context_->findLogEntry(data.uniqueId.text());
   EXPECT_EQ(row->cloudStatus, "TMP");
   EXPECT_EQ(row->cloudStatusDate, clock_->now());
+  data.isTemporaryRecord = false;
+  record(task, {data});
+  EXPECT_FALSE(context_->findLogEntry(data.uniqueId.text())->cloudStatus) << "it has become final";
 }
 
 }  // namespace

@@ -1,3 +1,7 @@
+#include <HabitraModel/Mapping/StoredIdentifier.h>
+
+#include <utility>
+
 #include "TaskWorld.h"
 
 namespace habitra {
@@ -27,6 +31,50 @@ TEST_F(Recorder, WritesARowWithItsPeriodAndTheProgressOfTheTask) {
   EXPECT_EQ(figures(task).progress, 1.0);
   EXPECT_EQ(figures(task).progressDate, 20240131);
   EXPECT_FALSE(context_->hasChanges());
+  EXPECT_EQ(messageOf(record(task, {data})), "");
+  EXPECT_FALSE(context_->isInUnit()) << "nothing was to be saved, and others may write";
+}
+
+TEST_F(Recorder, GivesAnEntryTheDayOfItsStart) {
+  TaskEntity& task = addTask();
+  auto early = entry(task, Type::completedManuallyFull, today);
+  early.startDate = early.endDate = at("2024-01-29T10:00:00Z");
+  record(task, {early});
+  EXPECT_EQ(log(task), std::vector<std::string>{"20240129 completedManuallyFull"});
+
+  TaskEntity& inApia = addTask("In Apia");
+  inApia.currentTimeZoneOverride = "Pacific/Apia";
+  context_->save({});
+  record(inApia, Type::completedManuallyFull, YYYYMMDD(2011, 12, 30));
+  record(inApia, Type::completedManuallyFull, YYYYMMDD(2011, 12, 31));
+  EXPECT_EQ(log(inApia), (std::vector<std::string>{"20111230 completedManuallyFull", "20111231 completedManuallyFull"}))
+      << "the first day had no moment there";
+}
+
+TEST_F(Recorder, FindsIdentifiersThatOthersWroteInLowerCase) {
+  TaskEntity& task = addTask();
+  const auto identifier = qz::UniqueID::fromText(*task.uniqueId).value();
+  const auto data = entry(task, Type::completedManuallyFull, today);
+  record(task, {data});
+  task.uniqueId = storedForms(identifier).at(1);
+  auto row = context_->findLogEntry(data.uniqueId.text()).value();
+  row.uniqueId = storedForms(data.uniqueId).at(1);
+  context_->updateLogEntry(row.key(), row);
+  context_->save({});
+  auto changed = data;
+  changed.type = Type::skippedManuallyFull;
+  const TaskLogRecorder::Request request{.managedObjectContext = *context_,
+                                         .context = TaskModifyContext::userInitiatedFromDeepLink,
+                                         .logEntries = {changed},
+                                         .createdTimestamp = clock_->now(),
+                                         .createdTimeZone = qz::TimeZone::utc()};
+  std::exception_ptr outcome;
+  recorder_.record(identifier, request, [&](std::exception_ptr error) { outcome = std::move(error); });
+  mainQueue_.drain();
+  EXPECT_EQ(messageOf(outcome), "");
+  EXPECT_EQ(log(task), std::vector<std::string>{"20240131 skippedManuallyFull"});
+  process();
+  EXPECT_EQ(task.uniqueId, identifier.text()) << "a pass puts it right";
 }
 
 TEST_F(Recorder, RefusesWithoutWriting) {
@@ -93,7 +141,10 @@ TEST_F(Recorder, AnIdentifierOfAnotherTasksEntryIsRefusedWithAllOfItsRequest) {
   const auto data = entry(task, Type::completedManuallyFull, today);
   record(task, {data});
   EXPECT_EQ(messageOf(record(other, {entry(other, Type::completedManuallyFull, today), data})), "Invalid task");
-  EXPECT_TRUE(log(other).empty());
+  context_->beginUnit();
+  (void)record(other, {entry(other, Type::completedManuallyFull, today), data}, false);
+  context_->save({});
+  EXPECT_TRUE(log(other).empty()) << "nor in a unit that goes on";
   EXPECT_EQ(log(task).size(), 1u);
 }
 
@@ -108,6 +159,37 @@ TEST_F(Recorder, ANewEntryTakesThePlaceOfWhatItSupersedesInItsPeriodOnly) {
   record(task, Type::unknown, today);
   EXPECT_EQ(log(task),
             (std::vector<std::string>{"20240130 completedManuallyFull", "20240131 timerManual", "20240131 unknown"}));
+}
+
+/// What is known of the days that follow from one entry must not hide what the next one changes.
+TEST_F(Recorder, WritesManyEntriesAtOnceAsItDoesOneByOne) {
+  std::vector<std::vector<std::string>> logs;
+  for (const bool atOnce : {false, true}) {
+    TaskEntity& task = addTask("Habit");
+    setFrequency(task, {.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 3});
+    task.created = at("2023-03-01T12:00:00Z");
+    context_->save({});
+    const YYYYMMDD first(2023, 3, 1);
+    const auto later = entry(task, Type::completedManuallyFull, first.add(200));
+    record(task, {entry(task, Type::completedManuallyFull, first), later});
+    process();
+    std::vector<TaskLogRecorder::LogEntryData> entries;
+    const auto add = [&](int day, Type type) { entries.push_back(entry(task, type, first.add(day))); };
+    for (int day = 10; day < 60; ++day) add(day, day % 20 == 0 ? Type::completedManuallyFull : Type::unknown);
+    add(70, Type::skippedAutomaticallyFull);
+    add(65, Type::missedManuallyFull);
+    add(199, Type::missedManuallyFull);
+    entries.push_back(entry(task, Type::skippedManuallyFull, first.add(200)));
+    entries.back().uniqueId = later.uniqueId;
+    add(150, Type::missedManuallyFull);
+    add(260, Type::completedManuallyFull);
+    if (atOnce) record(task, entries);
+    for (const auto& entry : entries)
+      if (!atOnce) record(task, {entry});
+    logs.push_back(log(task));
+  }
+  EXPECT_EQ(logs.at(0).size(), 65u);
+  EXPECT_EQ(logs.at(0), logs.at(1));
 }
 
 TEST_F(Recorder, LeavesTheRowsUnsavedWhenAskedTo) {

@@ -43,8 +43,8 @@ class Contradictions {
   void removeRefuted() {
     for (std::size_t i = 0; i < entries_.size(); ++i) {
       if (isPresent(i) && !isNews(i)) continue;
-      for (const TaskLogEntryEntity& row : filledIn_.refutedBy(entries_[i].entry)) {
-        const std::size_t refuted = places_.at(row.objectID);
+      for (const LogKey& key : filledIn_.refutedBy(entries_[i].entry)) {
+        const std::size_t refuted = places_.at(key.objectID);
         auto& rows = entries_[refuted].rows;
         std::erase_if(rows, [&](const auto& known) { return entries_[i].rows.contains(known.first) != isPresent(i); });
         if (rows.empty()) remove(refuted);

@@ -207,14 +207,14 @@ void AutomaticEntries::record(const PeriodOfLog& period, Type type, const Findin
   for (const LoggedEntry& entry : period.entries)
     if (entry.order != rawValue(row.objectID) && supersedes(type, entry.entryType))
       remove({task_.objectID, entry.entryDate, ObjectID{entry.order}});
-  for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(row)) remove(refuted.key());
+  for (const LogKey& refuted : filledIn_.refutedBy(row)) remove(refuted);
   touch(period.period.startDate);
 }
 
 void AutomaticEntries::takeBack(const PeriodOfLog& period, const LoggedEntry& entry) {
   const LogKey key{task_.objectID, entry.entryDate, ObjectID{entry.order}};
   if (const auto row = context_.findLogEntry(key))
-    for (const TaskLogEntryEntity& refuted : filledIn_.refutedBy(*row)) remove(refuted.key());
+    for (const LogKey& refuted : filledIn_.refutedBy(*row)) remove(refuted);
   remove(key);
   if (task_.isNegative && isFull(entry.entryType)) plan_.failures.insert(period.period.finishDate);
   touch(period.period.startDate);

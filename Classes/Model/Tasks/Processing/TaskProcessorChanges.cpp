@@ -81,7 +81,8 @@ LogEntryData entryFor(const DatedPeriod& period, TaskLogEntryType type, const Ta
           .period = period,
           .startDate = start,
           .endDate = start,
-          .progressPct = isCompletedFull(type) ? 1.0 : 0.0};
+          .progressPct = isCompletedFull(type) ? 1.0 : 0.0,
+          .hasNewIdentifier = true};
 }
 
 /// The periods that give a new task its streak; none without one. Throws qz::Error where there is no such history.

@@ -1,9 +1,11 @@
 #include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Mapping/StoredIdentifier.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Tasks/Processing/SharedTaskSummary.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
+#include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZKit/Trap.h>
 #include <QZLog/Log.h>
@@ -19,11 +21,13 @@ namespace {
 /// What a row cannot do without is filled in.
 void repair(TaskEntity& task, qz::Moment now) {
   if (!task.created) task.created = now;
-  if (!task.uniqueId) task.uniqueId = qz::UniqueID::generate(now).text();
+  task.uniqueId = task.uniqueId ? usualForm(*task.uniqueId) : qz::UniqueID::generate(now).text();
   if (!task.statusDate) task.statusDate = now;
 }
 
-bool needsRepair(const TaskEntity& task) { return !task.created || !task.uniqueId || !task.statusDate; }
+bool needsRepair(const TaskEntity& task) {
+  return !task.created || !task.uniqueId || *task.uniqueId != usualForm(*task.uniqueId) || !task.statusDate;
+}
 
 /// The moment of the last pass is kept by the day: a pass that finds nothing new on the same day writes nothing.
 bool wasProcessedToday(const TaskEntity& task, const TaskAssessment& assessment) {
@@ -128,8 +132,8 @@ auto TaskProcessorSingleTaskOperation::prepare() const -> Pass {
 }
 
 bool TaskProcessorSingleTaskOperation::belongsToSomebodyElse() const {
-  const auto shares = managedObjectContext_.fetchRelated<TaskShareEntity>("task", task_.objectID);
-  return !shares.empty() && shares.front()->owner != ObjectID::none;
+  const auto* share = rowOfTask<TaskShareEntity>(managedObjectContext_, task_.objectID);
+  return share != nullptr && share->owner != ObjectID::none;
 }
 
 bool TaskProcessorSingleTaskOperation::hasSomethingToWrite(const Pass& pass) {
@@ -256,11 +260,10 @@ void TaskProcessorSingleTaskOperation::storeFigures(const TaskAssessment& assess
 void TaskProcessorSingleTaskOperation::updateSharedTask(const TaskAssessment& assessment) {
   // Habits that are being made up with a streak are told of when they are done.
   if (context_ == TaskModifyContext::userInitiatedPopulateInitialStreak || !assessment.history) return;
-  const auto shares = managedObjectContext_.fetchRelated<TaskShareEntity>("task", task_.objectID);
-  if (shares.empty() || shares.front()->owner != ObjectID::none) return;
+  auto* share = rowOfTask<TaskShareEntity>(managedObjectContext_, task_.objectID);
+  if (share == nullptr || share->owner != ObjectID::none) return;
   const auto summary = cloudSummary(task_, assessment.history->figures, layoutDirection_, now_);
-  if (summary && setSummary(*shares.front(), *summary))
-    environment_.sharedTasks.put(managedObjectContext_, task_, now_);
+  if (summary && setSummary(*share, *summary)) environment_.sharedTasks.put(managedObjectContext_, task_, now_);
 }
 
 }  // namespace habitra

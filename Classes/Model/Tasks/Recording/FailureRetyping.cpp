@@ -1,10 +1,15 @@
 #include <HabitraCore/HistoryWalk.h>
+#include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace habitra {
@@ -13,17 +18,20 @@ namespace {
 /// Days before it come from no calendar that a person kept.
 constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
 
-/// The days within which one failure decides what another is. None where none does.
+/// The days within which one failure decides what another is; the period of a day where none does.
 struct Span {
   qz::YYYYMMDD from;
   qz::YYYYMMDD to;
 };
 
-std::optional<Span> daysAround(qz::YYYYMMDD day, const TaskRules& rules) {
+Span daysAround(qz::YYYYMMDD day, const TaskRules& rules) {
   const TaskFrequency& frequency = rules.frequency;
   if (frequency.dayMode == TaskFrequency::DayMode::dayInterval)
     return Span{std::max(day.add(-frequency.dayInterval), earliestDay), day.add(frequency.dayInterval)};
-  if (!frequency.isCountedDays()) return std::nullopt;
+  if (!frequency.isCountedDays()) {
+    const DatedPeriod dated = frequency.period(day, rules.firstDayOfWeek, rules.referenceDate);
+    return Span{std::max(dated.period.startDate, earliestDay), dated.period.finishDate};
+  }
   const TaskFrequencyPeriodType type = frequency.periodTypeForCompletionCountCalculation();
   return Span{std::max(firstDate(type, day, rules.firstDayOfWeek, rules.referenceDate), earliestDay),
               lastDate(type, day, rules.firstDayOfWeek, rules.referenceDate)};
@@ -55,12 +63,36 @@ void retypeFailures(StoreContext& context, const TaskEntity& task, const TaskRul
   std::optional<qz::YYYYMMDD> retypedThrough;
   for (const qz::YYYYMMDD day : days) {
     if (day < earliestDay || day > latestKeptDay || (retypedThrough && day <= *retypedThrough)) continue;
-    const auto span = daysAround(day, rules);
-    if (!span) return;
-    retype(context, task.objectID, rules, *span, day);
+    const Span span = daysAround(day, rules);
+    retype(context, task.objectID, rules, span, day);
     // All that follows in a counting period has been looked at.
-    if (rules.frequency.isCountedDays()) retypedThrough = span->to;
+    if (rules.frequency.isCountedDays()) retypedThrough = span.to;
   }
+}
+
+bool failsByParts(StoreContext& context, const TaskRules& rules, const TaskLogEntryEntity& row) {
+  const auto counted = countedPeriod(row, rules);
+  if (!counted || !HistoryWalk::supports(rules.frequency)) return false;
+  const TaskFrequencyPeriod& period = counted->period;
+  if (period.startDate < earliestDay || period.finishDate > latestKeptDay) return false;
+  const TaskLogEntryType type = entryTypeFromStored(row.entryType);
+  std::vector<LoggedEntry> entries;
+  context.readLog(row.task, storedDay(period.startDate), storedDay(period.finishDate), [&](const LogRow& other) {
+    if (other.objectID == row.objectID || supersedes(type, entryTypeFromStored(other.entryType))) return;
+    if (countsFor(other, period, rules)) entries.push_back(loggedEntry(other));
+  });
+  LoggedEntry entry = loggedEntry(row);
+  if (row.objectID == ObjectID::none) entry.order = std::numeric_limits<std::int64_t>::max();
+  const auto isBefore = [](const LoggedEntry& a, const LoggedEntry& b) {
+    return std::pair(a.entryDate, a.order) < std::pair(b.entryDate, b.order);
+  };
+  entries.insert(std::ranges::upper_bound(entries, entry, isBefore), entry);
+  const HistoryScope scope{.created = period.startDate, .today = period.finishDate, .fillFrom = period.startDate};
+  bool fails = false;
+  static_cast<void>(HistoryWalk(rules, scope).walk(entries, [&](const WalkedPeriod& walked) {
+    fails = fails || walked.status.isFailed();
+  }));
+  return fails;
 }
 
 }  // namespace habitra

@@ -14,9 +14,15 @@ namespace habitra {
 /// None when neither can be told.
 [[nodiscard]] std::optional<DatedPeriod> countedPeriod(const TaskLogEntryEntity& row,
                                                        const std::optional<TaskRules>& rules);
+[[nodiscard]] std::optional<DatedPeriod> countedPeriod(const LogRow& row, const std::optional<TaskRules>& rules);
+
+/// Whether it counts for this period.
+[[nodiscard]] bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period,
+                             const std::optional<TaskRules>& rules);
 
 /// Whether a pass fills in entries of the stored type: automatic skips, misses and allowed misses.
 [[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
+[[nodiscard]] bool isFilledIn(const LogRow& row);
 
 /// What passes have filled into the log of one task, and what becomes of it when somebody says something else. Belongs
 /// to the queue of its context, which must live longer.
@@ -29,22 +35,41 @@ class FilledInEntries {
   /// where it takes the place of any, those of later days that follow from its day (followingDays()): of the rest of
   /// the counting period, or of the days up to the next full completion. In order of day. An entry that was filled in
   /// itself, and one that decides nothing, refutes none.
-  [[nodiscard]] std::vector<TaskLogEntryEntity> refutedBy(const TaskLogEntryEntity& row) const;
+  [[nodiscard]] std::vector<LogKey> refutedBy(const TaskLogEntryEntity& row) const;
 
   /// The entries that an earlier beginning of the history refutes: those of the counting period, or of the period that
   /// is summed up, which held `beginning`, the first day until now. Only a part of it had been asked for.
-  [[nodiscard]] std::vector<TaskLogEntryEntity> refutedByEarlierBeginning(qz::YYYYMMDD beginning) const;
+  [[nodiscard]] std::vector<LogKey> refutedByEarlierBeginning(qz::YYYYMMDD beginning) const;
+
+  /// Removes what refutedBy() gives, for somebody who writes entry after entry: days that hold nothing filled in any
+  /// more are not looked through again, as long as entries come in order of day. From the first call on nobody else may
+  /// write to the log, and what is written is to be said.
+  void removeRefutedBy(const TaskLogEntryEntity& row);
+  /// Something was written on this day or before.
+  void wroteUpTo(qz::YYYYMMDD day);
 
  private:
-  /// Appends those that follow from a day.
-  void appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const;
-  /// Appends those of some days, up to the first full completion where that is the end; gives whether there was one.
-  bool appendBetween(std::int32_t from, std::int32_t to, bool endAtCompletion,
-                     std::vector<TaskLogEntryEntity>& refuted) const;
+  /// Later days with nothing filled in, up to the completion that ended the look.
+  struct ClearedDays {
+    std::int32_t first;
+    std::int32_t last;
+    std::optional<qz::YYYYMMDD> completion{};
+  };
+
+  /// The period of an entry that refutes any.
+  [[nodiscard]] std::optional<DatedPeriod> refutedPeriod(const TaskLogEntryEntity& row) const;
+  void appendOfPeriod(const TaskFrequencyPeriod& period, std::vector<LogKey>& refuted) const;
+  /// Appends those that follow from a day, and gives the days that were looked through.
+  std::optional<ClearedDays> appendFollowing(qz::YYYYMMDD day, const std::optional<ClearedDays>& cleared,
+                                             std::vector<LogKey>& refuted) const;
+  /// Appends those of some days, up to the first full completion where that is the end; gives its day.
+  std::optional<std::int32_t> appendBetween(std::int32_t from, std::int32_t to, bool endAtCompletion,
+                                            std::vector<LogKey>& refuted) const;
 
   StoreContext& context_;
   const ObjectID task_;
   const std::optional<TaskRules> rules_;
+  std::optional<ClearedDays> cleared_;
 };
 
 }  // namespace habitra

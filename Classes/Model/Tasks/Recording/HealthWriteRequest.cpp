@@ -87,8 +87,10 @@ std::optional<HealthWriteRequest> HealthWriteRequest::of(const HealthKitRequestE
   return readingJSON(row.data, [&](const nlohmann::json& json) { return read(*type, json); });
 }
 
-std::optional<HealthWriteRequest> healthWriteRequest(const AutomaticTaskType& type, qz::Moment end, double amount,
-                                                     double duration, const std::optional<std::string>& device,
+std::optional<HealthWriteRequest> healthWriteRequest(const AutomaticTaskType& type,
+                                                     const HealthWriteRequest::Span& period, qz::Moment end,
+                                                     double amount, double duration,
+                                                     const std::optional<std::string>& device,
                                                      const std::optional<qz::UniqueID>& task) {
   const auto health = type.type.healthType();
   if (!health || !health->writesToHealthKit()) return std::nullopt;
@@ -103,9 +105,13 @@ std::optional<HealthWriteRequest> healthWriteRequest(const AutomaticTaskType& ty
                         .device = device,
                         .task = task};
   if (duration > 0.0) {
-    const std::chrono::duration<double> length = std::min(std::chrono::duration<double>(duration), longest);
-    sample.start = end - std::chrono::floor<qz::Moment::duration>(length);
+    const auto length =
+        std::chrono::floor<qz::Moment::duration>(std::min(std::chrono::duration<double>(duration), longest));
+    sample.start = end - length;
+    if (sample.start < period.beginning) sample.end = std::max(end, std::min(period.beginning + length, period.end));
   }
+  sample.start = std::max(sample.start, period.beginning);
+  sample.end = std::max(sample.start, sample.end);
   if (kind(object) == qz::QZHKObjectKind::workout) sample.value = qz::QZHKWorkout();
   if (kind(object) == qz::QZHKObjectKind::quantity) {
     if (!type.unit || !(amount > 0.0)) return std::nullopt;

@@ -4,12 +4,15 @@
 #include <HabitraModel/Mapping/AutomaticTypeMapping.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Mapping/StoredIdentifier.h>
+#include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -22,7 +25,13 @@ constexpr std::string_view temporaryStatus = "TMP";
 /// The day of the start moment; that of the dated period where the zone left it out, so that no moment lies on it.
 qz::YYYYMMDD dayOf(const TaskLogRecorder::LogEntryData& entry, const TaskCalendar& calendar) {
   const qz::YYYYMMDD day = calendar.day(entry.startDate);
-  return entry.period.period.contains(day) ? day : entry.period.date;
+  const qz::YYYYMMDD meant = entry.period.date;
+  return day != meant && calendar.day(calendar.beginning(meant)) == day ? meant : day;
+}
+
+/// The time within which what an entry of this period reports has taken place.
+HealthWriteRequest::Span spanOf(const TaskFrequencyPeriod& period, const TaskCalendar& calendar) {
+  return {calendar.beginning(period.startDate), calendar.beginning(period.finishDate.nextDay())};
 }
 
 /// Whether the entry says that what the task measures took place: of a task to avoid, that it was not avoided.
@@ -56,29 +65,38 @@ LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskR
       filledIn_(context_, task, rules),
       emptyDays_(context_, task.objectID) {}
 
-auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
-  const auto existing = entry.hasNewIdentifier ? std::nullopt : context_.findLogEntry(entry.uniqueId.text());
-  if (existing && existing->task != task_.objectID)
-    throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
-  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
-  removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
+std::optional<TaskLogEntryEntity> LogEntryWriter::existing(StoreContext& context,
+                                                           const TaskLogRecorder::LogEntryData& entry) {
+  if (entry.hasNewIdentifier) return std::nullopt;
+  for (const std::string& uniqueId : storedForms(entry.uniqueId))
+    if (auto found = context.findLogEntry(uniqueId)) return found;
+  return std::nullopt;
+}
 
+auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Written {
+  const auto existing = LogEntryWriter::existing(context_, entry);
+  if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
   const qz::YYYYMMDD day = dayOf(entry, calendar_);
-  const auto beginning = beginningAfter(day, entry.type);
   TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, day, !existing);
+  const TaskLogEntryType type = entryTypeFromStored(row.entryType);
+  removeSuperseded(entry.period.period, type, row.objectID);
+
+  const auto beginning = beginningAfter(day, type);
   if (existing)
     context_.updateLogEntry(existing->key(), row);
   else
     row.objectID = context_.insertLogEntry(row);
-  remove(filledIn_.refutedBy(row));
+  filledIn_.removeRefutedBy(row);
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
   if (existing) withdrawHealthWrites(row.objectID);
   requestHealthWrite(row, entry);
-  emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
+  const qz::YYYYMMDD last = std::max(day, entry.period.period.finishDate);
+  emptyDays_.endAt(last);
+  filledIn_.wroteUpTo(last);
   Written written{.row = std::move(row), .day = day};
   if (existing && existing->entryDate != written.row.entryDate) {
     // Where it stood, nothing stands now: what followed from it is found anew.
-    remove(filledIn_.refutedBy(*existing));
+    filledIn_.removeRefutedBy(*existing);
     written.earlierDay = existingDayFromStored(existing->entryDate);
   }
   return written;
@@ -86,18 +104,17 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
 
 void LogEntryWriter::removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept) {
   if (followsFromEarlierDays(type) && emptyDays_.hold(period.startDate, period.finishDate)) return;
-  for (const TaskLogEntryEntity& row :
-       context_.fetchLogEntries(task_.objectID, storedDay(period.startDate), storedDay(period.finishDate))) {
-    const auto existing = fromRawValue<TaskLogEntryType>(row.entryType);
-    if (!existing || row.objectID == kept || !supersedes(type, *existing)) continue;
-    const auto counted = countedPeriod(row, rules_);
-    if (counted && counted->period.startDate == period.startDate && counted->period.finishDate == period.finishDate)
-      context_.removeLogEntry(row.key());
-  }
+  std::vector<LogKey> superseded;
+  const auto look = [&](const LogRow& row) {
+    if (row.objectID == kept || !supersedes(type, entryTypeFromStored(row.entryType))) return;
+    if (countsFor(row, period, rules_)) superseded.push_back({task_.objectID, row.entryDate, row.objectID});
+  };
+  context_.readLog(task_.objectID, storedDay(period.startDate), storedDay(period.finishDate), look);
+  remove(superseded);
 }
 
-void LogEntryWriter::remove(const std::vector<TaskLogEntryEntity>& refuted) {
-  for (const TaskLogEntryEntity& row : refuted) context_.removeLogEntry(row.key());
+void LogEntryWriter::remove(const std::vector<LogKey>& keys) {
+  for (const LogKey& key : keys) context_.removeLogEntry(key);
 }
 
 std::optional<qz::YYYYMMDD> LogEntryWriter::beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const {
@@ -125,9 +142,16 @@ TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogR
   row.task = task_.objectID;
   setEntry(row, entry.type, DatedPeriod(day, entry.period.period), entry.progressPct.value_or(0.0),
            entry.progressValue.value_or(0.0));
+  // The last part of a failure is the failure.
+  const bool isPart = task_.isNegative && entry.type == TaskLogEntryType::missedManuallyPartial;
+  if (isPart && rules_ && failsByParts(context_, *rules_, row))
+    row.entryType = rawValue(TaskLogEntryType::missedManuallyFull);
   if (entry.isTemporaryRecord) {
     row.cloudStatus = temporaryStatus;
     row.cloudStatusDate = now_;
+  } else if (row.cloudStatus == temporaryStatus) {
+    row.cloudStatus.reset();
+    row.cloudStatusDate.reset();
   }
   return row;
 }
@@ -149,7 +173,8 @@ void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const Tas
     amount = type->unit ? type->unit->convertFromTimeInterval(duration) : 0.0;
   }
   const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
-  const auto request = healthWriteRequest(*type, entry.endDate, amount, duration, request_.healthKitDevice, taskId);
+  const auto request = healthWriteRequest(*type, spanOf(entry.period.period, calendar_), entry.endDate, amount,
+                                          duration, request_.healthKitDevice, taskId);
   if (!request) return;
   HealthKitRequestEntity values{.created = now_,
                                 .status = std::string(health_request_status::pending),

@@ -7,6 +7,7 @@
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -20,20 +21,27 @@ class LogEntryWriter {
     TaskLogEntryEntity row;                  ///< as it is now
     qz::YYYYMMDD day;                        ///< of the row
     std::optional<qz::YYYYMMDD> earlierDay;  ///< where it stood before, when it was for another day
+
+    [[nodiscard]] qz::YYYYMMDD earliestDay() const { return std::min(day, earlierDay.value_or(day)); }
   };
 
   /// All must live longer. `rules`: the task's; none where they cannot be read.
   LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules, const TaskLogRecorder::Request& request,
                  const TaskCalendar& calendar);
 
+  /// The row that bears the identifier of the entry, in whichever case it is written there; none is looked for where
+  /// the identifier is new.
+  [[nodiscard]] static std::optional<TaskLogEntryEntity> existing(StoreContext& context,
+                                                                  const TaskLogRecorder::LogEntryData& entry);
+
   /// Inserts the row, or brings the one up to date that bears its identifier, once what it supersedes and refutes is
-  /// gone. Throws TaskLogRecorder::Error where the identifier is another task's.
+  /// gone. REQUIRES: the identifier is no other task's.
   Written write(const TaskLogRecorder::LogEntryData& entry);
 
  private:
   /// Deletes the rows of its period that the row takes the place of, and what was filled in that it refutes.
   void removeSuperseded(const TaskFrequencyPeriod& period, TaskLogEntryType type, ObjectID kept);
-  void remove(const std::vector<TaskLogEntryEntity>& refuted);
+  void remove(const std::vector<LogKey>& keys);
   /// The first day of the history, where it is later than `day`, to which an entry of this type moves it back.
   [[nodiscard]] std::optional<qz::YYYYMMDD> beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const;
   [[nodiscard]] TaskLogEntryEntity filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
@@ -50,7 +58,7 @@ class LogEntryWriter {
   const qz::Moment now_;
   const std::optional<TaskRules>& rules_;
   const std::optional<qz::YYYYMMDD> creationDay_;  ///< by the clock of the zone the task was made in
-  const FilledInEntries filledIn_;
+  FilledInEntries filledIn_;
   EmptyDays emptyDays_;
 };
 

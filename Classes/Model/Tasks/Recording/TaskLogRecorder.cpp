@@ -1,10 +1,12 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/RawValue.h>
+#include <HabitraModel/Mapping/StoredIdentifier.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
 #include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
+#include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/DispatchGroup.h>
@@ -32,6 +34,13 @@ std::string description(const TaskFrequencyPeriod& period) {
   return fmt::format("{} to {}", period.startDate.debugDescription(), period.finishDate.debugDescription());
 }
 
+/// The task with this identifier, in whichever case it is written there, or null.
+TaskEntity* findTask(StoreContext& context, const qz::UniqueID& taskId) {
+  for (const std::string& uniqueId : storedForms(taskId))
+    if (TaskEntity* task = context.find<TaskEntity>("uniqueId", uniqueId)) return task;
+  return nullptr;
+}
+
 /// A change for a day that was processed already lets the next pass begin before that day again.
 void moveLastProcessedDateBack(TaskEntity& task, qz::YYYYMMDD day, const TaskCalendar& calendar) {
   if (!task.lastProcessedDate || calendar.day(*task.lastProcessedDate) <= day) return;
@@ -40,8 +49,16 @@ void moveLastProcessedDateBack(TaskEntity& task, qz::YYYYMMDD day, const TaskCal
 
 /// How a task is shared; null when it is not.
 const TaskShareEntity* shareOf(StoreContext& context, const TaskEntity& task) {
-  const auto shares = context.fetchRelated<TaskShareEntity>("task", task.objectID);
-  return shares.empty() ? nullptr : shares.front();
+  return rowOfTask<TaskShareEntity>(context, task.objectID);
+}
+
+/// Throws where an entry bears the identifier of another task's.
+void checkIdentifiers(const TaskEntity& task, const TaskLogRecorder::Request& request) {
+  for (const TaskLogRecorder::LogEntryData& entry : request.logEntries) {
+    const auto existing = LogEntryWriter::existing(request.managedObjectContext, entry);
+    if (existing && existing->task != task.objectID)
+      throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
+  }
 }
 
 /// Whether somebody waits for the answer of the cloud. A deep link opens the application, which goes on by itself.
@@ -85,20 +102,22 @@ void TaskLogRecorder::record(TaskEntity& task, const Request& request, Completio
 
 void TaskLogRecorder::record(const qz::UniqueID& taskId, const Request& request, Completion completion,
                              bool canWaitForCloudToFinish) {
+  TaskEntity* task = nullptr;
   try {
-    auto* task = request.managedObjectContext.find<TaskEntity>("uniqueId", taskId.text());
+    task = findTask(request.managedObjectContext, taskId);
     if (task == nullptr) throw RecordTaskError();
-    record(*task, request, std::move(completion), canWaitForCloudToFinish);
-  } catch (const qz::Error&) {
+  } catch (const std::exception&) {
     complete(std::move(completion), std::current_exception());
+    return;
   }
+  record(*task, request, std::move(completion), canWaitForCloudToFinish);
 }
 
 void TaskLogRecorder::_record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish,
                               Completion completion) {
   try {
     write(task, request);
-  } catch (const qz::Error& error) {
+  } catch (const std::exception& error) {
     qz::log::error("Unable to record: {}", error.what());
     complete(std::move(completion), std::current_exception());
     return;
@@ -126,9 +145,12 @@ void TaskLogRecorder::write(TaskEntity& task, const Request& request) {
     if (task.objectID == ObjectID::none || !isActive(task)) throw Error(Error::Reason::invalidTask);
     if (const TaskShareEntity* share = shareOf(context, task); share != nullptr && share->owner != ObjectID::none)
       throw Error(Error::Reason::unableToRecordToSharedTask);
+    checkIdentifiers(task, request);
     writeEntries(task, request);
     queueForReceivers(task, request);
-    if (request.saveContext && context.hasChanges()) context.save({.author = Author::app, .command = request.command});
+    // Without a change the save gives up the turn; a unit of the caller's may hold it for what it writes later.
+    if (request.saveContext && (isOwnUnit || context.hasChanges()))
+      context.save({.author = Author::app, .command = request.command});
   } catch (...) {
     // What is refused leaves nothing behind; a unit of the caller's is the caller's to give up.
     if (isOwnUnit) context.rollback();
@@ -151,7 +173,7 @@ void TaskLogRecorder::writeEntries(TaskEntity& task, const Request& request) con
     if (written.earlierDay) changed.insert(*written.earlierDay);
     // What a pass fills in is what it would fill in again.
     if (!followsFromEarlierDays(entry.type) || written.earlierDay)
-      moveLastProcessedDateBack(task, std::min(written.day, written.earlierDay.value_or(written.day)), calendar);
+      moveLastProcessedDateBack(task, std::min(entry.period.period.finishDate, written.earliestDay()), calendar);
   }
   if (rules) retypeFailures(request.managedObjectContext, task, *rules, changed);
 }
