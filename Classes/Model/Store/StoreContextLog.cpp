@@ -243,6 +243,12 @@ void StoreContext::readChanges(std::int64_t sequence, RowSink<StoredChange> chan
   parts_->history.readChanges(sequence, change);
 }
 
+void StoreContext::readChanges(EntityNumber entity, std::int64_t after, std::int64_t last,
+                               RowSink<StoredChange> change) {
+  parts_->beginView();
+  parts_->history.readChanges(entity, after, last, change);
+}
+
 std::int64_t StoreContext::oldestKeptSequence() {
   parts_->beginView();
   return parts_->history.oldestSequence().value_or(parts_->unit.nextSequence());
