@@ -275,7 +275,7 @@ class StoreContext {
 
   /// Lets the task be told of over the link from `due` on, or earlier when that was so already. Begins a unit; it is
   /// told of only when that is saved.
-  void putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due);
+  void putInOutbox(OutboxLink link, ObjectID task, qz::Moment due);
   /// What is still to be told, by when it is due.
   [[nodiscard]] std::vector<OutboxItem> outbox(OutboxLink link);
   /// It was told; what was put there meanwhile stays. Begins a unit.

@@ -208,9 +208,10 @@ void StoreContext::setCheckpoint(ObjectID task, const Checkpoint& checkpoint) {
   });
 }
 
-void StoreContext::putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due) {
+void StoreContext::putInOutbox(OutboxLink link, ObjectID task, qz::Moment due) {
   parts_->writing([&] {
-    parts_->outbox.put(link, taskId, due);
+    parts_->flushInsertions();
+    parts_->outbox.put(link, task, due);
     parts_->hasOwnRows = true;
   });
 }

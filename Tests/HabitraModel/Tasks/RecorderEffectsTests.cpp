@@ -30,9 +30,9 @@ class RecorderEffects : public TaskWorld {
     context_->insert(TaskShareEntity{.owner = owner, .task = task.objectID});
     context_->save({});
   }
-  std::vector<std::string> waiting(OutboxLink link) {
-    std::vector<std::string> tasks;
-    for (const OutboxItem& item : context_->outbox(link)) tasks.push_back(item.taskId);
+  std::vector<ObjectID> waiting(OutboxLink link) {
+    std::vector<ObjectID> tasks;
+    for (const OutboxItem& item : context_->outbox(link)) tasks.push_back(item.task);
     return tasks;
   }
   TaskEntity& addMeasured(HealthType type, double quantity, TypeUnit unit) {
@@ -71,7 +71,7 @@ TEST_F(RecorderEffects, ATaskOfAnotherPersonIsLeftAlone) {
   EXPECT_EQ(messageOf(record(foreign, Type::completedManuallyFull, today)), "Unable to record to task shared with me");
   EXPECT_EQ(context_->sequence(), before);
   EXPECT_EQ(receivers_.widgets.reloads, 1) << "for the own task";
-  EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{*own.uniqueId});
+  EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{own.objectID});
 }
 
 TEST_F(RecorderEffects, AnInitialStreakNeverTouchesTheCloud) {
@@ -101,13 +101,17 @@ TEST_F(RecorderEffects, ATaskWaitsInTheOutboxOnceAndAsLongAsAsked) {
   notify(Notify::delayed);
   notify(Notify::immediate);
   const OutboxItem second = context_->outbox(OutboxLink::watch).at(0);
-  EXPECT_EQ(second, (OutboxItem{.taskId = *task.uniqueId, .due = clock_->now(), .revision = 3}));
+  EXPECT_EQ(second, (OutboxItem{.task = task.objectID, .due = clock_->now(), .revision = 3}));
   context_->removeFromOutbox(OutboxLink::watch, first);
   context_->save({});
   EXPECT_EQ(waiting(OutboxLink::watch).size(), 1u) << "it changed while it was told of";
   context_->removeFromOutbox(OutboxLink::watch, second);
   context_->save({});
   EXPECT_TRUE(waiting(OutboxLink::watch).empty());
+  notify(Notify::immediate);
+  context_->remove(task);
+  context_->save({});
+  EXPECT_TRUE(waiting(OutboxLink::watch).empty()) << "there is nobody left to tell of";
 }
 
 /// A cloud that answers when it is told to.
