@@ -168,6 +168,7 @@ class Application {
   SettingSummary resetSetting(std::string_view name);
 
  private:
+  void writeSnapshot();
   class Rooms;
   class Watch;
 

@@ -5,6 +5,7 @@
 #include <HabitraModel/DataManager.h>
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
@@ -31,6 +32,9 @@ class Application::Rooms {
   /// The context of calls that look, kept from one to the next so that a command opens the store once; null when there
   /// is no store yet.
   [[nodiscard]] StoreContext* readingContext();
+
+  /// The state of the store that was looked at last. REQUIRES: readingContext() has given a context.
+  [[nodiscard]] HistoryToken lastRead() { return PersistentHistoryFetcher(*readingContext_).currentToken(); }
 
   /// A context to change stored habits in, with the writers' turn taken. Throws TaskNameError for `name` when there is
   /// no store, since it can then be nobody's.
