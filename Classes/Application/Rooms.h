@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -66,6 +67,9 @@ class Application::Rooms {
   /// Hands one entry of a person to the recorder, unsaved, and waits for its completion. Throws what it failed with.
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
               qz::Moment startDate);
+
+  /// Saves what was recorded for a person's command, and tells others of it.
+  void saveRecorded(StoreContext& context, std::string command);
 
   /// Begins something and waits for its completion. Throws what it failed with.
   void waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin);

@@ -119,6 +119,7 @@ class SlowCloud : public TaskLink {
  public:
   void put(StoreContext&, const TaskEntity&, qz::Moment) override {}
   void deliver(std::function<void()> finished) override { finished_ = std::move(finished); }
+  [[nodiscard]] bool isAsked() const { return finished_ != nullptr; }
   void answer() { std::exchange(finished_, nullptr)(); }
 
  private:
@@ -144,6 +145,19 @@ TEST_F(RecorderEffects, TheCompletionWaitsForTheCloudWhereItMay) {
   EXPECT_EQ(completed, 0) << "not before the main queue runs";
   mainQueue_.drain();
   EXPECT_EQ(completed, 1);
+
+  cloud.answer();
+  auto unsaved = requestFor({entry(task, Type::unknown, today)});
+  unsaved.saveContext = false;
+  recorder.record(
+      task, unsaved, [](std::exception_ptr) {}, true);
+  EXPECT_FALSE(cloud.isAsked()) << "nothing is told that was not saved";
+  context_->save({});
+  const TaskLogRecorder::Receivers receivers{receivers_.watch, cloud, receivers_.widgets};
+  TaskLogRecorder::deliverSaved(receivers, TaskModifyContext::userInitiatedPopulateInitialStreak);
+  EXPECT_FALSE(cloud.isAsked());
+  TaskLogRecorder::deliverSaved(receivers, unsaved.context);
+  EXPECT_TRUE(cloud.isAsked());
 }
 
 TEST_F(RecorderEffects, WhatAnEntryRefutesGoesAtOnce) {

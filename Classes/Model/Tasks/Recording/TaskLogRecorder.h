@@ -64,7 +64,7 @@ class TaskLogRecorder {
   struct Request {
     StoreContext& managedObjectContext;    ///< the entries are written in it
     TaskModifyContext context;             ///< who asked
-    bool saveContext = true;               ///< save it when the entries are written
+    bool saveContext = true;               ///< save it when the entries are written; else see deliverSaved()
     std::vector<LogEntryData> logEntries;  ///< recorded in this order
     qz::Moment createdTimestamp;           ///< stamped on new rows
     qz::TimeZone createdTimeZone;          ///< stamped on new rows
@@ -122,6 +122,10 @@ class TaskLogRecorder {
   /// Writes the entries for a caller that works on the context's thread, must know the outcome before it goes on, and
   /// tells others itself: throws instead of completing.
   void recordNow(TaskEntity& task, const Request& request) { write(task, request); }
+
+  /// Tells others what was recorded by recordNow(), or without saving: for whoever has saved the unit since. `context`:
+  /// who asked.
+  static void deliverSaved(const Receivers& receivers, TaskModifyContext context);
 
  private:
   void _record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish, Completion completion);
