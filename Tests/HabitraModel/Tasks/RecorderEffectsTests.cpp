@@ -250,6 +250,10 @@ TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   const auto session = sampleFor(calm, timed);
   ASSERT_TRUE(session);
   EXPECT_EQ(session->end - session->start, std::chrono::seconds(90));
+  auto expired = entry(calm, Type::completedManuallyFull, today);
+  expired.progressPct.reset();
+  expired.timerDidExpire = true;
+  EXPECT_EQ(sampleFor(calm, expired).value().start, expired.endDate - std::chrono::minutes(10)) << "all of the target";
 
   const auto requests = context_->fetchAll<HealthKitRequestEntity>().size();
   TaskEntity& steps = addMeasured(HealthType::runOrWalk, 8000, TypeUnit::steps);

@@ -31,9 +31,11 @@ bool tookPlace(TaskLogEntryType type, bool isNegative) {
   return isMissedFullOrPartial(type) || isAllowableMissFull(type);
 }
 
-/// The amount that the entry stands for: the one it reports, else its share of the target.
+/// The amount that the entry stands for: the one it reports, else its share of the target; a timer that ran out has run
+/// for all of it.
 double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
-  return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
+  if (entry.progressValue) return *entry.progressValue;
+  return entry.progressPct.value_or(entry.timerDidExpire ? 1.0 : 0.0) * type.quantity;
 }
 
 std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {

@@ -51,7 +51,7 @@ class TaskLogRecorder {
     std::optional<double> progressValue;         ///< amount reached, for timed and counted tasks; absent is stored as 0
     std::optional<double> progressPct;           ///< fraction of the target reached; absent is stored as 0
     std::optional<TimedTaskEntry> timerSummary;  ///< the run of a timer that produced it
-    bool timerDidExpire = false;                 ///< the timer ran out, and was not stopped
+    bool timerDidExpire = false;                 ///< it ran out: without an amount, all of the target
     std::optional<qz::Moment> createdTimestamp;  ///< when the entry was made, where that is known; else the request's
     bool isTemporaryRecord = false;              ///< a provisional row: its cloudStatus is "TMP"
     bool hasNewIdentifier = false;               ///< made for this entry: no row is looked for that bears it already
