@@ -182,6 +182,26 @@ TEST_F(RecorderEffects, WhatAnEntryRefutesGoesAtOnce) {
   EXPECT_EQ(after, expected) << "as if it had never been recorded";
 }
 
+TEST_F(RecorderEffects, AMistypedDayTakesTheYearsAlongThatItFilledIn) {
+  TaskEntity& task = addTask();
+  record(task, Type::completedManuallyFull, YYYYMMDD(2024, 1, 29));
+  process();
+  const auto before = log(task);
+  EXPECT_EQ(before, (std::vector<std::string>{"20240129 completedManuallyFull", "20240130 missedAutomaticallyFull"}));
+  const YYYYMMDD mistyped(2023, 1, 29);
+  record(task, Type::completedManuallyFull, mistyped);
+  process();
+  EXPECT_EQ(log(task).size(), 367U);
+  record(task, Type::unknown, YYYYMMDD(2023, 6, 1));
+  process();
+  EXPECT_EQ(log(task).size(), 368U) << "the history begins where it began";
+  record(task, Type::unknown, mistyped);
+  process();
+  auto after = log(task);
+  std::erase_if(after, [](const std::string& line) { return line.ends_with(" unknown"); });
+  EXPECT_EQ(after, before);
+}
+
 TEST_F(RecorderEffects, FailuresSayWhetherTheyLieWithinTheAllowance) {
   TaskEntity& task = addTask("Smoke");
   setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 6});

@@ -6,6 +6,7 @@
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
+#include <HabitraModel/Tasks/Recording/LostBeginning.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 
@@ -74,6 +75,8 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
     row.objectID = context_.insertLogEntry(row);
   remove(filledIn_.refutedBy(row));
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
+  if (entry.type == TaskLogEntryType::unknown && creationDay_)
+    remove(refutedByLostBeginning(context_, row, *creationDay_, filledIn_));
   if (existing) withdrawHealthWrites(row.objectID);
   requestHealthWrite(row, entry);
   emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
