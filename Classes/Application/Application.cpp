@@ -80,10 +80,16 @@ void Application::afterAnswer() noexcept {
     if (context == nullptr || context->store().isReadOnly()) return;
     rooms_->processor.processPendingHealthKitRequests(*context);
     // Panels show the day that is.
-    if (rooms_->widgets.isOutdated() && !rooms_->timeIsGiven()) rooms_->widgets.write(today(), list());
+    if (rooms_->widgets.isOutdated() && !rooms_->timeIsGiven()) writeSnapshot();
   } catch (const std::exception& error) {
     qz::log::warning("Something was left to do after the answer: {}", error.what());
   }
+}
+
+void Application::writeSnapshot() {
+  const qz::YYYYMMDD day = today();
+  std::vector<HabitSummary> habits = list();
+  rooms_->widgets.write({.stored = rooms_->lastRead(), .day = day, .habits = std::move(habits)});
 }
 
 }  // namespace habitra

@@ -170,6 +170,7 @@ class Application {
   SettingSummary resetSetting(std::string_view name);
 
  private:
+  void writeSnapshot();
   class Rooms;
   class Watch;
 

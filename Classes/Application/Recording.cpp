@@ -142,7 +142,7 @@ std::vector<Marked> Application::mark(std::string_view verb, TaskLogEntryType ty
   }
   std::vector<Marked> marked;
   for (TaskEntity* task : tasks) marked.push_back(markOne(*context, *task, type, day));
-  context->save({.author = Author::app, .command = commandText(verb, tasks)});
+  rooms_->saveRecorded(*context, commandText(verb, tasks));
   return marked;
 }
 
@@ -184,7 +184,7 @@ HabitSummary Application::undo(std::string_view name, std::optional<qz::YYYYMMDD
   rooms_->processor.process(*context, task, now);
   rooms_->record(*context, task, TaskLogEntryType::unknown, chosen.period, chosen.start, chosen.end);
   rooms_->processor.process(*context, task, now);
-  context->save({.author = Author::app, .command = commandText("undo", {&task})});
+  rooms_->saveRecorded(*context, commandText("undo", {&task}));
   return rooms_->summarize(*context, task);
 }
 

@@ -10,6 +10,7 @@
 
 #include <exception>
 #include <set>
+#include <utility>
 
 namespace habitra {
 namespace {
@@ -124,6 +125,12 @@ void Application::Rooms::record(StoreContext& context, TaskEntity& task, TaskLog
                                    .notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::immediate,
                                    .recordToHealthKitIfNecessary = true};
   waitFor([&](const TaskLogRecorder::Completion& completion) { recorder.record(task, request, completion); });
+}
+
+void Application::Rooms::saveRecorded(StoreContext& context, std::string command) {
+  const SaveResult saved = context.save({.author = Author::app, .command = std::move(command)});
+  if (saved.inserted + saved.updated + saved.removed == 0) return;
+  TaskLogRecorder::deliverSaved({watch, sharedTasks, widgets}, TaskModifyContext::userInitiatedFromMainApp);
 }
 
 void Application::Rooms::waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin) {

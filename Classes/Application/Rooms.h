@@ -5,6 +5,7 @@
 #include <HabitraModel/DataManager.h>
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
@@ -14,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +33,9 @@ class Application::Rooms {
   /// The context of calls that look, kept from one to the next so that a command opens the store once; null when there
   /// is no store yet.
   [[nodiscard]] StoreContext* readingContext();
+
+  /// The state of the store that was looked at last. REQUIRES: readingContext() has given a context.
+  [[nodiscard]] HistoryToken lastRead() { return PersistentHistoryFetcher(*readingContext_).currentToken(); }
 
   /// A context to change stored habits in, with the writers' turn taken. Throws TaskNameError for `name` when there is
   /// no store, since it can then be nobody's.
@@ -62,6 +67,9 @@ class Application::Rooms {
   /// Hands one entry of a person to the recorder, unsaved, and waits for its completion. Throws what it failed with.
   void record(StoreContext& context, TaskEntity& task, TaskLogEntryType type, const DatedPeriod& period,
               qz::Moment startDate, qz::Moment endDate);
+
+  /// Saves what was recorded for a person's command, and tells others of it.
+  void saveRecorded(StoreContext& context, std::string command);
 
   /// Begins something and waits for its completion. Throws what it failed with.
   void waitFor(const std::function<void(const TaskLogRecorder::Completion&)>& begin);

@@ -2,6 +2,7 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraModel/Links/WidgetCenter.h>
+#include <HabitraModel/Store/History/HistoryToken.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <atomic>
@@ -10,8 +11,9 @@
 
 namespace habitra {
 
-/// The widget centre of a desktop: a small file that panels read and watch, "Habitra-Widgets.json" in the home. It is
-/// written once for all that asked for it, after the answer, and replaced in one step.
+/// The widget centre of a desktop: a small file that panels read and watch, "Habitra-Widgets.json" in the home, the
+/// owner's alone like all of it. It is written once for all that asked for it, after the answer, and replaced in one
+/// step, by writers that take turns on "Habitra-Widgets.json.lock".
 class WidgetSnapshot : public WidgetCenter {
  public:
   static constexpr const char* fileName = "Habitra-Widgets.json";
@@ -22,9 +24,17 @@ class WidgetSnapshot : public WidgetCenter {
   /// Whether somebody has asked for it since it was last written.
   [[nodiscard]] bool isOutdated() const { return isOutdated_; }
 
-  /// Writes how the habits stand on their `day`: an object with "version" (1), "day" and "habits", each as
-  /// HabitSummary.h says. Throws qz::Error where the file cannot be written; it is as it was then.
-  void write(qz::YYYYMMDD day, const std::vector<HabitSummary>& habits);
+  /// How the habits of a store stood on their `day` when its newest transaction was that of `stored`.
+  struct Content {
+    HistoryToken stored;
+    qz::YYYYMMDD day;
+    std::vector<HabitSummary> habits;
+  };
+
+  /// Writes an object with "version" (1), "store" (the identifier), "sequence", "day" and "habits", each as
+  /// HabitSummary.h says, unless the file says already what was so later. Throws qz::Error where the file cannot be
+  /// written; it is as it was then, and remains outdated.
+  void write(const Content& content);
 
  private:
   const std::filesystem::path file_;

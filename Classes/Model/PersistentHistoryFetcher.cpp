@@ -23,6 +23,12 @@ HistoryToken PersistentHistoryFetcher::currentToken() {
   return {.storeIdentifier = context_.storeIdentifier(), .sequence = context_.sequence()};
 }
 
+bool PersistentHistoryFetcher::reachesBackTo(const HistoryToken& token) {
+  const HistoryToken here = currentToken();
+  return token.storeIdentifier == here.storeIdentifier && token.sequence <= here.sequence &&
+         token.sequence + 1 >= context_.oldestKeptSequence();
+}
+
 PersistentHistory PersistentHistoryFetcher::fetch() {
   PersistentHistory history{.token = currentToken()};
   // Whether an earlier one would have been asked for shows only in the oldest that is left.
@@ -39,11 +45,8 @@ PersistentHistory PersistentHistoryFetcher::fetch() {
 
 PersistentHistory PersistentHistoryFetcher::fetch(const HistoryToken& token, std::int64_t limit) {
   PersistentHistory history{.token = currentToken()};
-  if (token.storeIdentifier != history.token.storeIdentifier || token.sequence > history.token.sequence ||
-      token.sequence + 1 < context_.oldestKeptSequence()) {
-    history.everythingChanged = true;
-    return history;
-  }
+  history.everythingChanged = !reachesBackTo(token);
+  if (history.everythingChanged) return history;
   const std::int64_t newest = history.token.sequence;
   history.transactions = readAfter(token.sequence, newest, limit, std::nullopt);
   history.token.sequence =

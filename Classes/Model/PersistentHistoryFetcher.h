@@ -68,6 +68,9 @@ class PersistentHistoryFetcher {
   /// The transactions after `token`, at most `limit` of them. With `everythingChanged` there are none.
   [[nodiscard]] PersistentHistory fetch(const HistoryToken& token, std::int64_t limit = noLimit);
 
+  /// Whether history says all that has happened since `token`; else everything may have changed.
+  [[nodiscard]] bool reachesBackTo(const HistoryToken& token);
+
   /// Where the store stands now.
   [[nodiscard]] HistoryToken currentToken();
 

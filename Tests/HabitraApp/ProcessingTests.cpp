@@ -41,6 +41,7 @@ TEST_F(ProcessingTests, panelsShowWhatWasChangedAndAreLeftAloneOtherwise) {
   application_.done({"Read"}, {});
   application_.afterAnswer();
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["current"], 1);
+  EXPECT_EQ(std::filesystem::status(snapshot_).permissions(), std::filesystem::perms(0600));
   std::filesystem::remove(snapshot_);
   application_.processIfDue();
   application_.afterAnswer();
@@ -54,6 +55,26 @@ TEST_F(ProcessingTests, panelsShowWhatWasChangedAndAreLeftAloneOtherwise) {
   application_.undo("Read", qz::YYYYMMDD(2024, 1, 31));
   application_.afterAnswer();
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["best"], 0);
+}
+
+TEST_F(ProcessingTests, panelsNeverGoBackToWhatWasEarlier) {
+  habitra::WidgetSnapshot widgets(folder_ / "home");
+  const auto write = [&](const char* store, std::int64_t sequence, qz::YYYYMMDD day) {
+    widgets.write({.stored = {.storeIdentifier = store, .sequence = sequence}, .day = day, .habits = {}});
+    return snapshot()["day"].get<int>();
+  };
+  EXPECT_EQ(write("A", 7, {2024, 1, 31}), 20240131);
+  EXPECT_EQ(write("A", 6, {2024, 1, 30}), 20240131) << "somebody who was slow";
+  EXPECT_EQ(write("A", 7, {2024, 2, 1}), 20240201) << "a day has begun";
+  EXPECT_EQ(write("B", 1, {2024, 2, 2}), 20240202) << "another store has taken its place";
+  std::ofstream(snapshot_) << "{\"store\": \"B\", \"sequence\"";
+  EXPECT_EQ(write("B", 1, {2024, 2, 3}), 20240203);
+
+  std::filesystem::remove(snapshot_);
+  std::filesystem::create_directory(snapshot_);
+  widgets.reloadAllTimelines();
+  EXPECT_THROW(write("B", 2, {2024, 2, 3}), qz::Error);
+  EXPECT_TRUE(widgets.isOutdated()) << "it is tried again";
 }
 
 }  // namespace

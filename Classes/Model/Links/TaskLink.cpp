@@ -3,8 +3,7 @@
 namespace habitra {
 
 void OutboxTaskLink::put(StoreContext& context, const TaskEntity& task, qz::Moment due) {
-  // A row that came without an identifier gets one at the next pass, which changes it.
-  if (task.uniqueId) context.putInOutbox(link_, *task.uniqueId, due);
+  context.putInOutbox(link_, task.objectID, due);
 }
 
 }  // namespace habitra

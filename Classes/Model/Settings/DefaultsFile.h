@@ -12,8 +12,9 @@ namespace habitra {
 /// lock. Throws StoreError when something else than a plain file of our own is there, or it cannot be read.
 [[nodiscard]] std::optional<std::string> readDefaultsFile(const std::filesystem::path& file);
 
-/// The turn to write a file of defaults: an exclusive lock on "<file>.lock", which ends with the process whatever
-/// happens. Makes the folder and the lock's file when they are missing. Belongs to one thread.
+/// The turn to write a file of defaults, or another small one of the home: an exclusive lock on "<file>.lock", which
+/// ends with the process whatever happens. Makes the folder and the lock's file when they are missing. Belongs to one
+/// thread.
 class DefaultsFileTurn {
  public:
   static constexpr std::chrono::milliseconds defaultPatience = std::chrono::seconds(10);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <HabitraCore/RawValue.h>
+#include <HabitraModel/Store/ObjectID.h>
 #include <QZKit/Clock.h>
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace habitra {
@@ -17,9 +17,10 @@ enum class OutboxLink : std::uint8_t {
 };
 
 /// A task that somebody has still to be told of. What there is to say is looked up when it is told, so that it is
-/// never old; until then a task stands in the outbox of a link once, however often it changes.
+/// never old; until then a task stands in the outbox of a link once, however often it changes, by its number, whatever
+/// becomes of its identifier. A task that is removed takes its items along.
 struct OutboxItem {
-  std::string taskId;         ///< TaskEntity::uniqueId
+  ObjectID task = ObjectID::none;
   qz::Moment due;             ///< not to be told earlier
   std::int64_t revision = 0;  ///< how often the task was put there since it was last told of
 

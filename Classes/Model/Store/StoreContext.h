@@ -275,7 +275,7 @@ class StoreContext {
 
   /// Lets the task be told of over the link from `due` on, or earlier when that was so already. Begins a unit; it is
   /// told of only when that is saved.
-  void putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due);
+  void putInOutbox(OutboxLink link, ObjectID task, qz::Moment due);
   /// What is still to be told, by when it is due.
   [[nodiscard]] std::vector<OutboxItem> outbox(OutboxLink link);
   /// It was told; what was put there meanwhile stays. Begins a unit.
@@ -292,6 +292,9 @@ class StoreContext {
   /// The changes of one transaction, one per object, by entity and object. Throws StoreError of kind `damaged` for a
   /// row that is no change.
   void readChanges(std::int64_t sequence, RowSink<StoredChange> change);
+  /// The changes of one entity's rows in the transactions after `after` up to `last`, by transaction and object,
+  /// without reading those of others. Throws the same.
+  void readChanges(EntityNumber entity, std::int64_t after, std::int64_t last, RowSink<StoredChange> change);
   /// The oldest transaction that history still has; when it has none, the number that the next one will bear.
   [[nodiscard]] std::int64_t oldestKeptSequence();
 

@@ -208,9 +208,10 @@ void StoreContext::setCheckpoint(ObjectID task, const Checkpoint& checkpoint) {
   });
 }
 
-void StoreContext::putInOutbox(OutboxLink link, std::string_view taskId, qz::Moment due) {
+void StoreContext::putInOutbox(OutboxLink link, ObjectID task, qz::Moment due) {
   parts_->writing([&] {
-    parts_->outbox.put(link, taskId, due);
+    parts_->flushInsertions();
+    parts_->outbox.put(link, task, due);
     parts_->hasOwnRows = true;
   });
 }
@@ -241,6 +242,12 @@ void StoreContext::readCommands(RowSink<StoredTransaction> transaction, std::int
 void StoreContext::readChanges(std::int64_t sequence, RowSink<StoredChange> change) {
   parts_->beginView();
   parts_->history.readChanges(sequence, change);
+}
+
+void StoreContext::readChanges(EntityNumber entity, std::int64_t after, std::int64_t last,
+                               RowSink<StoredChange> change) {
+  parts_->beginView();
+  parts_->history.readChanges(entity, after, last, change);
 }
 
 std::int64_t StoreContext::oldestKeptSequence() {

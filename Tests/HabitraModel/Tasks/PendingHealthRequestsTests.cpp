@@ -5,6 +5,7 @@
 #include <HabitraModel/UndoStack.h>
 #include <QZHealthKit/QZHealthStoreError.h>
 
+#include <fmt/format.h>
 #include <functional>
 #include <utility>
 
@@ -66,8 +67,8 @@ class PendingHealthRequestsTest : public TaskWorld {
     context_->save({});
   }
 
-  /// As a person's command.
-  void drink(double litres, Type type = Type::completedManuallyPartial) {
+  /// By default as a person's command.
+  void drink(double litres, Type type = Type::completedManuallyPartial, const SaveRequest& save = {.command = "done"}) {
     auto data = entry(water_, type, today);
     data.progressValue = litres;
     recorder_.recordNow(water_, {.managedObjectContext = *context_,
@@ -77,7 +78,7 @@ class PendingHealthRequestsTest : public TaskWorld {
                                  .createdTimestamp = clock_->now(),
                                  .createdTimeZone = qz::TimeZone::utc(),
                                  .recordToHealthKitIfNecessary = true});
-    context_->save({.command = "done Water"});
+    context_->save(save);
   }
   Report pass() { return requests_.processPendingHealthKitRequests(*context_, clock_->now()); }
   [[nodiscard]] std::vector<double> litres() const {
@@ -118,6 +119,22 @@ TEST_F(PendingHealthRequestsTest, WhatIsPendingIsWrittenOnceAndThenNothing) {
   for (int again = 0; again < 3; ++again) EXPECT_EQ(pass(), Report{});
   EXPECT_EQ(context_->sequence(), before);
   EXPECT_EQ(health_.changes, 0);
+
+  const auto kept = [&] {
+    return HistoryToken::fromText(*defaults_->get<std::string>(requests_.historyKey))->sequence;
+  };
+  const auto rename = [&](int times) {
+    for (int i = 0; i < times; ++i) {
+      water_.title = fmt::format("Water {} {}", times, i);
+      context_->save({.command = "edit"});
+    }
+    EXPECT_EQ(pass(), Report{});
+  };
+  EXPECT_GE(kept(), before - 1) << "what was read of requests is not read again";
+  rename(1);
+  EXPECT_LE(kept(), before) << "what concerns no request costs no write";
+  rename(300);
+  EXPECT_GT(kept(), before) << "many are not looked through each time";
 }
 
 TEST_F(PendingHealthRequestsTest, WhatIsUndoneIsTakenOutAndWhatIsRedoneComesBack) {
@@ -145,7 +162,8 @@ TEST_F(PendingHealthRequestsTest, AnotherEntryInItsPlaceTakesTheSampleOut) {
   drink(0.5);
   drink(0.25);
   EXPECT_EQ(pass().written, 2U);
-  drink(2.0, Type::completedManuallyFull);
+  // Nothing but the health store lets go of what no person's command can bring back.
+  drink(2.0, Type::completedManuallyFull, {});
   EXPECT_EQ(pass(), (Report{.written = 1, .removed = 2}));
   EXPECT_EQ(litres(), std::vector{2.0});
   context_->remove(water_);

@@ -31,9 +31,9 @@ class RecorderEffects : public TaskWorld {
     context_->insert(TaskShareEntity{.owner = owner, .task = task.objectID});
     context_->save({});
   }
-  std::vector<std::string> waiting(OutboxLink link) {
-    std::vector<std::string> tasks;
-    for (const OutboxItem& item : context_->outbox(link)) tasks.push_back(item.taskId);
+  std::vector<ObjectID> waiting(OutboxLink link) {
+    std::vector<ObjectID> tasks;
+    for (const OutboxItem& item : context_->outbox(link)) tasks.push_back(item.task);
     return tasks;
   }
   TaskEntity& addMeasured(HealthType type, double quantity, TypeUnit unit) {
@@ -72,7 +72,7 @@ TEST_F(RecorderEffects, ATaskOfAnotherPersonIsLeftAlone) {
   EXPECT_EQ(messageOf(record(foreign, Type::completedManuallyFull, today)), "Unable to record to task shared with me");
   EXPECT_EQ(context_->sequence(), before);
   EXPECT_EQ(receivers_.widgets.reloads, 1) << "for the own task";
-  EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{*own.uniqueId});
+  EXPECT_EQ(waiting(OutboxLink::sharedTask), std::vector{own.objectID});
 
   context_->insert(TaskShareEntity{.statusUpdated = clock_->now(), .task = foreign.objectID});
   context_->save({});
@@ -127,13 +127,17 @@ TEST_F(RecorderEffects, ATaskWaitsInTheOutboxOnceAndAsLongAsAsked) {
   notify(Notify::delayed);
   notify(Notify::immediate);
   const OutboxItem second = context_->outbox(OutboxLink::watch).at(0);
-  EXPECT_EQ(second, (OutboxItem{.taskId = *task.uniqueId, .due = clock_->now(), .revision = 3}));
+  EXPECT_EQ(second, (OutboxItem{.task = task.objectID, .due = clock_->now(), .revision = 3}));
   context_->removeFromOutbox(OutboxLink::watch, first);
   context_->save({});
   EXPECT_EQ(waiting(OutboxLink::watch).size(), 1u) << "it changed while it was told of";
   context_->removeFromOutbox(OutboxLink::watch, second);
   context_->save({});
   EXPECT_TRUE(waiting(OutboxLink::watch).empty());
+  notify(Notify::immediate);
+  context_->remove(task);
+  context_->save({});
+  EXPECT_TRUE(waiting(OutboxLink::watch).empty()) << "there is nobody left to tell of";
 }
 
 /// A cloud that answers when it is told to.
@@ -141,6 +145,7 @@ class SlowCloud : public TaskLink {
  public:
   void put(StoreContext&, const TaskEntity&, qz::Moment) override {}
   void deliver(std::function<void()> finished) override { finished_ = std::move(finished); }
+  [[nodiscard]] bool isAsked() const { return finished_ != nullptr; }
   void answer() { std::exchange(finished_, nullptr)(); }
 
  private:
@@ -166,6 +171,19 @@ TEST_F(RecorderEffects, TheCompletionWaitsForTheCloudWhereItMay) {
   EXPECT_EQ(completed, 0) << "not before the main queue runs";
   mainQueue_.drain();
   EXPECT_EQ(completed, 1);
+
+  cloud.answer();
+  auto unsaved = requestFor({entry(task, Type::unknown, today)});
+  unsaved.saveContext = false;
+  recorder.record(
+      task, unsaved, [](std::exception_ptr) {}, true);
+  EXPECT_FALSE(cloud.isAsked()) << "nothing is told that was not saved";
+  context_->save({});
+  const TaskLogRecorder::Receivers receivers{receivers_.watch, cloud, receivers_.widgets};
+  TaskLogRecorder::deliverSaved(receivers, TaskModifyContext::userInitiatedPopulateInitialStreak);
+  EXPECT_FALSE(cloud.isAsked());
+  TaskLogRecorder::deliverSaved(receivers, unsaved.context);
+  EXPECT_TRUE(cloud.isAsked());
 }
 
 TEST_F(RecorderEffects, WhatAnEntryRefutesGoesAtOnce) {
@@ -188,6 +206,26 @@ TEST_F(RecorderEffects, WhatAnEntryRefutesGoesAtOnce) {
   std::erase(expected, "20240125 skippedAutomaticallyFull");
   std::erase(after, "20240125 skippedAutomaticallyFull");
   EXPECT_EQ(after, expected) << "as if it had never been recorded";
+}
+
+TEST_F(RecorderEffects, AMistypedDayTakesTheYearsAlongThatItFilledIn) {
+  TaskEntity& task = addTask();
+  record(task, Type::completedManuallyFull, YYYYMMDD(2024, 1, 29));
+  process();
+  const auto before = log(task);
+  EXPECT_EQ(before, (std::vector<std::string>{"20240129 completedManuallyFull", "20240130 missedAutomaticallyFull"}));
+  const YYYYMMDD mistyped(2023, 1, 29);
+  record(task, Type::completedManuallyFull, mistyped);
+  process();
+  EXPECT_EQ(log(task).size(), 367U);
+  record(task, Type::unknown, YYYYMMDD(2023, 6, 1));
+  process();
+  EXPECT_EQ(log(task).size(), 368U) << "the history begins where it began";
+  record(task, Type::unknown, mistyped);
+  process();
+  auto after = log(task);
+  std::erase_if(after, [](const std::string& line) { return line.ends_with(" unknown"); });
+  EXPECT_EQ(after, before);
 }
 
 TEST_F(RecorderEffects, FailuresSayWhetherTheyLieWithinTheAllowance) {
@@ -301,6 +339,11 @@ TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   const auto longest = sampleFor(calm, timed);
   EXPECT_EQ(longest->start, timed.startDate);
   EXPECT_EQ(longest->end, at("2024-02-01T00:00:00Z"));
+  auto expired = entry(calm, Type::completedManuallyFull, today);
+  expired.progressPct.reset();
+  expired.timerDidExpire = true;
+  const auto whole = sampleFor(calm, expired).value();
+  EXPECT_EQ(whole.end - whole.start, std::chrono::minutes(10)) << "all of the target";
 
   const auto requests = context_->fetchAll<HealthKitRequestEntity>().size();
   TaskEntity& steps = addMeasured(HealthType::runOrWalk, 8000, TypeUnit::steps);

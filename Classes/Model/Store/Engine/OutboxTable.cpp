@@ -11,10 +11,10 @@ OutboxTable::OutboxTable(Connection& connection)
       read_(connection, "SELECT task, due, revision FROM habitra_outbox WHERE link=? ORDER BY due, task"),
       remove_(connection, "DELETE FROM habitra_outbox WHERE link=? AND task=? AND revision=?") {}
 
-void OutboxTable::put(OutboxLink link, std::string_view taskId, qz::Moment due) {
+void OutboxTable::put(OutboxLink link, ObjectID task, qz::Moment due) {
   auto statement = put_.use();
   statement->bind(1, rawValue(link));
-  statement->bind(2, taskId);
+  statement->bind(2, rawValue(task));
   statement->bind(3, std::int64_t{due.time_since_epoch().count()});
   statement->step();
 }
@@ -24,7 +24,7 @@ std::vector<OutboxItem> OutboxTable::read(OutboxLink link) {
   statement->bind(1, rawValue(link));
   std::vector<OutboxItem> items;
   while (statement->step())
-    items.push_back({.taskId = std::string(statement->text(0)),
+    items.push_back({.task = ObjectID{statement->integer(0)},
                      .due = qz::Moment(std::chrono::microseconds(statement->integer(1))),
                      .revision = statement->integer(2)});
   return items;
@@ -33,7 +33,7 @@ std::vector<OutboxItem> OutboxTable::read(OutboxLink link) {
 void OutboxTable::remove(OutboxLink link, const OutboxItem& item) {
   auto statement = remove_.use();
   statement->bind(1, rawValue(link));
-  statement->bind(2, item.taskId);
+  statement->bind(2, rawValue(item.task));
   statement->bind(3, item.revision);
   statement->step();
 }

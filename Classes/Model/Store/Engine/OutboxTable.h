@@ -3,7 +3,6 @@
 #include <HabitraModel/Store/Engine/Connection.h>
 #include <HabitraModel/Store/Outbox.h>
 
-#include <string_view>
 #include <vector>
 
 namespace habitra {
@@ -13,7 +12,7 @@ class OutboxTable {
  public:
   explicit OutboxTable(Connection& connection);
 
-  void put(OutboxLink link, std::string_view taskId, qz::Moment due);
+  void put(OutboxLink link, ObjectID task, qz::Moment due);
   [[nodiscard]] std::vector<OutboxItem> read(OutboxLink link);
   /// Does nothing when it was put there again meanwhile, or is not there any more.
   void remove(OutboxLink link, const OutboxItem& item);

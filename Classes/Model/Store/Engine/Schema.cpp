@@ -79,7 +79,7 @@ CREATE TABLE habitra_checkpoint (
 ) STRICT;
 CREATE TABLE habitra_outbox (
   link TEXT NOT NULL,
-  task TEXT NOT NULL,
+  task INTEGER NOT NULL REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
   due INTEGER NOT NULL,
   revision INTEGER NOT NULL,
   PRIMARY KEY (link, task)

@@ -37,8 +37,8 @@ struct StoredChange {
   /// For a log entry, where its row lies (or lay, when removed); for other entities none and 0.
   ObjectID task = ObjectID::none;
   std::int32_t day = 0;
-  /// Kept when the save was made for a person's command: of an update the values before of what changed, of a removal
-  /// the whole row, in the canonical encoding of rows.
+  /// Kept when the save was made for a person's command, and of requests to the health store that are removed always:
+  /// of an update the values before of what changed, of a removal the whole row, in the canonical encoding of rows.
   std::optional<Bytes> before;
 
   friend bool operator==(const StoredChange&, const StoredChange&) = default;

@@ -61,7 +61,9 @@ OwnedObject asItBegan(const EntityDescription& entity, const StoredChange& earli
 
 HistoryTable::HistoryTable(Connection& connection)
     : insertTransaction_(connection, "INSERT INTO habitra_transaction VALUES (?, ?, ?, ?, ?, ?, ?)"),
-      dropBefore_(connection, "UPDATE habitra_change SET before=NULL WHERE sequence=? AND before IS NOT NULL"),
+      dropBefore_(connection,
+                  "UPDATE habitra_change SET before=NULL WHERE sequence=?1 AND before IS NOT NULL "
+                  "AND NOT (entity=?2 AND kind=?3)"),
       transactions_(connection,
                     "SELECT sequence, author, writer, moment, command, undoes, backup FROM habitra_transaction "
                     "WHERE sequence>? ORDER BY sequence LIMIT ?"),
@@ -77,6 +79,10 @@ HistoryTable::HistoryTable(Connection& connection)
       changes_(connection,
                "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
                "WHERE sequence=? ORDER BY entity, object"),
+      changesOfEntity_(connection,
+                       "SELECT c.sequence, c.entity, c.object, c.kind, c.attributes, c.task, c.day, c.before "
+                       "FROM habitra_transaction t CROSS JOIN habitra_change c ON c.sequence=t.sequence AND c.entity=? "
+                       "WHERE t.sequence>? AND t.sequence<=? ORDER BY t.sequence, c.object"),
       change_(connection,
               "SELECT sequence, entity, object, kind, attributes, task, day, before FROM habitra_change "
               "WHERE sequence=? AND entity=? AND object=?"),
@@ -152,6 +158,8 @@ void HistoryTable::writeTransaction(const StoredTransaction& transaction) {
 void HistoryTable::dropBefore(std::int64_t sequence) {
   auto statement = dropBefore_.use();
   statement->bind(1, sequence);
+  statement->bind(2, static_cast<std::int64_t>(EntityNumber::healthKitRequest));
+  statement->bind(3, static_cast<std::int64_t>(ChangeKind::removal));
   statement->step();
 }
 
@@ -196,6 +204,15 @@ StoredTransaction HistoryTable::loadTransaction(Statement& statement) {
 void HistoryTable::readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink) {
   auto statement = changes_.use();
   statement->bind(1, sequence);
+  while (statement->step()) sink(load(*statement));
+}
+
+void HistoryTable::readChanges(EntityNumber entity, std::int64_t after, std::int64_t last,
+                               const std::function<void(const StoredChange&)>& sink) {
+  auto statement = changesOfEntity_.use();
+  statement->bind(1, static_cast<std::int64_t>(entity));
+  statement->bind(2, after);
+  statement->bind(3, last);
   while (statement->step()) sink(load(*statement));
 }
 

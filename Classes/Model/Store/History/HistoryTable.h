@@ -33,7 +33,8 @@ class HistoryTable {
   }
 
   void writeTransaction(const StoredTransaction& transaction);
-  /// Drops the values before; for saves that no person's command asked for.
+  /// Drops the values before; for saves that no person's command asked for. Those of removed requests to the health
+  /// store stay: what they have written there has still to be taken out, whoever removed them.
   void dropBefore(std::int64_t sequence);
 
   void readTransactions(std::int64_t afterSequence, std::int64_t limit,
@@ -45,6 +46,10 @@ class HistoryTable {
   [[nodiscard]] std::optional<std::int64_t> firstCommand(std::int64_t count);
   /// Throws StoreError of kind `damaged` for a row that is no change.
   void readChanges(std::int64_t sequence, const std::function<void(const StoredChange&)>& sink);
+  /// The changes of one entity's rows in the transactions after `after` up to `last`, by transaction and object. Costs
+  /// no more for what the transactions did to other entities. Throws the same.
+  void readChanges(EntityNumber entity, std::int64_t after, std::int64_t last,
+                   const std::function<void(const StoredChange&)>& sink);
   [[nodiscard]] std::optional<std::int64_t> oldestSequence();
 
  private:
@@ -62,6 +67,7 @@ class HistoryTable {
   Query oldestCommand_;
   Query oldest_;
   Query changes_;
+  Query changesOfEntity_;
   Query change_;
   Query writeChange_;
   Query eraseChange_;

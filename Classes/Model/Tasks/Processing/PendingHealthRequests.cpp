@@ -5,6 +5,7 @@
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <QZLog/Log.h>
 
+#include <algorithm>
 #include <optional>
 #include <span>
 #include <utility>
@@ -136,18 +137,23 @@ std::vector<qz::UniqueID> PendingHealthRequests::Pass::mark(const std::vector<Ou
   return gone;
 }
 
-/// Reads on from where the pass before came to. How far that was is written down once something was found, or when
-/// there is much to read each time otherwise.
+/// Reads on from where the pass before came to, of each transaction no more than what became of requests. How far that
+/// was is written down once there was any such thing, or when many transactions have been looked at.
 void PendingHealthRequests::Pass::followHistory() {
   constexpr std::int64_t atOnce = 256;
   const auto text = defaults_.get<std::string>(historyKey);
-  const auto kept = text ? HistoryToken::fromText(*text) : std::nullopt;
+  auto kept = text ? HistoryToken::fromText(*text) : std::nullopt;
   if (!kept) return;
-  for (PersistentHistory history{.token = *kept, .hasMore = true}; history.hasMore;) {
-    history = PersistentHistoryFetcher(context_).fetch(history.token, atOnce);
-    const WithdrawnHealthRequests found(context_, history.transactions);
-    if (!found.isEmpty()) bringToTheirState(found);
-    if (history.everythingChanged || history.hasMore || !found.isEmpty()) keepHistoryUpTo(history.token);
+  PersistentHistoryFetcher history(context_);
+  const HistoryToken here = history.currentToken();
+  if (!history.reachesBackTo(*kept)) return keepHistoryUpTo(here);
+  while (kept->sequence < here.sequence) {
+    const std::int64_t last = std::min(here.sequence, kept->sequence + atOnce);
+    const bool isMuch = last - kept->sequence == atOnce;
+    const WithdrawnHealthRequests found(context_, kept->sequence, last);
+    bringToTheirState(found);
+    kept->sequence = last;
+    if (isMuch || found.changes() > 0) keepHistoryUpTo(*kept);
   }
 }
 

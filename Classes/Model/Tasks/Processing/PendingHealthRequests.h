@@ -17,9 +17,9 @@ namespace habitra {
 /// Whether a request is still wanted is told by its row alone. Samples are written without the writers' turn of the
 /// tasks' store, so that a long import of samples holds up no recording; each has the identifier that was made with
 /// its request, so writing it again, after a crash or by another process, changes nothing. What is found gone when the
-/// rows are then marked is taken out at once; what goes later is told of by the history since the pass before. A
-/// sample stays when the history does not know what its request was (it kept no values, since no person's command
-/// removed it), and when the request went with its whole task: the habit is gone, but what was drunk was drunk.
+/// rows are then marked is taken out at once; what goes later is told of by the history since the pass before, which
+/// keeps what a removed request was, whoever removed it. A sample stays when the history no longer reaches back so far,
+/// and when the request went with its whole task: the habit is gone, but what was drunk was drunk.
 ///
 /// May be used from any thread; of passes that overlap only the first does anything.
 class PendingHealthRequests {

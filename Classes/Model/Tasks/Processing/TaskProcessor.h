@@ -202,8 +202,9 @@ class TaskProcessor {
   void removeStaleTaskProcessorLastProcessedDateEntries(StoreContext& context);
   void processIn(const Tools& tools, StoreContext& context, TaskEntity& task, TaskModifyContext by, qz::Moment now);
   void complete(Completion completion, TaskProcessorReport report);
-  /// Makes a change, which saves, in a unit of the context.
-  void inBulk(StoreContext& context, const std::function<void()>& change, ChangeCompletion completion);
+  /// Makes a change, which saves, in a unit of the context, and tells others of it.
+  void inBulk(StoreContext& context, TaskModifyContext by, const std::function<void()>& change,
+              ChangeCompletion completion);
   void schedule(const BackgroundTaskRequest& request);
 
   const Environment environment_;

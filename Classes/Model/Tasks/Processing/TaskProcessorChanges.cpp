@@ -127,7 +127,7 @@ void TaskProcessor::setBulkDayStatuses(StoreContext& context, TaskEntity& task, 
     context.save({.author = Author::app,
                   .command = fmt::format("set {} days of '{}'", statuses.size(), task.title.value_or(""))});
   };
-  inBulk(context, change, std::move(completion));
+  inBulk(context, TaskModifyContext::userInitiatedFromMainApp, change, std::move(completion));
 }
 
 void TaskProcessor::createTasksPopulateInitialStreak(StoreContext& context, const std::vector<NewTask>& tasks,
@@ -152,10 +152,11 @@ void TaskProcessor::createTasksPopulateInitialStreak(StoreContext& context, cons
     }
     context.save({.author = Author::app, .command = commandText(tasks)});
   };
-  inBulk(context, change, std::move(completion));
+  inBulk(context, TaskModifyContext::userInitiatedPopulateInitialStreak, change, std::move(completion));
 }
 
-void TaskProcessor::inBulk(StoreContext& context, const std::function<void()>& change, ChangeCompletion completion) {
+void TaskProcessor::inBulk(StoreContext& context, TaskModifyContext by, const std::function<void()>& change,
+                           ChangeCompletion completion) {
   const BulkDataUpdate bulk(*this);
   std::exception_ptr failure;
   try {
@@ -166,10 +167,7 @@ void TaskProcessor::inBulk(StoreContext& context, const std::function<void()>& c
     failure = std::current_exception();
     context.rollback();
   }
-  if (!failure) {
-    environment_.receivers.watch.deliver([] {});
-    environment_.receivers.widgets.reloadAllTimelines();
-  }
+  if (!failure) TaskLogRecorder::deliverSaved(environment_.receivers, by);
   environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
 }
 

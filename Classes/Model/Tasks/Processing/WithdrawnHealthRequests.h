@@ -1,11 +1,11 @@
 #pragma once
 
-#include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <QZHealthKit/QZHKSample.h>
 #include <QZKit/UniqueID.h>
 
-#include <map>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace habitra {
@@ -14,21 +14,18 @@ namespace habitra {
 /// that have come back done, as a redo puts them. What they are now decides, whatever happened in between.
 class WithdrawnHealthRequests {
  public:
-  /// Throws StoreError.
-  WithdrawnHealthRequests(StoreContext& context, const std::vector<PersistentHistoryTransaction>& transactions);
+  /// Of the transactions after `after` up to `last`. Throws StoreError.
+  WithdrawnHealthRequests(StoreContext& context, std::int64_t after, std::int64_t last);
 
-  [[nodiscard]] bool isEmpty() const { return withdrawn_.empty() && broughtBack_.empty(); }
+  /// How many changes of requests there were, also those by which nothing is withdrawn or brought back.
+  [[nodiscard]] std::size_t changes() const { return changes_; }
   /// Samples to take out.
   [[nodiscard]] const std::vector<qz::UniqueID>& withdrawn() const { return withdrawn_; }
   /// Samples that are to be there.
   [[nodiscard]] const std::vector<qz::QZHKSample>& broughtBack() const { return broughtBack_; }
 
  private:
-  using Removed = std::map<ObjectID, qz::UniqueID>;  ///< the samples of the requests that went
-
-  static void read(StoreContext& context, const PersistentHistoryTransaction& transaction, Removed& removed,
-                   std::vector<ObjectID>& inserted);
-
+  std::size_t changes_ = 0;
   std::vector<qz::UniqueID> withdrawn_;
   std::vector<qz::QZHKSample> broughtBack_;
 };

@@ -8,6 +8,7 @@
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
+#include <HabitraModel/Tasks/Recording/LostBeginning.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
 
@@ -40,9 +41,11 @@ bool tookPlace(TaskLogEntryType type, bool isNegative) {
   return isMissedFullOrPartial(type) || isAllowableMissFull(type);
 }
 
-/// The amount that the entry stands for: the one it reports, else its share of the target.
+/// The amount that the entry stands for: the one it reports, else its share of the target; a timer that ran out has run
+/// for all of it.
 double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
-  return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
+  if (entry.progressValue) return *entry.progressValue;
+  return entry.progressPct.value_or(entry.timerDidExpire ? 1.0 : 0.0) * type.quantity;
 }
 
 std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
@@ -88,6 +91,8 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
     row.objectID = context_.insertLogEntry(row);
   filledIn_.removeRefutedBy(row);
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
+  if (entry.type == TaskLogEntryType::unknown && creationDay_)
+    remove(refutedByLostBeginning(context_, row, *creationDay_, filledIn_));
   if (existing) withdrawHealthWrites(row.objectID);
   requestHealthWrite(row, entry);
   const qz::YYYYMMDD last = std::max(day, entry.period.period.finishDate);

@@ -75,6 +75,13 @@ bool waitsForCloud(TaskModifyContext context) {
   return false;
 }
 
+void deliverToCloud(TaskLink& sharedTasks, TaskModifyContext context) {
+  if (context == TaskModifyContext::userInitiatedPopulateInitialStreak)
+    qz::log::info("Wrong context to write to iCloud");
+  else
+    sharedTasks.deliver([] {});
+}
+
 }  // namespace
 
 std::string TaskLogRecorder::LogEntryData::debugDescription() const {
@@ -122,18 +129,24 @@ void TaskLogRecorder::_record(TaskEntity& task, const Request& request, bool can
     complete(std::move(completion), std::current_exception());
     return;
   }
-  if (request.notifyPairedDevice != NotifyPairedDeviceType::none) receivers_.watch.deliver([] {});
-  receivers_.widgets.reloadAllTimelines();
   const auto group = std::make_shared<qz::DispatchGroup>();
-  if (request.context == TaskModifyContext::userInitiatedPopulateInitialStreak) {
-    qz::log::info("Wrong context to write to iCloud");
-  } else if (canWaitForCloudToFinish && waitsForCloud(request.context)) {
-    group->enter();
-    receivers_.sharedTasks.deliver([group] { group->leave(); });
-  } else {
-    receivers_.sharedTasks.deliver([] {});
+  if (request.saveContext) {
+    if (request.notifyPairedDevice != NotifyPairedDeviceType::none) receivers_.watch.deliver([] {});
+    if (canWaitForCloudToFinish && waitsForCloud(request.context)) {
+      group->enter();
+      receivers_.sharedTasks.deliver([group] { group->leave(); });
+    } else {
+      deliverToCloud(receivers_.sharedTasks, request.context);
+    }
   }
+  receivers_.widgets.reloadAllTimelines();
   group->notify(mainQueue_, [completion = std::move(completion)] { completion(nullptr); });
+}
+
+void TaskLogRecorder::deliverSaved(const Receivers& receivers, TaskModifyContext context) {
+  receivers.watch.deliver([] {});
+  receivers.widgets.reloadAllTimelines();
+  deliverToCloud(receivers.sharedTasks, context);
 }
 
 void TaskLogRecorder::write(TaskEntity& task, const Request& request) {

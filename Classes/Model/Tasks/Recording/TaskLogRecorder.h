@@ -51,7 +51,7 @@ class TaskLogRecorder {
     std::optional<double> progressValue;         ///< amount reached, for timed and counted tasks; absent is stored as 0
     std::optional<double> progressPct;           ///< fraction of the target reached; absent is stored as 0
     std::optional<TimedTaskEntry> timerSummary;  ///< the run of a timer that produced it
-    bool timerDidExpire = false;                 ///< the timer ran out, and was not stopped
+    bool timerDidExpire = false;                 ///< it ran out: without an amount, all of the target
     std::optional<qz::Moment> createdTimestamp;  ///< when the entry was made, where that is known; else the request's
     bool isTemporaryRecord = false;              ///< a provisional row: its cloudStatus is "TMP"
     bool hasNewIdentifier = false;               ///< made for this entry: no row is looked for that bears it already
@@ -64,7 +64,7 @@ class TaskLogRecorder {
   struct Request {
     StoreContext& managedObjectContext;    ///< the entries are written in it
     TaskModifyContext context;             ///< who asked
-    bool saveContext = true;               ///< save it when the entries are written
+    bool saveContext = true;               ///< save it when the entries are written; else see deliverSaved()
     std::vector<LogEntryData> logEntries;  ///< recorded in this order
     qz::Moment createdTimestamp;           ///< stamped on new rows
     qz::TimeZone createdTimeZone;          ///< stamped on new rows
@@ -122,6 +122,10 @@ class TaskLogRecorder {
   /// Writes the entries for a caller that works on the context's thread, must know the outcome before it goes on, and
   /// tells others itself: throws instead of completing.
   void recordNow(TaskEntity& task, const Request& request) { write(task, request); }
+
+  /// Tells others what was recorded by recordNow(), or without saving: for whoever has saved the unit since. `context`:
+  /// who asked.
+  static void deliverSaved(const Receivers& receivers, TaskModifyContext context);
 
  private:
   void _record(TaskEntity& task, const Request& request, bool canWaitForCloudToFinish, Completion completion);
