@@ -66,7 +66,7 @@ class PendingHealthRequestsTest : public TaskWorld {
     context_->save({});
   }
 
-  /// As a person's command.
+  /// As a person's command: so much has been drunk on the day.
   void drink(double litres, Type type = Type::completedManuallyPartial) {
     auto data = entry(water_, type, today);
     data.progressValue = litres;
@@ -105,7 +105,7 @@ class PendingHealthRequestsTest : public TaskWorld {
 
 TEST_F(PendingHealthRequestsTest, WhatIsPendingIsWrittenOnceAndThenNothing) {
   drink(0.5);
-  drink(0.25);
+  drink(0.75);
   context_->insert(HealthKitRequestEntity{.data = Bytes{1, 2}, .status = "pending", .type = "dietaryWater"});
   context_->save({});
   clock_->advance(std::chrono::hours(1));
@@ -143,7 +143,7 @@ TEST_F(PendingHealthRequestsTest, WhatIsUndoneIsTakenOutAndWhatIsRedoneComesBack
 
 TEST_F(PendingHealthRequestsTest, AnotherEntryInItsPlaceTakesTheSampleOut) {
   drink(0.5);
-  drink(0.25);
+  drink(0.75);
   EXPECT_EQ(pass().written, 2U);
   drink(2.0, Type::completedManuallyFull);
   EXPECT_EQ(pass(), (Report{.written = 1, .removed = 2}));
@@ -171,7 +171,7 @@ TEST_F(PendingHealthRequestsTest, ADiskThatIsFullLeavesThemPending) {
   health_.beforeSaving = [](auto) { throw Error(Error::Reason::storage, "no room"); };
   EXPECT_EQ(pass(), (Report{.left = 1}));
   EXPECT_EQ(statuses(), std::vector<std::string>{"pending"});
-  drink(0.25);
+  drink(0.75);
   health_.beforeSaving = [](std::span<const qz::QZHKSample> samples) {
     for (const auto& sample : samples)
       if (sample.quantity()->value == 0.5) throw Error(Error::Reason::invalidSample, "half a litre");

@@ -31,11 +31,6 @@ bool tookPlace(TaskLogEntryType type, bool isNegative) {
   return isMissedFullOrPartial(type) || isAllowableMissFull(type);
 }
 
-/// The amount that the entry stands for: the one it reports, else its share of the target.
-double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
-  return entry.progressValue ? *entry.progressValue : entry.progressPct.value_or(0.0) * type.quantity;
-}
-
 std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
   if (!task.created) return std::nullopt;
   const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
@@ -61,6 +56,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   if (existing && existing->task != task_.objectID)
     throw TaskLogRecorder::Error(TaskLogRecorder::Error::Reason::invalidTask);
   if (existing) qz::log::debug("Found existing entry with ID={}", entry.uniqueId.text());
+  const auto healthWrite = newToHealthStore(entry, existing ? existing->objectID : ObjectID::none);
   removeSuperseded(entry.period.period, entry.type, existing ? existing->objectID : ObjectID::none);
 
   const qz::YYYYMMDD day = dayOf(entry, calendar_);
@@ -73,7 +69,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   remove(filledIn_.refutedBy(row));
   if (beginning) remove(filledIn_.refutedByEarlierBeginning(*beginning));
   if (existing) withdrawHealthWrites(row.objectID);
-  requestHealthWrite(row, entry);
+  if (healthWrite) requestHealthWrite(row, entry, *healthWrite);
   emptyDays_.endAt(std::max(day, entry.period.period.finishDate));
   Written written{.row = std::move(row), .day = day};
   if (existing && existing->entryDate != written.row.entryDate) {
@@ -138,18 +134,22 @@ void LogEntryWriter::withdrawHealthWrites(ObjectID entry) {
     context_.remove(*request);
 }
 
-void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry) {
-  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return;
+std::optional<HealthWriteAmount> LogEntryWriter::newToHealthStore(const TaskLogRecorder::LogEntryData& entry,
+                                                                  ObjectID existing) const {
+  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return std::nullopt;
+  const auto type = automaticTypeOf(task_);
+  const auto health = type ? type->type.healthType() : std::nullopt;
+  if (!health || !health->writesToHealthKit()) return std::nullopt;
+  return healthWriteAmount(context_, task_, rules_, *type, entry, existing);
+}
+
+void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry,
+                                        const HealthWriteAmount& written) {
   const auto type = automaticTypeOf(task_);
   if (!type) return;
-  double amount = amountOf(entry, *type);
-  double duration = type->unit && type->unit->isDuration() ? type->unit->convertToTimeInterval(amount) : 0.0;
-  if (entry.timerSummary) {
-    duration = entry.timerSummary->duration;
-    amount = type->unit ? type->unit->convertFromTimeInterval(duration) : 0.0;
-  }
   const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
-  const auto request = healthWriteRequest(*type, entry.endDate, amount, duration, request_.healthKitDevice, taskId);
+  const auto request =
+      healthWriteRequest(*type, entry.endDate, written.amount, written.duration, request_.healthKitDevice, taskId);
   if (!request) return;
   HealthKitRequestEntity values{.created = now_,
                                 .status = std::string(health_request_status::pending),
