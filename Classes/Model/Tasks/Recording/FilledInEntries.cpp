@@ -6,6 +6,7 @@
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace habitra {
@@ -47,7 +48,17 @@ std::vector<TaskLogEntryEntity> FilledInEntries::refutedBy(const TaskLogEntryEnt
     if (own && own->period.startDate == period.startDate && own->period.finishDate == period.finishDate)
       refuted.push_back(std::move(other));
   }
-  appendFollowing(counted->date, refuted);
+  appendFollowing(counted->date, std::nullopt, refuted);
+  return refuted;
+}
+
+std::vector<TaskLogEntryEntity> FilledInEntries::refutedAfter(const std::set<qz::YYYYMMDD>& days) const {
+  std::vector<TaskLogEntryEntity> refuted;
+  for (auto day = days.begin(); day != days.end() && *day <= latestKeptDay; ++day) {
+    // What follows from a day after the next one of them follows from that one, too.
+    const auto next = std::next(day);
+    appendFollowing(*day, next != days.end() ? std::optional(*next) : std::nullopt, refuted);
+  }
   return refuted;
 }
 
@@ -62,11 +73,13 @@ std::vector<TaskLogEntryEntity> FilledInEntries::refutedByEarlierBeginning(qz::Y
   return refuted;
 }
 
-void FilledInEntries::appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const {
+void FilledInEntries::appendFollowing(qz::YYYYMMDD day, std::optional<qz::YYYYMMDD> end,
+                                      std::vector<TaskLogEntryEntity>& refuted) const {
   const auto following = rules_ ? followingDays(*rules_, day) : std::nullopt;
   if (!following) return;
   const std::int32_t first = storedDay(following->first);
-  const std::int32_t last = following->last ? storedDay(following->last) : StoreContext::lastDay;
+  std::int32_t last = following->last ? storedDay(following->last) : StoreContext::lastDay;
+  if (end) last = std::min(last, storedDay(*end));
   // The next completion is mostly near; only where it is not the rest of the log is read.
   const std::int32_t near = std::min(last, storedDay(following->first.add(nearDays)));
   const bool isOver = appendBetween(first, near, following->endAtCompletion, refuted);

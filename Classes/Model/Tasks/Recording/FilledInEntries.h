@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace habitra {
@@ -31,13 +32,18 @@ class FilledInEntries {
   /// itself, and one that decides nothing, refutes none.
   [[nodiscard]] std::vector<TaskLogEntryEntity> refutedBy(const TaskLogEntryEntity& row) const;
 
+  /// Of several days that are decided anew, those of later days that follow from any of them. The log is read once, and
+  /// only where such days are. In order of day.
+  [[nodiscard]] std::vector<TaskLogEntryEntity> refutedAfter(const std::set<qz::YYYYMMDD>& days) const;
+
   /// The entries that an earlier beginning of the history refutes: those of the counting period, or of the period that
   /// is summed up, which held `beginning`, the first day until now. Only a part of it had been asked for.
   [[nodiscard]] std::vector<TaskLogEntryEntity> refutedByEarlierBeginning(qz::YYYYMMDD beginning) const;
 
  private:
-  /// Appends those that follow from a day.
-  void appendFollowing(qz::YYYYMMDD day, std::vector<TaskLogEntryEntity>& refuted) const;
+  /// Appends those that follow from a day, up to the day `end` where there is one.
+  void appendFollowing(qz::YYYYMMDD day, std::optional<qz::YYYYMMDD> end,
+                       std::vector<TaskLogEntryEntity>& refuted) const;
   /// Appends those of some days, up to the first full completion where that is the end; gives whether there was one.
   bool appendBetween(std::int32_t from, std::int32_t to, bool endAtCompletion,
                      std::vector<TaskLogEntryEntity>& refuted) const;
