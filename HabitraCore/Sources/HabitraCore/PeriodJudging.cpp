@@ -1,20 +1,7 @@
 #include <HabitraCore/PeriodJudging.h>
-
-#include <cmath>
+#include <HabitraCore/ReportedAmount.h>
 
 namespace habitra {
-
-namespace {
-
-/// The amount that a partial entry reports: the amount itself, else the share of the target that it names.
-std::optional<double> reportedAmount(const LoggedEntry& entry, const TaskMeasure& measure) {
-  const bool isRings = measure.kind == TaskMeasure::Kind::rings;
-  if (!isRings && std::isfinite(entry.progressTotal) && entry.progressTotal > 0) return entry.progressTotal;
-  if (!std::isfinite(entry.progress) || entry.progress <= 0) return std::nullopt;
-  return isRings ? entry.progress : entry.progress * measure.target;
-}
-
-}  // namespace
 
 void MadeProgress::fill() {
   made_.numUnits = std::max(made_.numUnits, expectedUnits_);
@@ -24,8 +11,7 @@ void MadeProgress::fill() {
 
 void MadeProgress::takeMeasured(const LoggedEntry& entry) {
   reported_ = isPartial(entry.entryType) ? reportedAmount(entry, measure_) : std::nullopt;
-  if (measure_.kind != TaskMeasure::Kind::timed || !isTimer(entry.entryType)) return;
-  if (std::isfinite(entry.progressTotal) && entry.progressTotal > 0) made_.secondsTimed += entry.progressTotal;
+  if (isTimer(entry.entryType)) made_.secondsTimed += addedAmount(entry, measure_, expectedUnits_);
 }
 
 void MadeProgress::addMeasuredUnit() {

@@ -202,6 +202,75 @@ TEST_F(AutomaticTask, WhatAPersonDecidedStandsAndTheirPartsCountAlong) {
   EXPECT_EQ(log(water).back(), "20240131 completedAutomaticallyFull");
 }
 
+TEST_F(AutomaticTask, WhatAnEntryReportsIsWhatTheDayHadReached) {
+  TaskEntity& task = addSteps();
+  const auto report = [&](double steps) {
+    auto reached = entry(task, Type::completedManuallyPartial, firstDay);
+    reached.progressValue = steps;
+    record(task, {reached});
+    const double shown = assess(*context_, task, calendars_, clock_->now()).history->figures.progress;
+    pass(task);
+    EXPECT_DOUBLE_EQ(figures(task).progress, shown) << "a list and a pass agree";
+  };
+  walk("2024-01-31", 6000);
+  pass(task);
+  report(6500);
+  EXPECT_DOUBLE_EQ(figures(task).progress, 0.65);
+  EXPECT_EQ(log(task), (Log{"20240131 completedManuallyPartial", "20240131 completedAutomaticallyPartial"}));
+
+  TaskEntity& inTen = addSteps(20'000);
+  TaskFrequency frequency = TaskFrequency::everyDay();
+  frequency.numPartialCompletions = 10;
+  setFrequency(inTen, frequency);
+  context_->save({});
+  const auto share = [&] {
+    operation(inTen).run();
+    return figures(inTen).progress;
+  };
+  record(inTen, Type::completedManuallyPartial, firstDay);
+  EXPECT_DOUBLE_EQ(share(), 0.4) << "a part that nobody measured is on top";
+  auto reached = entry(inTen, Type::completedManuallyPartial, firstDay);
+  reached.progressPct = 0.5;
+  record(inTen, {reached});
+  EXPECT_DOUBLE_EQ(share(), 0.5) << "what is reported holds the part before it";
+  record(inTen, Type::completedManuallyPartial, firstDay);
+  EXPECT_DOUBLE_EQ(share(), 0.6);
+  walk("2024-01-31", 5000);
+  EXPECT_DOUBLE_EQ(share(), 0.75) << "eleven thousand were measured, and two parts by hand";
+}
+
+TEST_F(AutomaticTask, LateDataOfManyDaysAreWhatTheyWouldHaveBeenDayByDay) {
+  for (const TaskFrequency& frequency :
+       std::vector<TaskFrequency>{{.dayMode = TaskFrequency::DayMode::dayInterval, .dayInterval = 3},
+                                  {.dayMode = TaskFrequency::DayMode::numberOfDaysInMonth, .numCompletions = 12},
+                                  {.dayMode = TaskFrequency::DayMode::aggregateOverWeek, .numCompletions = 2}})
+    for (const bool isNegative : {false, true}) {
+      SCOPED_TRACE(std::to_string(static_cast<int>(frequency.dayMode)) + (isNegative ? " to avoid" : " to do"));
+      health_ = SampleStore::inMemory();
+      seen_ = 0;
+      liveUntil("2021-01-31T12:00:00Z");
+      TaskEntity& late = addSteps(10'000, isNegative);
+      setFrequency(late, frequency);
+      context_->save({});
+      liveUntil("2024-03-20T12:00:00Z");  // more than what is walked at once
+      pass(late);
+      for (int day = 0; day < 1100; ++day) {
+        const YYYYMMDD date = YYYYMMDD(2021, 2, 1).add(day);
+        if (day % 7 < 5) walk(date.debugDescription(), day % 4 == 0 ? 12'000 : 300);
+      }
+      pass(late);
+      EXPECT_FALSE(pass(late).taskWasUpdated);
+
+      TaskEntity& fresh = addSteps(10'000, isNegative);
+      fresh.created = at("2021-01-31T12:00:00Z");
+      setFrequency(fresh, frequency);
+      context_->save({});
+      operation(fresh).run();
+      EXPECT_EQ(log(late), log(fresh));
+      EXPECT_EQ(figures(late).bestStreak, figures(fresh).bestStreak);
+    }
+}
+
 TEST_F(AutomaticTask, AnOpenDayGoesOverToAnotherUnit) {
   TaskEntity& task = addTask(HealthType::dietaryDrinkWater, 2, TypeUnit::litres);
   measure(O::dietaryWater, "2024-01-31T09:00:00Z", 0, qz::QZHKQuantity{0.5, U::litre});

@@ -9,6 +9,7 @@
 #include <array>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace habitra {
@@ -60,6 +61,14 @@ std::vector<TaskLogEntryEntity> someLog(const TaskRules& rules, std::int64_t day
   return log;
 }
 
+/// What a visitor is told of a period.
+std::string drawn(const WalkedPeriod& period) {
+  std::string text = std::to_string(period.from) + "-" + std::to_string(period.to) + (period.isOpen ? " open" : "") +
+                     (period.missIsAllowed ? " may fail" : "") + " " + std::to_string(period.expectedUnits);
+  for (const LoggedEntry& entry : period.entries) text += " " + std::to_string(entry.order);
+  return text;
+}
+
 RC_GTEST_PROP(LogWalk, InPartsComesToWhatOneWalkComesTo, ()) {
   const TaskRules rules = someRules();
   const std::int64_t days = *rc::gen::inRange(100, 1'800);
@@ -87,6 +96,11 @@ RC_GTEST_PROP(LogWalk, InPartsComesToWhatOneWalkComesTo, ()) {
   // Where one can be resumed from, it is the same one.
   if (whole.checkpoint && inParts.checkpoint)
     RC_ASSERT(inParts.checkpoint->closedThrough == whole.checkpoint->closedThrough);
+  std::vector<std::string> ofWhole;
+  std::vector<std::string> ofParts;
+  (void)HistoryWalk(rules, scope).walk(entries, [&](const WalkedPeriod& period) { ofWhole.push_back(drawn(period)); });
+  walk.visit(scope, std::nullopt, [&](const WalkedPeriod& period) { ofParts.push_back(drawn(period)); });
+  RC_ASSERT(ofParts == ofWhole);
   if (whole.checkpoint && HistoryWalk(rules, scope).canResume(*whole.checkpoint))
     RC_ASSERT(walk.run(scope, whole.checkpoint).figures == whole.figures);
 }

@@ -67,7 +67,7 @@ class PendingHealthRequestsTest : public TaskWorld {
     context_->save({});
   }
 
-  /// By default as a person's command.
+  /// So much has been drunk on the day; by default as a person's command.
   void drink(double litres, Type type = Type::completedManuallyPartial, const SaveRequest& save = {.command = "done"}) {
     auto data = entry(water_, type, today);
     data.progressValue = litres;
@@ -106,7 +106,7 @@ class PendingHealthRequestsTest : public TaskWorld {
 
 TEST_F(PendingHealthRequestsTest, WhatIsPendingIsWrittenOnceAndThenNothing) {
   drink(0.5);
-  drink(0.25);
+  drink(0.75);
   context_->insert(HealthKitRequestEntity{.data = Bytes{1, 2}, .status = "pending", .type = "dietaryWater"});
   context_->save({});
   clock_->advance(std::chrono::hours(1));
@@ -160,7 +160,7 @@ TEST_F(PendingHealthRequestsTest, WhatIsUndoneIsTakenOutAndWhatIsRedoneComesBack
 
 TEST_F(PendingHealthRequestsTest, AnotherEntryInItsPlaceTakesTheSampleOut) {
   drink(0.5);
-  drink(0.25);
+  drink(0.75);
   EXPECT_EQ(pass().written, 2U);
   // Nothing but the health store lets go of what no person's command can bring back.
   drink(2.0, Type::completedManuallyFull, {});
@@ -189,7 +189,7 @@ TEST_F(PendingHealthRequestsTest, ADiskThatIsFullLeavesThemPending) {
   health_.beforeSaving = [](auto) { throw Error(Error::Reason::storage, "no room"); };
   EXPECT_EQ(pass(), (Report{.left = 1}));
   EXPECT_EQ(statuses(), std::vector<std::string>{"pending"});
-  drink(0.25);
+  drink(0.75);
   health_.beforeSaving = [](std::span<const qz::QZHKSample> samples) {
     for (const auto& sample : samples)
       if (sample.quantity()->value == 0.5) throw Error(Error::Reason::invalidSample, "half a litre");

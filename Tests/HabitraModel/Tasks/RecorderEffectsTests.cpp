@@ -326,6 +326,21 @@ TEST_F(RecorderEffects, AHealthWriteSaysWhatTookPlace) {
   EXPECT_EQ(glass->start, glass->end);
   EXPECT_EQ(glass->task->text(), *water.uniqueId);
 
+  auto more = entry(water, Type::completedManuallyPartial, today);
+  more.progressPct = 0.5;  // a litre, of which three quarters are known
+  EXPECT_EQ(sampleFor(water, more)->quantity(), (qz::QZHKQuantity{0.25, qz::QZHKUnit::litre}));
+  const auto written = context_->fetchAll<HealthKitRequestEntity>().size();
+  more.uniqueId = qz::UniqueID::generate(clock_->now());
+  (void)sampleFor(water, more);
+  EXPECT_EQ(context_->fetchAll<HealthKitRequestEntity>().size(), written) << "nothing new";
+  auto measured = entry(water, Type::completedAutomaticallyPartial, today);
+  measured.progressValue = 1.25;  // a quarter from elsewhere
+  record(water, {measured});
+  auto all = entry(water, Type::completedManuallyFull, today);
+  all.progressValue = 2.0;
+  EXPECT_EQ(sampleFor(water, all)->quantity(), (qz::QZHKQuantity{1.75, qz::QZHKUnit::litre}))
+      << "what was written for the parts goes with them, what was measured stays";
+
   TaskEntity& calm = addMeasured(HealthType::mindfulMinutes, 10.0, TypeUnit::durationMinutes);
   auto timed = entry(calm, Type::completedManuallyFull, today);
   timed.timerSummary = TimedTaskEntry{.start = timed.startDate, .finish = timed.endDate, .duration = 90.0};

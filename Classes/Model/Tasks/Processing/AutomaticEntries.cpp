@@ -1,3 +1,5 @@
+#include <HabitraCore/FollowingEntries.h>
+#include <HabitraCore/ReportedAmount.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
@@ -7,6 +9,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <utility>
 
 namespace habitra {
@@ -34,9 +37,19 @@ struct AutomaticEntries::Standing {
   std::vector<LoggedEntry> partials;  ///< likewise
   std::int64_t lastByHand = 0;        ///< order of the last part that people or timers added
 
+  [[nodiscard]] bool hasOwn() const { return !fulls.empty() || !partials.empty(); }
   [[nodiscard]] double amount() const {
     return !fulls.empty() ? fulls.back().progressTotal : !partials.empty() ? partials.back().progressTotal : 0.0;
   }
+};
+
+/// What people and timers say of it, apart from what the health store has as samples already.
+struct AutomaticEntries::Said {
+  double added = 0.0;             ///< by parts and runs that report no amount of the whole
+  std::optional<double> reached;  ///< the amount reported last, and what was added after it
+
+  /// What is measured may hold all that was reported; what was only added it does not.
+  [[nodiscard]] double with(double measured) const { return std::max(measured + added, reached.value_or(0.0)); }
 };
 
 /// What data say of it.
@@ -71,7 +84,9 @@ void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
   }
   const Finding finding = find(period);
   const bool isJudged = !period.isOpen && standing.hasFull;
-  if (isJudged && finding.amount == standing.amount()) return;
+  // Of an amount of 0 only an entry tells whether it was measured.
+  const bool isKnown = finding.amount != 0 || finding.hasData == standing.hasOwn();
+  if (isJudged && finding.amount == standing.amount() && isKnown) return;
   if (finding.isReached) {
     decide(period, standing, finding);
     return;
@@ -84,17 +99,26 @@ void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
 }
 
 AutomaticPlan AutomaticEntries::finish() {
-  if (!task_.isNegative || plan_.revision.added.empty()) return std::move(plan_);
-  const auto periods =
-      periodsFrom(context_, task_, assessment_, plan_.revision.from.value_or(assessment_.today), plan_.revision);
-  for (std::size_t i = 0; i < plan_.entries.size(); ++i) {
-    if (plan_.entries[i].type != Type::missedAutomaticallyFull) continue;
-    const auto found = std::ranges::find(periods, plan_.entries[i].period.period, &PeriodOfLog::period);
-    if (found == periods.end() || !found->missIsAllowed) continue;
-    plan_.entries[i].type = Type::allowableMissAutomaticallyFull;
-    plan_.revision.added[i].entryType = Type::allowableMissAutomaticallyFull;
-  }
+  for (const LogKey& refuted : filledIn_.refutedAfter(decided_)) plan_.revision.removed.insert(refuted);
+  if (task_.isNegative && !plan_.revision.added.empty()) allowFailures();
   return std::move(plan_);
+}
+
+void AutomaticEntries::allowFailures() {
+  std::map<qz::YYYYMMDD, std::size_t> failures;
+  for (std::size_t i = 0; i < plan_.entries.size(); ++i)
+    if (plan_.entries[i].type == Type::missedAutomaticallyFull)
+      failures.emplace(plan_.entries[i].period.period.startDate, i);
+  const LogRevision revision = plan_.revision;  // as it is before any of them is allowed
+  visitPeriods(context_, task_, assessment_, revision.from.value_or(assessment_.today), revision,
+               [&](const PeriodOfLog& period) {
+                 const auto failure = failures.find(period.period.startDate);
+                 if (failure == failures.end() || !period.missIsAllowed) return;
+                 auto& entry = plan_.entries[failure->second];
+                 if (entry.period.period != period.period) return;
+                 entry.type = Type::allowableMissAutomaticallyFull;
+                 plan_.revision.added[failure->second].entryType = Type::allowableMissAutomaticallyFull;
+               });
 }
 
 bool AutomaticEntries::isOwnFull(const LoggedEntry& entry) const {
@@ -125,28 +149,28 @@ AutomaticEntries::Finding AutomaticEntries::find(const PeriodOfLog& period) cons
   Finding finding{.hasData = measured.hasData, .measured = measured.amount, .amount = measured.amount};
   finding.addsUp = family == MeasurementFamily::amount || family == MeasurementFamily::samples ||
                    family == MeasurementFamily::screenTime;
-  if (finding.addsUp && measured.hasData)
-    finding.amount += saidByHand(period, needed / static_cast<double>(period.expectedUnits));
+  if (finding.addsUp && measured.hasData) finding.amount = saidByHand(period, needed).with(measured.amount);
   finding.isReached = measured.hasData && measured.isReached.value_or(needed > 0 && finding.amount >= needed);
   finding.share = needed > 0 ? finding.amount / needed : 0;
   return finding;
 }
 
-double AutomaticEntries::saidByHand(const PeriodOfLog& period, double unit) const {
+AutomaticEntries::Said AutomaticEntries::saidByHand(const PeriodOfLog& period, double needed) const {
   const Type partial = task_.isNegative ? Type::missedManuallyPartial : Type::completedManuallyPartial;
-  const bool isTimed = type_.measure().kind == TaskMeasure::Kind::timed;
-  const double target = unit * static_cast<double>(period.expectedUnits);
-  double amount = 0;
+  TaskMeasure measure = type_.measure();
+  measure.target = needed;
+  Said said;
   for (const LoggedEntry& entry : period.entries) {
-    const bool isRun = isTimed && isTimer(entry.entryType);
-    if ((entry.entryType != partial && !isRun) || isInHealthStore(entry)) continue;
-    const double reported = entry.progressTotal > 0 ? entry.progressTotal : entry.progress * target;
-    if (isRun)
-      amount += std::max(entry.progressTotal, 0.0);
-    else
-      amount = reported > 0 ? reported : amount + unit;
+    if (entry.entryType != partial && !isTimer(entry.entryType)) continue;
+    if (const auto reported = entry.entryType == partial ? reportedAmount(entry, measure) : std::nullopt) {
+      said.reached = reported;
+      continue;
+    }
+    const double amount = addedAmount(entry, measure, period.expectedUnits);
+    if (said.reached) *said.reached += amount;
+    if (!isInHealthStore(entry)) said.added += amount;
   }
-  return amount;
+  return said;
 }
 
 bool AutomaticEntries::isInHealthStore(const LoggedEntry& entry) const {
@@ -183,7 +207,7 @@ void AutomaticEntries::carry(const PeriodOfLog& period, const Standing& standing
   const auto row = context_.findLogEntry(key);
   const auto uniqueId = row && row->uniqueId ? qz::UniqueID::fromText(*row->uniqueId) : std::nullopt;
   const bool staysInPlace = isLast && uniqueId;
-  if (!staysInPlace) remove(key);
+  if (!staysInPlace) remove(*last);
   record(period, type, finding, staysInPlace ? last : nullptr, uniqueId);
 }
 
@@ -205,24 +229,27 @@ void AutomaticEntries::record(const PeriodOfLog& period, Type type, const Findin
                            .progressPct = finding.share});
   plan_.revision.added.push_back(loggedEntry(row));
   for (const LoggedEntry& entry : period.entries)
-    if (entry.order != rawValue(row.objectID) && supersedes(type, entry.entryType))
-      remove({task_.objectID, entry.entryDate, ObjectID{entry.order}});
-  for (const LogKey& refuted : filledIn_.refutedBy(row)) remove(refuted);
+    if (entry.order != rawValue(row.objectID) && supersedes(type, entry.entryType)) remove(entry);
+  refute(period, type, day);
   touch(period.period.startDate);
 }
 
 void AutomaticEntries::takeBack(const PeriodOfLog& period, const LoggedEntry& entry) {
-  const LogKey key{task_.objectID, entry.entryDate, ObjectID{entry.order}};
-  if (const auto row = context_.findLogEntry(key))
-    for (const LogKey& refuted : filledIn_.refutedBy(*row)) remove(refuted);
-  remove(key);
+  if (const auto day = existingDayFromStored(entry.entryDate)) refute(period, entry.entryType, *day);
+  remove(entry);
   if (task_.isNegative && isFull(entry.entryType)) plan_.failures.insert(period.period.finishDate);
   touch(period.period.startDate);
 }
 
-void AutomaticEntries::remove(const LogKey& key) {
-  auto& removed = plan_.revision.removed;
-  if (std::ranges::find(removed, key) == removed.end()) removed.push_back(key);
+void AutomaticEntries::refute(const PeriodOfLog& period, Type type, qz::YYYYMMDD day) {
+  if (followsFromEarlierDays(type)) return;
+  for (const LoggedEntry& entry : period.entries)
+    if (followsFromEarlierDays(entry.entryType)) remove(entry);
+  decided_.insert(day);
+}
+
+void AutomaticEntries::remove(const LoggedEntry& entry) {
+  plan_.revision.removed.insert({task_.objectID, entry.entryDate, ObjectID{entry.order}});
 }
 
 void AutomaticEntries::touch(qz::YYYYMMDD day) {

@@ -27,8 +27,10 @@ struct AutomaticPlan {
 /// - To do: a period that is reached gets a full completion; one that is not, but was begun, one partial entry that
 ///   carries the amount, brought up to date in place. To avoid: what is reached is a miss, within the allowance an
 ///   allowed one, and what is not a partial miss. A full entry's progress is 1, and its amount what was measured.
-/// - What people say beside the data counts along: the amount of an entry holds their parts, too, unless the health
-///   store has them as samples already. So an entry that carries an amount is the last of its period.
+/// - What people say beside the data counts along. An amount that they report is what the period had reached with it,
+///   the data of that time included: the period comes to the greater of that and what is measured. Parts without an
+///   amount, and runs of timers, are on top of what is measured, unless the health store has them as samples already.
+///   So an entry that carries an amount is the last of its period.
 /// - A period that a person decided is left alone, and so is a completion that sealed a past (it has no progress). An
 ///   undo decides nothing: data say it again.
 /// - An amount that falls again (a balance of energies) decides a period only when it is over.
@@ -47,24 +49,30 @@ class AutomaticEntries {
   /// Plans a period. `mayHaveChanged`: samples of it came or went.
   void add(const PeriodOfLog& period, bool mayHaveChanged);
 
-  /// Lets each failure say whether it lies within the allowance, and gives the plan.
+  /// Lets go what followed from the days that are decided anew, lets each failure say whether it lies within the
+  /// allowance, and gives the plan.
   [[nodiscard]] AutomaticPlan finish();
 
  private:
   struct Standing;
+  struct Said;
   struct Finding;
 
   [[nodiscard]] bool isOwnFull(const LoggedEntry& entry) const;
   [[nodiscard]] Standing standing(const PeriodOfLog& period) const;
   [[nodiscard]] Finding find(const PeriodOfLog& period) const;
-  [[nodiscard]] double saidByHand(const PeriodOfLog& period, double unit) const;
+  [[nodiscard]] Said saidByHand(const PeriodOfLog& period, double needed) const;
   [[nodiscard]] bool isInHealthStore(const LoggedEntry& entry) const;
+  void allowFailures();
   void decide(const PeriodOfLog& period, const Standing& standing, const Finding& finding);
   void carry(const PeriodOfLog& period, const Standing& standing, const Finding& finding);
   void record(const PeriodOfLog& period, TaskLogEntryType type, const Finding& finding, const LoggedEntry* inPlace,
               std::optional<qz::UniqueID> uniqueId);
   void takeBack(const PeriodOfLog& period, const LoggedEntry& entry);
-  void remove(const LogKey& key);
+  /// What passes filled in for the period goes where an entry of this type is made or taken back, and what follows from
+  /// the day is looked at in the end.
+  void refute(const PeriodOfLog& period, TaskLogEntryType type, qz::YYYYMMDD day);
+  void remove(const LoggedEntry& entry);
   void touch(qz::YYYYMMDD day);
 
   StoreContext& context_;
@@ -75,6 +83,7 @@ class AutomaticEntries {
   const qz::Moment now_;
   const FilledInEntries filledIn_;
   AutomaticPlan plan_;
+  std::set<qz::YYYYMMDD> decided_;  ///< days from which others follow
 };
 
 }  // namespace habitra

@@ -6,13 +6,14 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace habitra {
 
 /// What is about to be done to a log: a walk over it goes by what it will be.
 struct LogRevision {
-  std::vector<LogKey> removed;
+  std::set<LogKey> removed;
   std::vector<LoggedEntry> added;  ///< one with the order of an entry that is there takes its place
   /// The first day of the earliest period that is touched: from there on days are filled in.
   std::optional<qz::YYYYMMDD> from;

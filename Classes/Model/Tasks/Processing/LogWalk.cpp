@@ -51,41 +51,59 @@ LogWalk::LogWalk(StoreContext& context, ObjectID task, const TaskRules& rules, c
       revision_(std::move(revision)) {}
 
 HistoryResult LogWalk::run(const HistoryScope& scope, const std::optional<HistoryCheckpoint>& begin) {
-  walked_ = begin;
-  fillIns_.clear();
-  std::vector<LoggedEntry> entries;
-  bool isInParts = walkParts(scope);
-  if (isInParts) {
-    entries = read(storedDay(scope.today));
-    isInParts = !reachesBack(entries);
-  }
-  if (!isInParts) {
-    walked_.reset();
-    fillIns_.clear();
-    entries = read(storedDay(scope.today));
-  }
-  entries.insert(entries.end(), ahead_.begin(), ahead_.end());
-  HistoryResult result = walkRest(rest(scope), std::move(entries));
+  auto entries = walkToRest(scope, begin);
+  if (!entries) entries = wholeLog(scope);
+  HistoryResult result = walkLast(scope, *std::move(entries));
   result.fillIns.insert(result.fillIns.begin(), fillIns_.begin(), fillIns_.end());
   return result;
 }
 
-bool LogWalk::walkParts(const HistoryScope& scope) {
+void LogWalk::visit(const HistoryScope& scope, const std::optional<HistoryCheckpoint>& begin,
+                    const PeriodVisitor& visit) {
+  // Whether parts will do is known at their end, so that they are visited when they are walked again.
+  auto entries = walkToRest(scope, begin);
+  if (entries && walked_ != begin) entries = walkToRest(scope, begin, visit);
+  if (!entries) entries = wholeLog(scope);
+  (void)walkLast(scope, *std::move(entries), visit);
+}
+
+std::optional<std::vector<LoggedEntry>> LogWalk::walkToRest(const HistoryScope& scope,
+                                                            const std::optional<HistoryCheckpoint>& begin,
+                                                            const PeriodVisitor& visit) {
+  walked_ = begin;
+  fillIns_.clear();
+  if (!walkParts(scope, visit)) return std::nullopt;
+  std::vector<LoggedEntry> entries = read(storedDay(scope.today));
+  return reachesBack(entries) ? std::nullopt : std::optional(std::move(entries));
+}
+
+std::vector<LoggedEntry> LogWalk::wholeLog(const HistoryScope& scope) {
+  walked_.reset();
+  fillIns_.clear();
+  return read(storedDay(scope.today));
+}
+
+bool LogWalk::walkParts(const HistoryScope& scope, const PeriodVisitor& visit) {
   if (!scope.checkpointDay) return true;
   qz::YYYYMMDD from = walked_ ? dayFromStored(walked_->closedThrough).value() : scope.created;
   for (qz::YYYYMMDD last = from.add(daysOfPart_); last < *scope.checkpointDay; last = last.add(daysOfPart_))
-    if (!walkPart(scope, last)) return false;
+    if (!walkPart(scope, last, visit)) return false;
   return !walked_ || HistoryWalk(rules_, rest(scope)).canResume(*walked_);
 }
 
-bool LogWalk::walkPart(const HistoryScope& scope, qz::YYYYMMDD last) {
+bool LogWalk::walkPart(const HistoryScope& scope, qz::YYYYMMDD last, const PeriodVisitor& visit) {
   HistoryScope part = rest(scope);
   part.today = last;
   part.checkpointDay = last.previousDay();
   if (walked_ && !HistoryWalk(rules_, part).canResume(*walked_)) return true;  // goes with the next part
   std::vector<LoggedEntry> entries = read(storedDay(last));
   if (reachesBack(entries)) return false;
-  HistoryResult result = walkRest(part, std::move(entries));
+  // The periods after the checkpoint are walked again with the next part.
+  const std::int32_t closed = storedDay(*part.checkpointDay);
+  const auto visitClosed = [&](const WalkedPeriod& period) {
+    if (period.to <= closed) visit(period);
+  };
+  HistoryResult result = walkRest(part, std::move(entries), visit ? PeriodVisitor(visitClosed) : PeriodVisitor());
   if (!result.checkpoint) return true;
   walked_ = result.checkpoint;
   for (const FillIn& fillIn : result.fillIns)
@@ -93,18 +111,27 @@ bool LogWalk::walkPart(const HistoryScope& scope, qz::YYYYMMDD last) {
   return true;
 }
 
-HistoryResult LogWalk::walkRest(const HistoryScope& scope, std::vector<LoggedEntry> entries) const {
+HistoryResult LogWalk::walkRest(const HistoryScope& scope, std::vector<LoggedEntry> entries,
+                                const PeriodVisitor& visit) const {
   const HistoryWalk walk(rules_, scope);
-  const auto run = [&] { return walked_ ? walk.resume(*walked_, entries) : walk.walk(entries); };
-  HistoryResult result = run();
+  const auto run = [&](const PeriodVisitor& visitor) {
+    return walked_ ? walk.resume(*walked_, entries, visitor) : walk.walk(entries, visitor);
+  };
+  HistoryResult result = run({});
   const std::vector<FillIn> skips = skipsOfLeftOutDays(result.fillIns, calendar_);
-  if (skips.empty()) return result;
+  if (skips.empty() && !visit) return result;
   for (const FillIn& skip : skips) entries.push_back(entryOf(skip));
   std::ranges::stable_sort(entries, {}, &LoggedEntry::entryDate);
-  result = run();
+  result = run(visit);
   result.fillIns.insert(result.fillIns.end(), skips.begin(), skips.end());
   putInOrder(result.fillIns);
   return result;
+}
+
+HistoryResult LogWalk::walkLast(const HistoryScope& scope, std::vector<LoggedEntry> entries,
+                                const PeriodVisitor& visit) const {
+  entries.insert(entries.end(), ahead_.begin(), ahead_.end());
+  return walkRest(rest(scope), std::move(entries), visit);
 }
 
 HistoryScope LogWalk::rest(HistoryScope scope) const {

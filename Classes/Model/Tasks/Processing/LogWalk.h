@@ -32,14 +32,26 @@ class LogWalk {
   /// resumed from.
   [[nodiscard]] HistoryResult run(const HistoryScope& scope, const std::optional<HistoryCheckpoint>& begin);
 
+  /// Visits the periods of these days in order, each as that history judges it; those that `begin` holds may be left
+  /// out. A period is valid during its visit. REQUIRES: as for run().
+  void visit(const HistoryScope& scope, const std::optional<HistoryCheckpoint>& begin, const PeriodVisitor& visit);
+
  private:
-  /// Walks on until the rest fits into one walk. False where only a walk over the whole judges it right: where the log
-  /// has a period that lies across the end of a part.
-  [[nodiscard]] bool walkParts(const HistoryScope& scope);
+  /// Walks from `begin` on until the rest fits into one walk, and gives the entries of that. None where only a walk
+  /// over the whole judges it right: where the log has a period that lies across the end of a part.
+  [[nodiscard]] std::optional<std::vector<LoggedEntry>> walkToRest(const HistoryScope& scope,
+                                                                   const std::optional<HistoryCheckpoint>& begin,
+                                                                   const PeriodVisitor& visit = {});
+  [[nodiscard]] std::vector<LoggedEntry> wholeLog(const HistoryScope& scope);
+  [[nodiscard]] bool walkParts(const HistoryScope& scope, const PeriodVisitor& visit);
   /// Walks the days up to `last` that were not walked yet, and takes over what they came to.
-  [[nodiscard]] bool walkPart(const HistoryScope& scope, qz::YYYYMMDD last);
+  [[nodiscard]] bool walkPart(const HistoryScope& scope, qz::YYYYMMDD last, const PeriodVisitor& visit);
   /// The walk over what is left; a day that the zone left out is a skip.
-  [[nodiscard]] HistoryResult walkRest(const HistoryScope& scope, std::vector<LoggedEntry> entries) const;
+  [[nodiscard]] HistoryResult walkRest(const HistoryScope& scope, std::vector<LoggedEntry> entries,
+                                       const PeriodVisitor& visit = {}) const;
+  /// The last one, with what was recorded in time for later days.
+  [[nodiscard]] HistoryResult walkLast(const HistoryScope& scope, std::vector<LoggedEntry> entries,
+                                       const PeriodVisitor& visit = {}) const;
   [[nodiscard]] HistoryScope rest(HistoryScope scope) const;
   [[nodiscard]] std::vector<LoggedEntry> read(std::int32_t to);
   [[nodiscard]] bool reachesBack(const std::vector<LoggedEntry>& entries) const;

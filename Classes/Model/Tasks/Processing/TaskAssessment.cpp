@@ -189,17 +189,28 @@ bool isWorthKeeping(const HistoryResult& history, std::optional<qz::YYYYMMDD> be
 
 /// The same without what was filled in too early.
 LogRevision withoutPremature(LogRevision revision, const TaskAssessment& assessment) {
-  revision.removed.insert(revision.removed.end(), assessment.premature.begin(), assessment.premature.end());
+  revision.removed.insert(assessment.premature.begin(), assessment.premature.end());
   return revision;
+}
+
+/// REQUIRES: rules, and a scope that ends today.
+LogWalk walkOf(StoreContext& context, const TaskEntity& task, const HistoryScope& scope, const LogRevision& revision,
+               const TaskAssessment& assessment) {
+  return {context,
+          task.objectID,
+          *assessment.rules,
+          assessment.calendar,
+          storedDay(scope.today),
+          assessment.ahead,
+          LogWalk::usualPart,
+          withoutPremature(revision, assessment)};
 }
 
 /// REQUIRES: rules, and a scope that ends today.
 void walkHistory(StoreContext& context, const TaskEntity& task, const HistoryScope& scope, const LogRevision& revision,
                  TaskAssessment& assessment) {
   const auto begin = beginningOfWalk(context, task, scope, revision, assessment);
-  LogWalk walk(context, task.objectID, *assessment.rules, assessment.calendar, storedDay(scope.today), assessment.ahead,
-               LogWalk::usualPart, withoutPremature(revision, assessment));
-  assessment.history = walk.run(scope, begin);
+  assessment.history = walkOf(context, task, scope, revision, assessment).run(scope, begin);
   assessment.checkpointIsStale =
       isWorthKeeping(*assessment.history, begin ? dayFromStored(begin->closedThrough) : scope.created);
 }
@@ -232,34 +243,21 @@ void revise(StoreContext& context, const TaskEntity& task, const LogRevision& re
   walkHistory(context, task, scope, revision, assessment);
 }
 
-std::vector<PeriodOfLog> periodsFrom(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
-                                     qz::YYYYMMDD from, const LogRevision& revision) {
+void visitPeriods(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment, qz::YYYYMMDD from,
+                  const LogRevision& revision, const std::function<void(const PeriodOfLog&)>& visit) {
   HistoryScope scope = scopeOf(context, task, assessment, assessment.processedThrough);
   scope.fillFrom = std::min(std::max(scope.created, from), scope.today);
-  const HistoryWalk walk(*assessment.rules, scope);
   const std::int32_t first = storedDay(scope.fillFrom);
-  std::vector<PeriodOfLog> periods;
-  const auto visit = [&](const WalkedPeriod& walked) {
+  const auto begin = beginningOfWalk(context, task, scope, revision, assessment);
+  walkOf(context, task, scope, revision, assessment).visit(scope, begin, [&](const WalkedPeriod& walked) {
     if (walked.to < first) return;
-    periods.push_back({.period = walked.period(),
-                       .isOpen = walked.isOpen,
-                       .isPaused = walked.isPaused,
-                       .missIsAllowed = walked.missIsAllowed,
-                       .expectedUnits = walked.expectedUnits,
-                       .entries = {walked.entries.begin(), walked.entries.end()}});
-  };
-  const auto checkpoint = beginningOfWalk(context, task, scope, revision, assessment);
-  const std::int32_t readFrom = checkpoint ? checkpoint->closedThrough + 1 : StoreContext::firstDay;
-  const std::int32_t today = storedDay(scope.today);
-  std::vector<LoggedEntry> entries;
-  context.readLog(task.objectID, readFrom, today, [&](const LogRow& row) { entries.push_back(loggedEntry(row)); });
-  withoutPremature(revision, assessment).applyTo(entries, readFrom, today);
-  entries.insert(entries.end(), assessment.ahead.begin(), assessment.ahead.end());
-  if (checkpoint)
-    (void)walk.resume(*checkpoint, entries, visit);
-  else
-    (void)walk.walk(entries, visit);
-  return periods;
+    visit({.period = walked.period(),
+           .isOpen = walked.isOpen,
+           .isPaused = walked.isPaused,
+           .missIsAllowed = walked.missIsAllowed,
+           .expectedUnits = walked.expectedUnits,
+           .entries = walked.entries});
+  });
 }
 
 std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,

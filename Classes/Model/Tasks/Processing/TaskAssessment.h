@@ -10,7 +10,9 @@
 #include <QZKit/Clock.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace habitra {
@@ -19,14 +21,14 @@ namespace habitra {
 /// reads the moment of that pass as a later day than it was; the days in between would never be judged.
 inline constexpr std::int64_t passOverlap = 2;
 
-/// A period with what its log says, as the walk passes it.
+/// A period with what its log says, as the walk passes it. Valid during the visit.
 struct PeriodOfLog {
   TaskFrequencyPeriod period;
   bool isOpen = false;
   bool isPaused = false;       ///< on a day of it
   bool missIsAllowed = false;  ///< to avoid: a failure would lie within the allowance
   std::int64_t expectedUnits = 1;
-  std::vector<LoggedEntry> entries;  ///< that count for it, in order of creation
+  std::span<const LoggedEntry> entries;  ///< that count for it, in order of creation
 };
 
 /// How a task stands at a moment, worked out from its log without writing anything: what a pass would store, and what a
@@ -63,11 +65,10 @@ struct TaskAssessment {
 /// Lets an assessment be that of the log as `revision` leaves it. REQUIRES: rules.
 void revise(StoreContext& context, const TaskEntity& task, const LogRevision& revision, TaskAssessment& assessment);
 
-/// The periods that end on the day `from` or later, up to the one that holds today, in a log as `revision` leaves it.
-/// REQUIRES: rules.
-[[nodiscard]] std::vector<PeriodOfLog> periodsFrom(StoreContext& context, const TaskEntity& task,
-                                                   const TaskAssessment& assessment, qz::YYYYMMDD from,
-                                                   const LogRevision& revision = {});
+/// Visits the periods that end on the day `from` or later, up to the one that holds today, in a log as `revision`
+/// leaves it. What is held does not grow with their number. REQUIRES: rules.
+void visitPeriods(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment, qz::YYYYMMDD from,
+                  const LogRevision& revision, const std::function<void(const PeriodOfLog&)>& visit);
 
 /// What passes would have filled in from the day `from` on and before `day`, when no entry of the task had been made
 /// for that day or a later one. None when its rules cannot be read.

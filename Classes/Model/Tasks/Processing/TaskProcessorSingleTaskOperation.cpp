@@ -11,7 +11,7 @@
 #include <QZLog/Log.h>
 
 #include <algorithm>
-#include <iterator>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -40,18 +40,24 @@ bool hasFullEntry(const PeriodOfLog& period) {
 
 /// Says of which days of the last pass and after there is nothing to fill in.
 void logFullEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
-  const auto periods = periodsFrom(context, task, assessment, assessment.processedThrough.value_or(assessment.created));
-  for (auto first = periods.begin(); first != periods.end(); ++first) {
-    if (first->isOpen || !hasFullEntry(*first)) continue;
-    const auto isOther = [](const PeriodOfLog& period) { return period.isOpen || !hasFullEntry(period); };
-    const auto last = std::prev(std::find_if(first, periods.end(), isOther));
-    const std::string start = first->period.startDate.debugDescription();
-    if (first == last)
+  std::optional<TaskFrequencyPeriod> first;  // of those in a row that have full entries
+  qz::YYYYMMDD last;
+  const auto say = [&] {
+    if (!first) return;
+    const std::string start = first->startDate.debugDescription();
+    if (first->finishDate == last)
       qz::log::debug("Already has full entry for this period, skipping. date={}", start);
     else
-      qz::log::debug("Already has full entries for period {} to {}", start, last->period.finishDate.debugDescription());
-    first = last;
-  }
+      qz::log::debug("Already has full entries for period {} to {}", start, last.debugDescription());
+    first.reset();
+  };
+  visitPeriods(context, task, assessment, assessment.processedThrough.value_or(assessment.created), {},
+               [&](const PeriodOfLog& period) {
+                 if (period.isOpen || !hasFullEntry(period)) return say();
+                 if (!first) first = period.period;
+                 last = period.period.finishDate;
+               });
+  say();
 }
 
 }  // namespace
@@ -186,19 +192,21 @@ AutomaticPlan TaskProcessorSingleTaskOperation::automaticEntries(const TaskAsses
   const qz::YYYYMMDD recent =
       assessment.processedThrough ? assessment.processedThrough->add(-passOverlap) : assessment.created;
   const qz::YYYYMMDD from = changed ? std::min(recent, *changed->minDate) : recent;
-  const auto periods = periodsFrom(managedObjectContext_, task_, assessment, from);
+  const qz::YYYYMMDD current = assessment.history->figures.period.startDate;
 
   AutomaticEntries entries(managedObjectContext_, task_, assessment, type, measuring, now_);
-  for (std::size_t i = 0; i < periods.size(); ++i) {
-    const TaskFrequencyPeriod& period = periods[i].period;
+  const auto add = [&](const PeriodOfLog& walked) {
+    const TaskFrequencyPeriod& period = walked.period;
     const bool mayHaveChanged =
         changed && *changed->minDate <= period.finishDate && period.startDate <= *changed->maxDate;
-    if (!mayHaveChanged && period.finishDate < recent) continue;
-    const bool isPrevious = i + 2 == periods.size() && period.finishDate >= assessment.today.add(-passOverlap);
+    if (!mayHaveChanged && period.finishDate < recent) return;
+    const bool isPrevious =
+        period.finishDate.nextDay() == current && period.finishDate >= assessment.today.add(-passOverlap);
     if (isPrevious) qz::log::debug("Can reprocess previous period");
-    if (!periods[i].isOpen && !mayHaveChanged && !isPrevious && hasFullEntry(periods[i])) continue;
-    entries.add(periods[i], mayHaveChanged);
-  }
+    if (!walked.isOpen && !mayHaveChanged && !isPrevious && hasFullEntry(walked)) return;
+    entries.add(walked, mayHaveChanged);
+  };
+  visitPeriods(managedObjectContext_, task_, assessment, from, {}, add);
   return entries.finish();
 }
 

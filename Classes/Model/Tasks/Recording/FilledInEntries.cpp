@@ -7,6 +7,7 @@
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace habitra {
@@ -55,6 +56,19 @@ std::vector<LogKey> FilledInEntries::refutedBy(const TaskLogEntryEntity& row) co
   appendOfPeriod(counted->period, refuted);
   static_cast<void>(appendFollowing(counted->date, std::nullopt, refuted));
   // A longer period reaches into the days that follow.
+  std::ranges::sort(refuted);
+  const auto repeated = std::ranges::unique(refuted);
+  refuted.erase(repeated.begin(), repeated.end());
+  return refuted;
+}
+
+std::vector<LogKey> FilledInEntries::refutedAfter(const std::set<qz::YYYYMMDD>& days) const {
+  std::vector<LogKey> refuted;
+  std::optional<ClearedDays> seen;
+  for (const qz::YYYYMMDD day : days) {
+    if (day > latestKeptDay) break;
+    seen = appendFollowing(day, seen, refuted);
+  }
   std::ranges::sort(refuted);
   const auto repeated = std::ranges::unique(refuted);
   refuted.erase(repeated.begin(), repeated.end());

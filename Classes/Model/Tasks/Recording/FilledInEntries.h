@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace habitra {
@@ -36,6 +37,10 @@ class FilledInEntries {
   /// the counting period, or of the days up to the next full completion. In order of day. An entry that was filled in
   /// itself, and one that decides nothing, refutes none.
   [[nodiscard]] std::vector<LogKey> refutedBy(const TaskLogEntryEntity& row) const;
+
+  /// Of several days that are decided anew, those of later days that follow from any of them. The log is read once, and
+  /// only where such days are. In order of day.
+  [[nodiscard]] std::vector<LogKey> refutedAfter(const std::set<qz::YYYYMMDD>& days) const;
 
   /// The entries that an earlier beginning of the history refutes: those of the counting period, or of the period that
   /// is summed up, which held `beginning`, the first day until now. Only a part of it had been asked for.

@@ -41,17 +41,11 @@ bool tookPlace(TaskLogEntryType type, bool isNegative) {
   return isMissedFullOrPartial(type) || isAllowableMissFull(type);
 }
 
-/// The amount that the entry stands for: the one it reports, else its share of the target; a timer that ran out has run
-/// for all of it.
-double amountOf(const TaskLogRecorder::LogEntryData& entry, const AutomaticTaskType& type) {
-  if (entry.progressValue) return *entry.progressValue;
-  return entry.progressPct.value_or(entry.timerDidExpire ? 1.0 : 0.0) * type.quantity;
-}
-
 std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
   if (!task.created) return std::nullopt;
   const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
-  return qz::YYYYMMDD(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+  const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
+  return day <= latestKeptDay ? std::optional(day) : std::nullopt;
 }
 
 }  // namespace
@@ -82,6 +76,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   const qz::YYYYMMDD day = dayOf(entry, calendar_);
   TaskLogEntryEntity row = filled(existing.value_or(TaskLogEntryEntity{}), entry, day, !existing);
   const TaskLogEntryType type = entryTypeFromStored(row.entryType);
+  const auto healthWrite = newToHealthStore(entry, row.objectID);
   removeSuperseded(entry.period.period, type, row.objectID);
 
   const auto beginning = beginningAfter(day, type);
@@ -94,7 +89,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   if (entry.type == TaskLogEntryType::unknown && creationDay_)
     remove(refutedByLostBeginning(context_, row, *creationDay_, filledIn_));
   if (existing) withdrawHealthWrites(row.objectID);
-  requestHealthWrite(row, entry);
+  if (healthWrite) requestHealthWrite(row, entry, *healthWrite);
   const qz::YYYYMMDD last = std::max(day, entry.period.period.finishDate);
   emptyDays_.endAt(last);
   filledIn_.wroteUpTo(last);
@@ -167,19 +162,22 @@ void LogEntryWriter::withdrawHealthWrites(ObjectID entry) {
     context_.remove(*request);
 }
 
-void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry) {
-  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return;
+std::optional<HealthWriteAmount> LogEntryWriter::newToHealthStore(const TaskLogRecorder::LogEntryData& entry,
+                                                                  ObjectID existing) const {
+  if (!request_.recordToHealthKitIfNecessary || !tookPlace(entry.type, task_.isNegative)) return std::nullopt;
+  const auto type = automaticTypeOf(task_);
+  const auto health = type ? type->type.healthType() : std::nullopt;
+  if (!health || !health->writesToHealthKit()) return std::nullopt;
+  return healthWriteAmount(context_, task_, rules_, *type, entry, existing);
+}
+
+void LogEntryWriter::requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry,
+                                        const HealthWriteAmount& written) {
   const auto type = automaticTypeOf(task_);
   if (!type) return;
-  double amount = amountOf(entry, *type);
-  double duration = type->unit && type->unit->isDuration() ? type->unit->convertToTimeInterval(amount) : 0.0;
-  if (entry.timerSummary) {
-    duration = entry.timerSummary->duration;
-    amount = type->unit ? type->unit->convertFromTimeInterval(duration) : 0.0;
-  }
   const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
-  const auto request = healthWriteRequest(*type, spanOf(entry.period.period, calendar_), entry.endDate, amount,
-                                          duration, request_.healthKitDevice, taskId);
+  const auto request = healthWriteRequest(*type, spanOf(entry.period.period, calendar_), entry.endDate, written.amount,
+                                          written.duration, request_.healthKitDevice, taskId);
   if (!request) return;
   HealthKitRequestEntity values{.created = now_,
                                 .status = std::string(health_request_status::pending),

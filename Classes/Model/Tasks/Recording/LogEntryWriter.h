@@ -4,6 +4,7 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/Recording/EmptyDays.h>
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
+#include <HabitraModel/Tasks/Recording/HealthWriteAmount.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 
@@ -48,8 +49,12 @@ class LogEntryWriter {
                                           qz::YYYYMMDD day, bool isNew) const;
   /// What the entry said before is no longer to be written, or to be taken out again.
   void withdrawHealthWrites(ObjectID entry);
-  /// Asks for a write to the health store, where the task and the entry want one.
-  void requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry);
+  /// What the entry has to tell the health store, where the request and the task want that; found before the log is
+  /// changed.
+  [[nodiscard]] std::optional<HealthWriteAmount> newToHealthStore(const TaskLogRecorder::LogEntryData& entry,
+                                                                  ObjectID existing) const;
+  void requestHealthWrite(const TaskLogEntryEntity& row, const TaskLogRecorder::LogEntryData& entry,
+                          const HealthWriteAmount& written);
 
   const TaskEntity& task_;
   const TaskLogRecorder::Request& request_;

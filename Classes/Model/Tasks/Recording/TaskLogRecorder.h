@@ -48,8 +48,10 @@ class TaskLogRecorder {
     DatedPeriod period;    ///< the period that the entry counts for
     qz::Moment startDate;  ///< its day, by the task's calendar, is the day of the entry
     qz::Moment endDate;
-    std::optional<double> progressValue;         ///< amount reached, for timed and counted tasks; absent is stored as 0
-    std::optional<double> progressPct;           ///< fraction of the target reached; absent is stored as 0
+    /// The amount that the period has reached with the entry, what was said or measured before included: of a timed
+    /// task in seconds, else in the unit of its target. Of a run of a timer its seconds. Absent is stored as 0.
+    std::optional<double> progressValue;
+    std::optional<double> progressPct;  ///< the fraction of the target reached, likewise; absent is stored as 0
     std::optional<TimedTaskEntry> timerSummary;  ///< the run of a timer that produced it
     bool timerDidExpire = false;                 ///< it ran out: without an amount, all of the target
     std::optional<qz::Moment> createdTimestamp;  ///< when the entry was made, where that is known; else the request's
