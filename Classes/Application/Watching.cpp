@@ -80,7 +80,7 @@ class Application::Watch {
     const auto context = rooms_.manager.context();
     const qz::Moment day = nextStartOfDay(rooms_.calendarsSeenBy(*context), TaskProcessor::activeTasks(*context), now);
     const auto task = rooms_.processor.nextBackgroundTask();
-    return task ? std::clamp(*task, now + std::chrono::seconds(1), day) : day;
+    return task ? std::min(day, std::max(*task, now + std::chrono::seconds(1))) : day;
   }
 
   Application& application_;

@@ -56,4 +56,14 @@ TEST_F(ProcessingTests, panelsShowWhatWasChangedAndAreLeftAloneOtherwise) {
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["best"], 0);
 }
 
+TEST_F(ProcessingTests, aWatchOutlivesTheLastSecondOfADay) {
+  application_.add("Read");
+  clock_->advance(hours(12) - std::chrono::milliseconds(400));
+  int passes = 0;
+  application_.watch([&](const habitra::ProcessReport&) {
+    if (++passes == 1) application_.stopWatching();
+  });
+  EXPECT_EQ(passes, 1);
+}
+
 }  // namespace
