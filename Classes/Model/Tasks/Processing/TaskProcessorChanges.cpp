@@ -160,7 +160,7 @@ void TaskProcessor::inBulk(StoreContext& context, const std::function<void()>& c
   try {
     context.beginUnit();
     change();
-  } catch (const qz::Error& error) {
+  } catch (const std::exception& error) {
     qz::log::error("Nothing was changed: {}", error.what());
     failure = std::current_exception();
     context.rollback();
@@ -169,7 +169,7 @@ void TaskProcessor::inBulk(StoreContext& context, const std::function<void()>& c
     environment_.receivers.watch.deliver([] {});
     environment_.receivers.widgets.reloadAllTimelines();
   }
-  environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
+  if (completion) environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
 }
 
 }  // namespace habitra
