@@ -77,4 +77,14 @@ TEST_F(ProcessingTests, panelsNeverGoBackToWhatWasEarlier) {
   EXPECT_TRUE(widgets.isOutdated()) << "it is tried again";
 }
 
+TEST_F(ProcessingTests, aWatchOutlivesTheLastSecondOfADay) {
+  application_.add("Read");
+  clock_->advance(hours(12) - std::chrono::milliseconds(400));
+  int passes = 0;
+  application_.watch([&](const habitra::ProcessReport&) {
+    if (++passes == 1) application_.stopWatching();
+  });
+  EXPECT_EQ(passes, 1);
+}
+
 }  // namespace

@@ -62,6 +62,7 @@ struct AttributeDescription {
   void* (*field)(void* object) = nullptr;                           ///< the member that holds it
   bool (*isSame)(const void* object, const void* other) = nullptr;  ///< compares that member of two objects
   RelationshipDescription relationship;                             ///< for type `reference` only
+  std::string_view indexedText;  ///< where not empty, the index holds only the rows with this text
 };
 
 /// How the rows of an entity lie in the file.

@@ -1,6 +1,8 @@
 #include <HabitraModel/Store/Entities/TaskEntity.h>
+#include <HabitraModel/Tasks/RepeatedWarnings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
-#include <QZLog/Log.h>
+
+#include <fmt/format.h>
 
 #include <utility>
 
@@ -18,7 +20,8 @@ TaskCalendar TaskCalendars::of(const TaskEntity& task) const {
     if (auto zone = qz::TimeZone::fromIdentifier(*task.currentTimeZoneOverride))
       calendar.timeZone = *std::move(zone);
     else
-      qz::log::warning("Unknown time zone {}, using {}", *task.currentTimeZoneOverride, device_.timeZone.identifier());
+      warnOnce(task, fmt::format("Unknown time zone {}, using {}", *task.currentTimeZoneOverride,
+                                 device_.timeZone.identifier()));
   }
   return calendar;
 }

@@ -27,7 +27,7 @@ class TaskCalendars {
   TaskCalendars(qz::TimeZone deviceTimeZone, qz::HHMMSS startOfDay);
 
   /// A task's `startOfDayValue` above zero counts modulo a day; its `currentTimeZoneOverride` counts when it names a
-  /// zone (an unknown one is logged).
+  /// zone (an unknown one is logged once).
   [[nodiscard]] TaskCalendar of(const TaskEntity& task) const;
 
   [[nodiscard]] const TaskCalendar& ofDevice() const { return device_; }

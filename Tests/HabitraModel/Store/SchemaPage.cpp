@@ -40,6 +40,7 @@ std::string attributeTable(const EntityDescription& entity) {
     const bool isReference = attribute.type == StoredType::reference;
     const bool hasNone = attribute.isOptional || (isReference && entity.layout == Layout::byObject);
     std::string index = attribute.isIndexed ? "yes" : "";
+    if (!attribute.indexedText.empty()) index = fmt::format("of `{}`", attribute.indexedText);
     if (isReference && !entity.dayAttribute.empty()) index = fmt::format("with `{}`", entity.dayAttribute);
     table += fmt::format("| `{}` | {} | {} | {} |\n", attribute.name, storedAs(attribute.type), hasNone ? "none" : "0",
                          index);

@@ -1,3 +1,4 @@
+#include <stdexcept>
 #include <vector>
 
 #include "TaskWorld.h"
@@ -87,6 +88,14 @@ TEST_F(Changes, ThatCannotBeMadeChangeNothing) {
             "2024-02-01 has not come yet for 'Read'");
   EXPECT_EQ(set(task, {{today, Type::missedAutomaticallyFull}}), "a day cannot be set to missedAutomaticallyFull");
   EXPECT_EQ(set(task, {}), "No log entry data");
+  TaskProcessor mistaken({.dataManager = manager_,
+                          .mainQueue = mainQueue_,
+                          .receivers = receivers_.all(),
+                          .calendars = [](StoreContext&) -> TaskCalendars { throw std::logic_error("a mistake"); },
+                          .viewContext = [this] { return context_.get(); }});
+  mistaken.setBulkDayStatuses(*context_, task, {{today, Type::completedManuallyFull}}, {});
+  mainQueue_.drain();
+  EXPECT_FALSE(context_->isInUnit());
   EXPECT_EQ(context_->sequence(), sequence);
   EXPECT_EQ(calendars_.of(task).day(*task.created), today);
 }

@@ -2,6 +2,7 @@
 #include <HabitraModel/Tasks/Processing/TaskClaim.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
+#include <QZLog/Log.h>
 
 #include "TaskWorld.h"
 
@@ -253,9 +254,29 @@ TEST_F(Processor, AnUnreadableFrequencyIsLeftAloneAndStopsNobody) {
   TaskEntity& plain = addTask("Plain");
   context_->save({});
   liveUntil("2024-02-02T08:00:00Z");
+  EXPECT_TRUE(processor_.isDue(*context_, clock_->now()));
   EXPECT_EQ(process().filledIn, 2u);
   EXPECT_TRUE(log(odd).empty());
   EXPECT_EQ(log(plain).size(), 2u);
+  EXPECT_FALSE(processor_.isDue(*context_, clock_->now())) << "a pass can do no more";
+}
+
+TEST_F(Processor, WhatCannotBeReadOfATaskIsSaidOnce) {
+  TaskEntity& odd = addTask();
+  odd.daysMode = 99;
+  odd.currentTimeZoneOverride = "Nowhere/Atlantis";
+  context_->save({});
+  qz::log::configure({.verbose = true});
+  testing::internal::CaptureStderr();
+  process();
+  process();
+  const std::string log = testing::internal::GetCapturedStderr();
+  qz::log::configure({});
+  for (const std::string_view warning : {"cannot be read; it is left alone", "Unknown time zone Nowhere/Atlantis"}) {
+    const auto found = log.find(warning);
+    ASSERT_NE(found, std::string::npos) << log;
+    EXPECT_EQ(log.find(warning, found + 1), std::string::npos) << log;
+  }
 }
 
 TEST_F(Processor, AMeasuredTaskIsJudgedByItsAmount) {

@@ -170,7 +170,7 @@ constexpr std::array<std::string_view, 26> toVersion2{
     "CREATE INDEX habitra_transaction_command ON habitra_transaction(sequence) WHERE command IS NOT NULL",
 };
 
-constexpr std::array<std::string_view, 1> toVersion3{
+constexpr std::array<std::string_view, 2> toVersion3{
     R"(CREATE TABLE habitra_outbox (
   link TEXT NOT NULL,
   task TEXT NOT NULL,
@@ -178,6 +178,7 @@ constexpr std::array<std::string_view, 1> toVersion3{
   revision INTEGER NOT NULL,
   PRIMARY KEY (link, task)
 ) STRICT, WITHOUT ROWID)",
+    "CREATE INDEX HealthKitRequestEntity_status ON HealthKitRequestEntity(status) WHERE status IS 'pending'",
 };
 
 constexpr std::array<std::string_view, 4> toVersion4{

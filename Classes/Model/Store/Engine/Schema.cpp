@@ -31,11 +31,14 @@ std::string columnDefinition(const EntityDescription& entity, const AttributeDes
   return attribute.isOptional ? column : column + " NOT NULL DEFAULT 0";
 }
 
-/// An index that finds rows by the attribute. Those that a relationship leads from lie in it by their day.
+/// An index that finds rows by the attribute. Those that a relationship leads from lie in it by their day. Fetches ask
+/// with IS, and SQLite takes an index of some rows only for the comparison that it was made with.
 std::string indexDefinition(const EntityDescription& entity, const AttributeDescription& attribute) {
   const bool isByDay = attribute.type == StoredType::reference && !entity.dayAttribute.empty();
-  return fmt::format("CREATE INDEX {0}_{1} ON {0}({1}{2}{3});\n", entity.name, attribute.name, isByDay ? ", " : "",
-                     isByDay ? entity.dayAttribute : "");
+  const std::string_view text = attribute.indexedText;
+  const std::string rows = text.empty() ? "" : fmt::format(" WHERE {} IS '{}'", attribute.name, text);
+  return fmt::format("CREATE INDEX {0}_{1} ON {0}({1}{2}{3}){4};\n", entity.name, attribute.name, isByDay ? ", " : "",
+                     isByDay ? entity.dayAttribute : "", rows);
 }
 
 /// The store's own tables. History of a transaction lies together, one row per object; the newest numbers stand in

@@ -68,6 +68,14 @@ constexpr AttributeDescription indexedAttribute(std::string_view name) {
   return description;
 }
 
+/// A text by which only the rows with one value are looked up, few among many.
+template <auto Member>
+constexpr AttributeDescription indexedAttribute(std::string_view name, std::string_view indexedText) {
+  AttributeDescription description = indexedAttribute<Member>(name);
+  description.indexedText = indexedText;
+  return description;
+}
+
 /// A to-one relationship to `Target`, which knows this side as `inverse`.
 template <auto Member, typename Target>
 constexpr AttributeDescription relationship(std::string_view name, std::string_view inverse, bool inverseIsToMany,

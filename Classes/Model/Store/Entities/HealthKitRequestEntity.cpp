@@ -11,7 +11,7 @@ namespace {
 constexpr std::array attributes{
     attribute<&HealthKitRequestEntity::created>("created"),
     attribute<&HealthKitRequestEntity::data>("data"),
-    attribute<&HealthKitRequestEntity::status>("status"),
+    indexedAttribute<&HealthKitRequestEntity::status>("status", health_request_status::pending),
     attribute<&HealthKitRequestEntity::statusDate>("statusDate"),
     attribute<&HealthKitRequestEntity::type>("type"),
     relationship<&HealthKitRequestEntity::taskLogEntry, TaskLogEntryEntity>("taskLogEntry", "healthKitRequests", true,

@@ -5,8 +5,16 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace habitra {
+
+/// The values of HealthKitRequestEntity::status.
+namespace health_request_status {
+inline constexpr std::string_view pending = "pending";
+inline constexpr std::string_view done = "done";
+inline constexpr std::string_view failed = "failed";
+}  // namespace health_request_status
 
 /// A pending or finished write of a log entry's data to the health store.
 struct HealthKitRequestEntity {
@@ -15,8 +23,8 @@ struct HealthKitRequestEntity {
   ObjectID objectID = ObjectID::none;
 
   std::optional<qz::Moment> created;
-  std::optional<Bytes> data;          ///< the encoded request
-  std::optional<std::string> status;  ///< "pending", "done" or "failed"
+  std::optional<Bytes> data;  ///< the encoded request
+  std::optional<std::string> status;
   std::optional<qz::Moment> statusDate;
   std::optional<std::string> type;
   ObjectID taskLogEntry = ObjectID::none;

@@ -58,7 +58,7 @@ class ObservedHealthQueries::State : public std::enable_shared_from_this<State> 
         processTasks_(std::move(processTasks)),
         layoutDirection_(layoutDirection) {}
 
-  void observe(const std::vector<qz::QZHKObserverQuery>& queries);
+  StartedObservation observe(const std::vector<qz::QZHKObserverQuery>& queries);
   void stop() noexcept;
   void setApplicationState(ApplicationState state) { applicationState_ = state; }
   void processBackgroundHealthKitData(const qz::QZHKObserverQuery& query, const Circumstances& circumstances,
@@ -67,7 +67,7 @@ class ObservedHealthQueries::State : public std::enable_shared_from_this<State> 
  private:
   using ObservedQuery = std::shared_ptr<Observed>;
 
-  void start(const qz::QZHKObserverQuery& query);
+  [[nodiscard]] bool start(const qz::QZHKObserverQuery& query);
   void queuePass(const ObservedQuery& observed);
   void runPass(const ObservedQuery& observed);
   void finishPass(const ObservedQuery& observed);
@@ -93,7 +93,7 @@ class ObservedHealthQueries::State : public std::enable_shared_from_this<State> 
   bool passIsRunning_ = false;
 };
 
-void ObservedHealthQueries::State::observe(const std::vector<qz::QZHKObserverQuery>& queries) {
+StartedObservation ObservedHealthQueries::State::observe(const std::vector<qz::QZHKObserverQuery>& queries) {
   const std::scoped_lock changing(changing_);
   std::vector<qz::UniqueID> ended;
   std::vector<const qz::QZHKObserverQuery*> added;
@@ -111,10 +111,12 @@ void ObservedHealthQueries::State::observe(const std::vector<qz::QZHKObserverQue
     for (const qz::UniqueID& identifier : ended) observed_.erase(identifier);
   }
   for (const qz::UniqueID& identifier : ended) healthStore_.stopObserving(identifier);
-  for (const qz::QZHKObserverQuery* query : added) start(*query);
+  StartedObservation observation;
+  for (const qz::QZHKObserverQuery* query : added) ++(start(*query) ? observation.started : observation.refused);
+  return observation;
 }
 
-void ObservedHealthQueries::State::start(const qz::QZHKObserverQuery& query) {
+bool ObservedHealthQueries::State::start(const qz::QZHKObserverQuery& query) {
   {
     // Before it is started: its first data may come at once.
     const std::scoped_lock lock(mutex_);
@@ -126,11 +128,13 @@ void ObservedHealthQueries::State::start(const qz::QZHKObserverQuery& query) {
       qz::log::info("Health data received");
       processBackgroundHealthKitData(told, {applicationState_, layoutDirection_}, nullptr);
     });
+    return true;
   } catch (const std::exception& error) {
     qz::log::error("Health data cannot be observed ({}): {}", query.debugDescription(), error.what());
     const std::scoped_lock lock(mutex_);
     observed_.erase(query.identifier);
   }
+  return false;
 }
 
 void ObservedHealthQueries::State::stop() noexcept {
@@ -240,7 +244,9 @@ ObservedHealthQueries::ObservedHealthQueries(qz::QZHealthStore& healthStore, qz:
 
 ObservedHealthQueries::~ObservedHealthQueries() { stop(); }
 
-void ObservedHealthQueries::observe(const std::vector<qz::QZHKObserverQuery>& queries) { state_->observe(queries); }
+StartedObservation ObservedHealthQueries::observe(const std::vector<qz::QZHKObserverQuery>& queries) {
+  return state_->observe(queries);
+}
 
 void ObservedHealthQueries::stop() noexcept { state_->stop(); }
 

@@ -36,7 +36,7 @@ class ObservedHealthQueries {
   /// Observes these, and no others any more; one that is observed as it is goes on undisturbed, with what it has still
   /// to tell. Where the health store refuses, a line of the log says so and the query is tried again with the next
   /// call.
-  void observe(const std::vector<qz::QZHKObserverQuery>& queries);
+  StartedObservation observe(const std::vector<qz::QZHKObserverQuery>& queries);
   /// See TaskProcessorObserver.
   void stop() noexcept;
 

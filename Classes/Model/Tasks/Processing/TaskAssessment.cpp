@@ -217,6 +217,11 @@ void walkHistory(StoreContext& context, const TaskEntity& task, const HistorySco
 
 }  // namespace
 
+bool canBeJudged(const TaskEntity& task) {
+  const auto rules = rulesWithoutPauses(task);
+  return rules && HistoryWalk::supports(rules->frequency);
+}
+
 TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars, qz::Moment now,
                       std::optional<qz::Moment> lastProcessedHere) {
   TaskAssessment assessment{.calendar = calendars.of(task)};

@@ -57,6 +57,9 @@ struct TaskAssessment {
   qz::YYYYMMDD created;
 };
 
+/// Whether the frequency of a task can be read and can be.
+[[nodiscard]] bool canBeJudged(const TaskEntity& task);
+
 /// Reads the task's log, from the last checkpoint on where that still holds, and walks it as of `now`. The days to fill
 /// in begin where the task was processed last: by its own word or, where that is earlier, at `lastProcessedHere`.
 [[nodiscard]] TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskCalendars& calendars,

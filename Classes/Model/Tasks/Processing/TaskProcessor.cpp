@@ -17,9 +17,9 @@ TaskProcessor::TaskProcessor(Environment environment)
     pendingHealthRequests_.emplace(*environment_.health, environment_.dataManager.standardDefaults());
   // What passes save in contexts of their own reaches the one that is shown.
   contextMergeObserver_ = environment_.dataManager.notifications().addObserver(contextDidSave, [this] {
-    environment_.mainQueue.async([viewContext = environment_.viewContext] {
+    onMainQueue([this] {
       attempt("What passes have changed is not seen yet", [&] {
-        if (StoreContext* view = viewContext()) view->refresh();
+        if (StoreContext* view = environment_.viewContext()) view->refresh();
       });
     });
   });
@@ -128,8 +128,14 @@ void TaskProcessor::runRequestedPass() {
       isHeldByMaintenance() ? TaskProcessorReport{} : passInOwnContext(std::nullopt, LayoutDirection::leftToRight);
   for (Completion& completion : completions) complete(std::move(completion), report);
   if (!isResident) return;
-  environment_.mainQueue.async([this] {
+  onMainQueue([this] {
     if (observeAutomaticTasks()) processAllTasks();  // which sees what came before they were observed
+  });
+}
+
+void TaskProcessor::onMainQueue(std::function<void()> work) {
+  environment_.mainQueue.async([lifetime = std::weak_ptr(lifetime_), work = std::move(work)] {
+    if (!lifetime.expired()) work();
   });
 }
 
@@ -211,6 +217,8 @@ void TaskProcessor::processIn(const Tools& tools, StoreContext& context, TaskEnt
         .runInUnit();
   } catch (const TaskProcessorSingleTaskOperation::ProcessorError& error) {
     qz::log::info("Task {} is left to the pass under way: {}", task.uniqueId.value_or(""), error.what());
+  } catch (const qz::QZHealthStoreError& error) {
+    qz::log::error("Task {} is left to the next pass: {}", task.uniqueId.value_or(""), error.what());
   }
 }
 
@@ -219,7 +227,8 @@ bool TaskProcessor::isDue(StoreContext& context, qz::Moment now) const {
   const auto tasks = activeTasks(context);
   return std::any_of(tasks.begin(), tasks.end(), [&](const TaskEntity* task) {
     const TaskCalendar calendar = calendars.of(*task);
-    return !task->lastProcessedDate || calendar.day(*task->lastProcessedDate) != calendar.day(now);
+    const bool isNewDay = !task->lastProcessedDate || calendar.day(*task->lastProcessedDate) != calendar.day(now);
+    return isNewDay && canBeJudged(*task);
   });
 }
 

@@ -28,6 +28,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace habitra {
@@ -49,7 +50,8 @@ class TaskProcessor {
   using Report = TaskProcessorReport;
   /// Called on the main queue.
   using Completion = std::function<void(const TaskProcessorReport&)>;
-  /// Called on the main queue: with nothing when all is stored, else with the error; nothing was changed then.
+  /// Called on the main queue, where there is one: with nothing when all is stored, else with the error; nothing was
+  /// changed then.
   using ChangeCompletion = std::function<void(std::exception_ptr)>;
 
   static constexpr const char* queueLabel = "org.habitra.taskprocessor";
@@ -77,7 +79,7 @@ class TaskProcessor {
   };
 
   explicit TaskProcessor(Environment environment);
-  /// Waits for what its queues still have to do.
+  /// Waits for what its queues still have to do. On the front end's thread.
   ~TaskProcessor();
   TaskProcessor(const TaskProcessor&) = delete;
   TaskProcessor& operator=(const TaskProcessor&) = delete;
@@ -108,10 +110,12 @@ class TaskProcessor {
   TaskProcessorReport processAllTasks(StoreContext& context, qz::Moment now);
 
   /// Brings one task up to date inside the caller's unit, which the caller saves. With a clock that cannot be right
-  /// nothing is done, nor while another thread processes the task, which goes on after the unit.
+  /// nothing is done, nor while another thread processes the task, which goes on after the unit, nor where health data
+  /// that the task asks for cannot be read: what a person records does not depend on them.
   void process(StoreContext& context, TaskEntity& task, qz::Moment now);
 
-  /// Whether a pass would look at a new day: some active task was last processed on another day than its today.
+  /// Whether a pass would look at a new day: some active task was last processed on another day than its today. One
+  /// whose frequency cannot be read is left alone, and so never due.
   [[nodiscard]] bool isDue(StoreContext& context, qz::Moment now) const;
 
   /// After a process that stays has launched: observes no data any more. On the front end's thread; waits for a pass
@@ -195,13 +199,16 @@ class TaskProcessor {
                            const std::optional<std::set<qz::UniqueID>>& only, LayoutDirection layoutDirection) noexcept;
   TaskProcessorReport passIn(StoreContext& context, qz::Moment now, const std::optional<std::set<qz::UniqueID>>& only,
                              LayoutDirection layoutDirection);
-  /// Observes the data that the tasks of the front end's context are completed by. Gives whether these are others than
-  /// before. On the front end's thread.
+  /// Observes the data that the tasks of the front end's context are completed by; what could not be observed before is
+  /// tried again. Gives whether any are observed that were not before. On the front end's thread.
   bool observeAutomaticTasks();
+  void makeObservers();
   void scheduleRefresh(const Tools& tools, StoreContext& context, qz::Moment now);
   void removeStaleTaskProcessorLastProcessedDateEntries(StoreContext& context);
   void processIn(const Tools& tools, StoreContext& context, TaskEntity& task, TaskModifyContext by, qz::Moment now);
   void complete(Completion completion, TaskProcessorReport report);
+  /// For work on the processor itself, which is left undone when that has gone before its turn comes.
+  void onMainQueue(std::function<void()> work);
   /// Makes a change, which saves, in a unit of the context, and tells others of it.
   void inBulk(StoreContext& context, TaskModifyContext by, const std::function<void()>& change,
               ChangeCompletion completion);
@@ -223,13 +230,15 @@ class TaskProcessor {
   std::vector<Completion> completions_;   // of the pass that waits
   std::optional<qz::Moment> scheduledRefresh_;
 
+  std::shared_ptr<const bool> lifetime_ = std::make_shared<bool>(true);  // what waits on the main queue looks at it
+
   // The queues end before what their tasks use.
   qz::SerialQueue operationQueue_{operationQueueLabel};
   qz::SerialQueue processorQueue_{queueLabel};
   // The front end's thread's. They end before the queue that they hand data to.
   std::unique_ptr<TaskProcessorObserver> healthKitObserver_;
   std::unique_ptr<TaskProcessorObserver> screenTimeObserver_;
-  std::vector<ObservedTask> observedTasks_;
+  std::optional<std::vector<ObservedTask>> observedTasks_{std::in_place};  // none: not all could be observed
   qz::NotificationCenter::Observation contextMergeObserver_;
   qz::NotificationCenter::Observation maintenanceObserver_;
 };

@@ -162,13 +162,13 @@ void TaskProcessor::inBulk(StoreContext& context, TaskModifyContext by, const st
   try {
     context.beginUnit();
     change();
-  } catch (const qz::Error& error) {
+  } catch (const std::exception& error) {
     qz::log::error("Nothing was changed: {}", error.what());
     failure = std::current_exception();
     context.rollback();
   }
   if (!failure) TaskLogRecorder::deliverSaved(environment_.receivers, by);
-  environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
+  if (completion) environment_.mainQueue.async([completion = std::move(completion), failure] { completion(failure); });
 }
 
 }  // namespace habitra

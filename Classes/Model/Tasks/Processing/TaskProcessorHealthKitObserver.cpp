@@ -17,8 +17,8 @@ TaskProcessorHealthKitObserver::TaskProcessorHealthKitObserver(qz::QZHealthStore
 
 TaskProcessorHealthKitObserver::~TaskProcessorHealthKitObserver() = default;
 
-void TaskProcessorHealthKitObserver::observe(const std::vector<ObservedTask>& tasks) {
-  queries_->observe(observerQueriesForTasks(tasks));
+StartedObservation TaskProcessorHealthKitObserver::observe(const std::vector<ObservedTask>& tasks) {
+  return queries_->observe(observerQueriesForTasks(tasks));
 }
 
 void TaskProcessorHealthKitObserver::stop() noexcept { queries_->stop(); }

@@ -5,6 +5,7 @@
 #include <HabitraModel/Tasks/Processing/TaskProcessorReport.h>
 #include <QZKit/UniqueID.h>
 
+#include <cstddef>
 #include <functional>
 #include <set>
 #include <vector>
@@ -15,6 +16,19 @@ namespace habitra {
 struct ObservedTask {
   qz::UniqueID taskID;
   AutomaticTaskType type;
+};
+
+/// What became of queries that were not observed before.
+struct StartedObservation {
+  std::size_t started = 0;
+  std::size_t refused = 0;  ///< by the health store; they are not observed
+
+  StartedObservation& operator+=(const StartedObservation& other) {
+    started += other.started;
+    refused += other.refused;
+    return *this;
+  }
+  friend bool operator==(const StartedObservation&, const StartedObservation&) = default;
 };
 
 /// A pass over these tasks only. Called on the processor's queue.
@@ -34,7 +48,7 @@ class TaskProcessorObserver {
   /// to observe for are passed over; without any other, nothing is started. What came before is not told of: a full
   /// pass after this sees it, and nothing falls between.
   /// REQUIRES: as stop().
-  virtual void observe(const std::vector<ObservedTask>& tasks) = 0;
+  virtual StartedObservation observe(const std::vector<ObservedTask>& tasks) = 0;
 
   /// Once it has returned nothing is observed, no pass that data set off is running and none will; from within such a
   /// pass it returns at once. observe() starts again.

@@ -32,28 +32,33 @@ bool TaskProcessor::observeAutomaticTasks() {
     const std::lock_guard lock(mutex_);
     if (!isResident_) return false;
   }
-  bool hasChanged = false;
+  bool hasNew = false;
   attempt("Health data are not observed", [&] {
     StoreContext* view = environment_.viewContext();
-    if (view == nullptr || environment_.health == nullptr || !environment_.health->isHealthDataAvailable()) return;
+    if (view == nullptr || environment_.health == nullptr) return;
     std::vector<ObservedTask> tasks = observedTasks(*view);
-    if (std::ranges::equal(tasks, observedTasks_, isSame)) return;
-    if (!healthKitObserver_) {
-      const auto process = [this](const std::set<qz::UniqueID>& ids, LayoutDirection layoutDirection) {
-        return processTasks(ids, layoutDirection);
-      };
-      qz::NotificationCenter& notifications = environment_.dataManager.notifications();
-      healthKitObserver_ = std::make_unique<TaskProcessorHealthKitObserver>(*environment_.health, processorQueue_,
-                                                                            notifications, process);
-      screenTimeObserver_ = std::make_unique<TaskProcessorScreenTimeObserver>(*environment_.health, processorQueue_,
-                                                                              notifications, process);
-    }
-    healthKitObserver_->observe(tasks);
-    screenTimeObserver_->observe(tasks);
-    observedTasks_ = std::move(tasks);
-    hasChanged = true;
+    if (observedTasks_ && std::ranges::equal(tasks, *observedTasks_, isSame)) return;
+    observedTasks_.reset();
+    makeObservers();
+    const bool hasHealthData = environment_.health->isHealthDataAvailable();
+    StartedObservation observation = screenTimeObserver_->observe(tasks);
+    if (hasHealthData) observation += healthKitObserver_->observe(tasks);
+    hasNew = observation.started > 0;
+    if (hasHealthData && observation.refused == 0) observedTasks_ = std::move(tasks);
   });
-  return hasChanged;
+  return hasNew;
+}
+
+void TaskProcessor::makeObservers() {
+  if (healthKitObserver_) return;
+  const auto process = [this](const std::set<qz::UniqueID>& ids, LayoutDirection layoutDirection) {
+    return processTasks(ids, layoutDirection);
+  };
+  qz::NotificationCenter& notifications = environment_.dataManager.notifications();
+  healthKitObserver_ =
+      std::make_unique<TaskProcessorHealthKitObserver>(*environment_.health, processorQueue_, notifications, process);
+  screenTimeObserver_ =
+      std::make_unique<TaskProcessorScreenTimeObserver>(*environment_.health, processorQueue_, notifications, process);
 }
 
 void TaskProcessor::stopObserving() noexcept {
@@ -63,7 +68,7 @@ void TaskProcessor::stopObserving() noexcept {
   }
   healthKitObserver_.reset();
   screenTimeObserver_.reset();
-  observedTasks_.clear();
+  observedTasks_.emplace();
 }
 
 void TaskProcessor::processPendingHealthKitRequests(StoreContext& context) {

@@ -31,7 +31,8 @@ TaskProcessorReport TaskProcessorPass::run(const std::optional<std::set<qz::Uniq
   for (const Place& place : places)
     if (!process(place)) break;
   attempt("What this device has processed is not kept", [&] { keepDates(); });
-  if (!only && !report_.failure) keepHealthChange();
+  // The first number reopens nothing, whoever has seen it; what comes after it may.
+  if (!only && (haveSeenHealthChanges_ || !seenHealthChange_)) keepHealthChange();
   return report_;
 }
 
@@ -63,14 +64,18 @@ bool TaskProcessorPass::process(const Place& place) {
     });
     return true;
   } catch (const TaskProcessorSingleTaskOperation::ProcessorError& error) {
+    // Whoever processes it does what was to be done here, but may know of no change of health data.
     qz::log::info("Task {} is left out of the pass: {}", place.uniqueId, error.what());
-    return true;  // whoever processes it does what was to be done here
-  } catch (const qz::Error& error) {
+    if (place.isAutomatic) haveSeenHealthChanges_ = false;
+    return true;
+  } catch (const std::exception& error) {
     qz::log::error("Task {} could not be processed: {}", place.uniqueId, error.what());
     context_.rollback();
     if (!report_.failure) report_.failure = std::current_exception();
     const auto* store = dynamic_cast<const StoreError*>(&error);
-    return store == nullptr || !concernsTheWholeStore(*store);
+    const bool goesOn = store == nullptr || !concernsTheWholeStore(*store);
+    if (place.isAutomatic || !goesOn) haveSeenHealthChanges_ = false;
+    return goesOn;
   }
 }
 

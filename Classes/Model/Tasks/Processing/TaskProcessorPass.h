@@ -76,7 +76,7 @@ class TaskProcessorPass {
   bool process(const Place& place);
   void operate(TaskEntity& task);
   void noticeHealthChanges(const std::vector<Place>& places);
-  /// They are taken into account, but by tasks that failed.
+  /// Every automatic task has taken them into account, or there is nothing to take into account yet.
   void keepHealthChange();
   /// Lets the dates follow what was processed; writes where one has moved.
   void keepDates();
@@ -89,6 +89,7 @@ class TaskProcessorPass {
   LastProcessedDates::Dates processed_;  ///< of the tasks of this pass
   std::optional<std::int64_t> seenHealthChange_;
   std::optional<qz::QZHKChanges> healthChanges_;  ///< since that one; none where no task asks for them
+  bool haveSeenHealthChanges_ = true;             ///< no automatic task has failed or was left out
   TaskProcessorReport report_;
 };
 

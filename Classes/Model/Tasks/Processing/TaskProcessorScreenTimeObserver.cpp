@@ -36,10 +36,10 @@ TaskProcessorScreenTimeObserver::TaskProcessorScreenTimeObserver(qz::QZHealthSto
 
 TaskProcessorScreenTimeObserver::~TaskProcessorScreenTimeObserver() = default;
 
-void TaskProcessorScreenTimeObserver::observe(const std::vector<ObservedTask>& tasks) {
+StartedObservation TaskProcessorScreenTimeObserver::observe(const std::vector<ObservedTask>& tasks) {
   std::vector<qz::QZHKObserverQuery> queries;
   for (const MonitorRequest& request : monitorRequestsForTasks(tasks)) queries.push_back(queryFor(request));
-  queries_->observe(queries);
+  return queries_->observe(queries);
 }
 
 void TaskProcessorScreenTimeObserver::stop() noexcept { queries_->stop(); }

@@ -34,7 +34,7 @@ class TaskProcessorScreenTimeObserver final : public TaskProcessorObserver {
   ~TaskProcessorScreenTimeObserver() override;
 
   /// Where the health store refuses to observe for a task, a line of the log says so, and the next call tries again.
-  void observe(const std::vector<ObservedTask>& tasks) override;
+  StartedObservation observe(const std::vector<ObservedTask>& tasks) override;
   void stop() noexcept override;
 
   /// What data that come from now on are dealt with by; in the background to begin with.

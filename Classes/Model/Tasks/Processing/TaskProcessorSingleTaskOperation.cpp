@@ -5,10 +5,13 @@
 #include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
+#include <HabitraModel/Tasks/RepeatedWarnings.h>
 #include <HabitraModel/Tasks/RowOfTask.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZKit/Trap.h>
 #include <QZLog/Log.h>
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <optional>
@@ -36,6 +39,14 @@ bool wasProcessedToday(const TaskEntity& task, const TaskAssessment& assessment)
 
 bool hasFullEntry(const PeriodOfLog& period) {
   return std::ranges::any_of(period.entries, [](const LoggedEntry& entry) { return isFull(entry.entryType); });
+}
+
+/// A store that cannot be read has no data either, by its own word: to be asked for changes makes it say why. Throws
+/// qz::QZHealthStoreError.
+bool hasHealthData(const qz::QZHealthStore& health) {
+  if (health.isHealthDataAvailable()) return true;
+  (void)health.changesSince(0);
+  return health.isHealthDataAvailable();
 }
 
 /// Says of which days of the last pass and after there is nothing to fill in.
@@ -94,11 +105,12 @@ auto TaskProcessorSingleTaskOperation::run() -> Result {
   const ObjectID objectID = task_.objectID;
   managedObjectContext_.beginUnit();
   if (managedObjectContext_.sequence() != readAt) {
-    if (managedObjectContext_.find<TaskEntity>(objectID) == nullptr || !isActive(task_)) {
+    const bool isThere = managedObjectContext_.find<TaskEntity>(objectID) != nullptr && isActive(task_);
+    if (isThere) pass = prepare();
+    if (!isThere || !hasSomethingToWrite(pass)) {
       managedObjectContext_.rollback();
       return {};
     }
-    pass = prepare();
   }
   const Result result = _main(pass);
   managedObjectContext_.save({.author = Author::app});
@@ -121,7 +133,8 @@ auto TaskProcessorSingleTaskOperation::prepare() const -> Pass {
   Pass pass{.assessment = assess(managedObjectContext_, task_, environment_.calendars, now_, lastProcessedHere_)};
   TaskAssessment& assessment = pass.assessment;
   if (!assessment.history) {
-    qz::log::warning("The frequency of task {} cannot be read; it is left alone", task_.uniqueId.value_or(""));
+    warnOnce(task_,
+             fmt::format("The frequency of task {} cannot be read; it is left alone", task_.uniqueId.value_or("")));
     return pass;
   }
   pass.automatic = processAutomaticTaskUntilToday(assessment);
@@ -175,13 +188,8 @@ auto TaskProcessorSingleTaskOperation::_main(const Pass& pass) -> Result {
 AutomaticPlan TaskProcessorSingleTaskOperation::processAutomaticTaskUntilToday(const TaskAssessment& assessment) const {
   const auto type = automaticTypeOf(task_);
   if (!type || !measurementFamily(*type) || environment_.health == nullptr) return {};
-  if (!environment_.health->isHealthDataAvailable()) return {};
-  try {
-    return automaticEntries(assessment, *type);
-  } catch (const qz::QZHealthStoreError& error) {
-    qz::log::error("Health data of task {} cannot be read: {}", task_.uniqueId.value_or(""), error.what());
-    return {};
-  }
+  if (!hasHealthData(*environment_.health)) return {};
+  return automaticEntries(assessment, *type);
 }
 
 AutomaticPlan TaskProcessorSingleTaskOperation::automaticEntries(const TaskAssessment& assessment,

@@ -78,14 +78,17 @@ class TaskProcessorSingleTaskOperation {
                                    qz::QZHKChanges healthChanges = {});
 
   /// The pass over one task as a transaction of its own. Reads and walks without the writers' turn; takes it only when
-  /// there is something to write, and walks again if anything was saved in between. Throws ProcessorError.
+  /// there is something to write, and walks again if anything was saved in between. Throws ProcessorError, and
+  /// qz::QZHealthStoreError where the task asks for health data that cannot be read; nothing is written then, so that
+  /// no day is taken for one without data.
   Result run();
 
-  /// The same inside the caller's unit, which the caller saves. Throws ProcessorError. REQUIRES: the context is in a
-  /// unit.
+  /// The same inside the caller's unit, which the caller saves; nothing is changed where it throws these errors.
+  /// REQUIRES: the context is in a unit.
   Result runInUnit();
 
-  /// What a pass would add. Writes nothing, takes no turn, and may be asked while the task is being processed.
+  /// What a pass would add. Writes nothing, takes no turn, and may be asked while the task is being processed. Throws
+  /// qz::QZHealthStoreError.
   [[nodiscard]] SkipAndMissReport dryRun() const;
 
  private:

@@ -10,8 +10,6 @@ namespace habitra {
 
 namespace {
 
-/// Over all time there can be more judged periods than 16 bits count: a century of days, before a task was asked for by
-/// the month. The share says the same about as many as fit.
 std::int16_t storedSamples(std::int64_t numSamples) {
   return static_cast<std::int16_t>(std::min<std::int64_t>(numSamples, std::numeric_limits<std::int16_t>::max()));
 }

@@ -13,7 +13,9 @@ namespace habitra {
 [[nodiscard]] TaskTemporalDataEntity& findOrInsertTemporalData(StoreContext& context, const TaskEntity& task);
 
 /// Puts the figures into the record. The progress is that of the current period, for tasks whose progress is tracked.
-/// Stops the program when a count or a day does not fit its width.
+/// Stops the program when a day does not fit its width. Counts of samples are cut to their 16 bits: over all time a
+/// file may bring more judged periods than that (a century of days, of a task that is now asked for by the month), and
+/// the share says the same about as many as fit.
 void putFigures(TaskTemporalDataEntity& data, const TaskFigures& figures);
 
 }  // namespace habitra

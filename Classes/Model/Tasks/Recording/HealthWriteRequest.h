@@ -10,13 +10,6 @@
 
 namespace habitra {
 
-/// The values of HealthKitRequestEntity::status.
-namespace health_request_status {
-inline constexpr std::string_view pending = "pending";
-inline constexpr std::string_view done = "done";
-inline constexpr std::string_view failed = "failed";
-}  // namespace health_request_status
-
 /// The source of the samples that are written for entries.
 inline constexpr std::string_view healthSampleSource = "habitra";
 
