@@ -172,7 +172,6 @@ TEST_F(RecorderEffects, TheCompletionWaitsForTheCloudWhereItMay) {
   mainQueue_.drain();
   EXPECT_EQ(completed, 1);
 
-  cloud.answer();
   auto unsaved = requestFor({entry(task, Type::unknown, today)});
   unsaved.saveContext = false;
   recorder.record(
