@@ -6,6 +6,7 @@
 #include <HabitraModel/Tasks/Recording/LostBeginning.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace habitra {
 namespace {
@@ -23,13 +24,15 @@ qz::YYYYMMDD recordedBeginning(StoreContext& context, ObjectID task, qz::YYYYMMD
 
 }  // namespace
 
-std::vector<TaskLogEntryEntity> refutedByLostBeginning(StoreContext& context, const TaskLogEntryEntity& undone,
-                                                       qz::YYYYMMDD creationDay, const FilledInEntries& filledIn) {
+std::vector<LogKey> refutedByLostBeginning(StoreContext& context, const TaskLogEntryEntity& undone,
+                                           qz::YYYYMMDD creationDay, const FilledInEntries& filledIn) {
   if (undone.entryDate >= storedDay(creationDay)) return {};
   const qz::YYYYMMDD beginning = recordedBeginning(context, undone.task, creationDay);
   if (storedDay(beginning) <= undone.entryDate) return {};
-  auto refuted = context.fetchLogEntries(undone.task, undone.entryDate, storedDay(beginning.previousDay()));
-  std::erase_if(refuted, [](const TaskLogEntryEntity& row) { return !isFilledIn(row); });
+  std::vector<LogKey> refuted;
+  context.readLog(undone.task, undone.entryDate, storedDay(beginning.previousDay()), [&](const LogRow& row) {
+    if (isFilledIn(row)) refuted.push_back({undone.task, row.entryDate, row.objectID});
+  });
   std::ranges::copy(filledIn.refutedByEarlierBeginning(beginning), std::back_inserter(refuted));
   return refuted;
 }

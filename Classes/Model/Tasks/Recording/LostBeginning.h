@@ -12,9 +12,7 @@ namespace habitra {
 /// back (its day had been mistyped), the history begins with the earliest entry that a person or a device recorded, or
 /// with the creation day. These are the entries that were filled in from the day of `undone`, an undo in the log, up to
 /// there, and those of the period that then is asked for only in part. None where the beginning stays.
-[[nodiscard]] std::vector<TaskLogEntryEntity> refutedByLostBeginning(StoreContext& context,
-                                                                     const TaskLogEntryEntity& undone,
-                                                                     qz::YYYYMMDD creationDay,
-                                                                     const FilledInEntries& filledIn);
+[[nodiscard]] std::vector<LogKey> refutedByLostBeginning(StoreContext& context, const TaskLogEntryEntity& undone,
+                                                         qz::YYYYMMDD creationDay, const FilledInEntries& filledIn);
 
 }  // namespace habitra
