@@ -98,13 +98,13 @@ bool LogWalk::walkPart(const HistoryScope& scope, qz::YYYYMMDD last, const Perio
   if (walked_ && !HistoryWalk(rules_, part).canResume(*walked_)) return true;  // goes with the next part
   std::vector<LoggedEntry> entries = read(storedDay(last));
   if (reachesBack(entries)) return false;
+  const HistoryResult result = walkRest(part, entries);
+  if (!result.checkpoint) return true;
   // The periods after the checkpoint are walked again with the next part.
-  const std::int32_t closed = storedDay(*part.checkpointDay);
-  const auto visitClosed = [&](const WalkedPeriod& period) {
+  const auto visitClosed = [&visit, closed = result.checkpoint->closedThrough](const WalkedPeriod& period) {
     if (period.to <= closed) visit(period);
   };
-  HistoryResult result = walkRest(part, std::move(entries), visit ? PeriodVisitor(visitClosed) : PeriodVisitor());
-  if (!result.checkpoint) return true;
+  if (visit) (void)walkRest(part, std::move(entries), visitClosed);
   walked_ = result.checkpoint;
   for (const FillIn& fillIn : result.fillIns)
     if (storedDay(fillIn.period.finishDate) <= walked_->closedThrough) fillIns_.push_back(fillIn);
