@@ -43,10 +43,10 @@ struct ChosenDay {
 /// A clock that has fallen back by years would put today's entry there, and every day since would count as missed.
 /// Whoever flew west may be a day before the one that the habit was made on.
 void checkToday(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
-  if (!task.created || today >= calendar.day(*task.created).previousDay()) return;
+  const auto created = calendar.creationDay(task);
+  if (!created || today >= created->previousDay()) return;
   throw qz::Error(fmt::format("the clock says {}, but '{}' was made on {}: set the clock, or say which day is meant",
-                              today.debugDescription(), task.title.value_or(""),
-                              calendar.day(*task.created).debugDescription()));
+                              today.debugDescription(), task.title.value_or(""), created->debugDescription()));
 }
 
 /// Throws qz::Error for a day that lies in the future, and for a today that cannot be.

@@ -8,6 +8,9 @@
 /// Days as attributes keep them: in their integer form, 0 for none.
 namespace habitra {
 
+/// Days before it come from no calendar that a person kept.
+inline constexpr qz::YYYYMMDD earliestKeptDay(1, 1, 1);
+
 /// Days after it come from no calendar that a person kept, and what follows from them may not fit a column.
 inline constexpr qz::YYYYMMDD latestKeptDay(9999, 12, 31);
 

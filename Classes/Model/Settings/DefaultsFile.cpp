@@ -2,6 +2,7 @@
 #include <HabitraModel/Store/Files/HomeFolder.h>
 #include <HabitraModel/Store/Files/SystemFailure.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <QZKit/FileDescriptor.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -34,23 +35,6 @@ using namespace std::chrono_literals;
   failWithErrno(what, path);
 }
 
-/// An open file, closed at the end.
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int get() const { return descriptor_; }
-  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-
- private:
-  int descriptor_;
-};
-
 void requireOwnPlainFile(int descriptor, const std::filesystem::path& path) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) fail("cannot look at", path);
@@ -73,7 +57,7 @@ void writeAll(int descriptor, std::string_view content, const std::filesystem::p
 }
 
 void writeNewFile(const std::filesystem::path& path, std::string_view content) {
-  const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  const qz::FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
   if (!file.isOpen()) fail("cannot make", path);
   if (::fchmod(file.get(), 0600) != 0) fail("cannot protect", path);
   writeAll(file.get(), content, path);
@@ -81,7 +65,7 @@ void writeNewFile(const std::filesystem::path& path, std::string_view content) {
 }
 
 void flushFolder(const std::filesystem::path& folder) {
-  const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const qz::FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!descriptor.isOpen() || ::fsync(descriptor.get()) != 0) fail("cannot flush the folder", folder);
 }
 
@@ -89,7 +73,7 @@ void flushFolder(const std::filesystem::path& folder) {
 
 std::optional<std::string> readDefaultsFile(const std::filesystem::path& file) {
   // Without O_NONBLOCK the opening of a pipe would wait for its writer.
-  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  const qz::FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.isOpen()) {
     if (errno == ENOENT) return std::nullopt;
     fail("cannot read", file);

@@ -31,7 +31,7 @@ class WritersTurn;
 class Store : public std::enable_shared_from_this<Store> {
  public:
   /// The version of the layout that this program reads and writes; kept in the file as SQLite's user_version.
-  static constexpr int schemaVersion = 4;
+  static constexpr int schemaVersion = 3;
   /// "Hbtr", kept in the file as SQLite's application_id.
   static constexpr std::int32_t applicationID = 0x48627472;
 

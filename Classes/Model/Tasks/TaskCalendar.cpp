@@ -1,3 +1,4 @@
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/TaskEntity.h>
 #include <HabitraModel/Tasks/RepeatedWarnings.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
@@ -7,6 +8,13 @@
 #include <utility>
 
 namespace habitra {
+
+std::optional<qz::YYYYMMDD> TaskCalendar::creationDay(const TaskEntity& task) const {
+  if (!task.created) return std::nullopt;
+  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
+  const qz::YYYYMMDD day(startOfDay, *task.created, zone.value_or(timeZone));
+  return earliestKeptDay <= day && day <= latestKeptDay ? std::optional(day) : std::nullopt;
+}
 
 TaskCalendars::TaskCalendars(qz::TimeZone deviceTimeZone, qz::HHMMSS startOfDay)
     : device_{startOfDay, std::move(deviceTimeZone)} {}

@@ -5,6 +5,8 @@
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Clock.h>
 
+#include <optional>
+
 namespace habitra {
 
 struct TaskEntity;
@@ -18,6 +20,9 @@ struct TaskCalendar {
   [[nodiscard]] qz::YYYYMMDD day(qz::Moment moment) const { return {startOfDay, moment, timeZone}; }
   /// The first moment of a day.
   [[nodiscard]] qz::Moment beginning(qz::YYYYMMDD day) const { return day.beginning(startOfDay, timeZone); }
+  /// The day that the task was made on, by the clock of the zone it was made in: elsewhere the same moment can be the
+  /// day before, which was no day of its history. None where that is not known, or is no day that a person kept.
+  [[nodiscard]] std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task) const;
 };
 
 /// Tells the calendar of each task. A value; safe from any thread.

@@ -86,12 +86,9 @@ class HealthTrouble : public TaskWorld {
     health_.save(std::span(&sample, 1));
   }
   TaskProcessor::Environment environment() {
-    return {.dataManager = manager_,
-            .mainQueue = mainQueue_,
-            .receivers = receivers_.all(),
-            .health = &health_,
-            .calendars = [this](StoreContext&) { return calendars_; },
-            .viewContext = [this] { return context_.get(); }};
+    auto withHealth = TestProgram::environment();
+    withHealth.health = &health_;
+    return withHealth;
   }
   TaskProcessorReport pass() { return walking_.processAllTasks(*context_, clock_->now()); }
   std::string dayOf(const TaskEntity& task, std::string_view day) {

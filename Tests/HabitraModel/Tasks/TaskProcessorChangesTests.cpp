@@ -88,11 +88,9 @@ TEST_F(Changes, ThatCannotBeMadeChangeNothing) {
             "2024-02-01 has not come yet for 'Read'");
   EXPECT_EQ(set(task, {{today, Type::missedAutomaticallyFull}}), "a day cannot be set to missedAutomaticallyFull");
   EXPECT_EQ(set(task, {}), "No log entry data");
-  TaskProcessor mistaken({.dataManager = manager_,
-                          .mainQueue = mainQueue_,
-                          .receivers = receivers_.all(),
-                          .calendars = [](StoreContext&) -> TaskCalendars { throw std::logic_error("a mistake"); },
-                          .viewContext = [this] { return context_.get(); }});
+  auto mistake = environment();
+  mistake.calendars = [](StoreContext&) -> TaskCalendars { throw std::logic_error("a mistake"); };
+  TaskProcessor mistaken(mistake);
   mistaken.setBulkDayStatuses(*context_, task, {{today, Type::completedManuallyFull}}, {});
   mainQueue_.drain();
   EXPECT_FALSE(context_->isInUnit());

@@ -84,7 +84,7 @@ TEST_F(Passes, NoneRunsDuringMaintenanceAndOneAfterIt) {
   TaskProcessor processor({.dataManager = manager,
                            .mainQueue = mainQueue_,
                            .receivers = receivers_.all(),
-                           .calendars = [this](StoreContext&) { return calendars_; },
+                           .calendars = environment().calendars,
                            .viewContext = [&] { return context.get(); }});
   std::optional<TaskProcessorReport> report;
   manager.performMaintenance([&] {

@@ -20,15 +20,17 @@
 #include <string_view>
 #include <vector>
 
-#include "TestReceivers.h"
+#include "TestProgram.h"
 
 namespace habitra {
 
 inline qz::Moment at(std::string_view text) { return qz::momentFromISO8601(text).value(); }
 
-/// A store in memory with a recorder and a processor on it, as a front end wires them, and a clock to turn.
-class TaskWorld : public testing::Test {
+/// A program on a store in memory; midday of 31 January 2024.
+class TaskWorld : public testing::Test, protected TestProgram {
  protected:
+  TaskWorld() : TestProgram(at("2024-01-31T12:00:00Z")) {}
+
   TaskEntity& addTask(std::string title = "Read") {
     TaskEntity values = newlyMadeTask(std::move(title), qz::DayOfWeek::monday, clock_->now(), "UTC");
     TaskEntity& task = context_->insert(values);
@@ -84,19 +86,6 @@ class TaskWorld : public testing::Test {
       return caught.what();
     }
   }
-
-  std::shared_ptr<SettableClock> clock_ = std::make_shared<SettableClock>(at("2024-01-31T12:00:00Z"));
-  DataManager manager_{DataManager::ContainerLocation::inMemory(), clock_};
-  std::unique_ptr<StoreContext> context_ = manager_.context();
-  TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
-  qz::MainQueue mainQueue_;
-  TestReceivers receivers_;
-  TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  TaskProcessor processor_{{.dataManager = manager_,
-                            .mainQueue = mainQueue_,
-                            .receivers = receivers_.all(),
-                            .calendars = [this](StoreContext&) { return calendars_; },
-                            .viewContext = [this] { return context_.get(); }}};
 };
 
 }  // namespace habitra

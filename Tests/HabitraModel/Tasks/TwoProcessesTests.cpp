@@ -27,9 +27,9 @@ int daysToLive() {
 }
 
 /// A program on the store of a home.
-class Program {
+class Program : TestProgram {
  public:
-  explicit Program(const std::filesystem::path& home) : manager_(DataManager::storeLocation(home), clock_) {}
+  explicit Program(const std::filesystem::path& home) : TestProgram(noon(firstDay), DataManager::storeLocation(home)) {}
 
   void goTo(int day) { clock_->set(noon(firstDay.add(day))); }
   void addHabits() {
@@ -87,19 +87,6 @@ class Program {
     return day.beginning(qz::HHMMSS::midnight, qz::TimeZone::utc()) + std::chrono::hours(12);
   }
   TaskEntity& task(int habit) { return *context_->find<TaskEntity>("title", fmt::format("Habit {}", habit)); }
-
-  std::shared_ptr<SettableClock> clock_ = std::make_shared<SettableClock>(noon(firstDay));
-  DataManager manager_;
-  std::unique_ptr<StoreContext> context_ = manager_.context();
-  TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
-  qz::MainQueue mainQueue_;
-  TestReceivers receivers_;
-  TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  TaskProcessor processor_{{.dataManager = manager_,
-                            .mainQueue = mainQueue_,
-                            .receivers = receivers_.all(),
-                            .calendars = [this](StoreContext&) { return calendars_; },
-                            .viewContext = [this] { return context_.get(); }}};
 };
 
 /// One records while the other processes, day by day: nothing is lost, nothing filled in twice, and no automatic entry

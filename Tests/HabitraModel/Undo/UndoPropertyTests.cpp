@@ -23,7 +23,7 @@
 #include <vector>
 
 // Whatever a person did and took back, all must be as if it had never been asked for.
-#include "../Tasks/TestReceivers.h"
+#include "../Tasks/TestProgram.h"
 
 namespace habitra {
 namespace {
@@ -61,9 +61,9 @@ struct Step {
 };
 
 /// A person with up to three habits, a program that measures some of them, and the passes of every day.
-class Life {
+class Life : TestProgram {
  public:
-  explicit Life(std::uint64_t seed) : seed_(seed) {}
+  explicit Life(std::uint64_t seed) : TestProgram(qz::momentFromISO8601("2024-01-24T12:00:00Z").value()), seed_(seed) {}
 
   /// Gives the transaction of a step that changed something, but for passes.
   std::optional<std::int64_t> live(const Step& step) {
@@ -237,19 +237,6 @@ class Life {
   }
 
   std::uint64_t seed_;
-  std::shared_ptr<SettableClock> clock_ =
-      std::make_shared<SettableClock>(qz::momentFromISO8601("2024-01-24T12:00:00Z").value());
-  std::unique_ptr<StoreContext> context_ = std::make_unique<StoreContext>(Store::inMemory(clock_));
-  TaskCalendars calendars_{qz::TimeZone::utc(), qz::HHMMSS::midnight};
-  qz::MainQueue mainQueue_;
-  TestReceivers receivers_;
-  TaskLogRecorder recorder_{calendars_, mainQueue_, receivers_.all()};
-  DataManager manager_{DataManager::ContainerLocation::inMemory(), clock_};
-  TaskProcessor processor_{{.dataManager = manager_,
-                            .mainQueue = mainQueue_,
-                            .receivers = receivers_.all(),
-                            .calendars = [this](StoreContext&) { return calendars_; },
-                            .viewContext = [this] { return context_.get(); }}};
   UndoStack stack_{calendars_};
 };
 

@@ -173,7 +173,7 @@ constexpr std::array<std::string_view, 26> toVersion2{
 constexpr std::array<std::string_view, 2> toVersion3{
     R"(CREATE TABLE habitra_outbox (
   link TEXT NOT NULL,
-  task TEXT NOT NULL,
+  task INTEGER NOT NULL REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
   due INTEGER NOT NULL,
   revision INTEGER NOT NULL,
   PRIMARY KEY (link, task)
@@ -181,24 +181,9 @@ constexpr std::array<std::string_view, 2> toVersion3{
     "CREATE INDEX HealthKitRequestEntity_status ON HealthKitRequestEntity(status) WHERE status IS 'pending'",
 };
 
-constexpr std::array<std::string_view, 4> toVersion4{
-    "ALTER TABLE habitra_outbox RENAME TO habitra_outbox_3",
-    R"(CREATE TABLE habitra_outbox (
-  link TEXT NOT NULL,
-  task INTEGER NOT NULL REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
-  due INTEGER NOT NULL,
-  revision INTEGER NOT NULL,
-  PRIMARY KEY (link, task)
-) STRICT, WITHOUT ROWID)",
-    R"(INSERT INTO habitra_outbox SELECT waiting.link, task.objectID, waiting.due, waiting.revision
-  FROM habitra_outbox_3 waiting JOIN TaskEntity task ON task.uniqueId=waiting.task)",
-    "DROP TABLE habitra_outbox_3",
-};
-
 constexpr std::array migrations{
     Migration{2, toVersion2},
     Migration{3, toVersion3},
-    Migration{4, toVersion4},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <HabitraModel/Store/Files/StoreChangeSignal.h>
 #include <HabitraModel/Store/Files/StoreChangeWatcher.h>
 #include <HabitraModel/Store/StoreError.h>
+#include <QZKit/FileDescriptor.h>
 #include <QZLog/Log.h>
 
 #include <fmt/format.h>
@@ -43,27 +44,17 @@ constexpr std::chrono::seconds timeBetweenAttempts{1};
                                           : std::generic_category().message(error) + "; check the path"));
 }
 
-/// A file descriptor that is closed with its owner.
-class Descriptor {
- public:
-  Descriptor(int descriptor, const std::filesystem::path& folder) : descriptor_(descriptor) {
-    if (descriptor < 0) failToWatch(folder);
-  }
-  ~Descriptor() { ::close(descriptor_); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int get() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
+/// Throws what failToWatch() does when the system has given none.
+int required(int descriptor, const std::filesystem::path& folder) {
+  if (descriptor < 0) failToWatch(folder);
+  return descriptor;
+}
 
 /// Watches a file, and its folder for as long as that is not there.
 class FileNotifications {
  public:
   explicit FileNotifications(const std::filesystem::path& file)
-      : path_(file), folder_(file.parent_path()), queue_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), folder_) {
+      : path_(file), folder_(file.parent_path()), queue_(required(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), folder_)) {
     watch();
   }
 
@@ -107,7 +98,7 @@ class FileNotifications {
  private:
   std::filesystem::path path_;
   std::filesystem::path folder_;
-  Descriptor queue_;
+  qz::FileDescriptor queue_;
   int home_ = -1;
   int file_ = -1;
 };
@@ -118,13 +109,13 @@ class FileNotifications {
 class StoreChangeWatcher::Watching {
  public:
   Watching(const std::filesystem::path& file, std::function<void()> onChange)
-      : onChange_(std::move(onChange)), event_(::eventfd(0, EFD_CLOEXEC), file.parent_path()) {
+      : onChange_(std::move(onChange)), event_(required(::eventfd(0, EFD_CLOEXEC), file.parent_path())) {
     notifications_.emplace(file);
     thread_ = std::thread([this] { run(); });
   }
 
   Watching(ChangeListeners& listeners, std::function<void()> onChange)
-      : onChange_(std::move(onChange)), event_(::eventfd(0, EFD_CLOEXEC), {}) {
+      : onChange_(std::move(onChange)), event_(required(::eventfd(0, EFD_CLOEXEC), {})) {
     listening_ = listeners.listen([this] { ring(); });
     thread_ = std::thread([this] { run(); });
   }
@@ -193,7 +184,7 @@ class StoreChangeWatcher::Watching {
   }
 
   std::function<void()> onChange_;
-  Descriptor event_;
+  qz::FileDescriptor event_;
   std::optional<FileNotifications> notifications_;
   std::shared_ptr<void> listening_;
   std::atomic<bool> isEnding_{false};

@@ -13,7 +13,7 @@ namespace habitra {
 
 namespace {
 
-/// What came with the data.
+/// What came with the data; what the health store tells of by itself comes in the background.
 struct Circumstances {
   ApplicationState applicationState = ApplicationState::background;
   LayoutDirection layoutDirection = LayoutDirection::leftToRight;
@@ -51,16 +51,14 @@ bool isUrgent(const TaskProcessorReport& report, ApplicationState state) {
 class ObservedHealthQueries::State : public std::enable_shared_from_this<State> {
  public:
   State(qz::QZHealthStore& healthStore, qz::SerialQueue& queue, qz::NotificationCenter& notifications,
-        ProcessTasks processTasks, LayoutDirection layoutDirection)
+        ProcessTasks processTasks)
       : healthStore_(healthStore),
         queue_(queue),
         notifications_(notifications),
-        processTasks_(std::move(processTasks)),
-        layoutDirection_(layoutDirection) {}
+        processTasks_(std::move(processTasks)) {}
 
   StartedObservation observe(const std::vector<qz::QZHKObserverQuery>& queries);
   void stop() noexcept;
-  void setApplicationState(ApplicationState state) { applicationState_ = state; }
   void processBackgroundHealthKitData(const qz::QZHKObserverQuery& query, const Circumstances& circumstances,
                                       const Completion& completion);
 
@@ -83,8 +81,6 @@ class ObservedHealthQueries::State : public std::enable_shared_from_this<State> 
   qz::SerialQueue& queue_;
   qz::NotificationCenter& notifications_;
   const ProcessTasks processTasks_;
-  const LayoutDirection layoutDirection_;
-  std::atomic<ApplicationState> applicationState_ = ApplicationState::background;
 
   std::mutex changing_;  // held by observe() and stop(), which the health store's threads never wait for
   std::mutex mutex_;
@@ -126,7 +122,7 @@ bool ObservedHealthQueries::State::start(const qz::QZHKObserverQuery& query) {
   try {
     healthStore_.startObserving(query, [this](const qz::QZHKObserverQuery& told, const auto&) {
       qz::log::info("Health data received");
-      processBackgroundHealthKitData(told, {applicationState_, layoutDirection_}, nullptr);
+      processBackgroundHealthKitData(told, {}, nullptr);
     });
     return true;
   } catch (const std::exception& error) {
@@ -237,10 +233,8 @@ void ObservedHealthQueries::State::tell(const TaskProcessorReport& report, Appli
 }
 
 ObservedHealthQueries::ObservedHealthQueries(qz::QZHealthStore& healthStore, qz::SerialQueue& processorQueue,
-                                             qz::NotificationCenter& notifications, ProcessTasks processTasks,
-                                             LayoutDirection layoutDirection)
-    : state_(std::make_shared<State>(healthStore, processorQueue, notifications, std::move(processTasks),
-                                     layoutDirection)) {}
+                                             qz::NotificationCenter& notifications, ProcessTasks processTasks)
+    : state_(std::make_shared<State>(healthStore, processorQueue, notifications, std::move(processTasks))) {}
 
 ObservedHealthQueries::~ObservedHealthQueries() { stop(); }
 
@@ -249,8 +243,6 @@ StartedObservation ObservedHealthQueries::observe(const std::vector<qz::QZHKObse
 }
 
 void ObservedHealthQueries::stop() noexcept { state_->stop(); }
-
-void ObservedHealthQueries::setApplicationState(ApplicationState state) { state_->setApplicationState(state); }
 
 void ObservedHealthQueries::processBackgroundHealthKitData(const qz::QZHKObserverQuery& query,
                                                            ApplicationState applicationState,

@@ -6,7 +6,6 @@
 #include <QZKit/NotificationCenter.h>
 #include <QZKit/SerialQueue.h>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -27,8 +26,7 @@ class ObservedHealthQueries {
 
   /// The references must live as long as this object.
   ObservedHealthQueries(qz::QZHealthStore& healthStore, qz::SerialQueue& processorQueue,
-                        qz::NotificationCenter& notifications, ProcessTasks processTasks,
-                        LayoutDirection layoutDirection);
+                        qz::NotificationCenter& notifications, ProcessTasks processTasks);
   ~ObservedHealthQueries();
   ObservedHealthQueries(const ObservedHealthQueries&) = delete;
   ObservedHealthQueries& operator=(const ObservedHealthQueries&) = delete;
@@ -39,9 +37,6 @@ class ObservedHealthQueries {
   StartedObservation observe(const std::vector<qz::QZHKObserverQuery>& queries);
   /// See TaskProcessorObserver.
   void stop() noexcept;
-
-  /// From now on; the background to begin with.
-  void setApplicationState(ApplicationState state);
 
   /// Data have come for a query: refuses one that is being handled, and does nothing for one that is not observed.
   void processBackgroundHealthKitData(const qz::QZHKObserverQuery& query, ApplicationState applicationState,

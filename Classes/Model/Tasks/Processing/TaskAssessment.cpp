@@ -1,6 +1,7 @@
 #include <HabitraCore/FutureEntries.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
+#include <HabitraModel/Tasks/LogBeginning.h>
 #include <HabitraModel/Tasks/Processing/LogWalk.h>
 #include <HabitraModel/Tasks/Processing/TaskAssessment.h>
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
@@ -23,8 +24,6 @@ namespace {
 constexpr std::int64_t checkpointDistance = 11;
 /// A walk of this many days more than it needs is still quick; after that a newer checkpoint pays.
 constexpr std::int64_t checkpointPatience = 62;
-/// Days beyond these come from no calendar that a person kept.
-constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
 
 /// What the content of a stored checkpoint holds, beside its two columns.
 struct CheckpointContent {
@@ -80,29 +79,6 @@ qz::YYYYMMDD checkpointDay(const TaskFrequency& frequency, qz::YYYYMMDD today) {
   return firstSampledDay(frequency, today).value_or(today).add(-checkpointDistance);
 }
 
-/// The day that an attribute keeps, if the calendar has it: a row may say anything.
-std::optional<qz::YYYYMMDD> existingDay(std::int32_t stored) {
-  const auto day = existingDayFromStored(stored);
-  return day && *day >= earliestDay ? day : std::nullopt;
-}
-
-/// Where the task's log begins, up to `today`.
-HistoryScope::LogBeginning beginningOfLog(StoreContext& context, const TaskEntity& task, std::int32_t today) {
-  HistoryScope::LogBeginning log;
-  const auto earliest = context.earliestEntryDay(task.objectID);
-  if (!earliest || *earliest > today) return log;
-  const auto look = [&](const LogRow& row) {
-    if (log.firstKeptDay) return;
-    const auto day = existingDay(row.entryDate);
-    if (!log.firstEntryDay) log.firstEntryDay = day;
-    if (marksHistory(entryTypeFromStored(row.entryType))) log.firstKeptDay = day;
-  };
-  // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
-  context.readLog(task.objectID, *earliest, *earliest, look);
-  if (!log.firstKeptDay) context.readLog(task.objectID, *earliest, today, look);
-  return log;
-}
-
 /// What the log holds beyond today.
 struct LaterEntries {
   std::vector<LogKey> future;      ///< to delete
@@ -143,13 +119,9 @@ LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const T
   return later;
 }
 
-/// The day the task was made on, by the clock of the zone it was made in: elsewhere the same moment can be the day
-/// before, which was no day of its history.
+/// What does not say when it was made began today.
 qz::YYYYMMDD creationDay(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD today) {
-  if (!task.created) return today;
-  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
-  const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
-  return day < earliestDay || day > today ? today : day;
+  return std::min(calendar.creationDay(task).value_or(today), today);
 }
 
 /// The day of the last pass over a task.
@@ -166,7 +138,7 @@ HistoryScope scopeOf(StoreContext& context, const TaskEntity& task, const TaskAs
   const qz::YYYYMMDD today = assessment.today;
   if (processed) processed = processed->add(-passOverlap);
   HistoryScope scope = HistoryScope::of(creationDay(task, calendar, today),
-                                        beginningOfLog(context, task, storedDay(today)), processed, today);
+                                        beginningOfLog(context, task.objectID, storedDay(today)), processed, today);
   scope.checkpointDay = checkpointDay(assessment.rules->frequency, today);
   return scope;
 }
@@ -232,7 +204,7 @@ TaskAssessment assess(StoreContext& context, const TaskEntity& task, const TaskC
   assessment.premature = std::move(later.premature);
   assessment.ahead = std::move(later.ahead);
   assessment.rules = rulesOf(context, task);
-  if (assessment.today < earliestDay) assessment.rules.reset();  // no calendar that a person keeps
+  if (assessment.today < earliestKeptDay) assessment.rules.reset();  // no calendar that a person keeps
   if (assessment.rules && !HistoryWalk::supports(assessment.rules->frequency)) assessment.rules = std::nullopt;
   if (!assessment.rules) return assessment;
   assessment.processedThrough = processedThrough(task, assessment, lastProcessedHere);
@@ -269,10 +241,10 @@ std::vector<FillIn> fillInsBefore(StoreContext& context, const TaskEntity& task,
                                   qz::YYYYMMDD from, qz::YYYYMMDD day) {
   const TaskCalendar calendar = calendars.of(task);
   const auto rules = rulesOf(context, task);
-  if (!rules || day < earliestDay || !HistoryWalk::supports(rules->frequency)) return {};
+  if (!rules || day < earliestKeptDay || !HistoryWalk::supports(rules->frequency)) return {};
   const std::int32_t lastDay = storedDay(day.previousDay());
-  HistoryScope scope =
-      HistoryScope::of(creationDay(task, calendar, day), beginningOfLog(context, task, lastDay), std::nullopt, day);
+  HistoryScope scope = HistoryScope::of(creationDay(task, calendar, day),
+                                        beginningOfLog(context, task.objectID, lastDay), std::nullopt, day);
   scope.fillFrom = from;
   return LogWalk(context, task.objectID, *rules, calendar, lastDay).run(scope, std::nullopt).fillIns;
 }

@@ -3,7 +3,6 @@
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorInitialStreak.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorTools.h>
-#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
@@ -38,39 +37,20 @@ void check(const TaskEntity& task, const TaskProcessor::DayStatuses& statuses, q
   }
 }
 
-/// The day on which the task was made, where it was made.
-std::optional<qz::YYYYMMDD> createdDay(const TaskEntity& task, const TaskCalendar& calendar) {
-  if (!task.created) return std::nullopt;
-  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
-  return qz::YYYYMMDD(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
-}
-
 void setCreated(TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMMDD day) {
   task.created = calendar.beginning(day);
   task.createdTimeZone = calendar.timeZone.identifier();
 }
 
-/// What was filled in for the counting period of a day took into account how much of it there was of the task.
-void removeFilledIn(StoreContext& context, const TaskEntity& task, qz::YYYYMMDD day) {
-  const auto rules = rulesWithoutPauses(task);
-  if (!rules) return;
-  const DatedPeriod counting(day, rules->frequency.periodTypeForCompletionCountCalculation(), rules->firstDayOfWeek,
-                             rules->referenceDate);
-  for (const TaskLogEntryEntity& row : context.fetchLogEntries(task.objectID, storedDay(counting.period.startDate),
-                                                               storedDay(counting.period.finishDate)))
-    if (isFilledIn(row)) context.removeLogEntry(row.key());
-}
-
-/// Lets the task have been made on the earliest of the days at the latest.
-void coverDays(StoreContext& context, TaskEntity& task, const TaskCalendar& calendar,
-               const TaskProcessor::DayStatuses& statuses) {
+/// Lets the task have been made on the earliest of the days at the latest. To be called once they are recorded: what
+/// an earlier beginning refutes, the recorder sees by the day that the task was made on until now.
+void coverDays(TaskEntity& task, const TaskCalendar& calendar, const TaskProcessor::DayStatuses& statuses) {
   const auto earliest =
       std::ranges::find_if(statuses, [](const auto& status) { return status.second != TaskLogEntryType::unknown; });
-  const auto created = createdDay(task, calendar);
+  const auto created = calendar.creationDay(task);
   if (earliest == statuses.end() || !created || earliest->first >= *created) return;
   qz::log::info("Modifying task created date from {} to {}", created->debugDescription(),
                 earliest->first.debugDescription());
-  removeFilledIn(context, task, *created);
   setCreated(task, calendar, earliest->first);
 }
 
@@ -113,7 +93,6 @@ void TaskProcessor::setBulkDayStatuses(StoreContext& context, TaskEntity& task, 
     Tools tools(environment_, context);
     const TaskCalendar calendar = tools.calendars.of(task);
     check(task, statuses, calendar.day(now));
-    coverDays(context, task, calendar, statuses);
     const auto rules = rulesWithoutPauses(task);
     TaskLogRecorder::Request request = tools.request(TaskModifyContext::userInitiatedFromMainApp, calendar, now);
     request.notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::delayed;
@@ -123,6 +102,7 @@ void TaskProcessor::setBulkDayStatuses(StoreContext& context, TaskEntity& task, 
       request.logEntries.push_back(entryFor(period, type, calendar, now));
     }
     tools.recorder.recordNow(task, request);
+    coverDays(task, calendar, statuses);
     process(context, task, now);
     context.save({.author = Author::app,
                   .command = fmt::format("set {} days of '{}'", statuses.size(), task.title.value_or(""))});

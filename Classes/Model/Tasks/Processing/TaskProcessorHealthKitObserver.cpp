@@ -10,10 +10,9 @@ namespace habitra {
 TaskProcessorHealthKitObserver::TaskProcessorHealthKitObserver(qz::QZHealthStore& healthStore,
                                                                qz::SerialQueue& processorQueue,
                                                                qz::NotificationCenter& notifications,
-                                                               ProcessTasks processTasks,
-                                                               LayoutDirection layoutDirection)
+                                                               ProcessTasks processTasks)
     : queries_(std::make_unique<ObservedHealthQueries>(healthStore, processorQueue, notifications,
-                                                       std::move(processTasks), layoutDirection)) {}
+                                                       std::move(processTasks))) {}
 
 TaskProcessorHealthKitObserver::~TaskProcessorHealthKitObserver() = default;
 
@@ -22,10 +21,6 @@ StartedObservation TaskProcessorHealthKitObserver::observe(const std::vector<Obs
 }
 
 void TaskProcessorHealthKitObserver::stop() noexcept { queries_->stop(); }
-
-void TaskProcessorHealthKitObserver::setApplicationState(ApplicationState state) {
-  queries_->setApplicationState(state);
-}
 
 std::vector<qz::QZHKObserverQuery> TaskProcessorHealthKitObserver::observerQueriesForTasks(
     const std::vector<ObservedTask>& tasks) {

@@ -33,17 +33,13 @@ class TaskProcessorHealthKitObserver final : public TaskProcessorObserver {
 
   /// The references must live as long as this object, which starts nothing before it is given tasks.
   TaskProcessorHealthKitObserver(qz::QZHealthStore& healthStore, qz::SerialQueue& processorQueue,
-                                 qz::NotificationCenter& notifications, ProcessTasks processTasks,
-                                 LayoutDirection layoutDirection = LayoutDirection::leftToRight);
+                                 qz::NotificationCenter& notifications, ProcessTasks processTasks);
   /// As stop().
   ~TaskProcessorHealthKitObserver() override;
 
   /// Where the health store refuses to observe for a task, a line of the log says so, and the next call tries again.
   StartedObservation observe(const std::vector<ObservedTask>& tasks) override;
   void stop() noexcept override;
-
-  /// What data that come from now on are dealt with by; in the background to begin with.
-  void setApplicationState(ApplicationState state);
 
   /// One query for each task that health data complete, under the task's identifier; for tasks of the same identifier
   /// one that has the types of all, as often as the one that is told most often.

@@ -1,4 +1,5 @@
 #include <HabitraCore/HistoryWalk.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorInitialStreak.h>
 #include <QZKit/Error.h>
 
@@ -9,8 +10,6 @@ namespace habitra {
 namespace {
 
 using DayMode = TaskFrequency::DayMode;
-
-constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
 
 TaskFrequencyPeriod dayPeriod(qz::YYYYMMDD day, const TaskRules& rules) {
   return DatedPeriod(day, TaskFrequencyPeriodType::day, rules.firstDayOfWeek).period;
@@ -49,7 +48,7 @@ std::vector<TaskFrequencyPeriod> lastDuePeriods(const TaskRules& rules, qz::YYYY
   const TaskFrequency& frequency = rules.frequency;
   const bool isInterval = frequency.dayMode == DayMode::dayInterval;
   const auto checked = [&](std::vector<TaskFrequencyPeriod> periods) {
-    if (!periods.empty() && periods.front().startDate < earliestDay)
+    if (!periods.empty() && periods.front().startDate < earliestKeptDay)
       throw qz::Error(fmt::format("a streak of {} would begin before any calendar", count));
     return periods;
   };
@@ -60,13 +59,13 @@ std::vector<TaskFrequencyPeriod> lastDuePeriods(const TaskRules& rules, qz::YYYY
   const auto wanted = static_cast<std::size_t>(count);
   const std::int64_t perPeriod = nominalLength(frequency.periodTypeForCompletionCountCalculation());
   for (std::int64_t days = (count + 2) * std::max<std::int64_t>(perPeriod, 7);; days *= 2) {
-    const qz::YYYYMMDD first = std::max(today.add(-days), earliestDay);
+    const qz::YYYYMMDD first = std::max(today.add(-days), earliestKeptDay);
     std::vector<TaskFrequencyPeriod> due = duePeriods(rules, first, today);
     if (due.size() >= wanted) {
       due.erase(due.begin(), due.end() - static_cast<std::ptrdiff_t>(wanted));
       return due;
     }
-    if (first == earliestDay) throw qz::Error(fmt::format("a streak of {} would begin before any calendar", count));
+    if (first == earliestKeptDay) throw qz::Error(fmt::format("a streak of {} would begin before any calendar", count));
   }
 }
 

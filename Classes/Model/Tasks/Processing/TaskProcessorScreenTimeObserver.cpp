@@ -29,10 +29,9 @@ qz::QZHKObserverQuery queryFor(const MonitorRequest& request) {
 TaskProcessorScreenTimeObserver::TaskProcessorScreenTimeObserver(qz::QZHealthStore& healthStore,
                                                                  qz::SerialQueue& processorQueue,
                                                                  qz::NotificationCenter& notifications,
-                                                                 ProcessTasks processTasks,
-                                                                 LayoutDirection layoutDirection)
+                                                                 ProcessTasks processTasks)
     : queries_(std::make_unique<ObservedHealthQueries>(healthStore, processorQueue, notifications,
-                                                       std::move(processTasks), layoutDirection)) {}
+                                                       std::move(processTasks))) {}
 
 TaskProcessorScreenTimeObserver::~TaskProcessorScreenTimeObserver() = default;
 
@@ -43,10 +42,6 @@ StartedObservation TaskProcessorScreenTimeObserver::observe(const std::vector<Ob
 }
 
 void TaskProcessorScreenTimeObserver::stop() noexcept { queries_->stop(); }
-
-void TaskProcessorScreenTimeObserver::setApplicationState(ApplicationState state) {
-  queries_->setApplicationState(state);
-}
 
 std::vector<MonitorRequest> TaskProcessorScreenTimeObserver::monitorRequestsForTasks(
     const std::vector<ObservedTask>& tasks) {

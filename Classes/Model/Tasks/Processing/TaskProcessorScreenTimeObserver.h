@@ -1,6 +1,5 @@
 #pragma once
 
-#include <HabitraModel/Tasks/Processing/ApplicationState.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorObserver.h>
 #include <QZHealthKit/QZHealthStore.h>
 #include <QZKit/NotificationCenter.h>
@@ -28,17 +27,13 @@ class TaskProcessorScreenTimeObserver final : public TaskProcessorObserver {
 
   /// The references must live as long as this object, which starts nothing before it is given tasks.
   TaskProcessorScreenTimeObserver(qz::QZHealthStore& healthStore, qz::SerialQueue& processorQueue,
-                                  qz::NotificationCenter& notifications, ProcessTasks processTasks,
-                                  LayoutDirection layoutDirection = LayoutDirection::leftToRight);
+                                  qz::NotificationCenter& notifications, ProcessTasks processTasks);
   /// As stop().
   ~TaskProcessorScreenTimeObserver() override;
 
   /// Where the health store refuses to observe for a task, a line of the log says so, and the next call tries again.
   StartedObservation observe(const std::vector<ObservedTask>& tasks) override;
   void stop() noexcept override;
-
-  /// What data that come from now on are dealt with by; in the background to begin with.
-  void setApplicationState(ApplicationState state);
 
   /// One for each screen-time task with a selection, in order of their identifiers.
   [[nodiscard]] static std::vector<MonitorRequest> monitorRequestsForTasks(const std::vector<ObservedTask>& tasks);

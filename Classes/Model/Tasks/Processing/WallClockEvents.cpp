@@ -1,5 +1,6 @@
 #include <HabitraModel/Tasks/Processing/WallClockEvents.h>
 #include <QZKit/Error.h>
+#include <QZKit/FileDescriptor.h>
 #include <QZLog/Log.h>
 
 #include <fmt/format.h>
@@ -27,23 +28,6 @@ namespace {
 [[noreturn]] void fail(std::string_view what) {
   throw qz::Error(fmt::format("cannot {}: {}", what, std::generic_category().message(errno)));
 }
-
-/// A file descriptor that is closed with its owner; below zero: none.
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int get() const { return descriptor_; }
-  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-
- private:
-  int descriptor_;
-};
 
 /// The moment as the system's timers want it: after 1970, since zero would mean never.
 itimerspec timerAt(qz::Moment moment) {
@@ -85,9 +69,9 @@ class WallClockEvents::System {
   [[nodiscard]] Event takeTimer();
   [[nodiscard]] bool takeZoneChange();
 
-  Descriptor timer_;
-  Descriptor wakeUp_;
-  Descriptor zoneFiles_;
+  qz::FileDescriptor timer_;
+  qz::FileDescriptor wakeUp_;
+  qz::FileDescriptor zoneFiles_;
   std::atomic<bool> isEnding_ = false;
 };
 

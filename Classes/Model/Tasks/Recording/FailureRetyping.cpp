@@ -15,9 +15,6 @@
 namespace habitra {
 namespace {
 
-/// Days before it come from no calendar that a person kept.
-constexpr qz::YYYYMMDD earliestDay(1, 1, 1);
-
 /// The days within which one failure decides what another is; the period of a day where none does.
 struct Span {
   qz::YYYYMMDD from;
@@ -27,13 +24,13 @@ struct Span {
 Span daysAround(qz::YYYYMMDD day, const TaskRules& rules) {
   const TaskFrequency& frequency = rules.frequency;
   if (frequency.dayMode == TaskFrequency::DayMode::dayInterval)
-    return Span{std::max(day.add(-frequency.dayInterval), earliestDay), day.add(frequency.dayInterval)};
+    return Span{std::max(day.add(-frequency.dayInterval), earliestKeptDay), day.add(frequency.dayInterval)};
   if (!frequency.isCountedDays()) {
     const DatedPeriod dated = frequency.period(day, rules.firstDayOfWeek, rules.referenceDate);
-    return Span{std::max(dated.period.startDate, earliestDay), dated.period.finishDate};
+    return Span{std::max(dated.period.startDate, earliestKeptDay), dated.period.finishDate};
   }
   const TaskFrequencyPeriodType type = frequency.periodTypeForCompletionCountCalculation();
-  return Span{std::max(firstDate(type, day, rules.firstDayOfWeek, rules.referenceDate), earliestDay),
+  return Span{std::max(firstDate(type, day, rules.firstDayOfWeek, rules.referenceDate), earliestKeptDay),
               lastDate(type, day, rules.firstDayOfWeek, rules.referenceDate)};
 }
 
@@ -44,7 +41,7 @@ void retype(StoreContext& context, ObjectID task, const TaskRules& rules, const 
   HistoryScope scope{.created = span.from, .today = span.to, .fillFrom = span.from};
   // A longer stored period counts whole, though it began before.
   for (const LoggedEntry& entry : entries)
-    if (const auto from = existingDayFromStored(entry.periodFrom); from && *from >= earliestDay)
+    if (const auto from = existingDayFromStored(entry.periodFrom); from && *from >= earliestKeptDay)
       scope.created = std::min(scope.created, *from);
   for (const Retyping& retyping : HistoryWalk(rules, scope).retypings(entries, day)) {
     const LogKey key{task, retyping.entryDate, ObjectID{retyping.order}};
@@ -62,7 +59,7 @@ void retypeFailures(StoreContext& context, const TaskEntity& task, const TaskRul
   if (!rules.isNegative || !HistoryWalk::supports(rules.frequency)) return;
   std::optional<qz::YYYYMMDD> retypedThrough;
   for (const qz::YYYYMMDD day : days) {
-    if (day < earliestDay || day > latestKeptDay || (retypedThrough && day <= *retypedThrough)) continue;
+    if (day < earliestKeptDay || day > latestKeptDay || (retypedThrough && day <= *retypedThrough)) continue;
     const Span span = daysAround(day, rules);
     retype(context, task.objectID, rules, span, day);
     // All that follows in a counting period has been looked at.
@@ -74,7 +71,7 @@ bool failsByParts(StoreContext& context, const TaskRules& rules, const TaskLogEn
   const auto counted = countedPeriod(row, rules);
   if (!counted || !HistoryWalk::supports(rules.frequency)) return false;
   const TaskFrequencyPeriod& period = counted->period;
-  if (period.startDate < earliestDay || period.finishDate > latestKeptDay) return false;
+  if (period.startDate < earliestKeptDay || period.finishDate > latestKeptDay) return false;
   const TaskLogEntryType type = entryTypeFromStored(row.entryType);
   std::vector<LoggedEntry> entries;
   context.readLog(row.task, storedDay(period.startDate), storedDay(period.finishDate), [&](const LogRow& other) {

@@ -5,6 +5,7 @@
 #include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Mapping/StoredIdentifier.h>
+#include <HabitraModel/Tasks/LogBeginning.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/Tasks/Recording/LogEntryWriter.h>
@@ -41,13 +42,6 @@ bool tookPlace(TaskLogEntryType type, bool isNegative) {
   return isMissedFullOrPartial(type) || isAllowableMissFull(type);
 }
 
-std::optional<qz::YYYYMMDD> creationDay(const TaskEntity& task, const TaskCalendar& calendar) {
-  if (!task.created) return std::nullopt;
-  const auto zone = task.createdTimeZone ? qz::TimeZone::fromIdentifier(*task.createdTimeZone) : std::nullopt;
-  const qz::YYYYMMDD day(calendar.startOfDay, *task.created, zone.value_or(calendar.timeZone));
-  return day <= latestKeptDay ? std::optional(day) : std::nullopt;
-}
-
 }  // namespace
 
 LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskRules>& rules,
@@ -58,7 +52,7 @@ LogEntryWriter::LogEntryWriter(const TaskEntity& task, const std::optional<TaskR
       context_(request.managedObjectContext),
       now_(context_.store().clock().now()),
       rules_(rules),
-      creationDay_(creationDay(task, calendar)),
+      creationDay_(calendar.creationDay(task)),
       filledIn_(context_, task, rules),
       emptyDays_(context_, task.objectID) {}
 
@@ -119,18 +113,9 @@ void LogEntryWriter::remove(const std::vector<LogKey>& keys) {
 
 std::optional<qz::YYYYMMDD> LogEntryWriter::beginningAfter(qz::YYYYMMDD day, TaskLogEntryType type) const {
   if (!marksHistory(type) || !creationDay_ || day >= *creationDay_) return std::nullopt;
-  std::optional<qz::YYYYMMDD> beginning = creationDay_;
-  const auto look = [&](const LogRow& row) {
-    const auto marked =
-        marksHistory(entryTypeFromStored(row.entryType)) ? existingDayFromStored(row.entryDate) : std::nullopt;
-    if (marked) beginning = std::min(*beginning, *marked);
-  };
-  // Nearly always the first day decides; only where somebody took it back is the rest of the log looked through.
-  const auto earliest = context_.earliestEntryDay(task_.objectID);
-  if (earliest) context_.readLog(task_.objectID, *earliest, *earliest, look);
-  if (beginning == creationDay_)
-    context_.readLog(task_.objectID, StoreContext::firstDay, storedDay(*creationDay_), look);
-  return day < *beginning ? beginning : std::nullopt;
+  const auto log = beginningOfLog(context_, task_.objectID, storedDay(*creationDay_));
+  const qz::YYYYMMDD beginning = log.firstKeptDay.value_or(*creationDay_);
+  return day < beginning ? std::optional(beginning) : std::nullopt;
 }
 
 TaskLogEntryEntity LogEntryWriter::filled(TaskLogEntryEntity row, const TaskLogRecorder::LogEntryData& entry,
