@@ -1,6 +1,6 @@
 // Any bytes are health samples, each of them fit to be a record, or a refusal with one line.
 
-#include <HabitraBackup/HealthSampleCSV.h>
+#include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
 #include <QZKit/Error.h>
 #include <QZKit/Trap.h>
 

@@ -2,7 +2,7 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraApp/SettingSummary.h>
-#include <HabitraBackup/ImportReport.h>
+#include <HabitraBackup/Exchange/ImportReport.h>
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/TimeZone.h>

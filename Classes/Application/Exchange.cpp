@@ -1,9 +1,9 @@
 #include <HabitraApp/Rooms.h>
 
+#include <HabitraBackup/Exchange/TaskDataExporter.h>
+#include <HabitraBackup/Exchange/TaskDataImporter.h>
 #include <HabitraBackup/HabitraBackup.h>
-#include <HabitraBackup/HealthSampleCSV.h>
-#include <HabitraBackup/TaskDataExporter.h>
-#include <HabitraBackup/TaskDataImporter.h>
+#include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
 

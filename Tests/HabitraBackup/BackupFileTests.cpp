@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
-#include <HabitraBackup/CSVError.h>
+#include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/Exchange/TaskDataExchangeError.h>
+#include <HabitraBackup/Files/ReplacementFile.h>
 #include <HabitraBackup/HabitraBackup.h>
-#include <HabitraBackup/ReplacementFile.h>
-#include <HabitraBackup/TaskDataExchangeError.h>
 #include <Support/TemporaryFolder.h>
 #include <fstream>
 #include <sstream>

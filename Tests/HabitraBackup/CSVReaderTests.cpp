@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
-#include <HabitraBackup/CSVError.h>
-#include <HabitraBackup/CSVReader.h>
-#include <HabitraBackup/CSVWriter.h>
+#include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/CSV/CSVReader.h>
+#include <HabitraBackup/CSV/CSVWriter.h>
 #include <rapidcheck.h>
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
-#include <HabitraBackup/CSVError.h>
-#include <HabitraBackup/HealthSampleCSV.h>
+#include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
 #include <QZDateTime/ISO8601.h>
 
 #include <set>

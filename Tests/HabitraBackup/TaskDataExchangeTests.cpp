@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
+#include <HabitraBackup/Exchange/TaskDataExporter.h>
+#include <HabitraBackup/Exchange/TaskDataImporter.h>
 #include <HabitraBackup/HabitraBackup.h>
-#include <HabitraBackup/TaskDataExporter.h>
-#include <HabitraBackup/TaskDataImporter.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Store/Store.h>
 #include <HabitraModel/Store/StoreContext.h>
-#include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZDateTime/ISO8601.h>
 #include <rapidcheck.h>

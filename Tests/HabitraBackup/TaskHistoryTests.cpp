@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
-#include <HabitraBackup/CSVError.h>
+#include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/CSV/HabitraCSVImport.h>
 #include <HabitraBackup/HabitraBackup.h>
-#include <HabitraBackup/HabitraCSVImport.h>
 #include <QZDateTime/ISO8601.h>
 #include <rapidcheck.h>
 #include <cmath>
@@ -33,6 +33,14 @@ std::string refusal(const std::string& text) {
     return error.what();
   }
   return "accepted";
+}
+
+HabitraJSONBackupTaskNote note(std::int32_t day, std::optional<std::string> status, std::string content) {
+  HabitraJSONBackupTaskNote note;
+  note.noteDate = day;
+  note.status = std::move(status);
+  note.content = std::move(content);
+  return note;
 }
 
 HabitraJSONBackupTaskEntry entry(TaskLogEntryType type, qz::YYYYMMDD day, std::optional<double> progress = {}) {
@@ -123,9 +131,8 @@ TEST(TaskHistoryTests, WhatATaskLooksLikeInRows) {
   task.log->push_back(entry(TaskLogEntryType::skippedManuallyFull, qz::YYYYMMDD(2024, 1, 30)));
   task.log->push_back(entry(TaskLogEntryType::completedManuallyFull, qz::YYYYMMDD(2024, 1, 31)));
   task.log->push_back(entry(TaskLogEntryType::completedManuallyPartial, qz::YYYYMMDD(2024, 1, 31)));
-  task.notes = {{qz::YYYYMMDD(2024, 1, 31), "deleted", "rain"},
-                {std::nullopt, std::nullopt, "no day"},
-                {qz::YYYYMMDD(2024, 1, 31), std::nullopt, "sun"}};
+  task.notes = {note(20240131, "deleted", "rain"), note(0, std::nullopt, "no day"),
+                note(20240131, std::nullopt, "sun")};
   EXPECT_EQ(document(task).csvString(), header + ",20 pages,,skipped_manually,20240130,,,,\n" +
                                             ",20 pages,,completed_manually,20240131,,,,\"rain\nsun\"\n" +
                                             ",20 pages,,completed_manually_partial,20240131,,,,\"rain\nsun\"\n");

@@ -1,6 +1,6 @@
-#include <HabitraBackup/CSVSource.h>
+#include <HabitraBackup/CSV/CSVSource.h>
+#include <HabitraBackup/CSV/HabitraCSVImport.h>
 #include <HabitraBackup/HabitraBackup.h>
-#include <HabitraBackup/HabitraCSVImport.h>
 
 #include <algorithm>
 #include <cstring>

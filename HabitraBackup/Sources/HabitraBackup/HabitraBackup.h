@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/HabitraJSONBackup.h>
+#include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <QZKit/Clock.h>
 
 #include <cstddef>
