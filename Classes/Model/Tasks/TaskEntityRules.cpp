@@ -29,6 +29,15 @@ std::optional<TaskRules> rulesWithoutPauses(const TaskEntity& task) {
       .measure = type ? type->measure() : TaskMeasure{}};
 }
 
+DatedPeriod periodHolding(const std::optional<TaskRules>& rules, qz::YYYYMMDD day) {
+  if (rules) return rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate);
+  return DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
+}
+
+DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day) {
+  return periodHolding(rulesWithoutPauses(task), day);
+}
+
 TaskEntity newlyMadeTask(std::string title, qz::DayOfWeek firstDayOfWeek, qz::Moment now, std::string timeZone) {
   TaskEntity task;
   task.title = std::move(title);

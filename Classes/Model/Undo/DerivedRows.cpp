@@ -1,5 +1,5 @@
-#include <HabitraCore/FollowingEntries.h>
 #include <HabitraModel/Settings/Settings.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 
 namespace habitra {
@@ -39,10 +39,7 @@ AttributeSet attributesOfRecording() {
   return AttributeSet(bits);
 }
 
-bool isDerived(const TaskLogEntryEntity& entry) {
-  const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
-  return type && followsFromEarlierDays(*type);
-}
+bool isDerived(const TaskLogEntryEntity& entry) { return isFilledIn(entry); }
 
 bool isDerived(StoreContext& context, const StoredChange& change, EarlierValues& values) {
   if (isDerived(change.entity)) return true;

@@ -1,7 +1,9 @@
 #include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/Processing/TaskAssessment.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 #include <HabitraModel/Undo/LoggedPeriod.h>
@@ -29,8 +31,8 @@ std::optional<LogKey> firstRow(StoreContext& context, ObjectID task, std::int32_
   for (std::int64_t span = aMonth; !first && newest && from <= *newest; span *= 4) {
     const auto to = static_cast<std::int32_t>(std::min<std::int64_t>(from + span, *newest));
     context.readLog(task, from, to, [&](const LogRow& row) {
-      const auto type = fromRawValue<TaskLogEntryType>(row.entryType);
-      if (!first && type && isWanted(*type)) first = LogKey{task, row.entryDate, row.objectID};
+      const bool isKnown = fromRawValue<TaskLogEntryType>(row.entryType).has_value();
+      if (!first && isKnown && isWanted(row)) first = LogKey{task, row.entryDate, row.objectID};
     });
     if (to == StoreContext::lastDay) break;
     from = to + 1;
@@ -111,7 +113,7 @@ bool TaskRewind::isReplaced(const TaskLogEntryEntity& filledIn) {
     const auto type = fromRawValue<TaskLogEntryType>(entry.entryType);
     if (!type || !own || !isSamePeriod(entry, filledIn)) return;
     // What a pass has filled in since goes where it is worked out anew.
-    if (followsFromEarlierDays(*type)) {
+    if (isFilledIn(entry)) {
       isReplaced |= !isWorkedOutAnew;
     } else {
       // A part that was there already when the period was closed stands beside what was filled in.
@@ -176,7 +178,8 @@ std::optional<LoggedPeriod> TaskRewind::daysFrom(ObjectID task, const TaskRules&
   if (!following) return std::nullopt;
   LoggedPeriod days{storedDay(following->first), following->last ? storedDay(*following->last) : StoreContext::lastDay};
   if (following->endAtCompletion) {
-    const auto next = firstRow(context_, task, days.from, isCompletedFull);
+    const auto next = firstRow(context_, task, days.from,
+                               [](const LogRow& row) { return isCompletedFull(entryTypeFromStored(row.entryType)); });
     if (next) days.to = next->entryDate;
   }
   return days;
@@ -203,9 +206,8 @@ void TaskRewind::fillInBeginning(qz::YYYYMMDD from, const TaskEntity& task) {
 std::optional<TaskLogEntryEntity> TaskRewind::firstEntry(ObjectID task, bool orFilledIn) {
   const auto earliest = context_.earliestEntryDay(task);
   if (!earliest) return std::nullopt;
-  const auto first = firstRow(context_, task, *earliest, [orFilledIn](TaskLogEntryType type) {
-    return orFilledIn || !followsFromEarlierDays(type);
-  });
+  const auto first =
+      firstRow(context_, task, *earliest, [orFilledIn](const LogRow& row) { return orFilledIn || !isFilledIn(row); });
   return first ? context_.findLogEntry(*first) : std::nullopt;
 }
 

@@ -3,6 +3,7 @@
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/Entities/SettingEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryLink.h>
+#include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Undo/DerivedRows.h>
 #include <HabitraModel/Undo/LoggedPeriod.h>
@@ -130,7 +131,7 @@ void UndoObstacles::checkReplaced(TouchedRow& touched) {
   context_.readLog(earlier.task, period.from, period.to, [&](const LogRow& row) {
     const auto other = fromRawValue<TaskLogEntryType>(row.entryType);
     // What a pass has filled in since goes when the entry is back.
-    if (!type || !other || followsFromEarlierDays(*other)) return;
+    if (!type || !other || isFilledIn(row)) return;
     touched.isLeftOut |= later_.hasInserted(row.objectID) && supersedes(*other, *type);
   });
 }

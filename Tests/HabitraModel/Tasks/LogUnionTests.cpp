@@ -79,6 +79,14 @@ class LogUnionTest : public TaskWorld {
     return places;
   }
 
+  /// The last parts of failures, which stand as these, have to be recorded as they stand.
+  void followFailures(const TaskEntity& task, std::vector<Event>& events) {
+    for (const auto& row : context_->fetchLogEntries(task.objectID)) {
+      const Type type = fromRawValue<Type>(row.entryType).value();
+      if (!isFilledIn(row) && isMissedFull(type)) events[std::stoul(placeOf(row))].type = type;
+    }
+  }
+
   /// What a log says; what was filled in bears another name each time.
   std::vector<std::string> describe(const TaskEntity& task) {
     std::vector<std::string> lines;
@@ -129,9 +137,28 @@ TEST_F(LogUnionTest, APeriodIsReadAsInTheLogThatHadAllOfIt) {
   EXPECT_EQ(describe(habit), describe(single));
 }
 
+TaskFrequency twiceADay() {
+  TaskFrequency frequency = TaskFrequency::everyDay();
+  frequency.numPartialCompletions = 2;
+  return frequency;
+}
+
+TEST_F(LogUnionTest, PartsThatFailADayTogetherAreAFailureThoughNoLogKnewIt) {
+  const std::vector<Event> events{{15, Type::missedManuallyPartial}, {15, Type::missedManuallyPartial}};
+  clock_->set(at("2024-01-17T12:00:00Z"));
+  TaskEntity& habit = addHabit("Smoke", twiceADay(), true);
+  keep(habit, events, {0});
+  keep(addHabit("Smoke", twiceADay(), true), events, {1});
+  TaskEntity& single = addHabit("single", twiceADay(), true);
+  keep(single, events, {0, 1});
+  unite();
+  EXPECT_EQ(describe(habit), std::vector<std::string>{"20240115 to 20240115 missedManuallyFull 0 01"});
+  EXPECT_EQ(describe(habit), describe(single));
+}
+
 /// A frequency of any kind that fills in.
 rc::Gen<TaskFrequency> frequencies() {
-  return rc::gen::element(TaskFrequency::everyDay(),
+  return rc::gen::element(TaskFrequency::everyDay(), twiceADay(),
                           TaskFrequency{.dayMode = DayMode::numberOfDaysInWeek, .numCompletions = 3},
                           TaskFrequency{.dayMode = DayMode::dayInterval, .dayInterval = 3},
                           TaskFrequency{.dayMode = DayMode::aggregateOverWeek, .numCompletions = 3});
@@ -165,6 +192,7 @@ RC_GTEST_FIXTURE_PROP(LogUnionTest, LogsBecomeWhatOneWouldBeIntoWhichAllWasRecor
     }
     std::ranges::reverse(known);
   }
+  for (const TaskEntity* task : TaskProcessor::activeTasks(*context_)) followFailures(*task, events);
   TaskEntity& single = addHabit("single", frequency, isNegative);
   keep(single, events, {present.begin(), present.end()});
   unite();

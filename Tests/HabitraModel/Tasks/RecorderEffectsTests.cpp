@@ -227,6 +227,37 @@ TEST_F(RecorderEffects, AMistypedDayTakesTheYearsAlongThatItFilledIn) {
   EXPECT_EQ(after, before);
 }
 
+TEST_F(RecorderEffects, AnEntryThatMovesToItsRightDayTakesThemAlongAsWell) {
+  TaskEntity& task = addTask();
+  auto data = entry(task, Type::completedManuallyFull, YYYYMMDD(2023, 1, 29));
+  record(task, {data});
+  process();
+  ASSERT_EQ(log(task).size(), 367U);
+  const auto right = entry(task, Type::completedManuallyFull, YYYYMMDD(2024, 1, 29));
+  data.period = right.period;
+  data.startDate = data.endDate = right.startDate;
+  record(task, {data});
+  process();
+  EXPECT_EQ(log(task),
+            (std::vector<std::string>{"20240129 completedManuallyFull", "20240130 missedAutomaticallyFull"}));
+}
+
+TEST_F(RecorderEffects, AFailureThatDataReportedIsNotTakenForOneThatWasFilledIn) {
+  TaskEntity& task = addTask("Sweets");
+  setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 7});
+  task.isNegative = true;
+  task.created = at("2024-01-22T00:00:00Z");
+  context_->save({});
+  auto reported = entry(task, Type::missedAutomaticallyFull, YYYYMMDD(2024, 1, 30));
+  reported.progressPct = 1.5;
+  record(task, {reported});
+  const std::vector<std::string> expected{"20240129 unknown", "20240130 missedAutomaticallyFull"};
+  record(task, Type::unknown, YYYYMMDD(2024, 1, 29));
+  EXPECT_EQ(log(task), expected) << "an earlier day of the week says nothing about it";
+  process();
+  EXPECT_EQ(log(task), expected);
+}
+
 TEST_F(RecorderEffects, FailuresSayWhetherTheyLieWithinTheAllowance) {
   TaskEntity& task = addTask("Smoke");
   setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 6});

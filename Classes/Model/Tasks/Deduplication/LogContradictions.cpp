@@ -1,7 +1,9 @@
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
+#include <HabitraModel/Mapping/LogEntryMapping.h>
 #include <HabitraModel/Tasks/Deduplication/EntryOrder.h>
 #include <HabitraModel/Tasks/Deduplication/LogContradictions.h>
+#include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 
@@ -9,34 +11,45 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <span>
+#include <tuple>
 #include <utility>
 
 namespace habitra {
 namespace {
+
+struct ByBounds {
+  bool operator()(const TaskFrequencyPeriod& a, const TaskFrequencyPeriod& b) const {
+    return std::tie(a.startDate, a.finishDate) < std::tie(b.startDate, b.finishDate);
+  }
+};
 
 /// Removes contradicted entries from a log, step by step.
 class Contradictions {
  public:
   Contradictions(StoreContext& context, const TaskEntity& survivor, std::size_t logs, std::vector<UnitedEntry> entries)
       : context_(context),
-        filledIn_(context, survivor, rulesOf(context, survivor)),
+        rules_(rulesOf(context, survivor)),
+        filledIn_(context, survivor, rules_),
         logs_(logs),
         entries_(std::move(entries)) {
     std::ranges::sort(entries_, {}, [](const UnitedEntry& united) { return creation(united.entry); });
-    const std::optional<TaskRules> rules = rulesOf(context, survivor);
     for (std::size_t i = 0; i < entries_.size(); ++i) {
       places_.emplace(entries_[i].entry.objectID, i);
-      if (const auto counted = countedPeriod(entries_[i].entry, rules))
-        periods_[{counted->period.startDate, counted->period.finishDate}].push_back(i);
+      if (const auto counted = countedPeriod(entries_[i].entry, rules_)) periods_[counted->period].push_back(i);
     }
   }
 
-  /// What a person recorded later takes the place of what was there.
+  /// What a person recorded later takes the place of what was there, and the last part of a failure is the failure.
   void removeSuperseded() {
-    for (const auto& [bounds, places] : periods_)
-      for (auto later = places.begin(); later != places.end(); ++later)
-        for (auto earlier = places.begin(); earlier != later; ++earlier)
-          if (supersedesByHand(*later, *earlier)) remove(*earlier);
+    for (const auto& [period, places] : periods_) {
+      for (auto later = places.begin(); later != places.end(); ++later) {
+        const std::span<const std::size_t> before(places.begin(), later);
+        if (isLastPartOfFailure(*later, before, period)) becomeFailure(*later);
+        for (const std::size_t earlier : before)
+          if (supersedesByHand(*later, earlier)) remove(earlier);
+      }
+    }
   }
 
   /// What was filled in where something else was known than there is now; `rows` are then of those that knew it.
@@ -54,7 +67,7 @@ class Contradictions {
 
   /// A pass fills in no period that was filled in before.
   void removeFilledInTwice() {
-    for (const auto& [bounds, places] : periods_) {
+    for (const auto& [period, places] : periods_) {
       for (auto later = places.begin(); later != places.end(); ++later) {
         if (!isFilledIn(entries_[*later].entry)) continue;
         if (std::any_of(places.begin(), later, [&](std::size_t earlier) {
@@ -67,7 +80,7 @@ class Contradictions {
 
   /// Rows came log by log, but a walk goes by their order within a period.
   void putInOrder() {
-    for (const auto& [bounds, places] : periods_) {
+    for (const auto& [period, places] : periods_) {
       std::vector<std::size_t> present;
       std::ranges::copy_if(places, std::back_inserter(present), [this](std::size_t i) { return isPresent(i); });
       std::vector<TaskLogEntryEntity> entries;
@@ -113,6 +126,30 @@ class Contradictions {
            supersedes(*type, *existing) && areStrangers(later, earlier);
   }
 
+  /// Whether the parts that stood in the period when it was recorded fail it together with this one.
+  [[nodiscard]] bool isLastPartOfFailure(std::size_t i, std::span<const std::size_t> before,
+                                         const TaskFrequencyPeriod& period) const {
+    const TaskLogEntryType type = entryTypeFromStored(entries_[i].entry.entryType);
+    if (!rules_ || !rules_->isNegative || type != TaskLogEntryType::missedManuallyPartial) return false;
+    std::vector<LoggedEntry> entries;
+    const auto add = [&](std::size_t place) {
+      entries.push_back(loggedEntry(entries_[place].entry));
+      entries.back().order = static_cast<std::int64_t>(place);
+    };
+    for (const std::size_t earlier : before)
+      if (isPresent(earlier) && !supersedes(type, entryTypeFromStored(entries_[earlier].entry.entryType))) add(earlier);
+    add(i);
+    std::ranges::sort(entries, {}, [](const LoggedEntry& entry) { return std::pair(entry.entryDate, entry.order); });
+    return failPeriod(*rules_, period, entries);
+  }
+  /// No log knew it as that.
+  void becomeFailure(std::size_t i) {
+    UnitedEntry& failure = entries_[i];
+    failure.entry.entryType = rawValue(TaskLogEntryType::missedManuallyFull);
+    failure.rows.clear();
+    context_.updateLogEntry(failure.entry.key(), failure.entry);
+  }
+
   void changed(std::int32_t day) { earliestChangedDay_ = std::min(earliestChangedDay_.value_or(day), day); }
   void remove(std::size_t i) {
     if (!gone_.insert(i).second) return;
@@ -121,11 +158,12 @@ class Contradictions {
   }
 
   StoreContext& context_;
+  const std::optional<TaskRules> rules_;
   const FilledInEntries filledIn_;
   const std::size_t logs_;
   std::vector<UnitedEntry> entries_;  // in order of creation
   std::map<ObjectID, std::size_t> places_;
-  std::map<std::pair<qz::YYYYMMDD, qz::YYYYMMDD>, std::vector<std::size_t>> periods_;
+  std::map<TaskFrequencyPeriod, std::vector<std::size_t>, ByBounds> periods_;
   std::set<std::size_t> gone_;
   std::optional<std::int32_t> earliestChangedDay_;
 };

@@ -22,10 +22,14 @@ namespace {
 
 using Entries = std::vector<UnitedEntry>;
 
-/// All that an entry says; where two say different things under one identifier, the greater one stays.
+/// All that an entry says; where two say different things under one identifier, the greater one stays. A part that one
+/// log knows to be the last of a failure is the failure.
 auto statement(const TaskLogEntryEntity& entry) {
-  return std::tie(entry.progressTotal, entry.progress, entry.createdTimestamp, entry.entryDate, entry.entryType,
-                  entry.entryPeriodFrom, entry.entryPeriodTo, entry.entryPeriodType, entry.createdTimeZone);
+  const TaskLogEntryType type = entryTypeFromStored(entry.entryType);
+  return std::tuple_cat(
+      std::tuple(isMissedFull(type) || isAllowableMissFull(type)),
+      std::tie(entry.progressTotal, entry.progress, entry.createdTimestamp, entry.entryDate, entry.entryType,
+               entry.entryPeriodFrom, entry.entryPeriodTo, entry.entryPeriodType, entry.createdTimeZone));
 }
 
 /// Day, type, second of creation and amounts.

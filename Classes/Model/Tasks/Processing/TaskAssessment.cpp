@@ -97,7 +97,7 @@ LaterEntries laterEntries(StoreContext& context, const TaskEntity& task, const T
   const auto look = [&](const TaskLogEntryEntity& entry) {
     // What was filled in, which no data asked for, is found anew when its day is over: it need not be spared for a
     // clock that may be wrong, nor for somebody who since flew west.
-    const bool isDerived = isFilledIn(entry) && !(entry.progress > 0);
+    const bool isDerived = isFilledIn(entry);
     if (entry.entryDate == today) {
       if (!isDerived) return;
       later.premature.push_back(entry.key());

@@ -97,9 +97,7 @@ void TaskProcessor::setBulkDayStatuses(StoreContext& context, TaskEntity& task, 
     TaskLogRecorder::Request request = tools.request(TaskModifyContext::userInitiatedFromMainApp, calendar, now);
     request.notifyPairedDevice = TaskLogRecorder::NotifyPairedDeviceType::delayed;
     for (const auto& [day, type] : statuses) {
-      const DatedPeriod period = rules ? rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate)
-                                       : DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
-      request.logEntries.push_back(entryFor(period, type, calendar, now));
+      request.logEntries.push_back(entryFor(periodHolding(rules, day), type, calendar, now));
     }
     tools.recorder.recordNow(task, request);
     coverDays(task, calendar, statuses);

@@ -67,11 +67,21 @@ void retypeFailures(StoreContext& context, const TaskEntity& task, const TaskRul
   }
 }
 
+bool failPeriod(const TaskRules& rules, const TaskFrequencyPeriod& period, std::span<const LoggedEntry> entries) {
+  if (!HistoryWalk::supports(rules.frequency)) return false;
+  if (period.startDate < earliestKeptDay || period.finishDate > latestKeptDay) return false;
+  const HistoryScope scope{.created = period.startDate, .today = period.finishDate, .fillFrom = period.startDate};
+  bool fails = false;
+  static_cast<void>(HistoryWalk(rules, scope).walk(entries, [&](const WalkedPeriod& walked) {
+    fails = fails || walked.status.isFailed();
+  }));
+  return fails;
+}
+
 bool failsByParts(StoreContext& context, const TaskRules& rules, const TaskLogEntryEntity& row) {
   const auto counted = countedPeriod(row, rules);
-  if (!counted || !HistoryWalk::supports(rules.frequency)) return false;
+  if (!counted) return false;
   const TaskFrequencyPeriod& period = counted->period;
-  if (period.startDate < earliestKeptDay || period.finishDate > latestKeptDay) return false;
   const TaskLogEntryType type = entryTypeFromStored(row.entryType);
   std::vector<LoggedEntry> entries;
   context.readLog(row.task, storedDay(period.startDate), storedDay(period.finishDate), [&](const LogRow& other) {
@@ -84,12 +94,7 @@ bool failsByParts(StoreContext& context, const TaskRules& rules, const TaskLogEn
     return std::pair(a.entryDate, a.order) < std::pair(b.entryDate, b.order);
   };
   entries.insert(std::ranges::upper_bound(entries, entry, isBefore), entry);
-  const HistoryScope scope{.created = period.startDate, .today = period.finishDate, .fillFrom = period.startDate};
-  bool fails = false;
-  static_cast<void>(HistoryWalk(rules, scope).walk(entries, [&](const WalkedPeriod& walked) {
-    fails = fails || walked.status.isFailed();
-  }));
-  return fails;
+  return failPeriod(rules, period, entries);
 }
 
 }  // namespace habitra

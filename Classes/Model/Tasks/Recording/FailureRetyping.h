@@ -1,10 +1,13 @@
 #pragma once
 
+#include <HabitraCore/LoggedEntry.h>
+#include <HabitraCore/TaskFrequencyPeriod.h>
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <set>
+#include <span>
 
 namespace habitra {
 
@@ -14,6 +17,10 @@ namespace habitra {
 /// period that holds it. Nothing for a task to do. REQUIRES: a unit.
 void retypeFailures(StoreContext& context, const TaskEntity& task, const TaskRules& rules,
                     const std::set<qz::YYYYMMDD>& days);
+
+/// Whether entries that count for a period, by day and order, fail it, which may be at its end.
+[[nodiscard]] bool failPeriod(const TaskRules& rules, const TaskFrequencyPeriod& period,
+                              std::span<const LoggedEntry> entries);
 
 /// Whether the partial misses of a period fail it once `row`, one of them, stands in the log, where it may be already.
 /// `rules`: those of its task.

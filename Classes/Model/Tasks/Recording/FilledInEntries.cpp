@@ -43,8 +43,13 @@ bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period, const std::
   return counted && counted->period.startDate == period.startDate && counted->period.finishDate == period.finishDate;
 }
 
-bool isFilledIn(const TaskLogEntryEntity& row) { return followsFromEarlierDays(entryTypeFromStored(row.entryType)); }
-bool isFilledIn(const LogRow& row) { return followsFromEarlierDays(entryTypeFromStored(row.entryType)); }
+bool isFilledIn(const TaskLogEntryEntity& row) {
+  return followsFromEarlierDays(entryTypeFromStored(row.entryType)) && !(row.progress > 0);
+}
+bool isFilledIn(const LogRow& row) {
+  return followsFromEarlierDays(entryTypeFromStored(row.entryType)) && !(row.progress > 0);
+}
+bool isFilledIn(const LoggedEntry& entry) { return followsFromEarlierDays(entry.entryType) && !(entry.progress > 0); }
 
 FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task, std::optional<TaskRules> rules)
     : context_(context), task_(task.objectID), rules_(std::move(rules)) {}

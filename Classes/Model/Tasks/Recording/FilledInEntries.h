@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HabitraCore/LoggedEntry.h>
 #include <HabitraCore/TaskFrequencyPeriod.h>
 #include <HabitraCore/TaskRules.h>
 #include <HabitraModel/Store/StoreContext.h>
@@ -21,9 +22,11 @@ namespace habitra {
 [[nodiscard]] bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period,
                              const std::optional<TaskRules>& rules);
 
-/// Whether a pass fills in entries of the stored type: automatic skips, misses and allowed misses.
+/// Whether a pass filled it in: an automatic skip, miss or allowed miss that reports no share. A failure that data
+/// reported has one, and stands for itself.
 [[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
 [[nodiscard]] bool isFilledIn(const LogRow& row);
+[[nodiscard]] bool isFilledIn(const LoggedEntry& entry);
 
 /// What passes have filled into the log of one task, and what becomes of it when somebody says something else. Belongs
 /// to the queue of its context, which must live longer.

@@ -91,6 +91,7 @@ auto LogEntryWriter::write(const TaskLogRecorder::LogEntryData& entry) -> Writte
   if (existing && existing->entryDate != written.row.entryDate) {
     // Where it stood, nothing stands now: what followed from it is found anew.
     filledIn_.removeRefutedBy(*existing);
+    if (creationDay_) remove(refutedByLostBeginning(context_, *existing, *creationDay_, filledIn_));
     written.earlierDay = existingDayFromStored(existing->entryDate);
   }
   return written;

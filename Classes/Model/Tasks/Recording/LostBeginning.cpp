@@ -1,4 +1,3 @@
-#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/RawValue.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
@@ -16,7 +15,7 @@ qz::YYYYMMDD recordedBeginning(StoreContext& context, ObjectID task, qz::YYYYMMD
   qz::YYYYMMDD beginning = creationDay;
   context.readLog(task, StoreContext::firstDay, storedDay(creationDay), [&](const LogRow& row) {
     const TaskLogEntryType type = entryTypeFromStored(row.entryType);
-    if (!marksHistory(type) || followsFromEarlierDays(type)) return;
+    if (!marksHistory(type) || isFilledIn(row)) return;
     if (const auto day = existingDayFromStored(row.entryDate)) beginning = std::min(beginning, *day);
   });
   return beginning;

@@ -1,4 +1,3 @@
-#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/RawValue.h>
 #include <HabitraModel/Mapping/StoredIdentifier.h>
 #include <HabitraModel/Store/Entities/TaskShareEntity.h>
@@ -185,7 +184,7 @@ void TaskLogRecorder::writeEntries(TaskEntity& task, const Request& request) con
     if (task.isNegative && entry.type != TaskLogEntryType::skippedAutomaticallyFull) changed.insert(written.day);
     if (written.earlierDay) changed.insert(*written.earlierDay);
     // What a pass fills in is what it would fill in again.
-    if (!followsFromEarlierDays(entry.type) || written.earlierDay)
+    if (!isFilledIn(written.row) || written.earlierDay)
       moveLastProcessedDateBack(task, std::min(entry.period.period.finishDate, written.earliestDay()), calendar);
   }
   if (rules) retypeFailures(request.managedObjectContext, task, *rules, changed);
