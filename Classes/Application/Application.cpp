@@ -80,9 +80,20 @@ void Application::afterAnswer() noexcept {
     if (context == nullptr || context->store().isReadOnly()) return;
     rooms_->processor.processPendingHealthKitRequests(*context);
     // Panels show the day that is.
-    if (rooms_->widgets.isOutdated() && !rooms_->timeIsGiven()) writeSnapshot();
+    if (!rooms_->timeIsGiven() && rooms_->widgets.isOutdated(rooms_->lastRead(), today())) writeSnapshot();
   } catch (const std::exception& error) {
     qz::log::warning("Something was left to do after the answer: {}", error.what());
+  }
+  rooms_->backUp();
+}
+
+std::optional<ProcessReport> Application::processAfter(std::string_view what) {
+  try {
+    return process();
+  } catch (const qz::Error& error) {
+    // It is stored; whoever were told of a failure would do it again. The next pass catches up.
+    qz::log::warning("The pass after {} could not be made: {}", what, error.what());
+    return std::nullopt;
   }
 }
 

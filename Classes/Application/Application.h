@@ -75,6 +75,21 @@ struct HealthImportOutcome {
   std::size_t left = 0;  ///< were there already
 };
 
+/// A backup that was made by itself.
+struct BackupSummary {
+  qz::YYYYMMDD day;
+  std::filesystem::path file;
+  std::uintmax_t size = 0;  ///< bytes
+};
+
+/// What took the place of all that was stored, and the pass that followed.
+struct RestoreOutcome {
+  std::filesystem::path file;  ///< the backup
+  std::size_t tasks = 0;
+  std::size_t entries = 0;
+  std::optional<ProcessReport> processed;  ///< none when the pass failed: what was restored is stored all the same
+};
+
 struct ExportOutcome {
   std::size_t tasks = 0;
   std::size_t rows = 0;
@@ -127,8 +142,9 @@ class Application {
   /// is due. Never throws: what could not be done now is done next time.
   void processIfDue() noexcept;
 
-  /// What nobody waits for after an answer: writes health samples that entries asked for, and the snapshot that desktop
-  /// panels show, when something was changed since it was written. Never throws: it can wait for the next time.
+  /// What nobody waits for after an answer: writes health samples that entries asked for, the backup of the day, and
+  /// the snapshot that desktop panels show, when it says anything else than what is stored. Never throws: it can wait
+  /// for the next time.
   void afterAnswer() noexcept;
 
   /// Told of the first pass of a watch, and of each later one that was asked for by a new day or by another program.
@@ -155,6 +171,20 @@ class Application {
   ExportOutcome exportHistory(std::ostream& stream);
   ExportOutcome exportHistory(const std::filesystem::path& file);
 
+  /// Writes a sample of a history, "habitra-sample.csv", to the folder, or to that for temporary files where none is
+  /// named, and gives its path.
+  std::filesystem::path writeSample(const std::filesystem::path& folder);
+
+  /// The backups that were made by themselves, newest first.
+  [[nodiscard]] std::vector<BackupSummary> backups();
+
+  /// Puts what the backup of that day says in the place of all that is stored, and brings the habits up to date. Throws
+  /// qz::Error when there is none of that day, it is damaged, or another program does not let go of the store; nothing
+  /// is changed then.
+  RestoreOutcome restore(qz::YYYYMMDD day);
+  /// The same from any backup document.
+  RestoreOutcome restore(const std::filesystem::path& file);
+
   /// Every setting that a person can choose, in a fixed order.
   [[nodiscard]] std::vector<SettingSummary> settings();
 
@@ -171,6 +201,8 @@ class Application {
 
  private:
   void writeSnapshot();
+  /// A pass after something that is stored whatever becomes of the pass; none when it fails.
+  std::optional<ProcessReport> processAfter(std::string_view what);
   class Rooms;
   class Watch;
 

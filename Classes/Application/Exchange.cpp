@@ -24,12 +24,7 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
                                            {.author = Author::app, .command = fmt::format("import '{}'", name)});
   }
   rooms_->widgets.reloadAllTimelines();
-  try {
-    outcome.processed = process();
-  } catch (const qz::Error& error) {
-    // The history is stored; whoever were told of a failure would bring it in again. The next pass catches up.
-    qz::log::warning("The pass after the import could not be made: {}", error.what());
-  }
+  outcome.processed = processAfter("the import");
   return outcome;
 }
 

@@ -4,6 +4,7 @@
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Store/History/HistoryTrimming.h>
 #include <HabitraModel/Tasks/Processing/TaskAssessment.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorClock.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <QZLog/Log.h>
@@ -29,6 +30,7 @@ Application::Rooms::Rooms(const ApplicationSettings& settings)
       health(settings.home),
       calendars(settings.timeZone ? *settings.timeZone : qz::TimeZone::current(), qz::HHMMSS::midnight),
       widgets(settings.home),
+      backups(settings.home, manager.standardDefaults()),
       recorder(calendars, mainQueue, {watch, sharedTasks, widgets}),
       processor({.dataManager = manager,
                  .mainQueue = mainQueue,
@@ -162,6 +164,20 @@ void Application::Rooms::processAutomaticTasks() noexcept {
   }
 }
 
+void Application::Rooms::backUp() noexcept {
+  if (timeIsGiven_) return;
+  try {
+    StoreContext* context = readingContext();
+    if (context == nullptr || context->store().isReadOnly() || !clockCanBeRight(*context, now())) return;
+    const qz::YYYYMMDD today = calendars.ofDevice().day(now());
+    if (!backups.isDue(*context, today)) return;
+    // One of its own: what a backup reads is not kept.
+    if (const auto own = manager.contextForReading()) backups.make(*own, today, now());
+  } catch (const std::exception& error) {
+    qz::log::warning("The backup of today could not be made: {}", error.what());
+  }
+}
+
 void Application::Rooms::trimHistory(StoreContext& context) noexcept {
   if (timeIsGiven_) return;
   try {
@@ -169,12 +185,6 @@ void Application::Rooms::trimHistory(StoreContext& context) noexcept {
   } catch (const std::exception& error) {
     qz::log::warning("The history could not be trimmed: {}", error.what());
   }
-}
-
-DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day) {
-  if (const auto rules = rulesWithoutPauses(task))
-    return rules->frequency.period(day, rules->firstDayOfWeek, rules->referenceDate);
-  return DatedPeriod(day, TaskFrequencyPeriodType::day, qz::DayOfWeek::sunday);
 }
 
 }  // namespace habitra

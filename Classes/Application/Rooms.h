@@ -2,6 +2,7 @@
 
 #include <HabitraApp/Application.h>
 #include <HabitraApp/WidgetSnapshot.h>
+#include <HabitraBackup/AutomaticBackups/AutomaticBackups.h>
 #include <HabitraModel/DataManager.h>
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Links/TaskLink.h>
@@ -80,6 +81,13 @@ class Application::Rooms {
   /// A pass over the habits that something but their keeper completes. Throws nothing: what goes wrong is logged.
   void processAutomaticTasks() noexcept;
 
+  /// Lets go of the context of calls that look, so that the store can be replaced.
+  void closeReadingContext() { readingContext_.reset(); }
+
+  /// Makes the backup of today where that is due, never by a time that is given or that cannot be right. Never throws:
+  /// what could not be made now is made next time.
+  void backUp() noexcept;
+
   /// Lets go of history that nobody needs any more, at most once a day and never by a time that is given.
   /// Never throws: it can wait.
   void trimHistory(StoreContext& context) noexcept;
@@ -93,6 +101,7 @@ class Application::Rooms {
   OutboxTaskLink watch{OutboxLink::watch};
   OutboxTaskLink sharedTasks{OutboxLink::sharedTask};
   WidgetSnapshot widgets;
+  AutomaticBackups backups;
   TaskLogRecorder recorder;
   TaskProcessor processor;
 
@@ -108,8 +117,5 @@ class Application::Rooms {
 
 /// What a front end is told of a pass.
 [[nodiscard]] ProcessReport processReport(const TaskProcessorReport& report);
-
-/// The period of the habit that holds a day: by its frequency, or the day itself where that cannot be read.
-[[nodiscard]] DatedPeriod periodHolding(const TaskEntity& task, qz::YYYYMMDD day);
 
 }  // namespace habitra

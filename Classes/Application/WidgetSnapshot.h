@@ -21,8 +21,10 @@ class WidgetSnapshot : public WidgetCenter {
   explicit WidgetSnapshot(const std::filesystem::path& home) : file_(home / fileName) {}
 
   void reloadAllTimelines() noexcept override { isOutdated_ = true; }
-  /// Whether somebody has asked for it since it was last written.
-  [[nodiscard]] bool isOutdated() const { return isOutdated_; }
+  /// Whether somebody has asked for it since it was last written, or the file says how things stood on another day or
+  /// before a transaction of this store: whoever made that had no time to write it. A file that is not there is missed
+  /// by nobody.
+  [[nodiscard]] bool isOutdated(const HistoryToken& stored, qz::YYYYMMDD day) const;
 
   /// How the habits of a store stood on their `day` when its newest transaction was that of `stored`.
   struct Content {

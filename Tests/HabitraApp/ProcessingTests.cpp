@@ -55,6 +55,11 @@ TEST_F(ProcessingTests, panelsShowWhatWasChangedAndAreLeftAloneOtherwise) {
   application_.undo("Read", qz::YYYYMMDD(2024, 1, 31));
   application_.afterAnswer();
   EXPECT_EQ(snapshot()["habits"][0]["streak"]["best"], 0);
+
+  application_.done({"Read"}, {});  // by somebody who was stopped before the snapshot was written
+  habitra::Application next({.home = folder_ / "home", .clock = clock_, .timeZone = qz::TimeZone::utc()});
+  next.afterAnswer();
+  EXPECT_EQ(snapshot()["habits"][0]["streak"]["best"], 1);
 }
 
 TEST_F(ProcessingTests, panelsNeverGoBackToWhatWasEarlier) {
@@ -74,7 +79,7 @@ TEST_F(ProcessingTests, panelsNeverGoBackToWhatWasEarlier) {
   std::filesystem::create_directory(snapshot_);
   widgets.reloadAllTimelines();
   EXPECT_THROW(write("B", 2, {2024, 2, 3}), qz::Error);
-  EXPECT_TRUE(widgets.isOutdated()) << "it is tried again";
+  EXPECT_TRUE(widgets.isOutdated({.storeIdentifier = "B", .sequence = 2}, {2024, 2, 3})) << "it is tried again";
 }
 
 TEST_F(ProcessingTests, aWatchOutlivesTheLastSecondOfADay) {

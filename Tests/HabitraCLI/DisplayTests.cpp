@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <HabitraCLI/DisplayText.h>
 #include <HabitraCLI/HabitTable.h>
+#include <HabitraCLI/ProgressBar.h>
 
 #include <string>
 
@@ -50,6 +51,15 @@ TEST(DisplayTests, alignsColumnsByWidthAndCutsOnlyOnATerminal) {
             "\x1b[1mPage 1\x1b[0m\n"
             "\x1b[2m[?]\x1b[0m \xF0\x9F\x8F\x83 Läuf…  streak  5  best 120\n"
             "\x1b[2m[?]\x1b[0m Read      streak 10  best  12\n");
+}
+
+TEST(DisplayTests, aProgressLineFitsItsTerminal) {
+  using habitra::progressLine;
+  EXPECT_EQ(progressLine("storing", 0.5, 26), "storing [#####     ]  50 %");
+  EXPECT_EQ(progressLine("storing", 0.999, 200).substr(49), "]  99 %") << "only what is done is 100 %";
+  EXPECT_EQ(progressLine("storing", 7, 24), "storing [########] 100 %");
+  EXPECT_EQ(progressLine("storing", -1, 12), "  0 %");
+  EXPECT_EQ(progressLine("storing", 0, 3), "  0");
 }
 
 }  // namespace

@@ -52,6 +52,18 @@ struct ExportedHistory {
   std::string file;
 };
 
+struct BackupList {
+  std::vector<BackupSummary> backups;
+};
+
+struct RestoredHistory {
+  RestoreOutcome outcome;
+};
+
+struct WrittenSample {
+  std::string file;
+};
+
 [[nodiscard]] std::string asText(const HabitList& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const TodayList& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const AddedHabit& answer, const Terminal& terminal);
@@ -61,6 +73,9 @@ struct ExportedHistory {
 [[nodiscard]] std::string asText(const ImportedHistory& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const ImportedSamples& answer, const Terminal& terminal);
 [[nodiscard]] std::string asText(const ExportedHistory& answer, const Terminal& terminal);
+[[nodiscard]] std::string asText(const BackupList& answer, const Terminal& terminal);
+[[nodiscard]] std::string asText(const RestoredHistory& answer, const Terminal& terminal);
+[[nodiscard]] std::string asText(const WrittenSample& answer, const Terminal& terminal);
 
 [[nodiscard]] std::string asJSON(const HabitList& answer);
 [[nodiscard]] std::string asJSON(const TodayList& answer);
@@ -71,5 +86,8 @@ struct ExportedHistory {
 [[nodiscard]] std::string asJSON(const ImportedHistory& answer);
 [[nodiscard]] std::string asJSON(const ImportedSamples& answer);
 [[nodiscard]] std::string asJSON(const ExportedHistory& answer);
+[[nodiscard]] std::string asJSON(const BackupList& answer);
+[[nodiscard]] std::string asJSON(const RestoredHistory& answer);
+[[nodiscard]] std::string asJSON(const WrittenSample& answer);
 
 }  // namespace habitra

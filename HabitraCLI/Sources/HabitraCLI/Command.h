@@ -31,7 +31,7 @@ struct Option {
 
 /// The words that a verb takes.
 struct WordsTaken {
-  enum class Number { none, one, oneOrMore };
+  enum class Number { none, atMostOne, one, oneOrMore };
   Number number = Number::none;
   std::string_view name;  ///< "TASK"
   std::string_view help;

@@ -204,8 +204,10 @@ class Tree {
 
   static void checkNumber(const Command& command, const std::vector<std::string>& words) {
     if (command.words.number == WordsTaken::Number::none) return;
-    if (words.empty()) throw UsageError(fmt::format("'{}' needs a {}", command.verb, command.words.name), command.verb);
-    if (command.words.number == WordsTaken::Number::one && words.size() > 1) {
+    const WordsTaken::Number number = command.words.number;
+    if (words.empty() && number != WordsTaken::Number::atMostOne)
+      throw UsageError(fmt::format("'{}' needs a {}", command.verb, command.words.name), command.verb);
+    if (number != WordsTaken::Number::oneOrMore && words.size() > 1) {
       throw UsageError(fmt::format("'{}' takes one {}, '{}' is too much (quote a name that has blanks)", command.verb,
                                    command.words.name, words[1]),
                        command.verb);

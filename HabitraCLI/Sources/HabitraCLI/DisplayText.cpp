@@ -1,6 +1,7 @@
 #include <HabitraCLI/DisplayText.h>
 #include <QZKit/UTF8.h>
 
+#include <fmt/format.h>
 #include <locale.h>
 #include <algorithm>
 #include <cwchar>
@@ -88,6 +89,11 @@ std::string cutToWidth(std::string_view text, std::size_t width) {
     text.remove_prefix(character.bytes.size());
   }
   return result.append(ellipsis);
+}
+
+std::string counted(std::size_t count, std::string_view singular, std::string_view plural) {
+  if (count == 1) return fmt::format("1 {}", singular);
+  return plural.empty() ? fmt::format("{} {}s", count, singular) : fmt::format("{} {}", count, plural);
 }
 
 }  // namespace habitra

@@ -17,4 +17,7 @@ namespace habitra {
 /// `text` as it is when it fits into `width` columns, else its beginning and "…", together at most `width` wide.
 [[nodiscard]] std::string cutToWidth(std::string_view text, std::size_t width);
 
+/// "1 habit", "2 habits"; `plural` for words that do not just take an s.
+[[nodiscard]] std::string counted(std::size_t count, std::string_view singular, std::string_view plural = {});
+
 }  // namespace habitra

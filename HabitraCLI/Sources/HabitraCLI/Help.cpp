@@ -29,6 +29,7 @@ Rows rowsOf(std::span<const Option> options) {
 std::string wordsOf(const Command& command) {
   switch (command.words.number) {
     case WordsTaken::Number::none: return {};
+    case WordsTaken::Number::atMostOne: return fmt::format(" [{}]", command.words.name);
     case WordsTaken::Number::one: return fmt::format(" {}", command.words.name);
     case WordsTaken::Number::oneOrMore: return fmt::format(" {}...", command.words.name);
   }

@@ -20,12 +20,6 @@ constexpr std::string_view emptyStore =
 
 constexpr std::string_view weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
-/// "1 habit", "2 habits"; `plural` for words that do not just take an s.
-std::string counted(std::size_t count, std::string_view singular, std::string_view plural = {}) {
-  if (count == 1) return fmt::format("1 {}", singular);
-  return plural.empty() ? fmt::format("{} {}s", count, singular) : fmt::format("{} {}", count, plural);
-}
-
 /// "3 habits: 1 added, 2 changed", and a line feed; parts of which there are none are left out.
 std::string withParts(std::string text, std::initializer_list<std::pair<std::size_t, std::string_view>> parts) {
   std::string_view separator = ": ";

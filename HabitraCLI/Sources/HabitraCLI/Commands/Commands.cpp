@@ -5,9 +5,10 @@
 namespace habitra {
 
 std::span<const Command* const> allCommands() {
-  static constexpr std::array<const Command*, 11> commands{
-      &todayCommand,  &doneCommand,   &skipCommand,    &undoCommand,  &addCommand,          &listCommand,
-      &importCommand, &exportCommand, &processCommand, &watchCommand, &healthImportCommand,
+  static constexpr std::array<const Command*, 13> commands{
+      &todayCommand,   &doneCommand,   &skipCommand,         &undoCommand,    &addCommand,
+      &listCommand,    &importCommand, &exportCommand,       &restoreCommand, &sampleCommand,
+      &processCommand, &watchCommand,  &healthImportCommand,
   };
   return commands;
 }

@@ -17,6 +17,8 @@ extern const Command exportCommand;
 extern const Command processCommand;
 extern const Command healthImportCommand;
 extern const Command watchCommand;
+extern const Command restoreCommand;
+extern const Command sampleCommand;
 
 /// The option of the verbs that also take another day than today.
 inline constexpr Option dateOption{"--date", "DAY",

@@ -1,0 +1,146 @@
+#include <HabitraBackup/AutomaticBackups/AutomaticBackups.h>
+#include <HabitraBackup/AutomaticBackups/BackupRotation.h>
+#include <HabitraBackup/CSV/CSVSource.h>
+#include <HabitraBackup/Document/HabitraJSONDecoder.h>
+#include <HabitraBackup/Exchange/TaskDataExporter.h>
+#include <HabitraBackup/Files/Compression.h>
+#include <HabitraBackup/Files/FileWriting.h>
+#include <HabitraModel/PersistentHistoryFetcher.h>
+#include <HabitraModel/Store/Files/HomeFolder.h>
+#include <HabitraModel/Store/StoreContext.h>
+#include <QZKit/Error.h>
+#include <QZLog/Log.h>
+
+#include <fmt/format.h>
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace habitra {
+
+namespace {
+
+constexpr std::string_view extension = ".habitra.zst";
+constexpr std::size_t dayLength = 10;  // of "2024-01-31"
+
+/// The day that a file's name bears; none for a file that is no backup of ours.
+std::optional<qz::YYYYMMDD> dayOfName(std::string_view name) {
+  if (name.size() != dayLength + extension.size() || !name.ends_with(extension)) return std::nullopt;
+  std::int64_t number = 0;
+  for (std::size_t at = 0; at < dayLength; ++at) {
+    const bool isHyphen = at == 4 || at == 7;
+    if (isHyphen ? name[at] != '-' : name[at] < '0' || name[at] > '9') return std::nullopt;
+    if (!isHyphen) number = number * 10 + (name[at] - '0');
+  }
+  const auto day = qz::YYYYMMDD::fromRawValue(number);
+  return day && day->exists() ? day : std::nullopt;
+}
+
+/// What was written or read, in short.
+class Fingerprint {
+ public:
+  Fingerprint() : state_(XXH3_createState(), &XXH3_freeState) { XXH3_128bits_reset(state_.get()); }
+
+  void add(std::string_view bytes) {
+    XXH3_128bits_update(state_.get(), bytes.data(), bytes.size());
+    length_ += bytes.size();
+  }
+
+  friend bool operator==(const Fingerprint& a, const Fingerprint& b) {
+    return a.length_ == b.length_ &&
+           XXH128_isEqual(XXH3_128bits_digest(a.state_.get()), XXH3_128bits_digest(b.state_.get())) != 0;
+  }
+
+ private:
+  std::unique_ptr<XXH3_state_t, decltype(&XXH3_freeState)> state_;
+  std::size_t length_ = 0;
+};
+
+/// Reads a backup as a restore would.
+Fingerprint readBack(const std::filesystem::path& file) {
+  Fingerprint read;
+  readFile(file, [&read](const ByteSource& bytes) {
+    DecompressingSource source(bytes);
+    const ByteSource seen = [&](std::span<char> chunk) {
+      const std::size_t count = source.read(chunk);
+      read.add({chunk.data(), count});
+      return count;
+    };
+    (void)HabitraJSONDecoder().decode(seen, [](HabitraJSONBackupTask&&) {});
+  });
+  return read;
+}
+
+}  // namespace
+
+AutomaticBackups::AutomaticBackups(const std::filesystem::path& home, KeyValueDefaults& standardDefaults)
+    : folder_(home / folderName), defaults_(standardDefaults) {}
+
+std::vector<AutomaticBackups::Backup> AutomaticBackups::all() const {
+  std::vector<Backup> backups;
+  std::error_code error;
+  if (!std::filesystem::exists(folder_, error)) return backups;
+  for (std::filesystem::directory_iterator entry(folder_, error), end; !error && entry != end; entry.increment(error)) {
+    const auto day = dayOfName(entry->path().filename().string());
+    if (day && std::filesystem::is_regular_file(entry->symlink_status(error)))
+      backups.push_back({.day = *day, .file = entry->path()});
+  }
+  if (error) throw qz::Error(fmt::format("{} cannot be read: {}", folder_.string(), error.message()));
+  std::ranges::sort(backups, std::greater<>(), &Backup::day);
+  return backups;
+}
+
+bool AutomaticBackups::isDue(StoreContext& context, qz::YYYYMMDD today) const {
+  std::error_code error;
+  if (std::filesystem::exists(fileOf(today), error)) return false;
+  const auto newest = defaults_.get<std::string>(newestKey);
+  return !newest || *newest != PersistentHistoryFetcher(context).currentToken().text() || all().empty();
+}
+
+void AutomaticBackups::make(StoreContext& context, qz::YYYYMMDD today, qz::Moment now) {
+  makePrivateFolder(folder_);
+  const std::filesystem::path file = fileOf(today);
+  const HistoryToken stored = PersistentHistoryFetcher(context).currentToken();
+  const TaskDataExporter exporter(context);
+  const std::vector<ObjectID> tasks = exporter.allTasks();
+  const HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::scheduled, now);
+  Fingerprint written;
+  writeFile(file, [&](const ByteSink& sink) {
+    (void)exporter.writeJson(tasks, header, [&](std::string_view bytes) {
+      written.add(bytes);
+      sink(bytes);
+    });
+  });
+  try {
+    tightenFile(file);
+    if (readBack(file) != written) throw qz::Error(file.string() + " does not read back as it was written");
+  } catch (...) {
+    std::error_code error;
+    std::filesystem::remove(file, error);
+    throw;
+  }
+  defaults_.set(newestKey, stored.text());
+  removeOutdated(today);
+}
+
+std::filesystem::path AutomaticBackups::fileOf(qz::YYYYMMDD day) const {
+  return folder_ / (day.debugDescription() + std::string(extension));
+}
+
+void AutomaticBackups::removeOutdated(qz::YYYYMMDD today) const {
+  std::vector<qz::YYYYMMDD> days;
+  for (const Backup& backup : all()) days.push_back(backup.day);
+  for (const qz::YYYYMMDD day : BackupRotation().outdated(std::move(days), today)) {
+    std::error_code error;
+    if (!std::filesystem::remove(fileOf(day), error) && error)
+      qz::log::warning("The backup of {} stays: {}", day.debugDescription(), error.message());
+  }
+}
+
+}  // namespace habitra

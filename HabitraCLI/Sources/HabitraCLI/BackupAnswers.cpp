@@ -1,0 +1,55 @@
+#include <HabitraCLI/Answers.h>
+#include <HabitraCLI/DisplayText.h>
+#include <QZDateTime/YYYYMMDD.h>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace habitra {
+namespace {
+
+using nlohmann::json;
+
+/// "312 kB", rounded up: a file of one byte is not empty.
+std::string kilobytes(std::uintmax_t size) { return fmt::format("{} kB", (size + 999) / 1000); }
+
+std::string text(const json& value) { return value.dump(2, ' ', false, json::error_handler_t::replace) + "\n"; }
+
+}  // namespace
+
+std::string asText(const BackupList& answer, const Terminal&) {
+  if (answer.backups.empty()) return "No backups yet. One is made on each day on which something has changed.\n";
+  std::string text;
+  for (const BackupSummary& backup : answer.backups)
+    text += fmt::format("{}  {:>9}\n", backup.day.debugDescription(), kilobytes(backup.size));
+  return text + fmt::format("Go back to one:   habitra restore {}\n", answer.backups.front().day.debugDescription());
+}
+
+std::string asText(const RestoredHistory& answer, const Terminal&) {
+  const RestoreOutcome& outcome = answer.outcome;
+  return fmt::format("{}: {} with {} restored\nWhat was stored before is kept in the folder Backups.\n",
+                     displayable(outcome.file.filename().string()), counted(outcome.tasks, "habit"),
+                     counted(outcome.entries, "entry", "entries"));
+}
+
+std::string asText(const WrittenSample& answer, const Terminal&) {
+  return fmt::format("{}: written\nTry it:   habitra --home try-out import {}\n", displayable(answer.file),
+                     displayable(answer.file));
+}
+
+std::string asJSON(const BackupList& answer) {
+  json backups = json::array();
+  for (const BackupSummary& backup : answer.backups)
+    backups.push_back({{"day", backup.day}, {"file", backup.file.string()}, {"size", backup.size}});
+  return text(backups);
+}
+
+std::string asJSON(const RestoredHistory& answer) {
+  return text(
+      {{"file", answer.outcome.file.string()}, {"tasks", answer.outcome.tasks}, {"entries", answer.outcome.entries}});
+}
+
+std::string asJSON(const WrittenSample& answer) { return text({{"file", answer.file}}); }
+
+}  // namespace habitra
