@@ -1,5 +1,6 @@
+#include "ImportHome.h"
+
 #include <gtest/gtest.h>
-#include <HabitraBackup/Exchange/TaskDataImporter.h>
 #include <HabitraModel/Mapping/FrequencyMapping.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreContext.h>
@@ -18,6 +19,7 @@ namespace {
 
 using Outcome = ImportReport::Outcome;
 using Rows = ImportReport::Rows;
+using Home = ImportHome;
 
 const std::string idOfSwim = "0A1B2C3D-0000-7000-8000-00000000ABCD";
 const std::string idOfHealth = "0A1B2C3D-0000-7000-8000-0000000000CA";
@@ -33,71 +35,6 @@ HabitraJSONBackupTaskEntry entry(qz::YYYYMMDD day, std::optional<qz::UniqueID> i
   entry.entryDate = day;
   return entry;
 }
-
-/// A store in memory, on a Saturday in Berlin.
-class Home {
- public:
-  Home() = default;
-  explicit Home(std::shared_ptr<qz::Clock> clock) : context(Store::inMemory(std::move(clock))) {}
-
-  ImportReport import(const HabitraJSONBackup& document, ImportStrategy strategy = ImportStrategy::merge,
-                      const ImportRemarks& remarks = {}) {
-    const TaskCalendars calendars(qz::TimeZone::fromIdentifier("Europe/Berlin").value(), qz::HHMMSS::midnight);
-    TaskDataImporter importer(context, {calendars, qz::DayOfWeek::monday, now});
-    return importer.importBackup(document, strategy, {}, remarks);
-  }
-
-  TaskEntity& task(std::string_view title) { return *context.find<TaskEntity>("title", title); }
-
-  template <typename Row>
-  std::vector<Row*> rows(std::string_view title) {
-    return context.fetchRelated<Row>("task", task(title).objectID);
-  }
-
-  /// The rows, without what only this store can say of them.
-  template <typename Row>
-  std::vector<Row> contents(std::string_view title) {
-    std::vector<Row> result;
-    for (const Row* row : rows<Row>(title)) {
-      result.push_back(*row);
-      result.back().objectID = result.back().task = ObjectID::none;
-    }
-    return result;
-  }
-
-  /// Everything that the store holds of a task but its log, identifiers included, in the form of a document.
-  HabitraJSONBackupTaskRecord record(std::string_view title) {
-    HabitraJSONBackupTaskRecord record;
-    record.task = task(title);
-    record.task.objectID = record.task.userProfile = ObjectID::none;
-    const auto settings = contents<TaskNotificationSettingsEntity>(title);
-    if (!settings.empty()) record.notificationSettings = settings.front();
-    record.reminders = contents<TaskNotificationRemindersEntity>(title);
-    record.counters = contents<TaskCounterEntity>(title);
-    record.timers = contents<TaskTimerEntity>(title);
-    for (const TaskCategoryEntity* category : categoriesOf(context, task(title)))
-      record.categories.push_back(uniqueId(category->uniqueId.value()));
-    record.pauses = pausesOf(context, task(title));
-    return record;
-  }
-
-  std::vector<TaskLogEntryEntity> log(std::string_view title) { return context.fetchLogEntries(task(title).objectID); }
-
-  void expectUniqueIdentifiers() {
-    EXPECT_TRUE(context.repeatedTexts<TaskEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<TaskLogEntryEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<TaskNoteEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<TaskCounterEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<TaskNotificationRemindersEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<UserProfileEntity>("uniqueId").empty());
-    EXPECT_TRUE(context.repeatedTexts<TaskCategoryEntity>("uniqueId").empty());
-  }
-
-  void save() { context.save({}); }
-
-  qz::Moment now = moment("2024-06-01T10:00:00Z");
-  StoreContext context{Store::inMemory(std::make_shared<qz::FixedClock>(now))};
-};
 
 /// The row of a task as a store holds it that has not been processed.
 TaskEntity swimRow() {
