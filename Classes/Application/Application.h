@@ -2,7 +2,9 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraApp/SettingSummary.h>
+#include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/Exchange/ImportReport.h>
+#include <HabitraBackup/Exchange/ImportStrategy.h>
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/TimeZone.h>
@@ -157,10 +159,11 @@ class Application {
   /// Lets watch() end; from any thread. A watch that has not begun ends at its beginning.
   void stopWatching();
 
-  /// Reads a nine-column history from `stream`, merges it into the store and brings the habits up to date. `name` is
-  /// what errors call the stream. All or nothing.
-  ImportOutcome importHistory(std::istream& stream, std::string_view name);
-  ImportOutcome importHistory(const std::filesystem::path& file);
+  /// Reads a nine-column history from `stream`, brings it into the store and the habits up to date. `name` is what
+  /// errors call the stream; `strategy` says what happens to habits that are here already. All or nothing.
+  ImportOutcome importHistory(std::istream& stream, std::string_view name,
+                              ImportStrategy strategy = ImportStrategy::merge);
+  ImportOutcome importHistory(const std::filesystem::path& file, ImportStrategy strategy = ImportStrategy::merge);
 
   /// Reads health samples in six columns from `stream` into the store of samples, and brings the habits up to date that
   /// such data complete; the same ones twice change nothing. `name` is what errors call the stream. All or nothing.
@@ -213,7 +216,8 @@ class Application {
 
   /// What an import of samples came to, once the habits have followed it.
   HealthImportOutcome healthImportOutcome(std::size_t added, std::size_t left);
-  ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name);
+  ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name, ImportStrategy strategy,
+                               const ImportRemarks& remarks = {});
 
   std::unique_ptr<Rooms> rooms_;
 };

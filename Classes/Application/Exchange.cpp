@@ -12,7 +12,8 @@
 
 namespace habitra {
 
-ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name) {
+ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name,
+                                          ImportStrategy strategy, const ImportRemarks& remarks) {
   const auto context = rooms_->contextToWrite();
   const qz::DayOfWeek firstDayOfWeek = rooms_->settings(context.get()).get(settings::firstDayOfWeek);
   TaskDataImporter importer(*context,
@@ -20,20 +21,20 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
   ImportOutcome outcome;
   {
     const TaskProcessor::BulkDataUpdate bulk(rooms_->processor);
-    outcome.report = importer.importBackup(document, ImportStrategy::merge,
-                                           {.author = Author::app, .command = fmt::format("import '{}'", name)});
+    outcome.report = importer.importBackup(
+        document, strategy, {.author = Author::app, .command = fmt::format("import '{}'", name)}, remarks);
   }
   rooms_->widgets.reloadAllTimelines();
   outcome.processed = processAfter("the import");
   return outcome;
 }
 
-ImportOutcome Application::importHistory(std::istream& stream, std::string_view name) {
-  return importDocument(HabitraBackup::loadCsv(stream, name, rooms_->now()), name);
+ImportOutcome Application::importHistory(std::istream& stream, std::string_view name, ImportStrategy strategy) {
+  return importDocument(HabitraBackup::loadCsv(stream, name, rooms_->now()), name, strategy);
 }
 
-ImportOutcome Application::importHistory(const std::filesystem::path& file) {
-  return importDocument(HabitraBackup::loadCsv(file, rooms_->now()), file.filename().string());
+ImportOutcome Application::importHistory(const std::filesystem::path& file, ImportStrategy strategy) {
+  return importDocument(HabitraBackup::loadCsv(file, rooms_->now()), file.filename().string(), strategy);
 }
 
 HealthImportOutcome Application::importHealthSamples(std::istream& stream, std::string_view name) {

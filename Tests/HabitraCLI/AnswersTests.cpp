@@ -63,6 +63,29 @@ TEST(AnswersTests, saysWhatHoldsNow) {
       "1 habit: 1 already there\n1 entry: 1 already there\n12 days filled in\n");
   EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = {}}}, {}),
             "1 habit: 1 already there\n1 entry: 1 already there\n");
+  const habitra::ImportReport more{
+      .tasks =
+          {{.title = "Walk",
+            .uniqueId = {},
+            .entries = {.added = 2},
+            .notes = {.added = 1},
+            .parts = {.added = 3},
+            .remarks = {"its goal was left out"}},
+           {.title = "Old", .uniqueId = {}, .outcome = habitra::ImportReport::Outcome::leftOut, .remarks = {"a\nb"}},
+           {.title = "Read", .uniqueId = {}, .outcome = habitra::ImportReport::Outcome::added}},
+      .categories = {.added = 2},
+      .settings = {.left = 1},
+      .remarks = {"2 journals were left out"}};
+  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = more, .processed = {}}}, {}),
+            "3 habits: 1 added, 1 already there, 1 left out\n"
+            "2 entries: 2 added\n"
+            "1 note: 1 added\n"
+            "3 other parts: 3 added\n"
+            "2 categories: 2 added\n"
+            "1 setting: 1 already there\n"
+            "Walk: 2 entries, 1 note, 3 other parts; its goal was left out\n"
+            "Old: a\uFFFDb\n"
+            "2 journals were left out\n");
   EXPECT_EQ(asText(habitra::ExportedHistory{{.tasks = 2, .rows = 1}, "a.csv"}, {}),
             "a.csv: 1 row of 2 habits written\n");
 }

@@ -38,6 +38,7 @@ TEST_F(BadInputTests, isRefusedInOneLineAndChangesNothing) {
   expectRefused({"undo", "Read the", "--date", "2024-02-30"}, 2, {"'2024-02-30'", "habitra undo --help"});
   expectRefused({"undo", "Read the", "--date", "soon"}, 2, {"'soon'"});
   expectRefused({"done", "Read the", "--date", "2024-02-30"}, 2, {"'2024-02-30'", "habitra done --help"});
+  expectRefused({"import", "a.csv", "--strategy", "all"}, 2, {"'all'", "merge, overwrite, skip or new"});
   expectRefused({"done"}, 2, {"TASK", "habitra done --help"});
   expectRefused({"done", "read t"}, 2, {"'Read ten pages'", "'Read the news'"});
   expectRefused({"done", "Raed ten pages"}, 2, {"'Raed ten pages'", "'Read ten pages'", "habitra done --help"});

@@ -220,6 +220,32 @@ TEST_F(VerbTests, exportAndImportAgreeByteForByte) {
   EXPECT_EQ(bytesOf(file), first.out);
 }
 
+TEST_F(VerbTests, importStrategies) {
+  const auto file = write("history.csv", history);
+  EXPECT_EQ(runJSON({"import", file})["entries"]["added"], 4);
+  const std::string walk = "946D21F1-5D7C-5E6A-A309-E01FAC24628A,Stroll,,skipped_manually,20240130,,,1,\n";
+  const auto other =
+      write("other.csv", "task_id,title,icon,entry_type,entry_date,entry_timestamp,quantity,page,notes\n" + walk +
+                             "946D21F1-5D7C-5E6A-A309-E01FAC24628A,Stroll,,skipped_manually,20240201,,,1,\n");
+  const auto before = run({"export", "-"});
+  EXPECT_EQ(run({"import", other, "--strategy", "skip"}),
+            says("1 habit: 1 already there\n2 entries: 2 already there\n"));
+  EXPECT_EQ(run({"export", "-"}), before);
+
+  EXPECT_EQ(run({"import", "--strategy", "merge", other}),
+            says("1 habit: 1 changed\n1 entry: 1 added\n"
+                 "Walk, 8,000 steps: 1 entry; 1 entry lies after today and was left out\n"));
+  const json copied = runJSON({"import", other, "--strategy", "new"});
+  EXPECT_EQ(copied["tasks"][0]["outcome"], "added");
+  EXPECT_NE(copied["tasks"][0]["uniqueId"], "946D21F1-5D7C-5E6A-A309-E01FAC24628A");
+  EXPECT_EQ(copied["tasks"][0]["remarks"].size(), 1U);
+  EXPECT_EQ(runJSON({"list"}).size(), 3U);
+
+  const json replaced = runJSON({"import", file, "--strategy=overwrite"});
+  EXPECT_EQ(replaced["entries"]["removed"], 2) << "the skip, and a miss that was filled in";
+  EXPECT_EQ(runJSON({"list"})[2]["streak"], (json{{"current", 3}, {"best", 3}}));
+}
+
 TEST_F(VerbTests, helpAndVersionTouchNothing) {
   const Outcome general = runBare({"--help"});
   EXPECT_EQ(general.exitCode, 0);

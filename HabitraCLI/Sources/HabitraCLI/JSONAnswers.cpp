@@ -23,11 +23,16 @@ json figures(const ImportReport::Entries& entries) {
           {"afterToday", entries.afterToday}};
 }
 
+json figures(const ImportReport::Rows& rows) {
+  return {{"added", rows.added}, {"changed", rows.changed}, {"removed", rows.removed}, {"left", rows.left}};
+}
+
 std::string_view name(ImportReport::Outcome outcome) {
   switch (outcome) {
     case ImportReport::Outcome::added: return "added";
     case ImportReport::Outcome::changed: return "changed";
     case ImportReport::Outcome::left: return "left";
+    case ImportReport::Outcome::leftOut: return "leftOut";
   }
   return "unknown";
 }
@@ -65,14 +70,26 @@ std::string asJSON(const UndoneHabit& answer) { return text(answer.habit); }
 std::string asJSON(const ProcessReport& answer) { return text(figures(answer)); }
 
 std::string asJSON(const ImportedHistory& answer) {
+  const ImportReport& report = answer.outcome.report;
   json tasks = json::array();
-  for (const ImportReport::Task& task : answer.outcome.report.tasks) {
-    tasks.push_back({{"title", task.title},
-                     {"uniqueId", task.uniqueId},
-                     {"outcome", name(task.outcome)},
-                     {"entries", figures(task.entries)}});
+  for (const ImportReport::Task& task : report.tasks) {
+    json written{{"title", task.title},
+                 {"outcome", name(task.outcome)},
+                 {"entries", figures(task.entries)},
+                 {"notes", figures(task.notes)},
+                 {"parts", figures(task.parts)}};
+    if (!task.uniqueId.empty()) written["uniqueId"] = task.uniqueId;
+    if (!task.remarks.empty()) written["remarks"] = task.remarks;
+    tasks.push_back(std::move(written));
   }
-  json answered{{"tasks", tasks}, {"entries", figures(answer.outcome.report.entries())}};
+  json answered{{"tasks", tasks},
+                {"entries", figures(report.entries())},
+                {"notes", figures(report.notes())},
+                {"parts", figures(report.parts())},
+                {"pages", figures(report.pages)},
+                {"categories", figures(report.categories)},
+                {"settings", figures(report.settings)}};
+  if (!report.remarks.empty()) answered["remarks"] = report.remarks;
   if (answer.outcome.processed) answered["processed"] = figures(*answer.outcome.processed);
   return text(answered);
 }

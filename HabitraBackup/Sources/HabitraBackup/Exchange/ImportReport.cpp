@@ -3,22 +3,41 @@
 #include <algorithm>
 
 namespace habitra {
+namespace {
+
+template <typename Counts>
+Counts sumOf(const std::vector<ImportReport::Task>& tasks, Counts ImportReport::Task::*counts) {
+  Counts sum;
+  for (const ImportReport::Task& task : tasks) sum += task.*counts;
+  return sum;
+}
+
+}  // namespace
+
+ImportReport::Entries& ImportReport::Entries::operator+=(const Entries& more) {
+  added += more.added;
+  changed += more.changed;
+  removed += more.removed;
+  left += more.left;
+  afterToday += more.afterToday;
+  return *this;
+}
+
+ImportReport::Rows& ImportReport::Rows::operator+=(const Rows& more) {
+  added += more.added;
+  changed += more.changed;
+  removed += more.removed;
+  left += more.left;
+  return *this;
+}
 
 std::size_t ImportReport::count(Outcome outcome) const {
   const auto meets = [outcome](const Task& task) { return task.outcome == outcome; };
   return static_cast<std::size_t>(std::ranges::count_if(tasks, meets));
 }
 
-ImportReport::Entries ImportReport::entries() const {
-  Entries sum;
-  for (const Task& task : tasks) {
-    sum.added += task.entries.added;
-    sum.changed += task.entries.changed;
-    sum.removed += task.entries.removed;
-    sum.left += task.entries.left;
-    sum.afterToday += task.entries.afterToday;
-  }
-  return sum;
-}
+ImportReport::Entries ImportReport::entries() const { return sumOf(tasks, &Task::entries); }
+ImportReport::Rows ImportReport::notes() const { return sumOf(tasks, &Task::notes); }
+ImportReport::Rows ImportReport::parts() const { return sumOf(tasks, &Task::parts); }
 
 }  // namespace habitra

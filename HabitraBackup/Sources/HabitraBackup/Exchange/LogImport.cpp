@@ -1,4 +1,5 @@
 #include <HabitraBackup/Exchange/LogImport.h>
+#include <HabitraCore/FutureEntries.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
@@ -7,13 +8,32 @@
 #include <string>
 
 namespace habitra {
+namespace {
 
-LogImport::LogImport(StoreContext& context, const TaskEntity& task, TaskCalendar calendar, qz::Moment now)
+void takeDetails(TaskLogEntryEntity& row, const HabitraJSONBackupTaskEntryDetails& details) {
+  if (details.createdTimeZone) row.createdTimeZone = details.createdTimeZone;
+  row.cloudStatus = details.cloudStatus;
+  row.cloudStatusDate = details.cloudStatusDate;
+}
+
+}  // namespace
+
+LogImport::LogImport(StoreContext& context, const TaskEntity& task, TaskCalendar calendar, qz::Moment now,
+                     const EntryIdentifiers& identifiers)
     : context_(context),
       task_(task.objectID),
       calendar_(std::move(calendar)),
       now_(now),
+      today_(calendar_.day(now)),
+      identifiers_(identifiers),
       rules_(rulesOf(context, task)) {}
+
+void LogImport::follow(std::span<const TaskTimerEntity> timers) {
+  for (const TaskTimerEntity& timer : timers) {
+    if (const auto id = timer.entryId ? qz::UniqueID::fromText(*timer.entryId) : std::nullopt)
+      followed_.try_emplace(*id);
+  }
+}
 
 ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntry> entries) {
   const std::vector<LogCandidate> stored = candidates();
@@ -21,9 +41,10 @@ ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntr
   canGiveWay_ = !stored.empty();
   ImportReport::Entries counts;
   for (std::size_t index = 0; index < entries.size(); ++index) {
-    if (partners.ofWanted(index)) {
+    if (const auto partner = partners.ofWanted(index)) {
+      noteIdentifier(entries[index], stored[*partner].uniqueId);
       ++counts.left;
-    } else if (isAfterToday(entries[index])) {
+    } else if (liesAfterToday(entries[index])) {
       ++counts.afterToday;
     } else {
       add(entries[index]);
@@ -49,7 +70,8 @@ ImportReport::Entries LogImport::overwrite(std::span<const HabitraJSONBackupTask
   }
   for (std::size_t index = 0; index < entries.size(); ++index) {
     const auto partner = partners.ofWanted(index);
-    if (!partner && isAfterToday(entries[index])) {
+    if (partner) noteIdentifier(entries[index], stored[*partner].uniqueId);
+    if (!partner && liesAfterToday(entries[index])) {
       ++counts.afterToday;
     } else if (!partner) {
       add(entries[index]);
@@ -88,16 +110,32 @@ void LogImport::add(const HabitraJSONBackupTaskEntry& entry) {
   std::tie(row.entryPeriodFrom, row.entryPeriodTo) = itsPeriod.bounds;
   row.entryPeriodType = itsPeriod.type;
   row.progress = entry.progress.value_or(0.0);
+  row.progressTotal = entry.progressTotal.value_or(0.0);
   row.createdTimestamp = entry.createdTimestamp ? *entry.createdTimestamp : calendar_.beginning(entry.entryDate);
-  row.createdTimeZone = calendar_.timeZone.identifier();
-  // An identifier that another task's entry bears already is that one's; this entry gets a new one.
-  if (entry.uniqueId && !context_.findLogEntry(entry.uniqueId->text())) row.uniqueId = entry.uniqueId->text();
+  if (entry.details) takeDetails(row, *entry.details);
+  if (!row.createdTimeZone) row.createdTimeZone = calendar_.timeZone.identifier();
+  // An identifier that another entry bears already is that one's; this entry gets a new one.
+  if (entry.uniqueId && identifiers_.isFree(*entry.uniqueId)) {
+    row.uniqueId = entry.uniqueId->text();
+    noteIdentifier(entry, entry.uniqueId);
+  } else if (entry.uniqueId && !followed_.empty()) {
+    const auto id = qz::UniqueID::generate(context_.store().clock().now());
+    row.uniqueId = id.text();
+    noteIdentifier(entry, id);
+  }
   context_.insertLogEntry(row);
 
   if (isFull(entry.entryType) && canGiveWay_) decidedPeriods_.insert(itsPeriod.bounds);
   if (marksHistory(entry.entryType)) {
     earliestAdded_ = std::min<qz::YYYYMMDD>(earliestAdded_.value_or(entry.entryDate), entry.entryDate);
   }
+}
+
+void LogImport::noteIdentifier(const HabitraJSONBackupTaskEntry& entry, const std::optional<qz::UniqueID>& stored) {
+  if (followed_.empty() || !entry.uniqueId || !stored) return;
+  const auto found = followed_.find(*entry.uniqueId);
+  // Of two entries with the same identifier the first one is meant.
+  if (found != followed_.end() && !found->second) found->second = stored->text();
 }
 
 bool LogImport::update(const LogKey& key, const HabitraJSONBackupTaskEntry& entry) {
@@ -110,6 +148,8 @@ bool LogImport::update(const LogKey& key, const HabitraJSONBackupTaskEntry& entr
   std::tie(row->entryPeriodFrom, row->entryPeriodTo) = itsPeriod.bounds;
   row->entryPeriodType = itsPeriod.type;
   if (entry.progress) row->progress = *entry.progress;
+  if (entry.progressTotal) row->progressTotal = *entry.progressTotal;
+  if (entry.details) takeDetails(*row, *entry.details);
   if (entry.createdTimestamp) row->createdTimestamp = entry.createdTimestamp;
   if (*row == before) return false;
   context_.updateLogEntry(key, *row);
@@ -145,9 +185,11 @@ bool LogImport::givesWay(const LogCandidate& stored) const {
   return decidedPeriods_.contains(bounds);
 }
 
-bool LogImport::isAfterToday(const HabitraJSONBackupTaskEntry& entry) const {
-  const HabitraJSONBackupDay today = calendar_.day(now_);
-  return entry.entryDate > today;
+bool LogImport::liesAfterToday(const HabitraJSONBackupTaskEntry& entry) const {
+  if (entry.entryDate.intValue() <= today_.intValue()) return false;
+  EntryRecording recording{.entryDate = entry.entryDate.intValue(), .createdTimestamp = entry.createdTimestamp};
+  if (entry.details && entry.details->createdTimeZone) recording.createdTimeZone = *entry.details->createdTimeZone;
+  return liesInFuture(recording, today_, calendar_.startOfDay, now_);
 }
 
 }  // namespace habitra
