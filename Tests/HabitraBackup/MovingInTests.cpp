@@ -113,8 +113,8 @@ TEST_F(MovingIn, readsTheFormerExportOfLoopWhichHasNoHeadersAndNoTypes) {
   const ForeignHistory history = read(makeFolder(
       folder / "old",
       {{"Habits.csv",
-        "Position,Name,Question,Description,NumRepetitions,Interval,Color\n001,Wake,,,2,3,#1\n002,Run,,,1,1,#1\n"
-        "003,New,,,1,5,#1\n"},
+        "Position,Name,Question,Description,NumRepetitions,Interval,Color,Mood\n001,Wake,,,2,3,#1,\n002,Run,,,1,1,#1,\n"
+        "003,New,,,1,5,#1,\n"},
        {"001 Wake/Checkmarks.csv", "2018-01-04,3\n2018-01-03,2\n2018-01-02,1\n2018-01-01,0\n"},
        {"002 Run/Checkmarks.csv", "2018-01-02,0\n2018-01-01,2500\n"},
        {"003 New/Checkmarks.csv", ""}}));
@@ -124,6 +124,7 @@ TEST_F(MovingIn, readsTheFormerExportOfLoopWhichHasNoHeadersAndNoTypes) {
   EXPECT_EQ(history.habits[0].remarks, Words{"2 times in 3 days became 5 days a week"});
   EXPECT_EQ(logOf(tasks.at(1)), Words{"20180101 completedManuallyFull 2.5"});
   EXPECT_EQ(frequencyOfTask(tasks.at(2)).dayInterval, 5);
+  EXPECT_TRUE(contains(history.lines(), "the column \"Mood\" of Habits.csv has no place here"));
 }
 
 TEST_F(MovingIn, readsADatabaseOfLoopOfTheFirstAndOfTheLastLayout) {

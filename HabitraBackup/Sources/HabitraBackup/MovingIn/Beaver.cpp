@@ -117,7 +117,8 @@ class BeaverReading {
     if (const auto period = node.member("period")) readPeriod(*period, habit);
     if (const auto tags = node.member("tags")) {
       for (std::size_t index = 0; index < tags->count(); ++index) {
-        habit.addCategory(categoryOf(history_.document, tags->at(index).text()));
+        const std::string tag = tags->at(index).text();
+        habit.addCategory(categoryOf(history_.document, tag, tag));
       }
     }
     readRecords(node.wanted("records"), habit);

@@ -63,6 +63,10 @@ void ForeignHabit::setTimesInDays(std::int64_t times, std::int64_t days) {
   if (!nearest.remark.empty()) remark(std::move(nearest.remark));
 }
 
+void ForeignHabit::addCategory(const qz::UniqueID& category) {
+  if (std::find(categories_.begin(), categories_.end(), category) == categories_.end()) categories_.push_back(category);
+}
+
 void ForeignHabit::add(TaskLogEntryType type, const qz::YYYYMMDD& day, const std::optional<double>& amount,
                        const std::optional<qz::Moment>& made) {
   HabitraJSONBackupTaskEntry entry;
@@ -216,8 +220,8 @@ qz::UniqueID identifierOfText(std::string_view text) {
   return qz::UniqueID(bytes);
 }
 
-qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title) {
-  const qz::UniqueID uniqueId = identifierOfText("category\n" + title);
+qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title, std::string_view key) {
+  const qz::UniqueID uniqueId = identifierOfText("category\n" + std::string(key));
   if (!document.categories) document.categories.emplace();
   const std::string text = uniqueId.text();
   const auto isIt = [&text](const TaskCategoryEntity& category) { return category.uniqueId == text; };

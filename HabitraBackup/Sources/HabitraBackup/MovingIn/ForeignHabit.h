@@ -46,7 +46,8 @@ class ForeignHabit {
   /// Instead of a frequency. REQUIRES: days >= 1, the amount is finite.
   void setTarget(const ForeignTarget& target) { target_ = target; }
   void addReminder(const TaskReminder& reminder) { reminders_.push_back(reminder); }
-  void addCategory(const qz::UniqueID& category) { categories_.push_back(category); }
+  /// Once, however often it is said.
+  void addCategory(const qz::UniqueID& category);
 
   void add(TaskLogEntryType type, const qz::YYYYMMDD& day, const std::optional<double>& amount = std::nullopt,
            const std::optional<qz::Moment>& made = std::nullopt);
@@ -95,7 +96,8 @@ class ForeignHabit {
 /// the same text, of version 8.
 [[nodiscard]] qz::UniqueID identifierOfText(std::string_view text);
 
-/// Puts a category of that title into the document unless it is there, and says its identifier.
-[[nodiscard]] qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title);
+/// Puts a category into the document unless it is there, and says its identifier, which follows from `key`: what tells
+/// it from others where it came from.
+[[nodiscard]] qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title, std::string_view key);
 
 }  // namespace habitra

@@ -110,7 +110,7 @@ class HarshReading {
     if (places_.contains(name)) refuse("habits", line, name, "each habit once");
     ForeignHabit& habit = add(name).habit;
     setFrequency(line, foreign_text::trimmed(text.substr(colon + 2)), habit);
-    if (!heading_.empty()) habit.addCategory(categoryOf(history_.document, heading_));
+    if (!heading_.empty()) habit.addCategory(categoryOf(history_.document, heading_, heading_));
   }
 
   void setFrequency(std::size_t line, std::string_view text, ForeignHabit& habit) const {

@@ -13,9 +13,11 @@
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
 #include <HabitraBackup/MovingIn/LoopHabit.h>
+#include <QZKit/UTF8.h>
 
 #include <fmt/core.h>
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <utility>
@@ -23,6 +25,15 @@
 namespace habitra {
 
 namespace {
+
+/// The columns of Habits.csv in all versions.
+constexpr std::array<std::string_view, 14> knownColumns{"Position",       "Name",
+                                                        "Type",           "Question",
+                                                        "Description",    "FrequencyNumerator",
+                                                        "NumRepetitions", "FrequencyDenominator",
+                                                        "Interval",       "Unit",
+                                                        "Target Type",    "Target Value",
+                                                        "Archived?",      "Color"};
 
 /// A row of Habits.csv, its values by the names of the columns.
 struct HabitRow {
@@ -54,6 +65,16 @@ class HabitRows final : public CSVReader::Handler {
     HabitRow& row = rows.emplace_back();
     row.line = line;
     for (std::size_t at = 0; at < fields.size(); ++at) row.values.try_emplace(columns_[at], fields[at]);
+  }
+
+  /// The columns that nothing is known of.
+  [[nodiscard]] std::vector<std::string> unknownColumns() const {
+    std::vector<std::string> unknown;
+    for (const std::string& column : columns_) {
+      const bool isKnown = std::find(knownColumns.begin(), knownColumns.end(), column) != knownColumns.end();
+      if (!isKnown && !column.empty()) unknown.push_back(column);
+    }
+    return unknown;
   }
 
   std::vector<HabitRow> rows;
@@ -153,6 +174,9 @@ class LoopCSVReading {
     }
     for (const auto& [number, file] : marks_) {
       history_.remarks.push_back(files_.shown(file) + ": no habit of this number stands in Habits.csv; left out");
+    }
+    for (const std::string& column : habits.unknownColumns()) {
+      history_.remarks.push_back("the column " + qz::utf8::quoted(column) + " of Habits.csv has no place here");
     }
     history_.remarks.emplace_back(loop::noColours);
     history_.remarks.emplace_back("reminders are not part of this export, the database has them");

@@ -5,8 +5,10 @@
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignHabit.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
+#include <QZKit/UTF8.h>
 
 #include <algorithm>
+#include <string>
 #include <unordered_map>
 #include <utility>
 
@@ -63,21 +65,21 @@ class TickmateReading {
   }
 
   void readGroups() {
-    std::unordered_map<std::int64_t, std::string> groups;
+    std::unordered_map<std::int64_t, qz::UniqueID> groups;
     database_.forEachRow("groups", {"_id", "name", "description"}, [&](const Row& row) {
       const std::string name = row.text(1).value_or(std::string());
-      const std::string description = row.text(2).value_or(std::string());
-      if (!foreign_text::trimmed(description).empty()) {
-        history_.remarks.push_back("the description of the group " + name + " has no place here");
+      if (!foreign_text::trimmed(row.text(2).value_or(std::string())).empty()) {
+        history_.remarks.push_back("the description of the group " + qz::utf8::quoted(name) + " has no place here");
       }
-      groups.emplace(row.wantedInteger(0), name);
-      (void)categoryOf(history_.document, name);
+      // Groups may share a name.
+      const std::int64_t id = row.wantedInteger(0);
+      groups.emplace(id, categoryOf(history_.document, name, name + "\n" + std::to_string(id)));
     });
     database_.forEachRow("track2groups", {"_id", "_track_id", "_group_id"}, [&](const Row& row) {
       const auto place = places_.find(row.wantedInteger(1));
       const auto group = groups.find(row.wantedInteger(2));
       if (place == places_.end() || group == groups.end()) return;
-      tracks_[place->second].habit.addCategory(categoryOf(history_.document, group->second));
+      tracks_[place->second].habit.addCategory(group->second);
     });
   }
 
