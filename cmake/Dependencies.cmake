@@ -16,7 +16,7 @@ foreach(part time time_zone strings strings_internal int128 base raw_logging_int
   target_link_libraries(habitra_absl_time INTERFACE ${ABSL_${part}_ARCHIVE})
 endforeach()
 
-# libcsv and xxHash bring no CMake package.
+# libcsv and xxHash bring no CMake package, and that of libzip asks for its programs, too.
 find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(CSV_LIBRARY csv REQUIRED)
 add_library(CSV::CSV UNKNOWN IMPORTED)
@@ -26,6 +26,12 @@ set_target_properties(CSV::CSV PROPERTIES
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
 add_library(xxHash::xxHash INTERFACE IMPORTED) # used header-only: XXH_INLINE_ALL
 set_target_properties(xxHash::xxHash PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${XXHASH_INCLUDE_DIR})
+
+find_path(ZIP_INCLUDE_DIR zip.h REQUIRED)
+find_library(ZIP_LIBRARY zip REQUIRED)
+add_library(ZIP::ZIP UNKNOWN IMPORTED)
+set_target_properties(ZIP::ZIP PROPERTIES
+  IMPORTED_LOCATION ${ZIP_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${ZIP_INCLUDE_DIR})
 
 if(HABITRA_TESTS)
   find_package(GTest REQUIRED)

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <QZDateTime/DayOfWeek.h>
+#include <QZDateTime/TimeZone.h>
+#include <QZKit/Clock.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// What other habit trackers have written, turned into a backup document, so that a person can move in with their whole
+/// history. docs/MovingIn.md says what is taken over from each.
+namespace habitra {
+
+/// What came over of one habit, and what did not.
+struct ForeignHabitReport {
+  std::string title;
+  std::size_t entries = 0;  ///< all entries of its log
+  std::size_t skips = 0;    ///< those of them that are skips
+  std::size_t misses = 0;   ///< those of them that are misses
+  std::size_t notes = 0;
+  std::size_t amounts = 0;  ///< entries that say an amount
+  bool isArchived = false;
+  /// What has no place here or became something else, a sentence each without a full stop.
+  std::vector<std::string> remarks;
+
+  friend bool operator==(const ForeignHabitReport&, const ForeignHabitReport&) = default;
+};
+
+struct ForeignHistory {
+  std::string format;  ///< "Loop Habit Tracker, database"
+  HabitraJSONBackup document;
+  std::vector<ForeignHabitReport> habits;  ///< one for each task of the document, in the same order
+  std::vector<std::string> remarks;        ///< what concerns no single habit
+
+  /// All of it for a person: `Read: 12 entries, 2 of them skips`, `Read: the question "..." has no place here`.
+  [[nodiscard]] std::vector<std::string> lines() const;
+};
+
+/// What a foreign file leaves to the one who reads it.
+struct ForeignHistorySettings {
+  qz::Moment now;                ///< when the document counts as made
+  qz::TimeZone timeZone;         ///< in which the device that wrote the file showed its times
+  qz::DayOfWeek firstDayOfWeek;  ///< of the habits, and for amounts that are wanted over a week
+};
+
+/// Reads a file or folder of another tracker; which one is found out from the content. Nothing is ever written, neither
+/// to it nor beside it. The document holds what the file says and nothing else: no entry has an identifier, one has a
+/// moment of making only where the file says it, a habit has neither where the file does not. Habits and their entries
+/// are in order, entries by day.
+///
+/// Throws qz::Error when the path leads to nothing that is known, or to something damaged: which file, where in it,
+/// what was found and what was expected. May be called from any thread.
+[[nodiscard]] ForeignHistory readForeignHistory(const std::filesystem::path& path,
+                                                const ForeignHistorySettings& settings);
+
+}  // namespace habitra
