@@ -1,0 +1,34 @@
+#pragma once
+
+#include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ImportRemarks.h>
+#include <HabitraBackup/MovingIn/ForeignHistory.h>
+
+#include <filesystem>
+#include <functional>
+#include <istream>
+#include <optional>
+#include <string_view>
+
+namespace habitra {
+
+/// How far a long exchange has come: a word for what is done ("reading"), and a share from 0 to 1.
+using ExchangeProgress = std::function<void(std::string_view step, double share)>;
+
+/// A history that was read, and what there is to say of how.
+struct LoadedHistory {
+  HabitraJSONBackup document;
+  ImportRemarks remarks;
+};
+
+/// Reads a history of any form that is known, which is found out from its first bytes: a backup document, the nine
+/// columns of a task history (either compressed or not), or a file or folder of another tracker. Throws what
+/// HabitraBackup and readForeignHistory() throw. Safe from any thread; `progress`, where there is one, is told on the
+/// thread of the call.
+[[nodiscard]] LoadedHistory loadHistory(const std::filesystem::path& path, const ForeignHistorySettings& settings,
+                                        const ExchangeProgress& progress = {});
+
+/// The same from an open stream, which can hold no history of another tracker. `name` is what messages call it.
+[[nodiscard]] LoadedHistory loadHistory(std::istream& stream, std::string_view name, qz::Moment now);
+
+}  // namespace habitra
