@@ -16,7 +16,13 @@ foreach(part time time_zone strings strings_internal int128 base raw_logging_int
   target_link_libraries(habitra_absl_time INTERFACE ${ABSL_${part}_ARCHIVE})
 endforeach()
 
-# libcsv and xxHash bring no CMake package.
+# Of its text functions one part is used, in a module that does without the time zones.
+add_library(habitra_absl_strings INTERFACE)
+foreach(part strings strings_internal int128 base raw_logging_internal throw_delegate spinlock_wait)
+  target_link_libraries(habitra_absl_strings INTERFACE ${ABSL_${part}_ARCHIVE})
+endforeach()
+
+# libcsv, xxHash and zstd bring no CMake package.
 find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(CSV_LIBRARY csv REQUIRED)
 add_library(CSV::CSV UNKNOWN IMPORTED)
@@ -26,6 +32,12 @@ set_target_properties(CSV::CSV PROPERTIES
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
 add_library(xxHash::xxHash INTERFACE IMPORTED) # used header-only: XXH_INLINE_ALL
 set_target_properties(xxHash::xxHash PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${XXHASH_INCLUDE_DIR})
+
+find_path(ZSTD_INCLUDE_DIR zstd.h REQUIRED)
+find_library(ZSTD_LIBRARY zstd REQUIRED)
+add_library(zstd::zstd UNKNOWN IMPORTED)
+set_target_properties(zstd::zstd PROPERTIES
+  IMPORTED_LOCATION ${ZSTD_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${ZSTD_INCLUDE_DIR})
 
 if(HABITRA_TESTS)
   find_package(GTest REQUIRED)
