@@ -58,8 +58,8 @@ inline HabitraJSONBackupTaskEntry anyDocumentEntry() {
   entry.createdTimestamp = anyOrNone(anyWritableMoment);
   if (anyBool()) {
     const DatedPeriod period = anyPeriod();
-    entry.entryPeriodFrom = period.period.firstDate;
-    entry.entryPeriodTo = period.period.lastDate;
+    entry.entryPeriodFrom = period.period.startDate;
+    entry.entryPeriodTo = period.period.finishDate;
     entry.entryPeriodType = anyCase<TaskFrequencyPeriodType>();
   }
   if (anyBool())

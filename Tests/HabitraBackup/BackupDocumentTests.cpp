@@ -109,14 +109,14 @@ TEST(BackupDocumentTests, WhatIsRefused) {
       {"{\n \"version\":1,}", "line 2, column 14: this is not JSON: unexpected '}'; expected string literal"},
       {"{} {}", "line 1, column 4: this is not JSON: unexpected '{'; expected end of input"},
       {withTask(R"("title":"a)"),
-       "line 1, column 38: this is not JSON: invalid string: missing closing quote; last "
+       "line 1, column 36: this is not JSON: invalid string: missing closing quote; last "
        "read: '\"a}]}'"},
       {withTask("\"title\":\"\xff\""),
-       "line 1, column 37: this is not JSON: invalid string: ill-formed UTF-8 byte; "
-       "last read: '\"\\xff'"},
-      {withTask(R"("typeTarget":1e999)"), "line 1, column 46: this is not JSON: number overflow parsing '1e999'"},
+       "line 1, column 33: this is not JSON: invalid string: ill-formed UTF-8 byte; "
+       "last read: '\"\\xFF'"},
+      {withTask(R"("typeTarget":1e999)"), "line 1, column 42: this is not JSON: number overflow parsing '1e999'"},
       {std::string("{\n\0}", 4), "line 2, column 1: byte 0x00 is not text (UTF-8 expected)"},
-      {withTask("\"title\":\"" + longText + "\""), "line 1, column 16777253: a text or number is longer than 16 MiB"},
+      {withTask("\"title\":\"" + longText + "\""), "line 1, column 16777249: a text or number is longer than 16 MiB"},
       // not the document
       {"[]", "a list is not a backup document, which is an object"},
       {"{}", "version: missing; every backup document has it"},
@@ -237,7 +237,7 @@ TEST(BackupDocumentTests, CompressedFiles) {
   std::string damaged = compressed;
   damaged.back() = static_cast<char>(damaged.back() ^ 1);
   EXPECT_EQ(refusal(damaged), "the compressed data is damaged: Restored data doesn't match checksum");
-  EXPECT_EQ(refusal(compressed + "x").substr(0, 28), "the compressed data is cut: ");
+  EXPECT_EQ(refusal(compressed + "x"), "the compressed data is damaged: Unknown frame descriptor");
   std::ofstream(folder / "c.habitra", std::ios::binary) << damaged;
   EXPECT_THROW(static_cast<void>(HabitraBackup::loadJson(folder / "c.habitra")), CompressionError);
 }

@@ -142,8 +142,8 @@ TEST(StoreDocumentTests, PagesWhoseTasksAreLeftOutAreNotInTheDocument) {
   const TaskDataExporter exporter(store.context);
   const std::vector<ObjectID> tasks{store.task->objectID};
   std::vector<std::string> titles;
-  for (const auto& page : *exporter.header(tasks, HabitraJSONBackupType::manual, store.now).pages)
-    titles.push_back(*page.title);
+  const HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::manual, store.now);
+  for (const UserProfileEntity& page : *header.pages) titles.push_back(*page.title);
   EXPECT_EQ(titles, (std::vector<std::string>{"Outside", "Empty"}));
 }
 
