@@ -58,7 +58,7 @@ class JSONByteIterator {
     bytes_->advance();
     return *this;
   }
-  JSONByteIterator operator++(int) { return ++*this; }
+  void operator++(int) { ++*this; }
 
   friend bool operator==(const JSONByteIterator& a, const JSONByteIterator& b) { return a.isAtEnd() == b.isAtEnd(); }
 
