@@ -16,7 +16,13 @@ foreach(part time time_zone strings strings_internal int128 base raw_logging_int
   target_link_libraries(habitra_absl_time INTERFACE ${ABSL_${part}_ARCHIVE})
 endforeach()
 
-# libcsv and xxHash bring no CMake package, and that of libzip asks for its programs, too.
+# Of its text functions one part is used, in a module that does without the time zones.
+add_library(habitra_absl_strings INTERFACE)
+foreach(part strings strings_internal int128 base raw_logging_internal throw_delegate spinlock_wait)
+  target_link_libraries(habitra_absl_strings INTERFACE ${ABSL_${part}_ARCHIVE})
+endforeach()
+
+# libcsv, xxHash and zstd bring no CMake package, and that of libzip asks for its programs, too.
 find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(CSV_LIBRARY csv REQUIRED)
 add_library(CSV::CSV UNKNOWN IMPORTED)
@@ -32,6 +38,12 @@ find_library(ZIP_LIBRARY zip REQUIRED)
 add_library(ZIP::ZIP UNKNOWN IMPORTED)
 set_target_properties(ZIP::ZIP PROPERTIES
   IMPORTED_LOCATION ${ZIP_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${ZIP_INCLUDE_DIR})
+
+find_path(ZSTD_INCLUDE_DIR zstd.h REQUIRED)
+find_library(ZSTD_LIBRARY zstd REQUIRED)
+add_library(zstd::zstd UNKNOWN IMPORTED)
+set_target_properties(zstd::zstd PROPERTIES
+  IMPORTED_LOCATION ${ZSTD_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${ZSTD_INCLUDE_DIR})
 
 if(HABITRA_TESTS)
   find_package(GTest REQUIRED)

@@ -1,6 +1,8 @@
 #include <HabitraBackup/CSV/CSVError.h>
 #include <HabitraBackup/CSV/CSVSource.h>
+#include <HabitraBackup/Document/HabitraJSONError.h>
 #include <HabitraBackup/Exchange/TaskDataExchangeError.h>
+#include <HabitraBackup/Files/CompressionError.h>
 #include <QZKit/UTF8.h>
 
 #include <fcntl.h>
@@ -65,6 +67,10 @@ void readNamed(const std::string& name, const ByteSource& source, const std::fun
   try {
     read(source);
   } catch (const CSVError& error) {
+    throw error.in(name);
+  } catch (const HabitraJSONError& error) {
+    throw error.in(name);
+  } catch (const CompressionError& error) {
     throw error.in(name);
   }
 }

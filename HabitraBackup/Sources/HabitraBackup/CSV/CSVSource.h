@@ -17,7 +17,7 @@ using ByteSource = std::function<std::size_t(std::span<char>)>;
 /// Reads `source` to its end; what it or the handler throws reaches the caller.
 void readCSV(const ByteSource& source, CSVReader::Handler& handler);
 
-// Both hand a source of bytes to `read`, and lead a CSVError of it by the name that messages use.
+// Both hand a source of bytes to `read`, and lead its errors about what the bytes say by the name that messages use.
 
 /// A file. Throws qz::Error or TaskDataExchangeError when it cannot be read.
 void readFile(const std::filesystem::path& file, const std::function<void(const ByteSource&)>& read);

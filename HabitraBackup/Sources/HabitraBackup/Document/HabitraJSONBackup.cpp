@@ -1,6 +1,6 @@
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
-#include <HabitraBackup/Exchange/TaskDataExchangeError.h>
-#include <HabitraBackup/Files/ReplacementFile.h>
+#include <HabitraBackup/Document/HabitraJSONEncoder.h>
+#include <HabitraBackup/Files/FileWriting.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 
 #include <span>
@@ -95,14 +95,20 @@ std::vector<std::byte> HabitraJSONBackup::csvData() const {
   return {bytes.begin(), bytes.end()};
 }
 
+std::string HabitraJSONBackup::jsonString() const {
+  std::string text;
+  encode(*this, [&text](std::string_view bytes) { text += bytes; });
+  return text;
+}
+
 void HabitraJSONBackup::write(const std::filesystem::path& to, HabitraBackupFormat format) const {
-  if (format != HabitraBackupFormat::csv) {
-    throw TaskDataExchangeError(TaskDataExchangeError::invalidFormat, "backup documents are written as CSV only");
-  }
-  ReplacementFile file(to);
-  csvEncoder().encode([this](const CSVRowHandler& onRow) { forEachRow(onRow); },
-                      [&file](std::string_view bytes) { file.write(bytes); });
-  file.replace();
+  writeFile(to, [this, format](const ByteSink& sink) {
+    if (format == HabitraBackupFormat::json) {
+      encode(*this, sink);
+    } else {
+      csvEncoder().encode([this](const CSVRowHandler& onRow) { forEachRow(onRow); }, sink);
+    }
+  });
 }
 
 }  // namespace habitra

@@ -5,16 +5,19 @@
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
 #include <HabitraBackup/Document/HabitraBackupFormat.h>
 #include <HabitraBackup/Document/HabitraJSONBackupTask.h>
+#include <HabitraCore/RawValue.h>
 #include <HabitraModel/Store/Entities/SettingEntity.h>
 #include <HabitraModel/Store/Entities/TaskCategoryEntity.h>
 #include <HabitraModel/Store/Entities/UserProfileEntity.h>
 #include <QZKit/Clock.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace habitra {
@@ -26,6 +29,21 @@ enum class HabitraJSONBackupType : std::uint8_t {
   scheduled,  ///< by the calendar
   automated,  ///< by a program, a conversion too
 };
+
+}  // namespace habitra
+
+template <>
+struct qz::RawValueTable<habitra::HabitraJSONBackupType> {
+  using T = habitra::HabitraJSONBackupType;
+  static constexpr std::array<RawValueRow<T, std::string_view>, 4> rows{{
+      {T::manual, "manual", "manual"},
+      {T::migrator, "migrator", "migrator"},
+      {T::scheduled, "scheduled", "scheduled"},
+      {T::automated, "automated", "automated"},
+  }};
+};
+
+namespace habitra {
 
 /// A backup document: what export writes and import reads, in memory. Every exchange goes through it, so that how tasks
 /// meet those in the store is decided in one place.
@@ -59,8 +77,12 @@ struct HabitraJSONBackup {
   [[nodiscard]] std::string csvString() const;
   [[nodiscard]] std::vector<std::byte> csvData() const;
 
-  /// Writes the document to `to`, which is replaced as a whole or left as it was. Throws TaskDataExporter::Error
-  /// (invalidFormat for json, which documents are not written in) and qz::Error for what the file system refuses.
+  /// The document in its own form, with everything in it; HabitraJSONEncoder.h says more.
+  [[nodiscard]] std::string jsonString() const;
+
+  /// Writes the document to `to`, which is replaced as a whole or left as it was, compressed when its name ends in
+  /// ".zst". Throws HabitraJSONError for a text that is too long for the document's own form, and qz::Error for what
+  /// the file system refuses.
   void write(const std::filesystem::path& to, HabitraBackupFormat format) const;
 };
 

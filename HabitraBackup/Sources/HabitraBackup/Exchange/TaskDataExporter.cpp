@@ -1,9 +1,15 @@
+#include <HabitraBackup/Document/HabitraJSONEncoder.h>
+#include <HabitraBackup/Exchange/StoredTaskParts.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
-#include <HabitraBackup/Files/ReplacementFile.h>
+#include <HabitraBackup/Files/FileWriting.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+
+#include <memory>
+#include <set>
+#include <utility>
 
 namespace habitra {
 
@@ -30,6 +36,21 @@ HabitraJSONBackupTaskEntry entry(const TaskLogEntryEntity& stored) {
   return entry;
 }
 
+using Details = HabitraJSONBackupTaskEntryDetails;
+
+// What of an entry the rows do not hold. `details` are those of the entry before, which most entries share.
+void addDetails(HabitraJSONBackupTaskEntry& entry, const TaskLogEntryEntity& stored,
+                std::shared_ptr<const Details>& details) {
+  if (stored.uniqueId) entry.uniqueId = qz::UniqueID::fromText(*stored.uniqueId);
+  if (stored.progressTotal != 0) entry.progressTotal = stored.progressTotal;
+  const Details own{.createdTimeZone = stored.createdTimeZone,
+                    .cloudStatus = stored.cloudStatus,
+                    .cloudStatusDate = stored.cloudStatusDate};
+  if (own == Details{}) return;
+  if (!details || *details != own) details = std::make_shared<const Details>(own);
+  entry.details = details;
+}
+
 }  // namespace
 
 std::vector<ObjectID> TaskDataExporter::allTasks() const {
@@ -48,9 +69,9 @@ std::vector<ObjectID> TaskDataExporter::tasksOfPage(TaskPageNumber page) const {
   return ids;
 }
 
-HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const { return read(id, EntryIdentifiers::read); }
+HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const { return read(id, Detail::all); }
 
-HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, EntryIdentifiers identifiers) const {
+HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, Detail detail) const {
   const auto* stored = context_.find<TaskEntity>(id);
   if (stored == nullptr || !isExported(*stored)) {
     throw Error(Error::taskDataMissing, "a habit that was to be exported is not there any more");
@@ -62,23 +83,64 @@ HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, EntryIdentifiers ident
     task.visualRepresentation = HabitraJSONBackupVisualRepresentation::fromText(*stored->imageName);
   }
   task.pageNumber = pageOf(*stored, context_);
+  if (detail == Detail::all) task.record = recordOf(context_, *stored);
+  if (auto notes = notesOf(context_, id); !notes.empty()) task.notes = std::move(notes);
   auto& log = task.log.emplace();
+  std::shared_ptr<const Details> details;
   context_.readLogEntries(id, StoreContext::firstDay, StoreContext::lastDay,
-                          [&log, identifiers](const TaskLogEntryEntity& storedEntry) {
+                          [&](const TaskLogEntryEntity& storedEntry) {
                             log.push_back(entry(storedEntry));
-                            if (identifiers == EntryIdentifiers::leftOut || !storedEntry.uniqueId) return;
-                            log.back().uniqueId = qz::UniqueID::fromText(*storedEntry.uniqueId);
+                            if (detail == Detail::all) addDetails(log.back(), storedEntry, details);
                           });
   return task;
 }
 
-HabitraJSONBackup TaskDataExporter::backup(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
+HabitraJSONBackup TaskDataExporter::header(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
                                            qz::Moment now) const {
   HabitraJSONBackup document;
   document.timestamp = now;
   document.backupType = type;
+  std::set<TaskPageNumber> ofOthers;
+  for (const ObjectID id : allTasks()) ofOthers.insert(pageOf(*context_.find<TaskEntity>(id), context_));
+  for (const ObjectID id : tasks)
+    if (const auto* task = context_.find<TaskEntity>(id)) ofOthers.erase(pageOf(*task, context_));
+  document.pages = pagesOf(context_, ofOthers);
+  document.categories = storedCategories(context_);
+  document.settings = storedSettings(context_);
+  return document;
+}
+
+HabitraJSONBackup TaskDataExporter::backup(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
+                                           qz::Moment now) const {
+  HabitraJSONBackup document = header(tasks, type, now);
   for (const ObjectID id : tasks) document.tasks.push_back(task(id));
   return document;
+}
+
+TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const ObjectID> tasks,
+                                                              const HabitraJSONBackup& header,
+                                                              const ByteSink& sink) const {
+  WrittenDocument written;
+  HabitraJSONEncoder encoder(sink);
+  encoder.begin(header);
+  for (const ObjectID id : tasks) {
+    const HabitraJSONBackupTask task = this->task(id);
+    encoder.task(task);
+    ++written.tasks;
+    written.entries += task.log->size();
+  }
+  encoder.end();
+  written.entriesLeftOut = encoder.entriesLeftOut();
+  written.entries -= written.entriesLeftOut;
+  return written;
+}
+
+TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const ObjectID> tasks,
+                                                              const HabitraJSONBackup& header,
+                                                              const std::filesystem::path& to) const {
+  WrittenDocument written;
+  writeFile(to, [&](const ByteSink& sink) { written = writeJson(tasks, header, sink); });
+  return written;
 }
 
 std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const {
@@ -89,16 +151,15 @@ std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const By
           ++count;
           onRow(row);
         };
-        for (const ObjectID id : tasks) forEachRow(read(id, EntryIdentifiers::leftOut), counted);
+        for (const ObjectID id : tasks) forEachRow(read(id, Detail::ofRows), counted);
       },
       sink);
   return count;
 }
 
 std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const std::filesystem::path& to) const {
-  ReplacementFile file(to);
-  const std::size_t count = writeCsv(tasks, [&file](std::string_view bytes) { file.write(bytes); });
-  file.replace();
+  std::size_t count = 0;
+  writeFile(to, [&](const ByteSink& sink) { count = writeCsv(tasks, sink); });
   return count;
 }
 

@@ -29,24 +29,46 @@ class TaskDataExporter {
   [[nodiscard]] std::vector<ObjectID> allTasks() const;
   [[nodiscard]] std::vector<ObjectID> tasksOfPage(TaskPageNumber page) const;
 
-  /// One task with its log. Throws Error (taskDataMissing) when the store does not have it.
+  /// One task with everything that a document holds of it. Throws Error (taskDataMissing) when the store does not have
+  /// it.
   [[nodiscard]] HabitraJSONBackupTask task(ObjectID id) const;
+
+  /// The document of the given tasks without the tasks themselves: categories and settings of the store, and its pages
+  /// but for those whose tasks are all left out.
+  [[nodiscard]] HabitraJSONBackup header(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
+                                         qz::Moment now) const;
 
   /// The document of the given tasks, in their order.
   [[nodiscard]] HabitraJSONBackup backup(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
                                          qz::Moment now) const;
 
+  /// What writeJson has written.
+  struct WrittenDocument {
+    std::size_t tasks = 0;
+    std::size_t entries = 0;
+    std::size_t entriesLeftOut = 0;  ///< since the calendar does not have their day
+  };
+
+  /// Writes the document in its own form: the same bytes as that of backup() gives, while only one task at a time is in
+  /// memory. `header` is what header() gave, with what a caller adds to it. Throws HabitraJSONError for a text that is
+  /// too long for it.
+  WrittenDocument writeJson(std::span<const ObjectID> tasks, const HabitraJSONBackup& header,
+                            const ByteSink& sink) const;
+  /// The same to a file, which is replaced as a whole or left as it was, compressed when its name ends in ".zst".
+  WrittenDocument writeJson(std::span<const ObjectID> tasks, const HabitraJSONBackup& header,
+                            const std::filesystem::path& to) const;
+
   /// Writes the tasks as CSV: the same bytes as the document gives, while only one task at a time is in memory. Gives
   /// the number of rows below the header.
   std::size_t writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const;
-  /// The same to a file, which is replaced as a whole or left as it was.
+  /// The same to a file, which is replaced as a whole or left as it was, compressed when its name ends in ".zst".
   std::size_t writeCsv(std::span<const ObjectID> tasks, const std::filesystem::path& to) const;
 
  private:
-  // Rows hold no identifiers of entries; reading them takes longer than all else.
-  enum class EntryIdentifiers : bool { leftOut, read };
+  // Rows hold neither settings nor identifiers of entries; reading those takes longer than all else.
+  enum class Detail : bool { ofRows, all };
 
-  [[nodiscard]] HabitraJSONBackupTask read(ObjectID id, EntryIdentifiers identifiers) const;
+  [[nodiscard]] HabitraJSONBackupTask read(ObjectID id, Detail detail) const;
 
   StoreContext& context_;
 };
