@@ -2,6 +2,9 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraApp/SettingSummary.h>
+#include <HabitraBackup/CSV/CSVWriter.h>
+#include <HabitraBackup/Document/HabitraBackupFormat.h>
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/Exchange/ImportReport.h>
 #include <HabitraBackup/Exchange/ImportStrategy.h>
@@ -35,6 +38,7 @@ struct ApplicationSettings {
   std::shared_ptr<const qz::Clock> clock;  ///< where "now" comes from
   /// The device's zone: days of tasks without a zone of their own. None: the system's, whichever that is at the time.
   std::optional<qz::TimeZone> timeZone;
+  std::string version{};     ///< of the program, for what it writes
   bool timeIsGiven = false;  ///< "now" need not have come: then nothing goes because it is old
 };
 
@@ -94,7 +98,7 @@ struct RestoreOutcome {
 
 struct ExportOutcome {
   std::size_t tasks = 0;
-  std::size_t rows = 0;
+  std::size_t rows = 0;  ///< below the header; of a document: entries
 };
 
 /// Everything a front end can ask and do. A front end parses, asks here, prints, and decides nothing, so that no two of
@@ -159,8 +163,9 @@ class Application {
   /// Lets watch() end; from any thread. A watch that has not begun ends at its beginning.
   void stopWatching();
 
-  /// Reads a nine-column history from `stream`, brings it into the store and the habits up to date. `name` is what
-  /// errors call the stream; `strategy` says what happens to habits that are here already. All or nothing.
+  /// Reads a history (a backup document, nine columns, or what another tracker has written: which, it finds out),
+  /// brings it into the store and the habits up to date. `name` is what errors call the stream, which holds nothing of
+  /// other trackers; `strategy` says what happens to habits that are here already. All or nothing.
   ImportOutcome importHistory(std::istream& stream, std::string_view name,
                               ImportStrategy strategy = ImportStrategy::merge);
   ImportOutcome importHistory(const std::filesystem::path& file, ImportStrategy strategy = ImportStrategy::merge);
@@ -170,9 +175,13 @@ class Application {
   HealthImportOutcome importHealthSamples(std::istream& stream, std::string_view name);
   HealthImportOutcome importHealthSamples(const std::filesystem::path& file);
 
-  /// Writes the history of every habit as nine columns. A file is replaced in one step, or left as it was.
-  ExportOutcome exportHistory(std::ostream& stream);
-  ExportOutcome exportHistory(const std::filesystem::path& file);
+  /// Writes the history of every habit as nine columns, or as a backup document that holds everything. A file is
+  /// replaced in one step, or left as it was, and compressed when its name ends in ".zst".
+  ExportOutcome exportHistory(std::ostream& stream, HabitraBackupFormat format);
+  ExportOutcome exportHistory(const std::filesystem::path& file, HabitraBackupFormat format);
+
+  /// Is told from now on how far imports and exports have come.
+  void setProgress(ExchangeProgress progress) { progress_ = std::move(progress); }
 
   /// Writes a sample of a history, "habitra-sample.csv", to the folder, or to that for temporary files where none is
   /// named, and gives its path.
@@ -216,10 +225,12 @@ class Application {
 
   /// What an import of samples came to, once the habits have followed it.
   HealthImportOutcome healthImportOutcome(std::size_t added, std::size_t left);
+  ExportOutcome exportHistory(HabitraBackupFormat format, const ByteSink& sink);
   ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name, ImportStrategy strategy,
                                const ImportRemarks& remarks = {});
 
   std::unique_ptr<Rooms> rooms_;
+  ExchangeProgress progress_;
 };
 
 }  // namespace habitra

@@ -2,8 +2,9 @@
 
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
 #include <HabitraBackup/Exchange/TaskDataImporter.h>
-#include <HabitraBackup/HabitraBackup.h>
+#include <HabitraBackup/Files/FileWriting.h>
 #include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
+#include <HabitraBackup/HistoryFile.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
 
@@ -16,8 +17,9 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
                                           ImportStrategy strategy, const ImportRemarks& remarks) {
   const auto context = rooms_->contextToWrite();
   const qz::DayOfWeek firstDayOfWeek = rooms_->settings(context.get()).get(settings::firstDayOfWeek);
-  TaskDataImporter importer(*context,
-                            {.calendars = rooms_->calendars, .firstDayOfWeek = firstDayOfWeek, .now = rooms_->now()});
+  TaskDataImporter importer(
+      *context,
+      {.calendars = rooms_->calendars, .firstDayOfWeek = firstDayOfWeek, .now = rooms_->now(), .progress = progress_});
   ImportOutcome outcome;
   {
     const TaskProcessor::BulkDataUpdate bulk(rooms_->processor);
@@ -30,11 +32,17 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
 }
 
 ImportOutcome Application::importHistory(std::istream& stream, std::string_view name, ImportStrategy strategy) {
-  return importDocument(HabitraBackup::loadCsv(stream, name, rooms_->now()), name, strategy);
+  const LoadedHistory loaded = loadHistory(stream, name, rooms_->now());
+  return importDocument(loaded.document, name, strategy, loaded.remarks);
 }
 
 ImportOutcome Application::importHistory(const std::filesystem::path& file, ImportStrategy strategy) {
-  return importDocument(HabitraBackup::loadCsv(file, rooms_->now()), file.filename().string(), strategy);
+  StoreContext* context = rooms_->readingContext();
+  const ForeignHistorySettings settings{.now = rooms_->now(),
+                                        .timeZone = rooms_->calendars.ofDevice().timeZone,
+                                        .firstDayOfWeek = rooms_->settings(context).get(settings::firstDayOfWeek)};
+  const LoadedHistory loaded = loadHistory(file, settings, progress_);
+  return importDocument(loaded.document, file.filename().string(), strategy, loaded.remarks);
 }
 
 HealthImportOutcome Application::importHealthSamples(std::istream& stream, std::string_view name) {
@@ -53,30 +61,35 @@ HealthImportOutcome Application::healthImportOutcome(std::size_t added, std::siz
   return {.added = added, .left = left};
 }
 
-ExportOutcome Application::exportHistory(std::ostream& stream) {
-  const ByteSink sink = [&stream](std::string_view bytes) {
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!stream) throw qz::Error("the output cannot be written");
-  };
+ExportOutcome Application::exportHistory(HabitraBackupFormat format, const ByteSink& sink) {
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) {
-    sink(HabitraJSONBackup{}.csvString());
+    const HabitraJSONBackup empty{.timestamp = rooms_->now()};
+    sink(format == HabitraBackupFormat::csv ? empty.csvString() : empty.jsonString());
     return {};
   }
-  const TaskDataExporter exporter(*context);
+  const TaskDataExporter exporter(*context, progress_);
   const std::vector<ObjectID> tasks = exporter.allTasks();
-  return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, sink)};
+  if (format == HabitraBackupFormat::csv) return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, sink)};
+  HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::manual, rooms_->now());
+  header.appVersion = rooms_->version;
+  const auto written = exporter.writeJson(tasks, header, sink);
+  if (written.entriesLeftOut > 0)
+    qz::log::warning("{} entries of days that the calendar does not have were left out", written.entriesLeftOut);
+  return {.tasks = written.tasks, .rows = written.entries};
 }
 
-ExportOutcome Application::exportHistory(const std::filesystem::path& file) {
-  StoreContext* context = rooms_->readingContext();
-  if (context == nullptr) {
-    HabitraJSONBackup{}.write(file, HabitraBackupFormat::csv);
-    return {};
-  }
-  const TaskDataExporter exporter(*context);
-  const std::vector<ObjectID> tasks = exporter.allTasks();
-  return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, file)};
+ExportOutcome Application::exportHistory(std::ostream& stream, HabitraBackupFormat format) {
+  return exportHistory(format, [&stream](std::string_view bytes) {
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!stream) throw qz::Error("the output cannot be written");
+  });
+}
+
+ExportOutcome Application::exportHistory(const std::filesystem::path& file, HabitraBackupFormat format) {
+  ExportOutcome outcome;
+  writeFile(file, [&](const ByteSink& sink) { outcome = exportHistory(format, sink); });
+  return outcome;
 }
 
 }  // namespace habitra

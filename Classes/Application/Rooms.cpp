@@ -26,6 +26,7 @@ qz::UniqueID identifierOf(const TaskEntity& task) {
 
 Application::Rooms::Rooms(const ApplicationSettings& settings)
     : clock(settings.clock),
+      version(settings.version),
       manager(DataManager::storeLocation(settings.home), settings.clock),
       health(settings.home),
       calendars(settings.timeZone ? *settings.timeZone : qz::TimeZone::current(), qz::HHMMSS::midnight),

@@ -93,6 +93,7 @@ class Application::Rooms {
   void trimHistory(StoreContext& context) noexcept;
 
   const std::shared_ptr<const qz::Clock> clock;
+  const std::string version;
   DataManager manager;
   SampleStore health;
   /// With the app-wide start of day as the newest of the contexts above has seen it.

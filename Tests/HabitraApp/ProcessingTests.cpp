@@ -82,6 +82,31 @@ TEST_F(ProcessingTests, panelsNeverGoBackToWhatWasEarlier) {
   EXPECT_TRUE(widgets.isOutdated({.storeIdentifier = "B", .sequence = 2}, {2024, 2, 3})) << "it is tried again";
 }
 
+TEST_F(ProcessingTests, aBackupIsMadeADayAndOneCanBeGoneBackTo) {
+  application_.add("Read");
+  application_.done({"Read"}, {});
+  application_.afterAnswer();
+  clock_->advance(hours(24));
+  application_.add("Run");
+  application_.afterAnswer();
+  ASSERT_EQ(application_.backups().size(), 2U);
+  const qz::YYYYMMDD first(2024, 1, 31);
+  EXPECT_EQ(application_.backups().back().day, first);
+
+  const habitra::RestoreOutcome outcome = application_.restore(first);
+  EXPECT_EQ(outcome.tasks, 1U);
+  const auto habits = application_.list();
+  ASSERT_EQ(habits.size(), 1U);
+  EXPECT_EQ(habits[0].streak.current, 1);
+  EXPECT_THROW((void)application_.restore(qz::YYYYMMDD(2024, 1, 30)), qz::Error);
+  std::size_t kept = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_ / "home" / "Backups"))
+    if (entry.path().filename().string().find("-replaced-") != std::string::npos) ++kept;
+  EXPECT_EQ(kept, 1U);
+  application_.done({"Read"}, {});
+  EXPECT_EQ(application_.list().at(0).streak.current, 2) << "life goes on";
+}
+
 TEST_F(ProcessingTests, aWatchOutlivesTheLastSecondOfADay) {
   application_.add("Read");
   clock_->advance(hours(12) - std::chrono::milliseconds(400));

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -266,6 +267,71 @@ TEST_F(VerbTests, homeIsFoundInThePersonsFolder) {
   EXPECT_EQ(runBare({"add", "Read"}), says("[ ] Read: added\n"));
   EXPECT_TRUE(std::filesystem::exists(folder_ / ".local/share/habitra"));
   EXPECT_EQ(runBare({"done", "Read", "--json", "--verbose"}).exitCode, 0);
+}
+
+TEST_F(VerbTests, everythingGoesOutAndComesBackTheSame) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  ASSERT_EQ(run({"skip", "Walk"}).exitCode, 0);
+  const auto document = folder_ / "everything.habitra";
+  EXPECT_EQ(run({"export", document}), says(document.string() + ": 5 entries and all else of 2 habits written\n"));
+  const auto compressed = folder_ / "everything.habitra.zst";
+  ASSERT_EQ(run({"export", compressed}).exitCode, 0);
+  EXPECT_LT(std::filesystem::file_size(compressed), std::filesystem::file_size(document));
+  const std::string csv = run({"export", "-"}).out;
+
+  home_ = folder_ / "second";
+  EXPECT_EQ(run({"import", compressed}), says("2 habits: 2 added\n5 entries: 5 added\n1 page: 1 added\n"));
+  const auto again = folder_ / "again.habitra";
+  ASSERT_EQ(run({"export", again}).exitCode, 0);
+  EXPECT_EQ(bytesOf(again), bytesOf(document));
+  EXPECT_EQ(run({"export", "-"}).out, csv);
+  const auto before = homeContents();
+  EXPECT_EQ(run({"import", document}), says("2 habits: 2 already there\n5 entries: 5 already there\n"));
+  EXPECT_EQ(homeContents(), before);
+  input_ = bytesOf(compressed);
+  EXPECT_EQ(run({"import", "-"}).exitCode, 0) << "what it is, is seen from its first bytes";
+  EXPECT_EQ(run({"export", "--format", "habitra", "-"}).out, bytesOf(document));
+}
+
+TEST_F(VerbTests, restore) {
+  EXPECT_EQ(run({"restore"}), says("No backups yet. One is made on each day on which something has changed.\n"));
+  EXPECT_FALSE(std::filesystem::exists(home_));
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  const auto document = folder_ / "everything.habitra";
+  ASSERT_EQ(run({"export", document}).exitCode, 0);
+  add("Dance");
+  ASSERT_EQ(run({"undo", "Walk", "--date", "yesterday"}).exitCode, 0);
+  EXPECT_EQ(run({"restore", document}), says("everything.habitra: 2 habits with 4 entries restored\n"
+                                             "What was stored before is kept in the folder Backups.\n"));
+  EXPECT_EQ(run({"export", "--format", "habitra", "-"}).out, bytesOf(document));
+  EXPECT_EQ(run({"restore", "2024-01-30"}), (Outcome{1, "", "habitra: there is no backup of 2024-01-30\n"}));
+  const auto before = homeContents();
+  EXPECT_EQ(run({"restore", write("broken.habitra", bytesOf(document).substr(0, 300))}).exitCode, 1);
+  EXPECT_EQ(homeContents(), before);
+}
+
+TEST_F(VerbTests, sample) {
+  const auto file = folder_ / "habitra-sample.csv";
+  EXPECT_EQ(run({"sample", folder_.path()}).exitCode, 0);
+  const Outcome imported = run({"import", file});
+  EXPECT_EQ(imported.out.find("5 habits: 5 added\n"), 0U) << imported;
+  EXPECT_EQ(std::count(imported.out.begin(), imported.out.end(), '\n'), 4) << imported;
+  EXPECT_EQ(run({"export", "-"}).exitCode, 0);
+  EXPECT_EQ(run({"sample", folder_ / "nowhere"}), (Outcome{1, "", "habitra: Unable to determine storage location\n"}));
+}
+
+TEST_F(VerbTests, importOfAnotherTrackersHistory) {
+  std::filesystem::create_directory(folder_ / "harsh");
+  std::ofstream(folder_ / "harsh" / "habits") << "# mine\n! Mornings\nGymmed: 1\nCalled Mum: 7\n";
+  std::ofstream(folder_ / "harsh" / "log")
+      << "2024-01-29 : Gymmed : y : legs : \n2024-01-30 : Gymmed : s :  : \n2024-01-30 : Called Mum : n :  : \n";
+  const Outcome imported = run({"import", folder_ / "harsh"});
+  EXPECT_EQ(imported.exitCode, 0) << imported;
+  EXPECT_NE(imported.out.find("Read as harsh"), std::string::npos) << imported;
+  EXPECT_EQ(runJSON({"list"}).size(), 2U);
+  const auto before = run({"export", "--format", "habitra", "-"}).out;
+  EXPECT_EQ(run({"import", folder_ / "harsh"}).exitCode, 0);
+  EXPECT_EQ(run({"export", "--format", "habitra", "-"}).out, before) << "the second time brings nothing";
 }
 
 }  // namespace

@@ -123,9 +123,8 @@ LoadedHistory loadHistory(const std::filesystem::path& path, const ForeignHistor
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   LoadedHistory loaded;
-  readFile(path, [&](const ByteSource& source) {
-    loaded = ofOwn(told(source, error ? 0 : size, progress), settings.now);
-  });
+  readFile(path,
+           [&](const ByteSource& source) { loaded = ofOwn(told(source, error ? 0 : size, progress), settings.now); });
   return loaded;
 }
 

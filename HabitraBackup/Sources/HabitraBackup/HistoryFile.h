@@ -1,19 +1,15 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/MovingIn/ForeignHistory.h>
 
 #include <filesystem>
-#include <functional>
 #include <istream>
-#include <optional>
 #include <string_view>
 
 namespace habitra {
-
-/// How far a long exchange has come: a word for what is done ("reading"), and a share from 0 to 1.
-using ExchangeProgress = std::function<void(std::string_view step, double share)>;
 
 /// A history that was read, and what there is to say of how.
 struct LoadedHistory {

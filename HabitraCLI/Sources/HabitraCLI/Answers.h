@@ -50,6 +50,7 @@ struct ImportedSamples {
 struct ExportedHistory {
   ExportOutcome outcome;
   std::string file;
+  HabitraBackupFormat format = HabitraBackupFormat::csv;
 };
 
 struct BackupList {

@@ -32,8 +32,11 @@ Session::Session(const GlobalOptions& options, StandardOutput& output)
 
 Application& Session::application() {
   if (!application_) {
-    application_ = std::make_unique<Application>(
-        ApplicationSettings{.home = home_, .clock = clock_, .timeZone = timeZone_, .timeIsGiven = timeIsGiven_});
+    application_ = std::make_unique<Application>(ApplicationSettings{.home = home_,
+                                                                     .clock = clock_,
+                                                                     .timeZone = timeZone_,
+                                                                     .version = HABITRA_VERSION,
+                                                                     .timeIsGiven = timeIsGiven_});
   }
   return *application_;
 }

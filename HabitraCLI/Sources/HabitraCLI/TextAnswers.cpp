@@ -231,8 +231,10 @@ std::string asText(const ImportedSamples& answer, const Terminal&) {
 }
 
 std::string asText(const ExportedHistory& answer, const Terminal&) {
-  return fmt::format("{}: {} of {} written\n", displayable(answer.file), counted(answer.outcome.rows, "row"),
-                     counted(answer.outcome.tasks, "habit"));
+  const std::string written = answer.format == HabitraBackupFormat::csv
+                                  ? counted(answer.outcome.rows, "row") + " of"
+                                  : counted(answer.outcome.rows, "entry", "entries") + " and all else of";
+  return fmt::format("{}: {} {} written\n", displayable(answer.file), written, counted(answer.outcome.tasks, "habit"));
 }
 
 }  // namespace habitra

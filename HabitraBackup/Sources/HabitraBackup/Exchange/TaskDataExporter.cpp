@@ -128,6 +128,7 @@ TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const Ob
     encoder.task(task);
     ++written.tasks;
     written.entries += task.log->size();
+    tell(written.tasks, tasks.size());
   }
   encoder.end();
   written.entriesLeftOut = encoder.entriesLeftOut();
@@ -143,6 +144,10 @@ TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const Ob
   return written;
 }
 
+void TaskDataExporter::tell(std::size_t written, std::size_t tasks) const {
+  if (progress_) progress_("writing", static_cast<double>(written) / static_cast<double>(tasks));
+}
+
 std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const {
   std::size_t count = 0;
   HabitraJSONBackup::csvEncoder().encode(
@@ -151,7 +156,11 @@ std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const By
           ++count;
           onRow(row);
         };
-        for (const ObjectID id : tasks) forEachRow(read(id, Detail::ofRows), counted);
+        std::size_t written = 0;
+        for (const ObjectID id : tasks) {
+          forEachRow(read(id, Detail::ofRows), counted);
+          tell(++written, tasks.size());
+        }
       },
       sink);
   return count;

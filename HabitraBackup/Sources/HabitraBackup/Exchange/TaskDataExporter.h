@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/TaskDataExchangeError.h>
 #include <HabitraModel/Store/ObjectID.h>
 #include <QZKit/Clock.h>
@@ -8,6 +9,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace habitra {
@@ -23,7 +25,8 @@ class TaskDataExporter {
   using Error = TaskDataExchangeError;
 
   /// REQUIRES: `context` outlives the exporter.
-  explicit TaskDataExporter(StoreContext& context) : context_(context) {}
+  explicit TaskDataExporter(StoreContext& context, ExchangeProgress progress = {})
+      : context_(context), progress_(std::move(progress)) {}
 
   /// What can be exported.
   [[nodiscard]] std::vector<ObjectID> allTasks() const;
@@ -70,7 +73,10 @@ class TaskDataExporter {
 
   [[nodiscard]] HabitraJSONBackupTask read(ObjectID id, Detail detail) const;
 
+  void tell(std::size_t written, std::size_t tasks) const;
+
   StoreContext& context_;
+  ExchangeProgress progress_;
 };
 
 }  // namespace habitra

@@ -28,6 +28,8 @@ std::span<const Row> rowsOf(const std::optional<std::vector<Row>>& rows) {
   return rows ? std::span<const Row>(*rows) : std::span<const Row>();
 }
 
+std::size_t entriesOf(const HabitraJSONBackupTask& task) { return task.log ? task.log->size() : 0; }
+
 void addRemarks(ImportReport& report, const ImportRemarks& remarks) {
   report.remarks.insert(report.remarks.begin(), remarks.ofAll.begin(), remarks.ofAll.end());
   for (const auto& [index, ofTask] : remarks.ofTask) {
@@ -58,7 +60,15 @@ ImportReport TaskDataImporter::importBackup(const HabitraJSONBackup& document, I
 
   TaskImport import(context_, settingsAsStored(),
                     {.document = document, .strategy = strategy, .identifiers = identifiers, .categories = categories});
-  for (const HabitraJSONBackupTask& task : document.tasks) report.tasks.push_back(import.import(task));
+  std::size_t entries = 0;
+  for (const HabitraJSONBackupTask& task : document.tasks) entries += entriesOf(task);
+  std::size_t stored = 0;
+  for (const HabitraJSONBackupTask& task : document.tasks) {
+    report.tasks.push_back(import.import(task));
+    stored += entriesOf(task);
+    if (settings_.progress && entries > 0)
+      settings_.progress("storing", static_cast<double>(stored) / static_cast<double>(entries));
+  }
   addRemarks(report, remarks);
   if (context_.hasChanges()) context_.save(request);
   return report;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/Exchange/ImportReport.h>
 #include <HabitraBackup/Exchange/ImportStrategy.h>
@@ -51,6 +52,7 @@ class TaskDataImporter {
     TaskCalendars calendars;  ///< when days begin
     qz::DayOfWeek firstDayOfWeek;
     qz::Moment now;
+    ExchangeProgress progress{};
   };
 
   /// REQUIRES: `context` outlives the importer.

@@ -1,4 +1,5 @@
 #include <HabitraCLI/Commands/Commands.h>
+#include <HabitraCLI/ProgressBar.h>
 #include <HabitraCLI/Session.h>
 #include <HabitraCLI/UsageError.h>
 
@@ -12,6 +13,7 @@ constexpr Option options[] = {
     {"--strategy", "HOW",
      "what becomes of habits that are here: merge (as usual), overwrite, skip, or new for copies"}};
 constexpr std::string_view examples[] = {"habitra import history.csv", "habitra import - < history.csv",
+                                         "habitra import everything.habitra.zst", "habitra import LoopHabitsCSV.zip",
                                          "habitra import history.csv --strategy skip"};
 
 ImportStrategy strategyFrom(const std::string& text) {
@@ -25,15 +27,24 @@ void run(Session& session, const Arguments& arguments) {
   const ImportStrategy strategy = option ? strategyFrom(*option) : ImportStrategy::merge;
   Application& application = session.application();
   std::ios::sync_with_stdio(false);  // in step with stdio, a failing read would look like the end of the input
-  session.answer(ImportedHistory{file == "-" ? application.importHistory(std::cin, "standard input", strategy)
-                                             : application.importHistory(std::filesystem::path(file), strategy)});
+  ImportedHistory imported;
+  {
+    ProgressBar bar;
+    application.setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
+    imported.outcome = file == "-" ? application.importHistory(std::cin, "standard input", strategy)
+                                   : application.importHistory(std::filesystem::path(file), strategy);
+    application.setProgress({});
+  }
+  session.answer(imported);
 }
 
 }  // namespace
 
 constinit const Command importCommand{.verb = "import",
-                                      .summary = "Bring in a history from a CSV file; twice is harmless",
-                                      .words = {WordsTaken::Number::one, "FILE", "the file, or - for standard input"},
+                                      .summary = "Bring in a history, also another tracker's; twice is harmless",
+                                      .words = {WordsTaken::Number::one, "FILE",
+                                                "a CSV file, a backup document, or what Loop, Tickmate, harsh or "
+                                                "beaverhabits has written; - for standard input"},
                                       .options = options,
                                       .examples = examples,
                                       .run = run};
