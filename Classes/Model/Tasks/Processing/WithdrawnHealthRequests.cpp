@@ -1,9 +1,12 @@
+#include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
+#include <HabitraModel/Tasks/Processing/PendingHealthRequests.h>
 #include <HabitraModel/Tasks/Processing/WithdrawnHealthRequests.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 
 #include <map>
-#include <set>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace habitra {
@@ -44,6 +47,15 @@ WithdrawnHealthRequests::WithdrawnHealthRequests(StoreContext& context, std::int
     if (row == nullptr || row->status != health_request_status::done) continue;
     if (auto again = HealthWriteRequest::of(*row)) broughtBack_.push_back(std::move(again->sample));
   }
+}
+
+std::set<qz::UniqueID> withdrawnSamples(StoreContext& context, const KeyValueDefaults& standardDefaults) {
+  const auto text = standardDefaults.get<std::string>(PendingHealthRequests::historyKey);
+  const auto kept = text ? HistoryToken::fromText(*text) : std::nullopt;
+  if (!kept || !PersistentHistoryFetcher(context).reachesBackTo(*kept)) return {};
+  const std::int64_t last = context.sequence() + (context.isInUnit() ? 1 : 0);
+  const WithdrawnHealthRequests found(context, kept->sequence, last);
+  return {found.withdrawn().begin(), found.withdrawn().end()};
 }
 
 }  // namespace habitra

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <QZHealthKit/QZHKSample.h>
 #include <QZKit/UniqueID.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace habitra {
@@ -29,5 +31,9 @@ class WithdrawnHealthRequests {
   std::vector<qz::UniqueID> withdrawn_;
   std::vector<qz::QZHKSample> broughtBack_;
 };
+
+/// The samples of requests that have gone with their entry, and that may still be in the health store: what the history
+/// says since passes over the requests have read it, and the context's unit. Throws StoreError.
+[[nodiscard]] std::set<qz::UniqueID> withdrawnSamples(StoreContext& context, const KeyValueDefaults& standardDefaults);
 
 }  // namespace habitra
