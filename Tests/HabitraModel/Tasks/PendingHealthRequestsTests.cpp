@@ -107,6 +107,12 @@ class PendingHealthRequestsTest : public TaskWorld {
     return result;
   }
 
+  std::unique_ptr<TaskProcessor> processorWithHealth() {
+    TaskProcessor::Environment withHealth = environment();
+    withHealth.health = &health_;
+    return std::make_unique<TaskProcessor>(withHealth);
+  }
+
   TaskEntity& water_ = addTask("Water");
   std::unique_ptr<SampleStore> samples_ = SampleStore::inMemory();
   TappedHealthStore health_{*samples_};
@@ -196,38 +202,41 @@ TEST_F(PendingHealthRequestsTest, ASampleOfAnEntryThatIsGoneIsMeasuredNoMore) {
   EXPECT_TRUE(changed_.empty()) << "the sample is there already";
 }
 
+TEST_F(PendingHealthRequestsTest, OnePassFollowsOnceTheHealthStoreHasChanged) {
+  const auto processor = processorWithHealth();
+  drink(0.5);
+  (void)processor->processAllTasks(*context_, clock_->now());
+  EXPECT_EQ(litres(), std::vector{0.5});
+  const std::vector<std::string> both{"20240131 completedManuallyPartial", "20240131 completedAutomaticallyPartial"};
+  EXPECT_EQ(log(water_), both);
+  const auto sequence = context_->sequence();
+  EXPECT_EQ(processor->processAllTasks(*context_, clock_->now()).changed, 0U);
+  EXPECT_EQ(context_->sequence(), sequence);
+}
+
 TEST_F(PendingHealthRequestsTest, WhatAHealthStoreHasIsAskedOfIt) {
+  setAutomaticType(water_,
+                   AutomaticTaskType{.type = AutomaticTaskType::TaskType::healthKit(HealthType::handwashingEvent)});
   TaskFrequency inFour = TaskFrequency::everyDay();
   inFour.numPartialCompletions = 4;
   setFrequency(water_, inFour);
   context_->save({});
-  TaskProcessor::Environment withHealth = environment();
-  withHealth.health = &health_;
-  TaskProcessor processor(withHealth);
+  const auto processor = processorWithHealth();
   const auto progress = [&] {
-    (void)processor.processAllTasks(*context_, clock_->now());
+    (void)processor->processAllTasks(*context_, clock_->now());
     return figures(water_).progress;
   };
-  auto glass = entry(water_, Type::completedManuallyPartial, today);
-  recorder_.recordNow(water_, {.managedObjectContext = *context_,
-                               .context = TaskModifyContext::userInitiatedFromMainApp,
-                               .saveContext = false,
-                               .logEntries = {glass},
-                               .createdTimestamp = clock_->now(),
-                               .createdTimeZone = qz::TimeZone::utc(),
-                               .recordToHealthKitIfNecessary = true});
-  context_->save({.command = "done"});
+  drink(1);
   EXPECT_DOUBLE_EQ(progress(), 0.25);
-  ASSERT_EQ(litres(), std::vector{0.5});
-  EXPECT_EQ(log(water_).size(), 2U) << "a pass has followed, since the sample was written";
-  qz::QZHKSample other = samples_->samples({.objectType = qz::QZHKObjectType::dietaryWater,
-                                            .span = {qz::Moment::min(), qz::Moment::max()},
-                                            .predicate = {}})[0];
-  const qz::UniqueID written = std::exchange(other.identifier, qz::UniqueID::generate(clock_->now()));
-  health_.save(std::span(&other, 1));
+  auto washed = samples_->samples({.objectType = qz::QZHKObjectType::handwashingEvent,
+                                   .span = {qz::Moment::min(), qz::Moment::max()},
+                                   .predicate = {}});
+  ASSERT_EQ(washed.size(), 1U);
+  const qz::UniqueID written = std::exchange(washed[0].identifier, qz::UniqueID::generate(clock_->now()));
+  health_.save(washed);
   EXPECT_DOUBLE_EQ(progress(), 0.5);
   health_.remove(std::span(&written, 1));
-  EXPECT_DOUBLE_EQ(progress(), 0.5) << "the glass counts by its entry now";
+  EXPECT_DOUBLE_EQ(progress(), 0.5) << "the first time counts by its entry now";
 }
 
 TEST_F(PendingHealthRequestsTest, AnotherEntryInItsPlaceTakesTheSampleOut) {

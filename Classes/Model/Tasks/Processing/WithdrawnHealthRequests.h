@@ -16,7 +16,8 @@ namespace habitra {
 /// that have come back done, as a redo puts them. What they are now decides, whatever happened in between.
 class WithdrawnHealthRequests {
  public:
-  /// Of the transactions after `after` up to `last`. Throws StoreError.
+  /// Of the transactions after `after` up to `last`, which may be the one that the context's unit will be. Throws
+  /// StoreError.
   WithdrawnHealthRequests(StoreContext& context, std::int64_t after, std::int64_t last);
 
   /// How many changes of requests there were, also those by which nothing is withdrawn or brought back.
