@@ -59,6 +59,12 @@ TEST(QueryTests, PredicatesLetThroughWhatTheyName) {
   EXPECT_FALSE(ofPhone.matches(walk));
   EXPECT_TRUE(ofPhone.matches(sample(T::workout, 0, 30, QZHKWorkout{walking}, "Tablet")));
 
+  QZHKPredicate others;
+  others.excluded = {identifier(99), walk.identifier};
+  EXPECT_FALSE(others.matches(walk));
+  others.excluded.erase(walk.identifier);
+  EXPECT_TRUE(others.matches(walk));
+
   QZHKPredicate asleep;
   asleep.sleepValues = {QZHKSleepValue::deep, QZHKSleepValue::core};
   EXPECT_TRUE(asleep.matches(sample(T::sleepAnalysis, 0, 30, QZHKSleepValue::core)));

@@ -14,7 +14,7 @@ constexpr FileFormat format{SampleStore::applicationID, SampleStore::schemaVersi
 
 /// Within a transaction.
 void makeTables(Connection& connection) {
-  connection.execute(std::string(SampleTable::definition()).c_str());
+  connection.execute(SampleTable::definition().c_str());
   connection.execute(
       fmt::format("PRAGMA application_id={}; PRAGMA user_version={}", format.applicationID, format.version).c_str());
 }

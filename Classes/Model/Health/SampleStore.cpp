@@ -69,7 +69,7 @@ SampleStore::~SampleStore() = default;
 bool SampleStore::isHealthDataAvailable() const noexcept {
   try {
     const SampleFile::Use use = file_->beginReading();
-    return use && !use->table.isEmpty();
+    return use && use->table.hasEverHadSamples();
   } catch (const std::exception&) {
     return false;
   }
@@ -111,6 +111,17 @@ std::optional<qz::QZHKActivitySummary> SampleStore::activitySummary(const qz::QZ
         .move = {move.value_or(0), goalOfDay(table, day, Type::activeEnergyGoal, Unit::kilocalorie)},
         .exercise = {exercise.value_or(0), goalOfDay(table, day, Type::exerciseGoal, Unit::minute)},
         .stand = {stand.value_or(0), goalOfDay(table, day, Type::standGoal, Unit::count)}};
+  });
+}
+
+std::set<qz::UniqueID> SampleStore::known(std::span<const qz::UniqueID> identifiers) const {
+  return withStorage([&] {
+    std::set<qz::UniqueID> found;
+    const SampleFile::Use use = file_->beginReading();
+    if (!use) return found;
+    for (const qz::UniqueID& identifier : identifiers)
+      if (use->table.has(identifier)) found.insert(identifier);
+    return found;
   });
 }
 

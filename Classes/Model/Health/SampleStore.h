@@ -51,6 +51,7 @@ class SampleStore final : public qz::QZHealthStore {
   [[nodiscard]] std::vector<qz::QZHKSample> samples(const qz::QZHKSampleQuery& query) const override;
   [[nodiscard]] qz::QZHKStatistics statistics(const qz::QZHKStatisticsQuery& query) const override;
   [[nodiscard]] std::optional<qz::QZHKActivitySummary> activitySummary(const qz::QZHKSpan& day) const override;
+  [[nodiscard]] std::set<qz::UniqueID> known(std::span<const qz::UniqueID> identifiers) const override;
   [[nodiscard]] qz::QZHKChanges changesSince(std::int64_t number) const override;
   void save(std::span<const qz::QZHKSample> samples) override;
   void remove(std::span<const qz::UniqueID> identifiers) override;

@@ -67,6 +67,15 @@ CREATE TABLE IF NOT EXISTS SampleChange (
 )";
 constexpr std::int64_t numSingleChanges = 64;
 
+/// Which store it is, made up once, so that numbers of changes are never taken for those of another.
+constexpr const char* identityTable = R"(
+CREATE TABLE SampleStore (
+  id INTEGER PRIMARY KEY CHECK (id = 1),
+  identifier BLOB NOT NULL
+) STRICT;
+INSERT INTO SampleStore VALUES (1, randomblob(16));
+)";
+
 constexpr std::string_view columns =
     "identifier, startDate, endDate, origin, amount, unit, says, energy, energyUnit, distance, distanceUnit, task";
 
@@ -118,7 +127,7 @@ std::optional<std::string_view> wordOf(const qz::QZHKSampleValue& value) {
 
 }  // namespace
 
-std::string_view SampleTable::definition() { return tables; }
+std::string SampleTable::definition() { return std::string(tables) + identityTable; }
 
 SampleTable::SampleTable(Connection& connection)
     : connection_(connection),
@@ -146,11 +155,14 @@ SampleTable::SampleTable(Connection& connection)
             "SELECT SampleType.name, Sample.type, startDate, endDate FROM Sample JOIN SampleType ON number=type WHERE "
             "identifier=?"),
       remove_(connection, "DELETE FROM Sample WHERE type=? AND startDate=? AND identifier=?"),
+      findSample_(connection, "SELECT 1 FROM Sample WHERE identifier=?"),
+      readIdentity_(connection, "SELECT identifier FROM SampleStore"),
       readChanges_(connection, "SELECT name, changed FROM SampleType"),
       writeChange_(connection, "UPDATE SampleType SET changed=? WHERE number=?"),
-      readReaches_(connection,
-                   "SELECT name, min(earliest), max(latest) FROM SampleChange JOIN SampleType ON number=type WHERE "
-                   "change>? GROUP BY type"),
+      readReaches_(
+          connection,
+          "SELECT name, min(earliest), max(latest), count(*) FROM SampleChange JOIN SampleType ON number=type WHERE "
+          "change>? GROUP BY type"),
       writeReach_(connection, "INSERT INTO SampleChange(type, change, earliest, latest) VALUES (?,?,?,?)"),
       findOldReach_(connection, fmt::format("SELECT change FROM SampleChange WHERE type=? ORDER BY change DESC LIMIT 1 "
                                             "OFFSET {}",
@@ -160,7 +172,15 @@ SampleTable::SampleTable(Connection& connection)
                     "max(latest) FROM SampleChange WHERE type=?1 AND change<=?2"),
       removeReaches_(connection, "DELETE FROM SampleChange WHERE type=? AND change<?") {}
 
-bool SampleTable::isEmpty() { return connection_.integer("SELECT EXISTS(SELECT 1 FROM Sample)") == 0; }
+bool SampleTable::hasEverHadSamples() {
+  return connection_.integer("SELECT EXISTS(SELECT 1 FROM SampleType WHERE changed>0)") != 0;
+}
+
+bool SampleTable::has(const qz::UniqueID& identifier) {
+  auto row = findSample_.use();
+  row->bind(1, std::span(identifier.bytes()));
+  return row->step();
+}
 
 void SampleTable::read(Type type, const qz::QZHKSpan& span, const Reader& reader) {
   if (span.from >= span.to || span.to <= qz::earliestSampleMoment || span.from >= qz::latestSampleMoment) return;
@@ -244,23 +264,29 @@ SampleTable::Changes SampleTable::changes() {
 qz::QZHKChanges SampleTable::changesSince(std::int64_t number) {
   const Changes known = changes();
   if (known.newest < number) number = 0;
-  qz::QZHKChanges since{.newest = known.newest, .reaches = {}};
+  qz::QZHKChanges since{.store = identity(), .newest = known.newest};
   if (keepsReaches()) {
     auto row = readReaches_.use();
     row->bind(1, number);
     while (row->step()) {
-      if (const auto type = qz::fromRawValue<Type>(row->text(0)))
-        since.include(*type, {moment(row->integer(1)), moment(row->integer(2))});
+      const auto type = qz::fromRawValue<Type>(row->text(0));
+      if (!type) continue;
+      since.include(*type, {moment(row->integer(1)), moment(row->integer(2))});
+      since.numbers.emplace(*type, row->integer(3));
     }
   } else {
-    for (const auto& [type, changed] : known.types)
-      if (changed > number) since.include(type, {qz::earliestSampleMoment, qz::latestSampleMoment});
+    for (const auto& [type, changed] : known.types) {
+      if (changed <= number) continue;
+      since.include(type, {qz::earliestSampleMoment, qz::latestSampleMoment});
+      since.numbers.emplace(type, 1);
+    }
   }
   const auto includeRing = [&](Type type, bool isGoal) {
     const auto found = since.reaches.find(type);
     if (found == since.reaches.end()) return;
     const Reach reach = found->second;
     since.include(Type::activitySummary, {reach.earliest, isGoal ? qz::latestSampleMoment : reach.latest});
+    since.numbers[Type::activitySummary] += since.numbers[type];
   };
   for (const Type type : qz::ringValueTypes) includeRing(type, false);
   for (const Type type : qz::ringGoalTypes) includeRing(type, true);
@@ -300,6 +326,7 @@ void SampleTable::remove(const qz::UniqueID& identifier, qz::QZHKChanges& change
 
 std::int64_t SampleTable::keepChange(const Reaches& changed) {
   if (!keepsReaches()) makeReaches();
+  if (!hasTable("SampleStore")) connection_.execute(identityTable);
   const std::int64_t number = connection_.integer("SELECT ifnull(max(changed), 0) + 1 FROM SampleType");
   for (const auto& [type, reach] : changed) {
     auto row = writeChange_.use();
@@ -311,9 +338,23 @@ std::int64_t SampleTable::keepChange(const Reaches& changed) {
   return number;
 }
 
-bool SampleTable::keepsReaches() {
-  return connection_.integer("SELECT EXISTS(SELECT 1 FROM sqlite_schema WHERE name='SampleChange')") != 0;
+std::optional<qz::UniqueID> SampleTable::identity() {
+  if (!hasTable("SampleStore")) return std::nullopt;
+  auto row = readIdentity_.use();
+  const auto identity = row->step() ? identifierOf(row->bytes(0)) : std::nullopt;
+  if (!identity)
+    throw StoreError(StoreError::Kind::damaged,
+                     fmt::format("{} is damaged: it does not say which store it is; restore a backup of it",
+                                 connection_.file().string()));
+  return identity;
 }
+
+bool SampleTable::hasTable(std::string_view name) {
+  return connection_.integer(fmt::format("SELECT EXISTS(SELECT 1 FROM sqlite_schema WHERE name='{}')", name).c_str()) !=
+         0;
+}
+
+bool SampleTable::keepsReaches() { return hasTable("SampleChange"); }
 
 void SampleTable::makeReaches() {
   connection_.execute(reachTable);

@@ -32,11 +32,13 @@ class SampleTable {
   };
 
   /// The statements that make the tables.
-  [[nodiscard]] static std::string_view definition();
+  [[nodiscard]] static std::string definition();
 
   explicit SampleTable(Connection& connection);
 
-  [[nodiscard]] bool isEmpty();
+  /// Also those that were removed since count.
+  [[nodiscard]] bool hasEverHadSamples();
+  [[nodiscard]] bool has(const qz::UniqueID& identifier);
 
   /// Hands over the samples of a type that lie in the span at least in part, by start and then by identifier. What is
   /// handed over is good during the call. REQUIRES: a transaction.
@@ -69,6 +71,9 @@ class SampleTable {
   /// Whether the file says over which time changes reach; one that was made before it did says so from its next change
   /// on.
   [[nodiscard]] bool keepsReaches();
+  /// Which store this is; none of one that was made before it could say so, and has not been written to since.
+  [[nodiscard]] std::optional<qz::UniqueID> identity();
+  [[nodiscard]] bool hasTable(std::string_view name);
   void makeReaches();
   void keepReach(std::int64_t type, std::int64_t change, const qz::QZHKChanges::Reach& reach);
   [[nodiscard]] std::optional<std::int64_t> findType(Type type);
@@ -94,6 +99,8 @@ class SampleTable {
   Query insert_;
   Query find_;
   Query remove_;
+  Query findSample_;
+  Query readIdentity_;
   Query readChanges_;
   Query writeChange_;
   Query readReaches_;

@@ -281,6 +281,13 @@ class StoreContext {
   /// It was told; what was put there meanwhile stays. Begins a unit.
   void removeFromOutbox(OutboxLink link, const OutboxItem& item);
 
+  // How far tasks have taken health data into account. It is in no history.
+
+  /// As it was kept; none where nothing was.
+  [[nodiscard]] std::optional<std::string> healthAnchor(ObjectID task);
+  /// Keeps a text for the task in place of an earlier one; written by save(), and gone with the task. Begins a unit.
+  void setHealthAnchor(ObjectID task, std::string_view anchor);
+
   // History
 
   /// The transactions after `sequence`, oldest first, at most `limit` of them.

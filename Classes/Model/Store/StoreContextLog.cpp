@@ -228,6 +228,19 @@ void StoreContext::removeFromOutbox(OutboxLink link, const OutboxItem& item) {
   });
 }
 
+std::optional<std::string> StoreContext::healthAnchor(ObjectID task) {
+  parts_->beginView();
+  return parts_->healthAnchors.read(task);
+}
+
+void StoreContext::setHealthAnchor(ObjectID task, std::string_view anchor) {
+  parts_->writing([&] {
+    parts_->flushInsertions();
+    parts_->healthAnchors.write(task, anchor);
+    parts_->hasOwnRows = true;
+  });
+}
+
 void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
                                     std::int64_t limit) {
   parts_->beginView();

@@ -11,6 +11,7 @@ StoreContext::Parts::Parts(std::shared_ptr<Store> store)
       history(unit.connection()),
       checkpoints(unit.connection()),
       outbox(unit.connection()),
+      healthAnchors(unit.connection()),
       light(unit.connection(),
             "SELECT objectID, entryDate, entryPeriodFrom, entryPeriodTo, entryPeriodType, entryType, progress, "
             "progressTotal FROM TaskLogEntryEntity WHERE task=? AND entryDate BETWEEN ? AND ? "

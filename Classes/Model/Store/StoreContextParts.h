@@ -2,6 +2,7 @@
 
 #include <HabitraModel/Store/Engine/CheckpointTable.h>
 #include <HabitraModel/Store/Engine/EntityTable.h>
+#include <HabitraModel/Store/Engine/HealthAnchorTable.h>
 #include <HabitraModel/Store/Engine/OutboxTable.h>
 #include <HabitraModel/Store/Files/UndoBackups.h>
 #include <HabitraModel/Store/History/HistoryTable.h>
@@ -91,6 +92,7 @@ struct StoreContext::Parts {
   HistoryTable history;
   CheckpointTable checkpoints;
   OutboxTable outbox;
+  HealthAnchorTable healthAnchors;
   ObjectRegistry registry;
   Query light;     ///< a task's log, only what the rules need
   Query earliest;  ///< first day of a task's log
@@ -109,7 +111,7 @@ struct StoreContext::Parts {
   TaskLogEntryEntity newEntry;       ///< an entry on its way in
   SaveResult counts;                 ///< what the unit's history says
   bool hasRows = false;              ///< the unit has written rows, and be it back and forth
-  bool hasOwnRows = false;           ///< the unit has written checkpoints, or to the outbox
+  bool hasOwnRows = false;           ///< the unit has written to tables of the store's own
   bool keepsBefore = false;          ///< the unit's history holds values before
   /// The transaction whose command the unit takes back.
   std::optional<std::int64_t> undone;

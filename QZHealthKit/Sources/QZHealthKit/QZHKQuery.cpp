@@ -39,7 +39,8 @@ std::optional<std::string> problemOf(QZHKStatisticsOption option, QZHKObjectType
 
 bool QZHKPredicate::matches(const QZHKSample& sample) const {
   return (!task || sample.task == task) && isWanted(workoutTypes, activityTypeOf(sample)) &&
-         isWanted(sleepValues, sample.sleepValue()) && (sources.empty() || sources.contains(sample.source));
+         isWanted(sleepValues, sample.sleepValue()) && (sources.empty() || sources.contains(sample.source)) &&
+         !excluded.contains(sample.identifier);
 }
 
 bool QZHKSampleQuery::matches(const QZHKSample& sample) const {

@@ -39,6 +39,7 @@ struct QZHKPredicate {
   std::set<QZHKWorkoutActivityType> workoutTypes;  ///< only workouts of these activities
   std::set<QZHKSleepValue> sleepValues;            ///< only sleep that says one of these
   std::set<std::string> sources;                   ///< only what is from these sources
+  std::set<UniqueID> excluded;                     ///< none of these samples
 
   [[nodiscard]] bool matches(const QZHKSample& sample) const;
 

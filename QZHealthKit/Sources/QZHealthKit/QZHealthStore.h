@@ -33,8 +33,9 @@ class QZHealthStore {
   QZHealthStore& operator=(const QZHealthStore&) = delete;
   virtual ~QZHealthStore() = default;
 
-  /// Whether there is any sample. Where there is none, everything that is asked has an empty answer; it is no error.
-  /// Throws nothing: where the store cannot be read there is none.
+  /// Whether there is any sample, or ever was one: what was removed says something, too. Where there is none,
+  /// everything that is asked has an empty answer; it is no error. Throws nothing: where the store cannot be read there
+  /// is none.
   [[nodiscard]] virtual bool isHealthDataAvailable() const noexcept = 0;
 
   /// The samples that the query matches, by start and then by identifier.
@@ -47,18 +48,22 @@ class QZHealthStore {
   /// The rings of a day; none when no sample of it adds to a ring, whether there are goals or not.
   [[nodiscard]] virtual std::optional<QZHKActivitySummary> activitySummary(const QZHKSpan& day) const = 0;
 
+  /// Which of these samples are there.
+  [[nodiscard]] virtual std::set<UniqueID> known(std::span<const UniqueID> identifiers) const = 0;
+
   /// What has changed since the change with this number, which an earlier answer named; 0: since the beginning. Where
-  /// the store never came so far, since another one lies in its place, it is all that there is.
+  /// the store never came so far, since another one lies in its place, it is all that there is. Numbers are those of
+  /// one store only: who keeps one keeps the store's identifier with it.
   [[nodiscard]] virtual QZHKChanges changesSince(std::int64_t number) const = 0;
 
-  /// Writes all of the samples or, when it throws, none. One whose identifier is there already is left as it is, so
-  /// that a write that is repeated after a crash counts once. Who has no identifier for a sample, like an import of
-  /// rows, derives one from all that the row says and from the number of equal rows before it, so that the same file
-  /// counts once however often it is read. Also throws `invalidSample`, with the text of the first problem().
+  /// Writes all of the samples or, when it throws, none. One whose identifier is there already is left as it is and is
+  /// no change, so that a write that is repeated after a crash counts once. Who has no identifier for a sample, like an
+  /// import of rows, derives one from all that the row says and from the number of equal rows before it, so that the
+  /// same file counts once however often it is read. Also throws `invalidSample`, with the text of the first problem().
   virtual void save(std::span<const QZHKSample> samples) = 0;
 
   /// Takes out all samples with these identifiers or, when it throws, none: the undo of what was written or imported.
-  /// Unknown identifiers are passed over. What was taken out may be saved again.
+  /// Unknown identifiers are passed over and are no change. What was taken out may be saved again.
   virtual void remove(std::span<const UniqueID> identifiers) = 0;
 
   /// Calls the handler when samples of the query's types come or go (the summary of a day goes with its rings and

@@ -91,6 +91,32 @@ TEST_F(SampleStoreTest, TellsOverWhichTimeChangesReach) {
   EXPECT_EQ(store.changesSince(999'999).reaches.at(T::stepCount), reach(-5000, 400)) << "of another store";
 }
 
+TEST_F(SampleStoreTest, NumbersOfChangesAreThoseOfOneStore) {
+  SampleStore store = open();
+  EXPECT_EQ(store.changesSince(0).store, std::nullopt) << "there is none yet";
+  save(store, {steps(1, 0, 5)});
+  const auto first = store.changesSince(0);
+  ASSERT_TRUE(first.store);
+  EXPECT_EQ(open().changesSince(0), first);
+  store.remove(std::vector{identifier(44)});
+  save(store, {steps(1, 0, 5)});
+  EXPECT_EQ(store.changesSince(0), first) << "nothing has come or gone";
+  EXPECT_EQ(store.known(std::vector{identifier(1), identifier(44)}), std::set{identifier(1)});
+  save(store, {steps(2, 5, 9), sample(3, T::workout, 0, 5, QZHKWorkout{QZHKWorkoutActivityType::yoga, {}, {}})});
+  EXPECT_EQ(store.changesSince(0).numbers, (std::map<T, std::int64_t>{{T::stepCount, 2}, {T::workout, 1}}));
+  EXPECT_NE(SampleStore::inMemory()->changesSince(0).store, SampleStore::inMemory()->changesSince(0).store);
+
+  runSQL(file(), "DROP TABLE SampleStore");  // as it was made before it could say which it is
+  EXPECT_EQ(open().changesSince(0).store, std::nullopt);
+  save({steps(4, 9, 12)});
+  const auto named = open().changesSince(0);
+  EXPECT_NE(named.store, std::nullopt);
+  EXPECT_NE(named.store, first.store);
+  store.remove(std::vector{identifier(1), identifier(2), identifier(3), identifier(4)});
+  EXPECT_TRUE(store.isHealthDataAvailable()) << "it had some";
+  EXPECT_EQ(open().changesSince(0).store, named.store);
+}
+
 TEST_F(SampleStoreTest, AWriteCountsOnceAndIsWholeOrNotAtAll) {
   SampleStore store = open();
   save(store, {steps(1, 0, 5), steps(2, 5, 9)});

@@ -38,6 +38,9 @@ class TroubledHealthStore final : public qz::QZHealthStore {
   [[nodiscard]] std::optional<qz::QZHKActivitySummary> activitySummary(const qz::QZHKSpan& day) const override {
     return store_->activitySummary(day);
   }
+  [[nodiscard]] std::set<qz::UniqueID> known(std::span<const qz::UniqueID> identifiers) const override {
+    return store_->known(identifiers);
+  }
   [[nodiscard]] qz::QZHKChanges changesSince(std::int64_t number) const override {
     if (!isReachable) fail();
     return store_->changesSince(number);

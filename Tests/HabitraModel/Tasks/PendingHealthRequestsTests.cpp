@@ -1,12 +1,15 @@
 #include <HabitraModel/Health/SampleStore.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
 #include <HabitraModel/Tasks/Processing/PendingHealthRequests.h>
+#include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 #include <HabitraModel/UndoStack.h>
 #include <QZHealthKit/QZHealthStoreError.h>
 
 #include <fmt/format.h>
 #include <functional>
+#include <set>
+#include <span>
 #include <utility>
 
 #include "TaskWorld.h"
@@ -35,6 +38,9 @@ class TappedHealthStore final : public qz::QZHealthStore {
   }
   [[nodiscard]] std::optional<qz::QZHKActivitySummary> activitySummary(const qz::QZHKSpan& day) const override {
     return store_.activitySummary(day);
+  }
+  [[nodiscard]] std::set<qz::UniqueID> known(std::span<const qz::UniqueID> identifiers) const override {
+    return store_.known(identifiers);
   }
   [[nodiscard]] qz::QZHKChanges changesSince(std::int64_t number) const override { return store_.changesSince(number); }
   void save(std::span<const qz::QZHKSample> samples) override {
@@ -80,7 +86,11 @@ class PendingHealthRequestsTest : public TaskWorld {
                                  .recordToHealthKitIfNecessary = true});
     context_->save(save);
   }
-  Report pass() { return requests_.processPendingHealthKitRequests(*context_, clock_->now()); }
+  Report pass() {
+    Report report = requests_.processPendingHealthKitRequests(*context_, clock_->now());
+    changed_ = std::exchange(report.changed, {});
+    return report;
+  }
   [[nodiscard]] std::vector<double> litres() const {
     std::vector<double> amounts;
     for (const auto& sample : samples_->samples({.objectType = qz::QZHKObjectType::dietaryWater,
@@ -97,11 +107,18 @@ class PendingHealthRequestsTest : public TaskWorld {
     return result;
   }
 
+  std::unique_ptr<TaskProcessor> processorWithHealth() {
+    TaskProcessor::Environment withHealth = environment();
+    withHealth.health = &health_;
+    return std::make_unique<TaskProcessor>(withHealth);
+  }
+
   TaskEntity& water_ = addTask("Water");
   std::unique_ptr<SampleStore> samples_ = SampleStore::inMemory();
   TappedHealthStore health_{*samples_};
   std::shared_ptr<KeyValueDefaults> defaults_ = KeyValueDefaults::inMemory();
   PendingHealthRequests requests_{health_, *defaults_};
+  std::set<qz::QZHKObjectType> changed_;  ///< by the last pass
 };
 
 TEST_F(PendingHealthRequestsTest, WhatIsPendingIsWrittenOnceAndThenNothing) {
@@ -156,6 +173,70 @@ TEST_F(PendingHealthRequestsTest, WhatIsUndoneIsTakenOutAndWhatIsRedoneComesBack
   redo();
   (void)pass();
   EXPECT_EQ(litres(), std::vector{0.5}) << "what there is now decides";
+}
+
+TEST_F(PendingHealthRequestsTest, ASampleOfAnEntryThatIsGoneIsMeasuredNoMore) {
+  const auto process = [this] {
+    return TaskProcessorSingleTaskOperation({.calendars = calendars_,
+                                             .recorder = recorder_,
+                                             .health = &health_,
+                                             .sharedTasks = receivers_.sharedTasks,
+                                             .standardDefaults = defaults_.get()},
+                                            *context_, water_, TaskModifyContext::userInitiatedFromMainApp,
+                                            LayoutDirection::leftToRight, true, clock_->now());
+  };
+  drink(2.0);
+  EXPECT_EQ(pass().written, 1U);
+  EXPECT_EQ(changed_, std::set{qz::QZHKObjectType::dietaryWater});
+  context_->beginUnit();
+  for (const TaskLogEntryEntity& row : context_->fetchLogEntries(water_.objectID)) context_->removeLogEntry(row.key());
+  EXPECT_FALSE(process().runInUnit().decidedPeriod);
+  context_->rollback();
+  const UndoStack stack(calendars_);
+  context_->save(stack.undo(*context_).saveRequest(Author::app, "undo"));
+  EXPECT_FALSE(process().run().decidedPeriod) << "what was undone is not drunk again";
+  EXPECT_TRUE(log(water_).empty());
+  context_->save(stack.redo(*context_).saveRequest(Author::app, "redo"));
+  EXPECT_TRUE(process().run().decidedPeriod);
+  (void)pass();
+  EXPECT_TRUE(changed_.empty()) << "the sample is there already";
+}
+
+TEST_F(PendingHealthRequestsTest, OnePassFollowsOnceTheHealthStoreHasChanged) {
+  const auto processor = processorWithHealth();
+  drink(0.5);
+  (void)processor->processAllTasks(*context_, clock_->now());
+  EXPECT_EQ(litres(), std::vector{0.5});
+  const std::vector<std::string> both{"20240131 completedManuallyPartial", "20240131 completedAutomaticallyPartial"};
+  EXPECT_EQ(log(water_), both);
+  const auto sequence = context_->sequence();
+  EXPECT_EQ(processor->processAllTasks(*context_, clock_->now()).changed, 0U);
+  EXPECT_EQ(context_->sequence(), sequence);
+}
+
+TEST_F(PendingHealthRequestsTest, WhatAHealthStoreHasIsAskedOfIt) {
+  setAutomaticType(water_,
+                   AutomaticTaskType{.type = AutomaticTaskType::TaskType::healthKit(HealthType::handwashingEvent)});
+  TaskFrequency inFour = TaskFrequency::everyDay();
+  inFour.numPartialCompletions = 4;
+  setFrequency(water_, inFour);
+  context_->save({});
+  const auto processor = processorWithHealth();
+  const auto progress = [&] {
+    (void)processor->processAllTasks(*context_, clock_->now());
+    return figures(water_).progress;
+  };
+  drink(1);
+  EXPECT_DOUBLE_EQ(progress(), 0.25);
+  auto washed = samples_->samples({.objectType = qz::QZHKObjectType::handwashingEvent,
+                                   .span = {qz::Moment::min(), qz::Moment::max()},
+                                   .predicate = {}});
+  ASSERT_EQ(washed.size(), 1U);
+  const qz::UniqueID written = std::exchange(washed[0].identifier, qz::UniqueID::generate(clock_->now()));
+  health_.save(washed);
+  EXPECT_DOUBLE_EQ(progress(), 0.5);
+  health_.remove(std::span(&written, 1));
+  EXPECT_DOUBLE_EQ(progress(), 0.5) << "the first time counts by its entry now";
 }
 
 TEST_F(PendingHealthRequestsTest, AnotherEntryInItsPlaceTakesTheSampleOut) {

@@ -3,6 +3,8 @@
 #include <Support/TemporaryFolder.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 
 #include "TaskWorld.h"
@@ -190,6 +192,22 @@ TEST_F(Passes, OfTimersRunWhenTheyAreDueInWhateverProcessAsksThen) {
   finish();
   context_->refresh();
   EXPECT_EQ(log(other).size(), 1u);
+}
+
+TEST(PassesOfAHome, GoOnWhereWhatIsDueCannotBeRead) {
+  const TemporaryFolder folder;
+  struct Program : TestProgram {
+    explicit Program(const std::filesystem::path& home)
+        : TestProgram(at("2024-01-31T12:00:00Z"), DataManager::storeLocation(home)) {}
+    TaskProcessor& processor() { return processor_; }
+  };
+  Program program(folder / "home");
+  program.processor().scheduleTimerFinished(qz::UniqueID::generate(at("2024-01-31T12:00:00Z")),
+                                            at("2024-01-31T12:00:00Z"));
+  EXPECT_TRUE(program.processor().nextBackgroundTask());
+  std::ofstream(folder / "home" / KeyValueDefaults::standardFileName) << "damaged";
+  EXPECT_EQ(program.processor().nextBackgroundTask(), std::nullopt);
+  EXPECT_NO_THROW(program.processor().runDueBackgroundTasks(at("2024-01-31T13:00:00Z")));
 }
 
 TEST_F(Passes, GoOnOnceAClockFarAheadHasBeenOutlived) {

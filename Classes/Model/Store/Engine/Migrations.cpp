@@ -170,7 +170,7 @@ constexpr std::array<std::string_view, 26> toVersion2{
     "CREATE INDEX habitra_transaction_command ON habitra_transaction(sequence) WHERE command IS NOT NULL",
 };
 
-constexpr std::array<std::string_view, 2> toVersion3{
+constexpr std::array<std::string_view, 3> toVersion3{
     R"(CREATE TABLE habitra_outbox (
   link TEXT NOT NULL,
   task INTEGER NOT NULL REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
@@ -179,6 +179,10 @@ constexpr std::array<std::string_view, 2> toVersion3{
   PRIMARY KEY (link, task)
 ) STRICT, WITHOUT ROWID)",
     "CREATE INDEX HealthKitRequestEntity_status ON HealthKitRequestEntity(status) WHERE status IS 'pending'",
+    R"(CREATE TABLE habitra_health_anchor (
+  task INTEGER PRIMARY KEY REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
+  anchor TEXT NOT NULL
+) STRICT)",
 };
 
 constexpr std::array migrations{

@@ -87,6 +87,10 @@ CREATE TABLE habitra_outbox (
   revision INTEGER NOT NULL,
   PRIMARY KEY (link, task)
 ) STRICT, WITHOUT ROWID;
+CREATE TABLE habitra_health_anchor (
+  task INTEGER PRIMARY KEY REFERENCES TaskEntity(objectID) ON DELETE CASCADE,
+  anchor TEXT NOT NULL
+) STRICT;
 )";
 
 }  // namespace

@@ -46,6 +46,7 @@ struct AutomaticEntries::Standing {
 /// What people and timers say of it, apart from what the health store has as samples already.
 struct AutomaticEntries::Said {
   double added = 0.0;             ///< by parts and runs that report no amount of the whole
+  double inHealthStore = 0.0;     ///< by others of these, which are measured as well
   std::optional<double> reached;  ///< the amount reported last, and what was added after it
 
   /// What is measured may hold all that was reported; what was only added it does not.
@@ -58,7 +59,8 @@ struct AutomaticEntries::Finding {
   bool isReached = false;
   bool addsUp = false;  ///< its amount only grows with the data
   double measured = 0.0;
-  double amount = 0.0;  ///< with what people said
+  double measuredAlone = 0.0;  ///< without what entries by hand stand for already
+  double amount = 0.0;         ///< with what people said
   double share = 0.0;
 };
 
@@ -82,6 +84,7 @@ void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
                    period.period.startDate.debugDescription());
     return;
   }
+  if (mayHaveChanged && !period.isOpen && !standing.hasFull) touch(period.period.startDate);
   const Finding finding = find(period);
   const bool isJudged = !period.isOpen && standing.hasFull;
   // Of an amount of 0 only an entry tells whether it was measured.
@@ -146,10 +149,17 @@ AutomaticEntries::Finding AutomaticEntries::find(const PeriodOfLog& period) cons
   const bool isSingleDay = period.period.startDate == period.period.finishDate;
   const double needed = neededAmount(type_, period.expectedUnits, isSingleDay);
   const PeriodMeasurement measured = measuring_.measure(period.period);
-  Finding finding{.hasData = measured.hasData, .measured = measured.amount, .amount = measured.amount};
+  Finding finding{.hasData = measured.hasData,
+                  .measured = measured.amount,
+                  .measuredAlone = measured.amount,
+                  .amount = measured.amount};
   finding.addsUp = family == MeasurementFamily::amount || family == MeasurementFamily::samples ||
                    family == MeasurementFamily::screenTime;
-  if (finding.addsUp && measured.hasData) finding.amount = saidByHand(period, needed).with(measured.amount);
+  if (finding.addsUp && measured.hasData) {
+    const Said said = saidByHand(period, needed);
+    finding.amount = said.with(measured.amount);
+    finding.measuredAlone -= said.inHealthStore;
+  }
   finding.isReached = measured.hasData && measured.isReached.value_or(needed > 0 && finding.amount >= needed);
   finding.share = needed > 0 ? finding.amount / needed : 0;
   return finding;
@@ -168,15 +178,17 @@ AutomaticEntries::Said AutomaticEntries::saidByHand(const PeriodOfLog& period, d
     }
     const double amount = addedAmount(entry, measure, period.expectedUnits);
     if (said.reached) *said.reached += amount;
-    if (!isInHealthStore(entry)) said.added += amount;
+    (isInHealthStore(entry) ? said.inHealthStore : said.added) += amount;
   }
   return said;
 }
 
 bool AutomaticEntries::isInHealthStore(const LoggedEntry& entry) const {
   const auto requests = context_.fetchRelated<HealthKitRequestEntity>("taskLogEntry", ObjectID{entry.order});
-  return std::ranges::any_of(
-      requests, [](const HealthKitRequestEntity* request) { return request->status == health_request_status::done; });
+  return std::ranges::any_of(requests, [this](const HealthKitRequestEntity* row) {
+    const auto request = HealthWriteRequest::of(*row);
+    return request && measuring_.holds(request->sample);
+  });
 }
 
 void AutomaticEntries::decide(const PeriodOfLog& period, const Standing& standing, const Finding& finding) {
@@ -190,7 +202,28 @@ void AutomaticEntries::decide(const PeriodOfLog& period, const Standing& standin
   plan_.decidesPeriod = true;
 }
 
+bool AutomaticEntries::countsTimes(const PeriodOfLog& period) const {
+  if (type_.measure().kind != TaskMeasure::Kind::byHand) return false;
+  const MeasurementFamily family = measurementFamily(type_).value();
+  // Of a single night it is its time of day that is measured.
+  const bool isSingleDay = period.period.startDate == period.period.finishDate;
+  return family == MeasurementFamily::samples || (family == MeasurementFamily::bedtime && !isSingleDay);
+}
+
+void AutomaticEntries::carryTimes(const PeriodOfLog& period, const Standing& standing, const Finding& finding) {
+  const Type type = task_.isNegative ? Type::missedAutomaticallyPartial : Type::completedAutomaticallyPartial;
+  const auto wanted = static_cast<std::size_t>(std::max(finding.measuredAlone, 0.0));
+  for (std::size_t i = wanted; i < standing.partials.size(); ++i) takeBack(period, standing.partials[i]);
+  for (std::size_t i = standing.partials.size(); i < wanted; ++i) {
+    Finding times = finding;
+    times.amount = static_cast<double>(i + 1);
+    times.share = times.amount / static_cast<double>(period.expectedUnits);
+    record(period, type, times, nullptr, std::nullopt);
+  }
+}
+
 void AutomaticEntries::carry(const PeriodOfLog& period, const Standing& standing, const Finding& finding) {
+  if (countsTimes(period)) return carryTimes(period, standing, finding);
   const bool carriesAmount = type_.measure().kind != TaskMeasure::Kind::byHand && finding.measured > 0;
   const LoggedEntry* const last = standing.partials.empty() ? nullptr : &standing.partials.back();
   for (const LoggedEntry& partial : standing.partials)
@@ -244,7 +277,7 @@ void AutomaticEntries::takeBack(const PeriodOfLog& period, const LoggedEntry& en
 void AutomaticEntries::refute(const PeriodOfLog& period, Type type, qz::YYYYMMDD day) {
   if (followsFromEarlierDays(type)) return;
   for (const LoggedEntry& entry : period.entries)
-    if (followsFromEarlierDays(entry.entryType)) remove(entry);
+    if (isFilledIn(entry)) remove(entry);
   decided_.insert(day);
 }
 

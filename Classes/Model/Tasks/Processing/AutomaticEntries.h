@@ -31,6 +31,8 @@ struct AutomaticPlan {
 ///   the data of that time included: the period comes to the greater of that and what is measured. Parts without an
 ///   amount, and runs of timers, are on top of what is measured, unless the health store has them as samples already.
 ///   So an entry that carries an amount is the last of its period.
+/// - What only counts how often something happened, towards several completions, has one partial entry for each time,
+///   as a person would have made it.
 /// - A period that a person decided is left alone, and so is a completion that sealed a past (it has no progress). An
 ///   undo decides nothing: data say it again.
 /// - An amount that falls again (a balance of energies) decides a period only when it is over.
@@ -38,6 +40,8 @@ struct AutomaticPlan {
 ///   samples that say less. Where there are none, and never were as far as is known here, a log that was brought along
 ///   from elsewhere stands. A judged period of the past is looked at again only when its amount is another one, so that
 ///   a new target leaves it as it was.
+/// - A period that is over, has no full entry and may have changed is judged again by what is in it, with or without
+///   data: a skip or miss that it lacks is filled in.
 ///
 /// Reads the store and the health store, and writes nothing. Belongs to the queue of its context.
 class AutomaticEntries {
@@ -66,6 +70,8 @@ class AutomaticEntries {
   void allowFailures();
   void decide(const PeriodOfLog& period, const Standing& standing, const Finding& finding);
   void carry(const PeriodOfLog& period, const Standing& standing, const Finding& finding);
+  [[nodiscard]] bool countsTimes(const PeriodOfLog& period) const;
+  void carryTimes(const PeriodOfLog& period, const Standing& standing, const Finding& finding);
   void record(const PeriodOfLog& period, TaskLogEntryType type, const Finding& finding, const LoggedEntry* inPlace,
               std::optional<qz::UniqueID> uniqueId);
   void takeBack(const PeriodOfLog& period, const LoggedEntry& entry);

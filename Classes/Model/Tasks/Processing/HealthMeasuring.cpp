@@ -2,6 +2,7 @@
 #include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace habitra {
@@ -37,8 +38,10 @@ std::vector<qz::QZHKSpan> covered(const std::vector<qz::QZHKSample>& samples, co
 }  // namespace
 
 HealthMeasuring::HealthMeasuring(const qz::QZHealthStore& health, AutomaticTaskType type,
-                                 std::optional<qz::UniqueID> task, TaskCalendar calendar)
+                                 std::optional<qz::UniqueID> task, TaskCalendar calendar,
+                                 std::set<qz::UniqueID> withdrawn)
     : health_(health), type_(std::move(type)), calendar_(std::move(calendar)) {
+  predicate_.excluded = std::move(withdrawn);
   if (type_.dataSource.value_or(defaultDataSource(type_.type)) == DataSource::currentTask) {
     predicate_.task = task;
     hasNoTask_ = !task;
@@ -54,6 +57,12 @@ std::vector<Type> HealthMeasuring::readTypes(const AutomaticTaskType& type) {
   if (const auto health = type.type.healthType()) return health->healthKitReadTypes(type.unit, type.speeds);
   if (type.type.kind() == AutomaticTaskType::TaskType::Kind::screenTime) return {usageTypes.begin(), usageTypes.end()};
   return {};
+}
+
+bool HealthMeasuring::holds(const qz::QZHKSample& sample) const {
+  const std::vector<Type> types = readTypes();
+  return std::ranges::find(types, sample.objectType) != types.end() && predicate_.matches(sample) &&
+         !health_.known(std::span(&sample.identifier, 1)).empty();
 }
 
 PeriodMeasurement HealthMeasuring::measure(const TaskFrequencyPeriod& period) const {

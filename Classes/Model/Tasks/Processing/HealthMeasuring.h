@@ -8,6 +8,7 @@
 #include <QZKit/UniqueID.h>
 
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace habitra {
@@ -20,12 +21,18 @@ namespace habitra {
 /// Belongs to one thread; the store must live longer. Functions that read throw QZHealthStoreError.
 class HealthMeasuring {
  public:
-  /// `task`: the identifier of the task, of which a type may want only its own samples.
+  /// `task`: the identifier of the task, of which a type may want only its own samples. `withdrawn`: samples that are
+  /// not to count, since they are about to be taken out (withdrawnSamples()).
   HealthMeasuring(const qz::QZHealthStore& health, AutomaticTaskType type, std::optional<qz::UniqueID> task,
-                  TaskCalendar calendar);
+                  TaskCalendar calendar, std::set<qz::UniqueID> withdrawn = {});
 
   /// The kinds of data that a task of this type is measured by.
   [[nodiscard]] static std::vector<qz::QZHKObjectType> readTypes(const AutomaticTaskType& type);
+
+  [[nodiscard]] std::vector<qz::QZHKObjectType> readTypes() const { return readTypes(type_); }
+
+  /// Whether the health store has the sample, as one of those that are measured.
+  [[nodiscard]] bool holds(const qz::QZHKSample& sample) const;
 
   /// REQUIRES: the type has a measurementFamily().
   [[nodiscard]] PeriodMeasurement measure(const TaskFrequencyPeriod& period) const;

@@ -44,12 +44,17 @@ class PendingHealthRequests::Pass {
 
   void writePending();
   void followHistory();
+  /// Once all is done, or has failed: which kinds of data have changed by it.
+  void noteChanges();
   [[nodiscard]] const Report& report() const { return report_; }
 
  private:
   [[nodiscard]] std::vector<Outcome> readPending();
   void beginHistory();
   void keepHistoryUpTo(const HistoryToken& token) { defaults_.set(historyKey, token.text()); }
+  void save(std::span<const qz::QZHKSample> samples);
+  void remove(std::span<const qz::UniqueID> samples);
+  void beforeChange();
   void writeSamples(std::vector<Outcome>& outcomes);
   void writeOneByOne(std::vector<Outcome>& outcomes);
   [[nodiscard]] std::vector<qz::UniqueID> mark(const std::vector<Outcome>& outcomes);
@@ -59,6 +64,7 @@ class PendingHealthRequests::Pass {
   KeyValueDefaults& defaults_;
   StoreContext& context_;
   qz::Moment now_;
+  std::optional<std::int64_t> changeBefore_;  ///< the health store's newest before its first change
   Report report_;
 };
 
@@ -80,7 +86,7 @@ void PendingHealthRequests::Pass::writePending() {
   beginHistory();
   writeSamples(outcomes);
   const std::vector<qz::UniqueID> gone = mark(outcomes);
-  if (!gone.empty()) healthStore_.remove(gone);
+  remove(gone);
   report_.removed += gone.size();
 }
 
@@ -98,7 +104,7 @@ void PendingHealthRequests::Pass::writeSamples(std::vector<Outcome>& outcomes) {
     if (outcome.sample) samples.push_back(*outcome.sample);
   if (samples.empty()) return;
   try {
-    healthStore_.save(samples);
+    save(samples);
   } catch (const qz::QZHealthStoreError& error) {
     if (error.reason() != qz::QZHealthStoreError::Reason::invalidSample) throw;
     writeOneByOne(outcomes);
@@ -110,7 +116,7 @@ void PendingHealthRequests::Pass::writeOneByOne(std::vector<Outcome>& outcomes) 
   for (Outcome& outcome : outcomes) {
     if (!outcome.sample) continue;
     try {
-      healthStore_.save(std::span(&*outcome.sample, 1));
+      save(std::span(&*outcome.sample, 1));
     } catch (const qz::QZHealthStoreError& error) {
       if (error.reason() != qz::QZHealthStoreError::Reason::invalidSample) throw;
       qz::log::warning("HealthKit request {} is refused: {}", rawValue(outcome.request), error.what());
@@ -158,9 +164,30 @@ void PendingHealthRequests::Pass::followHistory() {
 }
 
 void PendingHealthRequests::Pass::bringToTheirState(const WithdrawnHealthRequests& found) {
-  if (!found.broughtBack().empty()) healthStore_.save(found.broughtBack());
-  if (!found.withdrawn().empty()) healthStore_.remove(found.withdrawn());
+  save(found.broughtBack());
+  remove(found.withdrawn());
   report_.removed += found.withdrawn().size();
+}
+
+void PendingHealthRequests::Pass::save(std::span<const qz::QZHKSample> samples) {
+  if (samples.empty()) return;
+  beforeChange();
+  healthStore_.save(samples);
+}
+
+void PendingHealthRequests::Pass::remove(std::span<const qz::UniqueID> samples) {
+  if (samples.empty()) return;
+  beforeChange();
+  healthStore_.remove(samples);
+}
+
+void PendingHealthRequests::Pass::beforeChange() {
+  if (!changeBefore_) changeBefore_ = healthStore_.changesSince(0).newest;
+}
+
+void PendingHealthRequests::Pass::noteChanges() {
+  if (!changeBefore_) return;
+  for (const auto& [type, reach] : healthStore_.changesSince(*changeBefore_).reaches) report_.changed.insert(type);
 }
 
 PendingHealthRequests::PendingHealthRequests(qz::QZHealthStore& healthStore, KeyValueDefaults& standardDefaults)
@@ -180,6 +207,11 @@ Report PendingHealthRequests::processPendingHealthKitRequests(StoreContext& cont
   } catch (const qz::Error& error) {
     context.rollback();
     qz::log::warning("HealthKit requests could not be processed: {}", error.what());
+  }
+  try {
+    pass.noteChanges();
+  } catch (const qz::Error& error) {
+    qz::log::warning("What requests have changed in the health store is left to the next pass: {}", error.what());
   }
   return pass.report();
 }

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <set>
 
 namespace habitra {
 
@@ -34,6 +35,8 @@ class PendingHealthRequests {
     std::size_t failed = 0;   ///< requests that hold no sample
     std::size_t left = 0;     ///< requests that stay pending, as something could not be read or written
     std::size_t removed = 0;  ///< samples taken out, if they were there
+    /// The kinds of data that have come to the health store or gone from it.
+    std::set<qz::QZHKObjectType> changed;
 
     friend bool operator==(const Report&, const Report&) = default;
   };

@@ -168,6 +168,19 @@ TaskProcessorReport TaskProcessor::passIn(StoreContext& context, qz::Moment now,
                                           const std::optional<std::set<qz::UniqueID>>& only,
                                           LayoutDirection layoutDirection) {
   qz::log::info("Processing tasks");
+  TaskProcessorReport report = passOver(context, now, only, layoutDirection);
+  if (!only) {
+    removeStaleTaskProcessorLastProcessedDateEntries(context);
+    scheduleRefresh(Tools(environment_, context), context, now);
+  }
+  report.follow(followHealthRequests(context, layoutDirection));
+  if (report.changed > 0) environment_.receivers.widgets.reloadAllTimelines();
+  return report;
+}
+
+TaskProcessorReport TaskProcessor::passOver(StoreContext& context, qz::Moment now,
+                                            const std::optional<std::set<qz::UniqueID>>& only,
+                                            LayoutDirection layoutDirection) {
   const Tools tools(environment_, context);
   TaskProcessorPass pass(context,
                          {.tasks = tools.operations,
@@ -175,14 +188,7 @@ TaskProcessorReport TaskProcessor::passIn(StoreContext& context, qz::Moment now,
                           .standardDefaults = environment_.dataManager.standardDefaults(),
                           .layoutDirection = layoutDirection},
                          now);
-  TaskProcessorReport report = pass.run(only);
-  if (!only) {
-    removeStaleTaskProcessorLastProcessedDateEntries(context);
-    scheduleRefresh(tools, context, now);
-  }
-  processPendingHealthKitRequests(context);
-  if (report.changed > 0) environment_.receivers.widgets.reloadAllTimelines();
-  return report;
+  return pass.run(only);
 }
 
 void TaskProcessor::removeStaleTaskProcessorLastProcessedDateEntries(StoreContext& context) {
@@ -213,7 +219,8 @@ void TaskProcessor::processIn(const Tools& tools, StoreContext& context, TaskEnt
   const bool mayReachTheCloud = by != TaskModifyContext::userInitiatedPopulateInitialStreak;
   try {
     TaskProcessorSingleTaskOperation(tools.operations, context, task, by, LayoutDirection::leftToRight,
-                                     mayReachTheCloud, now)
+                                     mayReachTheCloud, now, std::nullopt,
+                                     TaskProcessorSingleTaskOperation::LateData::wait)
         .runInUnit();
   } catch (const TaskProcessorSingleTaskOperation::ProcessorError& error) {
     qz::log::info("Task {} is left to the pass under way: {}", task.uniqueId.value_or(""), error.what());
@@ -261,10 +268,18 @@ void TaskProcessor::schedule(const BackgroundTaskRequest& request) {
   scheduler_.submit(request);
 }
 
+std::optional<qz::Moment> TaskProcessor::nextBackgroundTask() const noexcept {
+  std::optional<qz::Moment> next;
+  attempt("What is to be done later is unknown", [&] { next = scheduler_.nextDue(); });
+  return next;
+}
+
 void TaskProcessor::runDueBackgroundTasks(qz::Moment now) {
+  std::vector<BackgroundTaskRequest> due;
+  attempt("What is due is not done", [&] { due = scheduler_.takeDue(now); });
   std::set<qz::UniqueID> tasks;
   bool refreshes = false;
-  for (const BackgroundTaskRequest& request : scheduler_.takeDue(now)) {
+  for (const BackgroundTaskRequest& request : due) {
     if (request.identifier == refreshIdentifier) refreshes = true;
     if (request.identifier == timerFinishedIdentifier && request.taskID) tasks.insert(*request.taskID);
   }

@@ -123,7 +123,8 @@ class TaskProcessor {
   void stopObserving() noexcept;
 
   /// Writes to the health store what entries have asked for, and takes out of it what was asked for by entries that are
-  /// gone; every full pass does. Writes nothing where there is nothing of that. REQUIRES: no open unit.
+  /// gone; every full pass does. Where that has changed data, a pass over the tasks follows that are measured by them.
+  /// Writes nothing where there is nothing of that. REQUIRES: no open unit and nothing unsaved.
   void processPendingHealthKitRequests(StoreContext& context);
 
   // Changes of many days at once
@@ -168,9 +169,10 @@ class TaskProcessor {
 
   /// Lets a pass over the task run when its timer has run out. Throws StoreError.
   void scheduleTimerFinished(const qz::UniqueID& taskID, qz::Moment due);
-  /// When the next background task is due. Throws StoreError.
-  [[nodiscard]] std::optional<qz::Moment> nextBackgroundTask() const { return scheduler_.nextDue(); }
-  /// Does what has become due: for a refresh a full pass, for a timer a pass over its task.
+  /// When the next background task is due; none, with a line of the log, where that cannot be read.
+  [[nodiscard]] std::optional<qz::Moment> nextBackgroundTask() const noexcept;
+  /// Does what has become due: for a refresh a full pass, for a timer a pass over its task. Where what is due cannot be
+  /// read or taken, a line of the log says so, and nothing is done.
   void runDueBackgroundTasks(qz::Moment now);
 
   /// Returns when the passes that were asked for have ended, but those that are held.
@@ -199,6 +201,10 @@ class TaskProcessor {
                            const std::optional<std::set<qz::UniqueID>>& only, LayoutDirection layoutDirection) noexcept;
   TaskProcessorReport passIn(StoreContext& context, qz::Moment now, const std::optional<std::set<qz::UniqueID>>& only,
                              LayoutDirection layoutDirection);
+  TaskProcessorReport passOver(StoreContext& context, qz::Moment now, const std::optional<std::set<qz::UniqueID>>& only,
+                               LayoutDirection layoutDirection);
+  /// Processes pending health requests. Gives what a pass did that followed on it.
+  TaskProcessorReport followHealthRequests(StoreContext& context, LayoutDirection layoutDirection);
   /// Observes the data that the tasks of the front end's context are completed by; what could not be observed before is
   /// tried again. Gives whether any are observed that were not before. On the front end's thread.
   bool observeAutomaticTasks();

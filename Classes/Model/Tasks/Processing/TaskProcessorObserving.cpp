@@ -1,5 +1,6 @@
 #include <HabitraModel/Mapping/AutomaticTypeMapping.h>
 #include <HabitraModel/Tasks/Processing/CalendarDayWatcher.h>
+#include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorHealthKitObserver.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorPass.h>
@@ -9,6 +10,7 @@
 #include <QZLog/Log.h>
 
 #include <algorithm>
+#include <set>
 
 /// What wakes the processor later: health data, screen time, and what is scheduled.
 namespace habitra {
@@ -24,6 +26,17 @@ std::vector<ObservedTask> observedTasks(StoreContext& context) {
 }
 
 bool isSame(const ObservedTask& a, const ObservedTask& b) { return a.taskID == b.taskID && a.type == b.type; }
+
+/// The tasks that data of these kinds complete.
+std::set<qz::UniqueID> tasksMeasuredBy(const std::set<qz::QZHKObjectType>& kinds, StoreContext& context) {
+  std::set<qz::UniqueID> tasks;
+  for (const ObservedTask& task : observedTasks(context)) {
+    const auto types = HealthMeasuring::readTypes(task.type);
+    if (std::ranges::any_of(types, [&](qz::QZHKObjectType type) { return kinds.contains(type); }))
+      tasks.insert(task.taskID);
+  }
+  return tasks;
+}
 
 }  // namespace
 
@@ -72,8 +85,21 @@ void TaskProcessor::stopObserving() noexcept {
 }
 
 void TaskProcessor::processPendingHealthKitRequests(StoreContext& context) {
-  if (pendingHealthRequests_)
-    (void)pendingHealthRequests_->processPendingHealthKitRequests(context, environment_.dataManager.clock().now());
+  if (followHealthRequests(context, LayoutDirection::leftToRight).changed > 0)
+    environment_.receivers.widgets.reloadAllTimelines();
+}
+
+TaskProcessorReport TaskProcessor::followHealthRequests(StoreContext& context, LayoutDirection layoutDirection) {
+  TaskProcessorReport report;
+  if (!pendingHealthRequests_) return report;
+  const qz::Moment now = environment_.dataManager.clock().now();
+  const auto requests = pendingHealthRequests_->processPendingHealthKitRequests(context, now);
+  if (requests.changed.empty()) return report;
+  attempt("What requests have changed in the health store is left to the next pass", [&] {
+    const auto concerned = tasksMeasuredBy(requests.changed, context);
+    if (!concerned.empty()) report = passOver(context, now, concerned, layoutDirection);
+  });
+  return report;
 }
 
 void TaskProcessor::scheduleRefresh(const Tools& tools, StoreContext& context, qz::Moment now) {

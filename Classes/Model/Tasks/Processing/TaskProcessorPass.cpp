@@ -27,12 +27,9 @@ TaskProcessorReport TaskProcessorPass::run(const std::optional<std::set<qz::Uniq
   if (!clockCanBeRight(context_, now_)) return report_;
   const std::vector<Place> places = placesOf(only);
   attempt("What this device has processed is unknown", [&] { known_ = dates_.read(); });
-  noticeHealthChanges(places);
   for (const Place& place : places)
     if (!process(place)) break;
   attempt("What this device has processed is not kept", [&] { keepDates(); });
-  // The first number reopens nothing, whoever has seen it; what comes after it may.
-  if (!only && (haveSeenHealthChanges_ || !seenHealthChange_)) keepHealthChange();
   return report_;
 }
 
@@ -45,7 +42,7 @@ auto TaskProcessorPass::placesOf(const std::optional<std::set<qz::UniqueID>>& on
     const auto identifier = only ? qz::UniqueID::fromText(uniqueId) : std::nullopt;
     if (only && (!identifier || !only->contains(*identifier))) continue;
     found.insert(identifier ? identifier->text() : uniqueId);
-    if (isActive(*task)) places.push_back({task->objectID, uniqueId, task->typeName.has_value()});
+    if (isActive(*task)) places.push_back({task->objectID, uniqueId});
   }
   if (only)
     for (const qz::UniqueID& id : *only)
@@ -64,18 +61,15 @@ bool TaskProcessorPass::process(const Place& place) {
     });
     return true;
   } catch (const TaskProcessorSingleTaskOperation::ProcessorError& error) {
-    // Whoever processes it does what was to be done here, but may know of no change of health data.
+    // Whoever processes it does what was to be done here.
     qz::log::info("Task {} is left out of the pass: {}", place.uniqueId, error.what());
-    if (place.isAutomatic) haveSeenHealthChanges_ = false;
     return true;
   } catch (const std::exception& error) {
     qz::log::error("Task {} could not be processed: {}", place.uniqueId, error.what());
     context_.rollback();
     if (!report_.failure) report_.failure = std::current_exception();
     const auto* store = dynamic_cast<const StoreError*>(&error);
-    const bool goesOn = store == nullptr || !concernsTheWholeStore(*store);
-    if (place.isAutomatic || !goesOn) haveSeenHealthChanges_ = false;
-    return goesOn;
+    return store == nullptr || !concernsTheWholeStore(*store);
   }
 }
 
@@ -83,8 +77,7 @@ void TaskProcessorPass::operate(TaskEntity& task) {
   const auto here = task.uniqueId ? known_.find(*task.uniqueId) : known_.end();
   TaskProcessorSingleTaskOperation operation(
       surroundings_.tasks, context_, task, TaskModifyContext::systemInitiatedFromDeviceActivityExtension,
-      surroundings_.layoutDirection, true, now_, here == known_.end() ? std::nullopt : std::optional(here->second),
-      healthChanges_.value_or(qz::QZHKChanges{}));
+      surroundings_.layoutDirection, true, now_, here == known_.end() ? std::nullopt : std::optional(here->second));
   const auto result = operation.run();
   ++report_.tasks;
   if (result.taskWasUpdated) ++report_.changed;
@@ -92,23 +85,6 @@ void TaskProcessorPass::operate(TaskEntity& task) {
   report_.removed += result.removed;
   if (result.decidedPeriod) ++report_.decided;
   if (task.uniqueId && task.lastProcessedDate) processed_.insert_or_assign(*task.uniqueId, *task.lastProcessedDate);
-}
-
-void TaskProcessorPass::noticeHealthChanges(const std::vector<Place>& places) {
-  const qz::QZHealthStore* health = surroundings_.tasks.health;
-  if (health == nullptr || std::ranges::none_of(places, &Place::isAutomatic)) return;
-  attempt("Changes of health data are not noticed", [&] {
-    seenHealthChange_ = surroundings_.standardDefaults.get<std::int64_t>(healthChangeKey);
-    healthChanges_ = health->changesSince(seenHealthChange_.value_or(0));
-    // Where nothing is known yet, what is there was judged on another device, or with the days nobody has looked at.
-    if (!seenHealthChange_) healthChanges_->reaches.clear();
-  });
-}
-
-void TaskProcessorPass::keepHealthChange() {
-  if (!healthChanges_ || healthChanges_->newest == seenHealthChange_) return;
-  attempt("Changes of health data will be looked at again",
-          [&] { surroundings_.standardDefaults.set(healthChangeKey, healthChanges_->newest); });
 }
 
 void TaskProcessorPass::keepDates() {

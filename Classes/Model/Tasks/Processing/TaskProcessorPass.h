@@ -9,13 +9,11 @@
 #include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
-#include <QZHealthKit/QZHKChanges.h>
 #include <QZKit/Clock.h>
 #include <QZKit/SerialQueue.h>
 #include <QZKit/UniqueID.h>
 #include <QZLog/Log.h>
 
-#include <cstdint>
 #include <exception>
 #include <optional>
 #include <set>
@@ -44,10 +42,6 @@ void attempt(const char* what, Work&& work) noexcept {
 /// Works on the queue of its context.
 class TaskProcessorPass {
  public:
-  /// The key of the standard defaults with the number of the last change of the health store that a full pass has
-  /// taken into account.
-  static constexpr const char* healthChangeKey = "tp.healthChange";
-
   struct Surroundings {
     const TaskProcessorSingleTaskOperation::Environment& tasks;
     /// Held by one operation at a time, in whatever thread.
@@ -68,16 +62,12 @@ class TaskProcessorPass {
   struct Place {
     ObjectID object;
     std::string uniqueId;
-    bool isAutomatic;  ///< something but its keeper completes it
   };
 
   [[nodiscard]] std::vector<Place> placesOf(const std::optional<std::set<qz::UniqueID>>& only);
   /// Gives false where the pass cannot go on.
   bool process(const Place& place);
   void operate(TaskEntity& task);
-  void noticeHealthChanges(const std::vector<Place>& places);
-  /// Every automatic task has taken them into account, or there is nothing to take into account yet.
-  void keepHealthChange();
   /// Lets the dates follow what was processed; writes where one has moved.
   void keepDates();
 
@@ -87,9 +77,6 @@ class TaskProcessorPass {
   const qz::Moment now_;
   LastProcessedDates::Dates known_;      ///< as the pass began
   LastProcessedDates::Dates processed_;  ///< of the tasks of this pass
-  std::optional<std::int64_t> seenHealthChange_;
-  std::optional<qz::QZHKChanges> healthChanges_;  ///< since that one; none where no task asks for them
-  bool haveSeenHealthChanges_ = true;             ///< no automatic task has failed or was left out
   TaskProcessorReport report_;
 };
 

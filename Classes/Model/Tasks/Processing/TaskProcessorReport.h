@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <exception>
 
@@ -14,6 +15,15 @@ struct TaskProcessorReport {
   std::size_t decided = 0;   ///< tasks for which health data completed or failed a period
   /// What went wrong first, for a task or with the pass; null for nothing. It is in the log, too.
   std::exception_ptr failure = nullptr;
+
+  /// Takes in what a pass over some of these tasks did that followed on it.
+  void follow(const TaskProcessorReport& next) {
+    changed = std::max(changed, next.changed);
+    filledIn += next.filledIn;
+    removed += next.removed;
+    decided += next.decided;
+    if (!failure) failure = next.failure;
+  }
 
   friend bool operator==(const TaskProcessorReport&, const TaskProcessorReport&) = default;
 };

@@ -4,6 +4,7 @@
 #include <HabitraModel/Tasks/Processing/SharedTaskSummary.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorSingleTaskOperation.h>
 #include <HabitraModel/Tasks/Processing/TaskTemporalData.h>
+#include <HabitraModel/Tasks/Processing/WithdrawnHealthRequests.h>
 #include <HabitraModel/Tasks/Recording/FailureRetyping.h>
 #include <HabitraModel/Tasks/RepeatedWarnings.h>
 #include <HabitraModel/Tasks/RowOfTask.h>
@@ -41,14 +42,6 @@ bool hasFullEntry(const PeriodOfLog& period) {
   return std::ranges::any_of(period.entries, [](const LoggedEntry& entry) { return isFull(entry.entryType); });
 }
 
-/// A store that cannot be read has no data either, by its own word: to be asked for changes makes it say why. Throws
-/// qz::QZHealthStoreError.
-bool hasHealthData(const qz::QZHealthStore& health) {
-  if (health.isHealthDataAvailable()) return true;
-  (void)health.changesSince(0);
-  return health.isHealthDataAvailable();
-}
-
 /// Says of which days of the last pass and after there is nothing to fill in.
 void logFullEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment) {
   std::optional<TaskFrequencyPeriod> first;  // of those in a row that have full entries
@@ -79,7 +72,7 @@ TaskProcessorSingleTaskOperation::ProcessorError::ProcessorError(Reason reason)
 TaskProcessorSingleTaskOperation::TaskProcessorSingleTaskOperation(
     const Environment& environment, StoreContext& managedObjectContext, TaskEntity& task, TaskModifyContext context,
     LayoutDirection layoutDirection, bool canUpdateSharedTasksOnCloud, qz::Moment now,
-    std::optional<qz::Moment> lastProcessedHere, qz::QZHKChanges healthChanges)
+    std::optional<qz::Moment> lastProcessedHere, LateData lateData)
     : environment_(environment),
       managedObjectContext_(managedObjectContext),
       task_(task),
@@ -88,7 +81,7 @@ TaskProcessorSingleTaskOperation::TaskProcessorSingleTaskOperation(
       canUpdateSharedTasksOnCloud_(canUpdateSharedTasksOnCloud),
       now_(now),
       lastProcessedHere_(lastProcessedHere),
-      healthChanges_(std::move(healthChanges)) {}
+      lateData_(lateData) {}
 
 TaskClaim TaskProcessorSingleTaskOperation::claim() const {
   auto claim = TaskClaim::make(managedObjectContext_.storeIdentifier(), task_.objectID);
@@ -112,7 +105,7 @@ auto TaskProcessorSingleTaskOperation::run() -> Result {
       return {};
     }
   }
-  const Result result = _main(pass);
+  const Result result = write(pass);
   managedObjectContext_.save({.author = Author::app});
   if (canUpdateSharedTasksOnCloud_) environment_.sharedTasks.deliver([] {});
   return result;
@@ -122,7 +115,7 @@ auto TaskProcessorSingleTaskOperation::runInUnit() -> Result {
   qz::require(managedObjectContext_.isInUnit(), "a task is processed inside a unit");
   const TaskClaim claimed = claim();
   const Pass pass = prepare();
-  return hasSomethingToWrite(pass) ? _main(pass) : Result{};
+  return write(pass);
 }
 
 auto TaskProcessorSingleTaskOperation::dryRun() const -> SkipAndMissReport {
@@ -137,15 +130,18 @@ auto TaskProcessorSingleTaskOperation::prepare() const -> Pass {
              fmt::format("The frequency of task {} cannot be read; it is left alone", task_.uniqueId.value_or("")));
     return pass;
   }
-  pass.automatic = processAutomaticTaskUntilToday(assessment);
+  processAutomaticTaskUntilToday(pass);
   const bool wantsToChangeLog =
-      !pass.automatic.revision.isEmpty() || !assessment.history->fillIns.empty() || !assessment.futureEntries.empty();
+      pass.automatic.revision.from || !assessment.history->fillIns.empty() || !assessment.futureEntries.empty();
   if (wantsToChangeLog && belongsToSomebodyElse()) {
     pass.automatic = {};
+    pass.healthAnchor.reset();
+    pass.anchorMustBeKept = false;
     assessment.history->fillIns.clear();
     assessment.futureEntries.clear();
   }
-  if (!pass.automatic.revision.isEmpty()) revise(managedObjectContext_, task_, pass.automatic.revision, assessment);
+  if (pass.automatic.revision.from || !pass.automatic.revision.isEmpty())
+    judgeAnew(pass.automatic.revision, assessment);
   if (qz::log::isKept(qz::log::Level::debug)) logFullEntries(managedObjectContext_, task_, assessment);
   return pass;
 }
@@ -155,7 +151,15 @@ bool TaskProcessorSingleTaskOperation::belongsToSomebodyElse() const {
   return share != nullptr && share->owner != ObjectID::none;
 }
 
-bool TaskProcessorSingleTaskOperation::hasSomethingToWrite(const Pass& pass) {
+void TaskProcessorSingleTaskOperation::judgeAnew(const LogRevision& revision, TaskAssessment& assessment) const {
+  TaskAssessment anew = assessment;
+  revise(managedObjectContext_, task_, revision, anew);
+  // Days that are only looked at again, and stay as they are, are worth no write.
+  if (!revision.isEmpty() || anew.history->fillIns.size() != assessment.history->fillIns.size())
+    assessment = std::move(anew);
+}
+
+bool TaskProcessorSingleTaskOperation::changesTask(const Pass& pass) {
   const TaskAssessment& assessment = pass.assessment;
   if (!assessment.futureEntries.empty() || needsRepair(task_)) return true;
   const TaskTemporalDataEntity* data = findTemporalData(managedObjectContext_, task_);
@@ -166,6 +170,13 @@ bool TaskProcessorSingleTaskOperation::hasSomethingToWrite(const Pass& pass) {
   TaskTemporalDataEntity wanted = *data;
   putFigures(wanted, assessment.history->figures);
   return wanted != *data;
+}
+
+auto TaskProcessorSingleTaskOperation::write(const Pass& pass) -> Result {
+  if (!hasSomethingToWrite(pass)) return {};
+  const Result result = changesTask(pass) ? _main(pass) : Result{};
+  if (pass.healthAnchor) managedObjectContext_.setHealthAnchor(task_.objectID, *pass.healthAnchor);
+  return result;
 }
 
 auto TaskProcessorSingleTaskOperation::_main(const Pass& pass) -> Result {
@@ -185,28 +196,42 @@ auto TaskProcessorSingleTaskOperation::_main(const Pass& pass) -> Result {
           .decidedPeriod = pass.automatic.decidesPeriod};
 }
 
-AutomaticPlan TaskProcessorSingleTaskOperation::processAutomaticTaskUntilToday(const TaskAssessment& assessment) const {
+void TaskProcessorSingleTaskOperation::processAutomaticTaskUntilToday(Pass& pass) const {
   const auto type = automaticTypeOf(task_);
-  if (!type || !measurementFamily(*type) || environment_.health == nullptr) return {};
-  if (!hasHealthData(*environment_.health)) return {};
-  return automaticEntries(assessment, *type);
+  if (!type || !measurementFamily(*type) || environment_.health == nullptr) return;
+  const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
+  const HealthMeasuring measuring(*environment_.health, *type, taskId, pass.assessment.calendar, samplesToLeaveOut());
+  HealthNews news(*environment_.health, measuring, managedObjectContext_.healthAnchor(task_.objectID));
+  const bool hasData = environment_.health->isHealthDataAvailable();
+  if (!hasData || lateData_ == LateData::wait) news.leave();
+  if (hasData) pass.automatic = automaticEntries(pass.assessment, *type, measuring, news);
+  pass.healthAnchor = news.anchor();
+  pass.anchorMustBeKept = news.mustBeKept();
+}
+
+std::set<qz::UniqueID> TaskProcessorSingleTaskOperation::samplesToLeaveOut() const {
+  if (environment_.standardDefaults == nullptr) return {};
+  try {
+    return withdrawnSamples(managedObjectContext_, *environment_.standardDefaults);
+  } catch (const StoreError& error) {
+    warnOnce(task_, fmt::format("Samples of entries that are gone are measured: {}", error.what()));
+    return {};
+  }
 }
 
 AutomaticPlan TaskProcessorSingleTaskOperation::automaticEntries(const TaskAssessment& assessment,
-                                                                 const AutomaticTaskType& type) const {
-  const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
-  const HealthMeasuring measuring(*environment_.health, type, taskId, assessment.calendar);
-  const auto changed = measuring.daysOf(healthChanges_);
+                                                                 const AutomaticTaskType& type,
+                                                                 const HealthMeasuring& measuring,
+                                                                 const HealthNews& news) const {
   const qz::YYYYMMDD recent =
       assessment.processedThrough ? assessment.processedThrough->add(-passOverlap) : assessment.created;
-  const qz::YYYYMMDD from = changed ? std::min(recent, *changed->minDate) : recent;
+  const qz::YYYYMMDD from = news.days() ? std::min(recent, *news.days()->minDate) : recent;
   const qz::YYYYMMDD current = assessment.history->figures.period.startDate;
 
   AutomaticEntries entries(managedObjectContext_, task_, assessment, type, measuring, now_);
   const auto add = [&](const PeriodOfLog& walked) {
     const TaskFrequencyPeriod& period = walked.period;
-    const bool mayHaveChanged =
-        changed && *changed->minDate <= period.finishDate && period.startDate <= *changed->maxDate;
+    const bool mayHaveChanged = news.mayHaveChanged(period);
     if (!mayHaveChanged && period.finishDate < recent) return;
     const bool isPrevious =
         period.finishDate.nextDay() == current && period.finishDate >= assessment.today.add(-passOverlap);

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <HabitraModel/Links/TaskLink.h>
+#include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/Processing/AutomaticEntries.h>
+#include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
+#include <HabitraModel/Tasks/Processing/HealthNews.h>
 #include <HabitraModel/Tasks/Processing/LayoutDirection.h>
 #include <HabitraModel/Tasks/Processing/TaskAssessment.h>
 #include <HabitraModel/Tasks/Processing/TaskClaim.h>
@@ -10,12 +13,14 @@
 #include <HabitraModel/Tasks/Recording/TaskModifyContext.h>
 #include <HabitraModel/Tasks/TaskCalendar.h>
 #include <QZHealthKit/QZHealthStore.h>
-#include <QZHealthKit/QZHKChanges.h>
 #include <QZKit/Clock.h>
 #include <QZKit/Error.h>
+#include <QZKit/UniqueID.h>
 
 #include <cstddef>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace habitra {
@@ -25,8 +30,9 @@ namespace habitra {
 /// stored, and tells those who share it.
 ///
 /// Health data are looked at from the last processed day on, two days before it included; before that only where they
-/// have changed. A task that is completed by hand asks no health store for anything. All that a pass adds is one
-/// request to the recorder. A task that somebody else shares is only assessed.
+/// have changed since the task last took them into account (HealthNews), which is kept in the same transaction. A task
+/// that is completed by hand asks no health store for anything. All that a pass adds is one request to the recorder. A
+/// task that somebody else shares is only assessed.
 ///
 /// Works on the queue of its context.
 class TaskProcessorSingleTaskOperation {
@@ -37,6 +43,14 @@ class TaskProcessorSingleTaskOperation {
     TaskLogRecorder& recorder;
     const qz::QZHealthStore* health;  ///< null: none
     TaskLink& sharedTasks;
+    /// What is known of samples that were written for entries; null: none were.
+    const KeyValueDefaults* standardDefaults = nullptr;
+  };
+
+  /// What becomes of health data that came late, for days that are over.
+  enum class LateData {
+    reopen,  ///< those days
+    wait,    ///< for the next pass
   };
 
   struct Result {
@@ -70,12 +84,12 @@ class TaskProcessorSingleTaskOperation {
 
   /// `task` is an object of `managedObjectContext`; both must live longer than the operation. `context` is who caused
   /// the pass. `lastProcessedHere`: when this device processed the task last, where it knows; it counts when it is
-  /// earlier than what the task says. `healthChanges`: what has changed in the health store since then.
+  /// earlier than what the task says.
   TaskProcessorSingleTaskOperation(const Environment& environment, StoreContext& managedObjectContext, TaskEntity& task,
                                    TaskModifyContext context, LayoutDirection layoutDirection,
                                    bool canUpdateSharedTasksOnCloud, qz::Moment now,
                                    std::optional<qz::Moment> lastProcessedHere = std::nullopt,
-                                   qz::QZHKChanges healthChanges = {});
+                                   LateData lateData = LateData::reopen);
 
   /// The pass over one task as a transaction of its own. Reads and walks without the writers' turn; takes it only when
   /// there is something to write, and walks again if anything was saved in between. Throws ProcessorError, and
@@ -96,15 +110,22 @@ class TaskProcessorSingleTaskOperation {
   struct Pass {
     TaskAssessment assessment;
     AutomaticPlan automatic;
+    std::optional<std::string> healthAnchor;  ///< to be kept with what is written; none: as it is
+    bool anchorMustBeKept = false;            ///< also where nothing else is written
   };
 
   [[nodiscard]] TaskClaim claim() const;
   [[nodiscard]] Pass prepare() const;
   [[nodiscard]] bool belongsToSomebodyElse() const;
-  [[nodiscard]] bool hasSomethingToWrite(const Pass& pass);
+  [[nodiscard]] bool changesTask(const Pass& pass);
+  [[nodiscard]] bool hasSomethingToWrite(const Pass& pass) { return pass.anchorMustBeKept || changesTask(pass); }
+  Result write(const Pass& pass);
   Result _main(const Pass& pass);
-  [[nodiscard]] AutomaticPlan processAutomaticTaskUntilToday(const TaskAssessment& assessment) const;
-  [[nodiscard]] AutomaticPlan automaticEntries(const TaskAssessment& assessment, const AutomaticTaskType& type) const;
+  void processAutomaticTaskUntilToday(Pass& pass) const;
+  [[nodiscard]] AutomaticPlan automaticEntries(const TaskAssessment& assessment, const AutomaticTaskType& type,
+                                               const HealthMeasuring& measuring, const HealthNews& news) const;
+  [[nodiscard]] std::set<qz::UniqueID> samplesToLeaveOut() const;
+  void judgeAnew(const LogRevision& revision, TaskAssessment& assessment) const;
   SkipAndMissReport processSkipAndMiss(const Pass& pass, bool dryRun) const;
   [[nodiscard]] TaskLogRecorder::Request request(const Pass& pass) const;
   void removeFutureEntries(const TaskAssessment& assessment);
@@ -120,7 +141,7 @@ class TaskProcessorSingleTaskOperation {
   const bool canUpdateSharedTasksOnCloud_;
   const qz::Moment now_;
   const std::optional<qz::Moment> lastProcessedHere_;
-  const qz::QZHKChanges healthChanges_;
+  const LateData lateData_;
 };
 
 }  // namespace habitra

@@ -15,7 +15,8 @@ class TaskProcessor::Tools {
         operations{.calendars = calendars,
                    .recorder = recorder,
                    .health = environment.health,
-                   .sharedTasks = environment.receivers.sharedTasks},
+                   .sharedTasks = environment.receivers.sharedTasks,
+                   .standardDefaults = &environment.dataManager.standardDefaults()},
         context_(context) {}
   Tools(const Tools&) = delete;
   Tools& operator=(const Tools&) = delete;

@@ -1,19 +1,33 @@
+#include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Store/Entities/HealthKitRequestEntity.h>
+#include <HabitraModel/Tasks/Processing/PendingHealthRequests.h>
 #include <HabitraModel/Tasks/Processing/WithdrawnHealthRequests.h>
 #include <HabitraModel/Tasks/Recording/HealthWriteRequest.h>
 
+#include <functional>
 #include <map>
-#include <set>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace habitra {
 
 namespace {
 
+/// Reads the changes of one entity in these transactions, and in the context's unit where that is the last of them.
+void readChanges(StoreContext& context, EntityNumber entity, std::int64_t after, std::int64_t last,
+                 const std::function<void(const StoredChange&)>& sink) {
+  context.readChanges(entity, after, last, sink);
+  if (last <= context.sequence()) return;
+  context.readChanges(last, [&](const StoredChange& change) {
+    if (change.entity == entity) sink(change);
+  });
+}
+
 /// The transactions that removed a task. Requests that went with it stay as they are in the health store.
 std::set<std::int64_t> removalsOfTasks(StoreContext& context, std::int64_t after, std::int64_t last) {
   std::set<std::int64_t> transactions;
-  context.readChanges(EntityNumber::task, after, last, [&](const StoredChange& change) {
+  readChanges(context, EntityNumber::task, after, last, [&](const StoredChange& change) {
     if (change.kind == ChangeKind::removal) transactions.insert(change.sequence);
   });
   return transactions;
@@ -24,7 +38,7 @@ std::set<std::int64_t> removalsOfTasks(StoreContext& context, std::int64_t after
 WithdrawnHealthRequests::WithdrawnHealthRequests(StoreContext& context, std::int64_t after, std::int64_t last) {
   std::vector<StoredChange> removed;
   std::vector<ObjectID> inserted;
-  context.readChanges(EntityNumber::healthKitRequest, after, last, [&](const StoredChange& change) {
+  readChanges(context, EntityNumber::healthKitRequest, after, last, [&](const StoredChange& change) {
     ++changes_;
     if (change.kind == ChangeKind::insertion) inserted.push_back(change.object);
     if (change.kind == ChangeKind::removal) removed.push_back(change);
@@ -44,6 +58,15 @@ WithdrawnHealthRequests::WithdrawnHealthRequests(StoreContext& context, std::int
     if (row == nullptr || row->status != health_request_status::done) continue;
     if (auto again = HealthWriteRequest::of(*row)) broughtBack_.push_back(std::move(again->sample));
   }
+}
+
+std::set<qz::UniqueID> withdrawnSamples(StoreContext& context, const KeyValueDefaults& standardDefaults) {
+  const auto text = standardDefaults.get<std::string>(PendingHealthRequests::historyKey);
+  const auto kept = text ? HistoryToken::fromText(*text) : std::nullopt;
+  if (!kept || !PersistentHistoryFetcher(context).reachesBackTo(*kept)) return {};
+  const std::int64_t last = context.sequence() + (context.isInUnit() ? 1 : 0);
+  const WithdrawnHealthRequests found(context, kept->sequence, last);
+  return {found.withdrawn().begin(), found.withdrawn().end()};
 }
 
 }  // namespace habitra

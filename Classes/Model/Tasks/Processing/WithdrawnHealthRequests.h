@@ -1,11 +1,13 @@
 #pragma once
 
+#include <HabitraModel/Settings/KeyValueDefaults.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <QZHealthKit/QZHKSample.h>
 #include <QZKit/UniqueID.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace habitra {
@@ -14,7 +16,8 @@ namespace habitra {
 /// that have come back done, as a redo puts them. What they are now decides, whatever happened in between.
 class WithdrawnHealthRequests {
  public:
-  /// Of the transactions after `after` up to `last`. Throws StoreError.
+  /// Of the transactions after `after` up to `last`, which may be the one that the context's unit will be. Throws
+  /// StoreError.
   WithdrawnHealthRequests(StoreContext& context, std::int64_t after, std::int64_t last);
 
   /// How many changes of requests there were, also those by which nothing is withdrawn or brought back.
@@ -29,5 +32,9 @@ class WithdrawnHealthRequests {
   std::vector<qz::UniqueID> withdrawn_;
   std::vector<qz::QZHKSample> broughtBack_;
 };
+
+/// The samples of requests that have gone with their entry, and that may still be in the health store: what the history
+/// says since passes over the requests have read it, and the context's unit. Throws StoreError.
+[[nodiscard]] std::set<qz::UniqueID> withdrawnSamples(StoreContext& context, const KeyValueDefaults& standardDefaults);
 
 }  // namespace habitra
