@@ -2,56 +2,26 @@
 // and 7,236 recorded days, beside the sqlite3 shell counting the tasks of the same store.
 
 #include <QZDateTime/YYYYMMDD.h>
+#include <Support/Program.h>
 #include <Support/RatioReport.h>
+#include <Support/TemporaryFolder.h>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-extern char** environ;
-
 namespace {
 
-/// Runs a program with its output thrown away and waits for its end.
-void run(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t child = 0;
-  const int failure = ::posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
-  ::posix_spawn_file_actions_destroy(&actions);
-  int status = 0;
-  if (failure != 0 || ::waitpid(child, &status, 0) != child || status != 0)
-    throw std::runtime_error("cannot run " + words[0]);
-}
+using habitra::benchmarks::runProgram;
 
-/// A home of its own with the history in it, removed at the end.
+/// A home of its own with the history in it.
 class History {
  public:
   History() {
-    std::string pattern = std::filesystem::temp_directory_path() / "habitra-bench-XXXXXX";
-    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = pattern;
     write();
-    run(habitra({"import", csv()}));
-    run(habitra({"done", "Habit 1"}));
+    runProgram(habitra({"import", csv()}));
+    runProgram(habitra({"done", "Habit 1"}));
   }
-  ~History() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  History(const History&) = delete;
-  History& operator=(const History&) = delete;
 
   [[nodiscard]] std::vector<std::string> habitra(std::vector<std::string> words) const {
     std::vector<std::string> command{HABITRA_PROGRAM, "--home", (folder_ / "home").string()};
@@ -78,7 +48,7 @@ class History {
     }
   }
 
-  std::filesystem::path folder_;
+  TemporaryFolder folder_;
 };
 
 const History& history() {
@@ -87,7 +57,7 @@ const History& history() {
 }
 
 void measure(benchmark::State& state, const std::vector<std::string>& command) {
-  for (auto unused : state) run(command);
+  for (auto unused : state) runProgram(command);
   state.SetItemsProcessed(state.iterations());
 }
 
