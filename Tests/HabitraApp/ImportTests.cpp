@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 #include <HabitraApp/Application.h>
 #include <QZKit/Error.h>
+#include <Support/ChildProcess.h>
 #include <Support/TemporaryFolder.h>
 
 #include <chrono>
+#include <csignal>
+#include <fstream>
 #include <memory>
 #include <sstream>
 
@@ -44,6 +47,41 @@ TEST(ImportTests, succeedsExactlyWhenItIsStored) {
     ASSERT_LT(readings, 100);
   }
   EXPECT_TRUE(passFailed) << "no reading of the clock belonged to the pass alone";
+}
+
+TEST(ImportTests, killedAtAnyPointLeavesWhatWasThereOrAllOfIt) {
+  std::string text = "title,entry_type,entry_date\n";
+  for (int habit = 0; habit < 6; ++habit)
+    for (int day = 1; day <= 25; ++day)
+      text += "Habit " + std::to_string(habit) + ",completed_manually," + std::to_string(20231200 + day) + "\n";
+  const auto clock =
+      std::make_shared<qz::FixedClock>(qz::Moment(std::chrono::sys_days(std::chrono::January / 31 / 2024)));
+  std::size_t untouched = 0;
+  for (int steps = 1;; ++steps) {
+    const TemporaryFolder folder;
+    const auto file = folder / "history.csv";
+    std::ofstream(file) << text;
+    const habitra::ApplicationSettings settings{
+        .home = folder / "home", .clock = clock, .timeZone = qz::TimeZone::utc(), .timeIsGiven = true};
+    habitra::Application(settings).add("Read");
+    ChildProcess child([&](const ChildProcess::Talk&) {
+      habitra::Application application(settings);
+      application.setProgress([left = steps](std::string_view, double) mutable {
+        if (--left == 0) ::raise(SIGKILL);
+      });
+      application.importHistory(file);
+    });
+    const bool hasEnded = child.end();
+    const std::size_t habits = habitra::Application(settings).list().size();
+    EXPECT_EQ(habits, hasEnded ? 7U : 1U) << "after " << steps << " steps";
+    if (hasEnded) break;
+    ++untouched;
+    // Whoever tries again gets all of it.
+    habitra::Application again(settings);
+    EXPECT_EQ(again.importHistory(file).report.entries().added, 150U);
+    ASSERT_LT(steps, 50);
+  }
+  EXPECT_GE(untouched, 7U) << "it was never killed while it stored";
 }
 
 }  // namespace

@@ -68,7 +68,8 @@ bool isForeign(const std::filesystem::path& path) {
   if (!std::filesystem::is_regular_file(path, error)) return false;
   bool isForeign = false;
   readFile(path, [&isForeign](const ByteSource& source) {
-    const std::string_view text = Beginning(source).text();
+    const Beginning beginning(source);
+    const std::string_view text = beginning.text();
     isForeign = text.starts_with("SQLite format 3") || text.starts_with("PK\x03\x04") ||
                 text.starts_with("PK\x05\x06") || (isJSON(text) && isForeignJSON(text));
   });
