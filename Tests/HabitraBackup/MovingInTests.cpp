@@ -103,7 +103,8 @@ TEST_F(MovingIn, takesTheExportOfLoopFromAFolderAnArchiveAndAFolderWithinIt) {
   EXPECT_EQ(logOf(tasks[2]), (Words{"20240101 completedManuallyFull 0.002", "20240102 missedManuallyFull 3"}));
   EXPECT_TRUE(tasks[2].record->task.isNegative);
   EXPECT_EQ(tasks[2].record->task.status, "archived");
-  EXPECT_TRUE(contains(history.lines(), "Lesen/Über: 3 entries (1 skip, 1 miss), 2 notes"));
+  EXPECT_EQ(history.importRemarks().ofTask.at(0).at(0), "among them 1 skip, 1 miss");
+  EXPECT_TRUE(contains(history.importRemarks().ofTask.at(2), "archived"));
 
   EXPECT_EQ(read(makeZip(folder / "a.zip", texts)).document, history.document);
   EXPECT_EQ(read(makeZip(folder / "b", nested)).document, history.document);
@@ -124,7 +125,7 @@ TEST_F(MovingIn, readsTheFormerExportOfLoopWhichHasNoHeadersAndNoTypes) {
   EXPECT_EQ(history.habits[0].remarks, Words{"2 times in 3 days became 5 days a week"});
   EXPECT_EQ(logOf(tasks.at(1)), Words{"20180101 completedManuallyFull 2.5"});
   EXPECT_EQ(frequencyOfTask(tasks.at(2)).dayInterval, 5);
-  EXPECT_TRUE(contains(history.lines(), "the column \"Mood\" of Habits.csv has no place here"));
+  EXPECT_TRUE(contains(history.remarks, "the column \"Mood\" of Habits.csv has no place here"));
 }
 
 TEST_F(MovingIn, readsADatabaseOfLoopOfTheFirstAndOfTheLastLayout) {
@@ -193,7 +194,7 @@ TEST_F(MovingIn, readsTickmateWithTicksOfADayAndGroups) {
   const TaskCategoryEntity& group = history.document.categories.value().at(0);
   EXPECT_EQ(group.title, "Drinks");
   EXPECT_EQ(tasks[1].record->categories.at(0).text(), group.uniqueId);
-  EXPECT_TRUE(contains(history.lines(), "Tea: the description \"Had tea\" has no place here"));
+  EXPECT_TRUE(contains(history.habits[1].remarks, "the description \"Had tea\" has no place here"));
 }
 
 TEST_F(MovingIn, readsHarshWhereTheLastLineOfADayCounts) {

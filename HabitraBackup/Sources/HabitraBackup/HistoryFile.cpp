@@ -76,15 +76,6 @@ bool isForeign(const std::filesystem::path& path) {
   return isForeign;
 }
 
-LoadedHistory ofForeign(ForeignHistory foreign) {
-  LoadedHistory loaded{.document = std::move(foreign.document), .remarks = {}};
-  loaded.remarks.ofAll.push_back("Read as " + foreign.format);
-  for (std::string& remark : foreign.remarks) loaded.remarks.ofAll.push_back(std::move(remark));
-  for (std::size_t task = 0; task < foreign.habits.size(); ++task)
-    if (!foreign.habits[task].remarks.empty()) loaded.remarks.ofTask[task] = std::move(foreign.habits[task].remarks);
-  return loaded;
-}
-
 LoadedHistory ofOwn(const ByteSource& raw, qz::Moment now) {
   DecompressingSource decompressing(raw);
   const ByteSource bytes = [&decompressing](std::span<char> chunk) { return decompressing.read(chunk); };
@@ -120,7 +111,11 @@ ByteSource told(const ByteSource& source, std::uintmax_t size, const ExchangePro
 
 LoadedHistory loadHistory(const std::filesystem::path& path, const ForeignHistorySettings& settings,
                           const ExchangeProgress& progress) {
-  if (isForeign(path)) return ofForeign(readForeignHistory(path, settings));
+  if (isForeign(path)) {
+    ForeignHistory foreign = readForeignHistory(path, settings);
+    ImportRemarks remarks = foreign.importRemarks();
+    return {.document = std::move(foreign.document), .remarks = std::move(remarks)};
+  }
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   LoadedHistory loaded;

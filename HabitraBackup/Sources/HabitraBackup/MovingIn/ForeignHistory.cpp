@@ -6,6 +6,7 @@
 #include <QZKit/UTF8.h>
 
 #include <string_view>
+#include <utility>
 
 namespace habitra {
 
@@ -40,33 +41,32 @@ ForeignHistory readFile(const fs::path& file, const ForeignHistorySettings& sett
   refuse(file, "the file begins with " + qz::utf8::quoted(start, 20) + ", which is of no known format");
 }
 
-std::string summary(const ForeignHabitReport& habit) {
-  std::string text = foreign_text::counted(habit.entries, "entry", "entries");
-  std::string parts;
-  const auto part = [&parts](std::size_t count, std::string_view one, std::string_view many) {
-    if (count > 0) parts += (parts.empty() ? "" : ", ") + foreign_text::counted(count, one, many);
+/// "among them 2 skips, 1 miss, 3 with an amount"; empty where there are none.
+std::string kinds(const ForeignHabitReport& habit) {
+  std::string text;
+  const auto add = [&text](std::size_t count, std::string_view one, std::string_view many) {
+    if (count > 0) text += (text.empty() ? "among them " : ", ") + foreign_text::counted(count, one, many);
   };
-  part(habit.skips, "skip", "skips");
-  part(habit.misses, "miss", "misses");
-  part(habit.amounts, "with an amount", "with an amount");
-  if (!parts.empty()) text += " (" + parts + ")";
-  if (habit.notes > 0) text += ", " + foreign_text::counted(habit.notes, "note", "notes");
-  if (habit.isArchived) text += ", archived";
+  add(habit.skips, "skip", "skips");
+  add(habit.misses, "miss", "misses");
+  add(habit.amounts, "with an amount", "with an amount");
   return text;
 }
 
 }  // namespace
 
-std::vector<std::string> ForeignHistory::lines() const {
-  std::vector<std::string> lines{format + ": " + foreign_text::counted(habits.size(), "habit", "habits")};
-  for (const ForeignHabitReport& habit : habits) {
-    constexpr std::size_t longestTitle = 200;
-    const std::string title = qz::utf8::printable(habit.title, longestTitle);
-    lines.push_back(title + ": " + summary(habit));
-    for (const std::string& remark : habit.remarks) lines.push_back(title + ": " + remark);
+ImportRemarks ForeignHistory::importRemarks() const {
+  ImportRemarks result{.ofAll = {"Read as " + format}, .ofTask = {}};
+  result.ofAll.insert(result.ofAll.end(), remarks.begin(), remarks.end());
+  for (std::size_t task = 0; task < habits.size(); ++task) {
+    const ForeignHabitReport& habit = habits[task];
+    std::vector<std::string> said;
+    if (std::string ofEntries = kinds(habit); !ofEntries.empty()) said.push_back(std::move(ofEntries));
+    if (habit.isArchived) said.emplace_back("archived");
+    said.insert(said.end(), habit.remarks.begin(), habit.remarks.end());
+    if (!said.empty()) result.ofTask.emplace(task, std::move(said));
   }
-  lines.insert(lines.end(), remarks.begin(), remarks.end());
-  return lines;
+  return result;
 }
 
 ForeignHistory readForeignHistory(const fs::path& path, const ForeignHistorySettings& settings) try {

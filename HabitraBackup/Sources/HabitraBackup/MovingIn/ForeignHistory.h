@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <QZDateTime/DayOfWeek.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZKit/Clock.h>
@@ -35,8 +36,9 @@ struct ForeignHistory {
   std::vector<ForeignHabitReport> habits;  ///< one for each task of the document, in the same order
   std::vector<std::string> remarks;        ///< what concerns no single habit
 
-  /// All of it for a person: `Read: 12 entries, 2 of them skips`, `Read: the question "..." has no place here`.
-  [[nodiscard]] std::vector<std::string> lines() const;
+  /// What an import's report has to say beside its own counts: "among them 2 skips", `the question "..." has no place
+  /// here`.
+  [[nodiscard]] ImportRemarks importRemarks() const;
 };
 
 /// What a foreign file leaves to the one who reads it.
