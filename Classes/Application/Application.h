@@ -93,7 +93,15 @@ struct RestoreOutcome {
   std::filesystem::path file;  ///< the backup
   std::size_t tasks = 0;
   std::size_t entries = 0;
-  std::optional<ProcessReport> processed;  ///< none when the pass failed: what was restored is stored all the same
+  std::vector<std::string> remarks{};           ///< sentences on what of the backup could not be restored
+  std::optional<std::filesystem::path> kept{};  ///< the store that was there before, where there was one
+  std::optional<ProcessReport> processed;       ///< none when the pass failed: what was restored is stored all the same
+};
+
+/// What to export, and how.
+struct ExportRequest {
+  HabitraBackupFormat format = HabitraBackupFormat::csv;
+  std::optional<std::int64_t> page{};  ///< only the habits of this page, from 1; none: all
 };
 
 struct ExportOutcome {
@@ -175,10 +183,10 @@ class Application {
   HealthImportOutcome importHealthSamples(std::istream& stream, std::string_view name);
   HealthImportOutcome importHealthSamples(const std::filesystem::path& file);
 
-  /// Writes the history of every habit as nine columns, or as a backup document that holds everything. A file is
-  /// replaced in one step, or left as it was, and compressed when its name ends in ".zst".
-  ExportOutcome exportHistory(std::ostream& stream, HabitraBackupFormat format);
-  ExportOutcome exportHistory(const std::filesystem::path& file, HabitraBackupFormat format);
+  /// Writes the history of every habit, or of those on a page, as nine columns, or as a backup document that holds
+  /// everything. A file is replaced in one step, or left as it was, and compressed when its name ends in ".zst".
+  ExportOutcome exportHistory(std::ostream& stream, const ExportRequest& request);
+  ExportOutcome exportHistory(const std::filesystem::path& file, const ExportRequest& request);
 
   /// Is told from now on how far imports and exports have come.
   void setProgress(ExchangeProgress progress) { progress_ = std::move(progress); }
@@ -225,7 +233,7 @@ class Application {
 
   /// What an import of samples came to, once the habits have followed it.
   HealthImportOutcome healthImportOutcome(std::size_t added, std::size_t left);
-  ExportOutcome exportHistory(HabitraBackupFormat format, const ByteSink& sink);
+  ExportOutcome exportHistory(const ExportRequest& request, const ByteSink& sink);
   ImportOutcome importDocument(const HabitraJSONBackup& document, std::string_view name, ImportStrategy strategy,
                                const ImportRemarks& remarks = {});
 

@@ -3,7 +3,8 @@
 #include <HabitraBackup/AutomaticBackups/AutomaticBackups.h>
 #include <HabitraBackup/Document/SampleHistory.h>
 #include <HabitraBackup/Exchange/TaskDataImporter.h>
-#include <HabitraBackup/HabitraBackup.h>
+#include <HabitraBackup/Files/Leftovers.h>
+#include <HabitraBackup/HistoryFile.h>
 #include <HabitraModel/Store/Files/HomeFolder.h>
 #include <QZKit/Error.h>
 #include <QZKit/UniqueID.h>
@@ -11,6 +12,8 @@
 
 #include <fmt/format.h>
 #include <algorithm>
+#include <set>
+#include <string_view>
 #include <system_error>
 
 namespace habitra {
@@ -19,8 +22,10 @@ namespace {
 /// A folder of its own inside the home, which goes with this object and all that lies in it.
 class WorkingFolder {
  public:
+  static constexpr std::string_view prefix = ".restoring-";
+
   WorkingFolder(const std::filesystem::path& home, qz::Moment now)
-      : path_(makeHomeFolder(home) / fmt::format(".restoring-{}", qz::UniqueID::generate(now).text())) {
+      : path_(makeHomeFolder(home) / fmt::format("{}{}", prefix, qz::UniqueID::generate(now).text())) {
     makePrivateFolder(path_);
   }
   ~WorkingFolder() {
@@ -35,6 +40,24 @@ class WorkingFolder {
  private:
   const std::filesystem::path path_;
 };
+
+/// The stores that others have taken the place of.
+std::set<std::filesystem::path> keptStores(const std::filesystem::path& home) {
+  std::set<std::filesystem::path> stores;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(home / AutomaticBackups::folderName, error), end;
+       !error && entry != end; entry.increment(error))
+    if (entry->path().filename().string().find("-replaced-") != std::string::npos) stores.insert(entry->path());
+  return stores;
+}
+
+/// "Read: ..." for what concerns one habit.
+std::vector<std::string> allRemarks(const ImportReport& report) {
+  std::vector<std::string> remarks = report.remarks;
+  for (const ImportReport::Task& task : report.tasks)
+    for (const std::string& remark : task.remarks) remarks.push_back(fmt::format("{}: {}", task.title, remark));
+  return remarks;
+}
 
 }  // namespace
 
@@ -60,8 +83,16 @@ RestoreOutcome Application::restore(qz::YYYYMMDD day) {
 }
 
 RestoreOutcome Application::restore(const std::filesystem::path& file) {
-  const HabitraJSONBackup document = HabitraBackup::loadJson(file).document;
-  RestoreOutcome outcome{.file = file, .tasks = document.tasks.size(), .entries = 0, .processed = {}};
+  const LoadedHistory loaded = loadHistory(file,
+                                           {.now = rooms_->now(),
+                                            .timeZone = rooms_->calendars.ofDevice().timeZone,
+                                            .firstDayOfWeek = qz::DayOfWeek::monday},
+                                           progress_);
+  if (loaded.form != LoadedHistory::Form::document)
+    throw TaskDataExchangeError(TaskDataExchangeError::invalidFormat,
+                                fmt::format("{} is no backup document; 'habitra import' brings it in", file.string()));
+  RestoreOutcome outcome{.file = file, .tasks = loaded.document.tasks.size(), .entries = 0, .processed = {}};
+  removeLeftovers(rooms_->manager.home(), WorkingFolder::prefix);
   const WorkingFolder folder(rooms_->manager.home(), rooms_->now());
   const DataManager::ContainerLocation location = DataManager::storeLocation(folder.path());
   {
@@ -69,13 +100,18 @@ RestoreOutcome Application::restore(const std::filesystem::path& file) {
     const auto context = manager.context();
     TaskDataImporter importer(*context, {.calendars = rooms_->calendars,
                                          .firstDayOfWeek = rooms_->settings(nullptr).get(settings::firstDayOfWeek),
-                                         .now = rooms_->now()});
-    const ImportReport report =
-        importer.importBackup(document, ImportStrategy::overwrite, {.author = Author::app, .command = {}});
+                                         .now = rooms_->now(),
+                                         .progress = progress_});
+    const ImportReport report = importer.importBackup(loaded.document, ImportStrategy::overwrite,
+                                                      {.author = Author::app, .command = {}}, loaded.remarks);
     outcome.entries = report.entries().added;
+    outcome.remarks = allRemarks(report);
   }
+  const std::set<std::filesystem::path> keptBefore = keptStores(rooms_->manager.home());
   rooms_->closeReadingContext();
   rooms_->manager.restoreStore(*location.file());
+  for (const std::filesystem::path& kept : keptStores(rooms_->manager.home()))
+    if (!keptBefore.contains(kept)) outcome.kept = kept;
   rooms_->widgets.reloadAllTimelines();
   outcome.processed = processAfter("what was restored");
   return outcome;

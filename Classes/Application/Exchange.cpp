@@ -61,7 +61,8 @@ HealthImportOutcome Application::healthImportOutcome(std::size_t added, std::siz
   return {.added = added, .left = left};
 }
 
-ExportOutcome Application::exportHistory(HabitraBackupFormat format, const ByteSink& sink) {
+ExportOutcome Application::exportHistory(const ExportRequest& request, const ByteSink& sink) {
+  const HabitraBackupFormat format = request.format;
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) {
     const HabitraJSONBackup empty{.timestamp = rooms_->now()};
@@ -69,7 +70,9 @@ ExportOutcome Application::exportHistory(HabitraBackupFormat format, const ByteS
     return {};
   }
   const TaskDataExporter exporter(*context, progress_);
-  const std::vector<ObjectID> tasks = exporter.allTasks();
+  const auto page = request.page ? TaskPageNumber::fromRawValue(*request.page) : std::nullopt;
+  if (request.page && !page) throw qz::Error(fmt::format("there is no page {}", *request.page));
+  const std::vector<ObjectID> tasks = page ? exporter.tasksOfPage(*page) : exporter.allTasks();
   if (format == HabitraBackupFormat::csv) return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, sink)};
   HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::manual, rooms_->now());
   header.appVersion = rooms_->version;
@@ -79,16 +82,16 @@ ExportOutcome Application::exportHistory(HabitraBackupFormat format, const ByteS
   return {.tasks = written.tasks, .rows = written.entries};
 }
 
-ExportOutcome Application::exportHistory(std::ostream& stream, HabitraBackupFormat format) {
-  return exportHistory(format, [&stream](std::string_view bytes) {
+ExportOutcome Application::exportHistory(std::ostream& stream, const ExportRequest& request) {
+  return exportHistory(request, [&stream](std::string_view bytes) {
     stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     if (!stream) throw qz::Error("the output cannot be written");
   });
 }
 
-ExportOutcome Application::exportHistory(const std::filesystem::path& file, HabitraBackupFormat format) {
+ExportOutcome Application::exportHistory(const std::filesystem::path& file, const ExportRequest& request) {
   ExportOutcome outcome;
-  writeFile(file, [&](const ByteSink& sink) { outcome = exportHistory(format, sink); });
+  writeFile(file, [&](const ByteSink& sink) { outcome = exportHistory(request, sink); });
   return outcome;
 }
 

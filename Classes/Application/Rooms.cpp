@@ -31,7 +31,7 @@ Application::Rooms::Rooms(const ApplicationSettings& settings)
       health(settings.home),
       calendars(settings.timeZone ? *settings.timeZone : qz::TimeZone::current(), qz::HHMMSS::midnight),
       widgets(settings.home),
-      backups(settings.home, manager.standardDefaults()),
+      backups(settings.home, manager.standardDefaults(), settings.version),
       recorder(calendars, mainQueue, {watch, sharedTasks, widgets}),
       processor({.dataManager = manager,
                  .mainQueue = mainQueue,

@@ -63,7 +63,7 @@ class AutomaticBackupsTest : public testing::Test {
   std::filesystem::path home_ = folder_ / "home";
   std::shared_ptr<SettableClock> clock_ = std::make_shared<SettableClock>(at("2024-01-31T12:00:00Z"));
   DataManager manager_{DataManager::storeLocation(home_), clock_};
-  AutomaticBackups backups_{home_, manager_.standardDefaults()};
+  AutomaticBackups backups_{home_, manager_.standardDefaults(), "1.2"};
   const YYYYMMDD today_{2024, 1, 31};
 };
 
@@ -80,6 +80,7 @@ TEST_F(AutomaticBackupsTest, OneIsMadeOnADayOnWhichSomethingHasChanged) {
   ASSERT_EQ(all.size(), 2U);
   EXPECT_EQ(all[0].day, today_.nextDay());
   EXPECT_EQ(HabitraBackup::loadJson(all[0].file).document.tasks.size(), 2U);
+  EXPECT_EQ(HabitraBackup::loadJson(all[0].file).document.appVersion, "1.2");
   EXPECT_EQ(HabitraBackup::loadJson(all[1].file).document.tasks.size(), 1U);
   EXPECT_EQ(std::filesystem::status(all[0].file).permissions(), std::filesystem::perms(0600));
   EXPECT_EQ(std::filesystem::status(home_ / "Backups").permissions(), std::filesystem::perms(0700));

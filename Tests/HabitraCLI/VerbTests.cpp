@@ -278,6 +278,9 @@ TEST_F(VerbTests, everythingGoesOutAndComesBackTheSame) {
   ASSERT_EQ(run({"export", compressed}).exitCode, 0);
   EXPECT_LT(std::filesystem::file_size(compressed), std::filesystem::file_size(document));
   const std::string csv = run({"export", "-"}).out;
+  EXPECT_EQ(run({"export", folder_ / "all.json"}).exitCode, 2) << "nine columns would not be all";
+  EXPECT_EQ(run({"export", "--page", "2", "-"}).out.find("hello"), std::string::npos);
+  EXPECT_NE(run({"export", "--page", "1", "-"}).out.find("hello"), std::string::npos);
 
   home_ = folder_ / "second";
   EXPECT_EQ(run({"import", compressed}), says("2 habits: 2 added\n6 entries: 6 added\n2 pages: 2 added\n"));
@@ -302,11 +305,14 @@ TEST_F(VerbTests, restore) {
   ASSERT_EQ(run({"export", document}).exitCode, 0);
   add("Dance");
   ASSERT_EQ(run({"undo", "Walk", "--date", "yesterday"}).exitCode, 0);
-  EXPECT_EQ(run({"restore", document}), says("everything.habitra: 2 habits with 5 entries restored\n"
-                                             "What was stored before is kept in the folder Backups.\n"));
+  const Outcome restored = run({"restore", document});
+  EXPECT_EQ(
+      restored.out.find("everything.habitra: 2 habits with 5 entries restored\nWhat was stored before is kept as "), 0U)
+      << restored;
   EXPECT_EQ(run({"export", "--format", "habitra", "-"}).out, bytesOf(document));
   EXPECT_EQ(run({"restore", "2024-01-30"}), (Outcome{1, "", "habitra: there is no backup of 2024-01-30\n"}));
   const auto before = homeContents();
+  EXPECT_EQ(run({"restore", write("rows.csv", history)}).exitCode, 1) << "rows say too little to take the place of all";
   EXPECT_EQ(run({"restore", write("broken.habitra", bytesOf(document).substr(0, 300))}).exitCode, 1);
   EXPECT_EQ(homeContents(), before);
 }

@@ -3,12 +3,16 @@
 #include <HabitraBackup/Document/HabitraJSONDecoder.h>
 #include <HabitraBackup/Files/Compression.h>
 #include <HabitraBackup/HistoryFile.h>
+#include <QZKit/Error.h>
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -55,35 +59,76 @@ std::string_view withoutBlanks(std::string_view text) {
 
 bool isJSON(std::string_view beginning) { return withoutBlanks(beginning).starts_with('{'); }
 
-/// Whether a JSON text is another tracker's: its first key is one that our documents do not have.
-bool isForeignJSON(std::string_view beginning) {
-  std::string_view text = withoutBlanks(beginning);
-  text = withoutBlanks(text.substr(1));
-  return text.starts_with("\"habits\"") || text.starts_with("\"order\"");
+bool isArchiveOrDatabase(std::string_view beginning) {
+  return beginning.starts_with("SQLite format 3") || beginning.starts_with("PK\x03\x04") ||
+         beginning.starts_with("PK\x05\x06");
 }
 
-bool isForeign(const std::filesystem::path& path) {
+/// Looks at the keys of a JSON object, up to one that tells whose it is.
+class OwnerOfJSON : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  [[nodiscard]] bool isForeign() const { return isForeign_; }
+
+  bool key(std::string& name) override {
+    if (depth_ != 1) return true;
+    isForeign_ = name == "habits";
+    return !isForeign_ && name != "version" && name != "tasks";
+  }
+  bool start_object(std::size_t) override { return ++depth_ < deepest; }
+  bool end_object() override { return --depth_ > 0; }
+  bool start_array(std::size_t) override { return ++depth_ < deepest; }
+  bool end_array() override { return --depth_ > 0; }
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(number_integer_t) override { return true; }
+  bool number_unsigned(number_unsigned_t) override { return true; }
+  bool number_float(number_float_t, const string_t&) override { return true; }
+  bool string(string_t&) override { return true; }
+  bool binary(binary_t&) override { return true; }
+  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
+
+ private:
+  static constexpr int deepest = 64;
+  int depth_ = 0;
+  bool isForeign_ = false;
+};
+
+bool isForeignJSON(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  OwnerOfJSON owner;
+  (void)nlohmann::json::sax_parse(file, &owner);
+  return owner.isForeign();
+}
+
+/// Where the history of another tracker begins at `path`; none where it is one of our own.
+std::optional<std::filesystem::path> foreignHistoryAt(const std::filesystem::path& path) {
   std::error_code error;
-  if (std::filesystem::is_directory(path, error)) return true;
-  if (!std::filesystem::is_regular_file(path, error)) return false;
+  if (std::filesystem::is_directory(path, error)) return path;
+  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  // Two files without endings belong together.
+  const std::string name = path.filename().string();
+  if ((name == "log" && std::filesystem::exists(path.parent_path() / "habits", error)) ||
+      (name == "habits" && std::filesystem::exists(path.parent_path() / "log", error)))
+    return path.parent_path().empty() ? "." : path.parent_path();
   bool isForeign = false;
-  readFile(path, [&isForeign](const ByteSource& source) {
+  readFile(path, [&](const ByteSource& source) {
     const Beginning beginning(source);
-    const std::string_view text = beginning.text();
-    isForeign = text.starts_with("SQLite format 3") || text.starts_with("PK\x03\x04") ||
-                text.starts_with("PK\x05\x06") || (isJSON(text) && isForeignJSON(text));
+    isForeign = isArchiveOrDatabase(beginning.text()) || (isJSON(beginning.text()) && isForeignJSON(path));
   });
-  return isForeign;
+  return isForeign ? std::optional(path) : std::nullopt;
 }
 
 LoadedHistory ofOwn(const ByteSource& raw, qz::Moment now) {
   DecompressingSource decompressing(raw);
   const ByteSource bytes = [&decompressing](std::span<char> chunk) { return decompressing.read(chunk); };
   Beginning beginning(bytes);
+  if (isArchiveOrDatabase(beginning.text()))
+    throw qz::Error("an archive or a database of another tracker can only be read from a file that is named");
   const bool isDocument = isJSON(beginning.text());
   const ByteSource source = [&beginning](std::span<char> chunk) { return beginning.read(chunk); };
   LoadedHistory loaded;
   if (!isDocument) {
+    loaded.form = LoadedHistory::Form::rows;
     HabitraCSVImport import;
     HabitraJSONBackup::csvDecoder().decode(source, [&import](const HabitraCSVBackupRow& row) { import.add(row); });
     loaded.document = std::move(import).backup(now);
@@ -111,10 +156,11 @@ ByteSource told(const ByteSource& source, std::uintmax_t size, const ExchangePro
 
 LoadedHistory loadHistory(const std::filesystem::path& path, const ForeignHistorySettings& settings,
                           const ExchangeProgress& progress) {
-  if (isForeign(path)) {
-    ForeignHistory foreign = readForeignHistory(path, settings);
+  if (const auto foreignPath = foreignHistoryAt(path)) {
+    ForeignHistory foreign = readForeignHistory(*foreignPath, settings);
     ImportRemarks remarks = foreign.importRemarks();
-    return {.document = std::move(foreign.document), .remarks = std::move(remarks)};
+    return {
+        .form = LoadedHistory::Form::foreign, .document = std::move(foreign.document), .remarks = std::move(remarks)};
   }
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);

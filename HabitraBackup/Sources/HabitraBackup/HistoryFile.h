@@ -5,6 +5,7 @@
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/MovingIn/ForeignHistory.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <istream>
 #include <string_view>
@@ -13,6 +14,13 @@ namespace habitra {
 
 /// A history that was read, and what there is to say of how.
 struct LoadedHistory {
+  enum class Form : std::uint8_t {
+    document,  ///< a backup document
+    rows,      ///< the nine columns of a task history
+    foreign,   ///< of another tracker
+  };
+
+  Form form = Form::document;
   HabitraJSONBackup document;
   ImportRemarks remarks;
 };

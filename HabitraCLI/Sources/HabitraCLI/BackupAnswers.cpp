@@ -28,9 +28,11 @@ std::string asText(const BackupList& answer, const Terminal&) {
 
 std::string asText(const RestoredHistory& answer, const Terminal&) {
   const RestoreOutcome& outcome = answer.outcome;
-  return fmt::format("{}: {} with {} restored\nWhat was stored before is kept in the folder Backups.\n",
-                     displayable(outcome.file.filename().string()), counted(outcome.tasks, "habit"),
-                     counted(outcome.entries, "entry", "entries"));
+  std::string text = fmt::format("{}: {} with {} restored\n", displayable(outcome.file.filename().string()),
+                                 counted(outcome.tasks, "habit"), counted(outcome.entries, "entry", "entries"));
+  for (const std::string& remark : outcome.remarks) text += displayable(remark) + "\n";
+  if (outcome.kept) text += fmt::format("What was stored before is kept as {}\n", displayable(outcome.kept->string()));
+  return text;
 }
 
 std::string asText(const WrittenSample& answer, const Terminal&) {
@@ -46,8 +48,13 @@ std::string asJSON(const BackupList& answer) {
 }
 
 std::string asJSON(const RestoredHistory& answer) {
-  return text(
-      {{"file", answer.outcome.file.string()}, {"tasks", answer.outcome.tasks}, {"entries", answer.outcome.entries}});
+  const RestoreOutcome& outcome = answer.outcome;
+  json restored{{"file", outcome.file.string()},
+                {"tasks", outcome.tasks},
+                {"entries", outcome.entries},
+                {"remarks", outcome.remarks}};
+  if (outcome.kept) restored["kept"] = outcome.kept->string();
+  return text(restored);
 }
 
 std::string asJSON(const WrittenSample& answer) { return text({{"file", answer.file}}); }

@@ -41,7 +41,7 @@ class LogUnionTest : public TaskWorld {
   }
 
   /// Records events for a habit, lets a pass fill in, and gives the entries the same names wherever they are.
-  void keep(TaskEntity& task, const std::vector<Event>& events, const Places& places) {
+  void keep(TaskEntity& task, const std::vector<Event>& events, const Places& places, double share = 0) {
     std::map<std::string, std::string> names;
     for (const std::size_t place : places) {
       const Event& event = events[place];
@@ -49,6 +49,7 @@ class LogUnionTest : public TaskWorld {
       const TaskRules rules = rulesOf(*context_, task).value();
       data.period = rules.frequency.period(data.period.date, rules.firstDayOfWeek);
       data.progressValue = event.amount;
+      data.progressPct = share;
       data.createdTimestamp = at("2024-01-20T08:00:00Z") + std::chrono::seconds(place);
       names[data.uniqueId.text()] = fmt::format("{} {:02}", *task.title, place);
       ASSERT_EQ(messageOf(record(task, {data})), "");
@@ -154,6 +155,33 @@ TEST_F(LogUnionTest, PartsThatFailADayTogetherAreAFailureThoughNoLogKnewIt) {
   unite();
   EXPECT_EQ(describe(habit), std::vector<std::string>{"20240115 to 20240115 missedManuallyFull 0 01"});
   EXPECT_EQ(describe(habit), describe(single));
+}
+
+TEST_F(LogUnionTest, PartsThatOneLogHadAllOfStandAsItJudgedThem) {
+  const std::vector<Event> events{{15, Type::missedManuallyPartial}, {15, Type::missedManuallyPartial}};
+  clock_->set(at("2024-01-17T12:00:00Z"));
+  TaskFrequency threeParts = TaskFrequency::everyDay();
+  threeParts.numPartialCompletions = 3;
+  TaskEntity& habit = addHabit("Smoke", threeParts, true);
+  keep(habit, events, {0, 1});
+  TaskEntity& other = addHabit("Smoke", threeParts, true);
+  keep(other, events, {0, 1});
+  const auto before = describe(habit);
+  for (TaskEntity* task : {&habit, &other}) setFrequency(*task, twiceADay());
+  context_->save({});
+  TaskDeduplicator().deduplicate(*context_);
+  context_->save({});
+  EXPECT_EQ(describe(habit), before);
+}
+
+TEST_F(LogUnionTest, WhatDataDecidedOnTwoDevicesStandsOnce) {
+  const std::vector<Event> events{{15, Type::missedAutomaticallyFull, 7}, {15, Type::missedAutomaticallyFull, 7}};
+  clock_->set(at("2024-01-17T12:00:00Z"));
+  TaskEntity& habit = addHabit("Sweets", TaskFrequency::everyDay(), true);
+  keep(habit, events, {0}, 1.0);
+  keep(addHabit("Sweets", TaskFrequency::everyDay(), true), events, {1}, 1.0);
+  unite();
+  EXPECT_EQ(describe(habit), std::vector<std::string>{"20240115 to 20240115 missedAutomaticallyFull 7 01"});
 }
 
 /// A frequency of any kind that fills in.

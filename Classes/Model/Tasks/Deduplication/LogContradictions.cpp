@@ -40,14 +40,15 @@ class Contradictions {
     }
   }
 
-  /// What a person recorded later takes the place of what was there, and the last part of a failure is the failure.
+  /// What a person recorded later, or data decided, takes the place of what was there; the last part of a failure is
+  /// the failure.
   void removeSuperseded() {
     for (const auto& [period, places] : periods_) {
       for (auto later = places.begin(); later != places.end(); ++later) {
         const std::span<const std::size_t> before(places.begin(), later);
         if (isLastPartOfFailure(*later, before, period)) becomeFailure(*later);
         for (const std::size_t earlier : before)
-          if (supersedesByHand(*later, earlier)) remove(earlier);
+          if (takesPlaceOf(*later, earlier)) remove(earlier);
       }
     }
   }
@@ -119,11 +120,12 @@ class Contradictions {
     }
     return ofLogs.value_or(std::move(places));
   }
-  [[nodiscard]] bool supersedesByHand(std::size_t later, std::size_t earlier) const {
+  [[nodiscard]] bool takesPlaceOf(std::size_t later, std::size_t earlier) const {
     const auto type = fromRawValue<TaskLogEntryType>(entries_[later].entry.entryType);
     const auto existing = fromRawValue<TaskLogEntryType>(entries_[earlier].entry.entryType);
-    return type && existing && !isAutomatic(*type) && !isFilledIn(entries_[earlier].entry) &&
-           supersedes(*type, *existing) && areStrangers(later, earlier);
+    const bool decides = type && (!isAutomatic(*type) || (isFull(*type) && !isFilledIn(entries_[later].entry)));
+    return decides && existing && !isFilledIn(entries_[earlier].entry) && supersedes(*type, *existing) &&
+           areStrangers(later, earlier);
   }
 
   /// Whether the parts that stood in the period when it was recorded fail it together with this one.
@@ -132,13 +134,17 @@ class Contradictions {
     const TaskLogEntryType type = entryTypeFromStored(entries_[i].entry.entryType);
     if (!rules_ || !rules_->isNegative || type != TaskLogEntryType::missedManuallyPartial) return false;
     std::vector<LoggedEntry> entries;
+    std::map<ObjectID, ObjectID> logsWithAll = entries_[i].rows;
     const auto add = [&](std::size_t place) {
       entries.push_back(loggedEntry(entries_[place].entry));
       entries.back().order = static_cast<std::int64_t>(place);
+      std::erase_if(logsWithAll, [&](const auto& log) { return !entries_[place].rows.contains(log.first); });
     };
     for (const std::size_t earlier : before)
       if (isPresent(earlier) && !supersedes(type, entryTypeFromStored(entries_[earlier].entry.entryType))) add(earlier);
     add(i);
+    // A log that had all of them has judged them, by the rules of its time.
+    if (!logsWithAll.empty()) return false;
     std::ranges::sort(entries, {}, [](const LoggedEntry& entry) { return std::pair(entry.entryDate, entry.order); });
     return failPeriod(*rules_, period, entries);
   }

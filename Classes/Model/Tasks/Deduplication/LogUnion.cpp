@@ -22,12 +22,12 @@ namespace {
 
 using Entries = std::vector<UnitedEntry>;
 
-/// All that an entry says; where two say different things under one identifier, the greater one stays. A part that one
-/// log knows to be the last of a failure is the failure.
+/// All that an entry says; where two say different things under one identifier, the greater one stays. A part of a
+/// failure is less than all else: that it is the last one, and so the failure, not every log has to know.
 auto statement(const TaskLogEntryEntity& entry) {
   const TaskLogEntryType type = entryTypeFromStored(entry.entryType);
   return std::tuple_cat(
-      std::tuple(isMissedFull(type) || isAllowableMissFull(type)),
+      std::tuple(type != TaskLogEntryType::missedManuallyPartial),
       std::tie(entry.progressTotal, entry.progress, entry.createdTimestamp, entry.entryDate, entry.entryType,
                entry.entryPeriodFrom, entry.entryPeriodTo, entry.entryPeriodType, entry.createdTimeZone));
 }

@@ -29,6 +29,11 @@ std::optional<DatedPeriod> counted(std::int32_t entryDate, const std::optional<T
   return rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate);
 }
 
+bool isFilledIn(TaskLogEntryType type, double share) {
+  const bool wasReported = share > 0 && (isMissedFull(type) || isAllowableMissFull(type));
+  return followsFromEarlierDays(type) && !wasReported;
+}
+
 }  // namespace
 
 std::optional<DatedPeriod> countedPeriod(const TaskLogEntryEntity& row, const std::optional<TaskRules>& rules) {
@@ -43,13 +48,9 @@ bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period, const std::
   return counted && counted->period.startDate == period.startDate && counted->period.finishDate == period.finishDate;
 }
 
-bool isFilledIn(const TaskLogEntryEntity& row) {
-  return followsFromEarlierDays(entryTypeFromStored(row.entryType)) && !(row.progress > 0);
-}
-bool isFilledIn(const LogRow& row) {
-  return followsFromEarlierDays(entryTypeFromStored(row.entryType)) && !(row.progress > 0);
-}
-bool isFilledIn(const LoggedEntry& entry) { return followsFromEarlierDays(entry.entryType) && !(entry.progress > 0); }
+bool isFilledIn(const TaskLogEntryEntity& row) { return isFilledIn(entryTypeFromStored(row.entryType), row.progress); }
+bool isFilledIn(const LogRow& row) { return isFilledIn(entryTypeFromStored(row.entryType), row.progress); }
+bool isFilledIn(const LoggedEntry& entry) { return isFilledIn(entry.entryType, entry.progress); }
 
 FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task, std::optional<TaskRules> rules)
     : context_(context), task_(task.objectID), rules_(std::move(rules)) {}

@@ -22,8 +22,8 @@ namespace habitra {
 [[nodiscard]] bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period,
                              const std::optional<TaskRules>& rules);
 
-/// Whether a pass filled it in: an automatic skip, miss or allowed miss that reports no share. A failure that data
-/// reported has one, and stands for itself.
+/// Whether a pass filled it in: an automatic skip, or an automatic miss or allowed miss that reports no share. A
+/// failure that data reported has one, and stands for itself.
 [[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
 [[nodiscard]] bool isFilledIn(const LogRow& row);
 [[nodiscard]] bool isFilledIn(const LoggedEntry& entry);

@@ -5,6 +5,7 @@
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
 #include <HabitraBackup/Files/Compression.h>
 #include <HabitraBackup/Files/FileWriting.h>
+#include <HabitraBackup/Files/Leftovers.h>
 #include <HabitraModel/PersistentHistoryFetcher.h>
 #include <HabitraModel/Store/Files/HomeFolder.h>
 #include <HabitraModel/Store/StoreContext.h>
@@ -21,6 +22,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace habitra {
 
@@ -79,8 +81,9 @@ Fingerprint readBack(const std::filesystem::path& file) {
 
 }  // namespace
 
-AutomaticBackups::AutomaticBackups(const std::filesystem::path& home, KeyValueDefaults& standardDefaults)
-    : folder_(home / folderName), defaults_(standardDefaults) {}
+AutomaticBackups::AutomaticBackups(const std::filesystem::path& home, KeyValueDefaults& standardDefaults,
+                                   std::string appVersion)
+    : folder_(home / folderName), defaults_(standardDefaults), appVersion_(std::move(appVersion)) {}
 
 std::vector<AutomaticBackups::Backup> AutomaticBackups::all() const {
   std::vector<Backup> backups;
@@ -109,24 +112,22 @@ void AutomaticBackups::make(StoreContext& context, qz::YYYYMMDD today, qz::Momen
   const HistoryToken stored = PersistentHistoryFetcher(context).currentToken();
   const TaskDataExporter exporter(context);
   const std::vector<ObjectID> tasks = exporter.allTasks();
-  const HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::scheduled, now);
+  HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::scheduled, now);
+  header.appVersion = appVersion_;
   Fingerprint written;
-  writeFile(file, [&](const ByteSink& sink) {
+  const auto write = [&](const ByteSink& sink) {
     (void)exporter.writeJson(tasks, header, [&](std::string_view bytes) {
       written.add(bytes);
       sink(bytes);
     });
+  };
+  writeFile(file, write, [&written, &file](const std::filesystem::path& unfinished) {
+    tightenFile(unfinished);
+    if (readBack(unfinished) != written) throw qz::Error(file.string() + " does not read back as it was written");
   });
-  try {
-    tightenFile(file);
-    if (readBack(file) != written) throw qz::Error(file.string() + " does not read back as it was written");
-  } catch (...) {
-    std::error_code error;
-    std::filesystem::remove(file, error);
-    throw;
-  }
   defaults_.set(newestKey, stored.text());
   removeOutdated(today);
+  removeLeftovers(folder_, ".2");
 }
 
 std::filesystem::path AutomaticBackups::fileOf(qz::YYYYMMDD day) const {

@@ -17,7 +17,8 @@ class StoreContext;
 /// only once a newer one has been written, read back and found to say the same. Whatever else lies in the folder is
 /// left alone.
 ///
-/// Belongs to one thread. Other processes may make one at the same time: both write the same file as a whole.
+/// Belongs to one thread. Other processes may make one at the same time: each gives the name to a file of its own that
+/// it has checked.
 class AutomaticBackups {
  public:
   static constexpr const char* folderName = "Backups";
@@ -34,7 +35,7 @@ class AutomaticBackups {
   };
 
   /// REQUIRES: `standardDefaults` outlives this object.
-  AutomaticBackups(const std::filesystem::path& home, KeyValueDefaults& standardDefaults);
+  AutomaticBackups(const std::filesystem::path& home, KeyValueDefaults& standardDefaults, std::string appVersion);
 
   /// Those that are there, newest first. Throws qz::Error when the folder cannot be read.
   [[nodiscard]] std::vector<Backup> all() const;
@@ -53,6 +54,7 @@ class AutomaticBackups {
 
   const std::filesystem::path folder_;
   KeyValueDefaults& defaults_;
+  const std::string appVersion_;
 };
 
 }  // namespace habitra

@@ -4,7 +4,8 @@
 
 namespace habitra {
 
-void writeFile(const std::filesystem::path& to, const std::function<void(const ByteSink&)>& write) {
+void writeFile(const std::filesystem::path& to, const std::function<void(const ByteSink&)>& write,
+               const ReplacementFile::Check& check) {
   ReplacementFile file(to);
   const ByteSink plain = [&file](std::string_view bytes) { file.write(bytes); };
   if (isCompressedName(to)) {
@@ -14,7 +15,7 @@ void writeFile(const std::filesystem::path& to, const std::function<void(const B
   } else {
     write(plain);
   }
-  file.replace();
+  file.replace(check);
 }
 
 }  // namespace habitra

@@ -63,10 +63,11 @@ void ReplacementFile::write(std::string_view bytes) {
   }
 }
 
-void ReplacementFile::replace() {
+void ReplacementFile::replace(const Check& check) {
   if (!temporary_.empty() && ::fsync(descriptor_) != 0) fail("cannot be flushed", errno);
   if (::close(std::exchange(descriptor_, -1)) != 0) fail("cannot be written", errno);
   if (temporary_.empty()) return;
+  if (check) check(temporary_);
   if (::rename(temporary_.c_str(), target_.c_str()) != 0) fail("cannot be replaced", errno);
   temporary_.clear();
   // The new name is on the disk when its folder is; a file system that cannot flush a folder keeps it its own way.

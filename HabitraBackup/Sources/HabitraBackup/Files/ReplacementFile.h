@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,12 @@ class ReplacementFile {
   ReplacementFile& operator=(const ReplacementFile&) = delete;
 
   void write(std::string_view bytes);
-  /// Gives the written file the target's name. REQUIRES: called once, after the last write.
-  void replace();
+  /// Looks at the written file before it gets the target's name; what it throws keeps the target as it was.
+  using Check = std::function<void(const std::filesystem::path& written)>;
+
+  /// Gives the written file the target's name. REQUIRES: called once, after the last write; with a check, a target that
+  /// is a plain file.
+  void replace(const Check& check = {});
 
  private:
   void openBeside();

@@ -4,7 +4,9 @@
 #include <HabitraCLI/UsageError.h>
 
 #include <fmt/format.h>
+#include <charconv>
 #include <filesystem>
+#include <system_error>
 
 namespace habitra {
 namespace {
@@ -12,35 +14,52 @@ namespace {
 constexpr std::string_view examples[] = {"habitra export history.csv", "habitra export everything.habitra.zst",
                                          "habitra export - | head"};
 
-constexpr Option options[] = {{"--format", "FORM", "csv, or habitra for everything; else the file's name says it"}};
-
-/// By the name's ending, ".zst" left aside; nine columns where that says nothing.
-HabitraBackupFormat formatOf(std::filesystem::path file) {
-  if (file.extension() == ".zst") file.replace_extension();
-  const std::string extension = file.extension().string();
-  return formatOfFileExtension(std::string_view(extension).substr(extension.empty() ? 0 : 1))
-      .value_or(HabitraBackupFormat::csv);
-}
+constexpr Option options[] = {{"--format", "FORM", "csv, or habitra for everything; else the file's name says it"},
+                              {"--page", "NUMBER", "only the habits of this page"}};
 
 HabitraBackupFormat formatFrom(const std::string& text) {
   if (const auto format = formatOfFileExtension(text)) return *format;
-  throw UsageError(fmt::format("'{}' is no format: write csv or habitra", text));
+  throw UsageError(fmt::format("'{}' is no format: write csv or habitra", text), "export");
+}
+
+/// By the name's ending, ".zst" left aside. What is no plain file, standard output among it, gets nine columns.
+HabitraBackupFormat formatOf(const std::string& name) {
+  std::error_code error;
+  const auto type = std::filesystem::status(name, error).type();
+  const bool isSpecial = type != std::filesystem::file_type::regular && type != std::filesystem::file_type::not_found;
+  if (name == "-" || isSpecial) return HabitraBackupFormat::csv;
+  std::filesystem::path file = name;
+  if (file.extension() == ".zst") file.replace_extension();
+  const std::string extension = file.extension().string();
+  if (const auto format = formatOfFileExtension(extension.empty() ? extension : extension.substr(1))) return *format;
+  throw UsageError(
+      fmt::format("'{}' does not say in which form: let it end in .csv or .habitra, or give --format", name), "export");
+}
+
+std::optional<std::int64_t> pageFrom(const std::optional<std::string>& text) {
+  if (!text) return std::nullopt;
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), number);
+  if (error != std::errc() || end != text->data() + text->size() || number < 1)
+    throw UsageError(fmt::format("'{}' is no page: write a number from 1 on", *text), "export");
+  return number;
 }
 
 void run(Session& session, const Arguments& arguments) {
   const std::string& file = arguments.words.front();
   const auto option = arguments.option("--format");
-  const HabitraBackupFormat format = option ? formatFrom(*option) : formatOf(file);
+  const ExportRequest request{.format = option ? formatFrom(*option) : formatOf(file),
+                              .page = pageFrom(arguments.option("--page"))};
   Application& application = session.application();
   if (file == "-") {
-    application.exportHistory(session.document(), format);
+    application.exportHistory(session.document(), request);
     return;
   }
-  ExportedHistory exported{{}, file, format};
+  ExportedHistory exported{{}, file, request.format};
   {
     ProgressBar bar;
     application.setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
-    exported.outcome = application.exportHistory(std::filesystem::path(file), format);
+    exported.outcome = application.exportHistory(std::filesystem::path(file), request);
     application.setProgress({});
   }
   session.answer(exported);
