@@ -9,9 +9,27 @@
 #include <QZLog/Log.h>
 
 #include <fmt/format.h>
+#include <filesystem>
 #include <ostream>
+#include <string>
+#include <system_error>
 
 namespace habitra {
+
+namespace {
+
+/// An export must not take the place of what it is an export of, nor of a backup.
+void refuseFilesOf(const std::filesystem::path& home, const std::filesystem::path& target) {
+  std::error_code error;
+  const auto inHome = std::filesystem::weakly_canonical(target, error)
+                          .lexically_relative(std::filesystem::weakly_canonical(home, error));
+  if (error || inHome.empty()) return;
+  const std::string first = inHome.begin()->string();
+  if (first == AutomaticBackups::folderName || first.starts_with("Habitra") || first == "habitra.log")
+    throw qz::Error(fmt::format("{} belongs to Habitra itself; choose another name", target.string()));
+}
+
+}  // namespace
 
 ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name,
                                           ImportStrategy strategy, const ImportRemarks& remarks) {
@@ -90,6 +108,7 @@ ExportOutcome Application::exportHistory(std::ostream& stream, const ExportReque
 }
 
 ExportOutcome Application::exportHistory(const std::filesystem::path& file, const ExportRequest& request) {
+  refuseFilesOf(rooms_->manager.home(), file);
   ExportOutcome outcome;
   writeFile(file, [&](const ByteSink& sink) { outcome = exportHistory(request, sink); });
   return outcome;

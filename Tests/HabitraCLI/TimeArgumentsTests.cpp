@@ -14,7 +14,7 @@ using habitra::momentFromArgument;
 using habitra::UsageError;
 
 TEST(TimeArgumentsTests, readsDays) {
-  const qz::YYYYMMDD today(2024, 3, 1);
+  const auto today = [] { return qz::YYYYMMDD(2024, 3, 1); };
   const std::vector<std::pair<std::string, std::int64_t>> days{
       {"2024-01-31", 20240131}, {"20240229", 20240229}, {"today", 20240301}, {"yesterday", 20240229},
       {"-0", 20240301},         {"-2", 20240228},       {"-366", 20230301},  {"0001-01-01", 10101},

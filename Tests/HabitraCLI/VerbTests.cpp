@@ -317,6 +317,21 @@ TEST_F(VerbTests, restore) {
   EXPECT_EQ(homeContents(), before);
 }
 
+TEST_F(VerbTests, restoreOfADayWhenTheStoreIsDamaged) {
+  ASSERT_EQ(run({"import", write("history.csv", history)}).exitCode, 0);
+  const auto backup = folder_ / "backup.habitra.zst";
+  ASSERT_EQ(run({"export", backup}).exitCode, 0);
+  const auto store = home_ / "Habitra-Local.sqlite";
+  EXPECT_EQ(run({"export", "--format", "csv", store}).exitCode, 1) << "an export never takes the place of the store";
+  std::filesystem::create_directories(home_ / "Backups");
+  std::filesystem::copy_file(backup, home_ / "Backups" / "2024-01-30.habitra.zst");
+  std::filesystem::remove(home_ / "Habitra-Local.sqlite-wal");
+  std::ofstream(store) << "no store";
+  ASSERT_EQ(run({"list"}).exitCode, 1);
+  EXPECT_EQ(run({"restore", "2024-01-30"}).exitCode, 0);
+  EXPECT_EQ(runJSON({"list"}).size(), 2U);
+}
+
 TEST_F(VerbTests, sample) {
   const auto file = folder_ / "habitra-sample.csv";
   EXPECT_EQ(run({"sample", folder_.path()}).exitCode, 0);

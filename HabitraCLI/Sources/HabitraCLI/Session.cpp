@@ -43,7 +43,7 @@ Application& Session::application() {
 
 std::optional<qz::YYYYMMDD> Session::day(const std::optional<std::string>& option) {
   if (!option) return std::nullopt;
-  return dayFromArgument(*option, application().today());
+  return dayFromArgument(*option, [this] { return application().today(); });
 }
 
 void Session::catchUp() {

@@ -52,11 +52,11 @@ std::optional<qz::Moment> momentOnWallClock(const std::string& text, const qz::T
 
 }  // namespace
 
-qz::YYYYMMDD dayFromArgument(std::string_view text, qz::YYYYMMDD today) {
-  if (text == "today") return today;
-  if (text == "yesterday") return today.previousDay();
+qz::YYYYMMDD dayFromArgument(std::string_view text, const std::function<qz::YYYYMMDD()>& today) {
+  if (text == "today") return today();
+  if (text == "yesterday") return today().previousDay();
   if (text.size() >= 2 && text.size() <= 8 && text[0] == '-' && isNumber(text.substr(1))) {
-    const qz::YYYYMMDD day = today.add(-number(text.substr(1)));
+    const qz::YYYYMMDD day = today().add(-number(text.substr(1)));
     if (isWrittenYear(day.y())) return day;
   } else if (const auto day = spelledDay(text)) {
     requireExists(*day, text);

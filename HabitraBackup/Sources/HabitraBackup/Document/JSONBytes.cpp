@@ -13,6 +13,8 @@ constexpr std::size_t chunkLength = std::size_t{1} << 16U;
 // What ends a number or a word.
 bool isBetweenTokens(char c) { return std::string_view("{}[]:, \t\r\n").find(c) != std::string_view::npos; }
 
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
 }  // namespace
 
 JSONBytes::JSONBytes(const ByteSource& source) : source_(source), chunk_(chunkLength) { fill(); }
@@ -24,6 +26,13 @@ void JSONBytes::fill() {
 }
 
 void JSONBytes::advance() {
+  const bool wasBlank = !isInText_ && isBlank(current());
+  pass();
+  // The parser remembers all it is given of what lies between two tokens: of blanks the first is enough.
+  while (wasBlank && !isAtEnd() && isBlank(current())) pass();
+}
+
+void JSONBytes::pass() {
   line_ += isLineOver_ ? 1 : 0;
   column_ = isLineOver_ ? 1 : column_ + 1;
   isLineOver_ = current() == '\n';

@@ -24,6 +24,7 @@ class JSONBytes {
   [[nodiscard]] std::size_t column() const { return column_; }
 
  private:
+  void pass();
   void fill();
   /// Looks at the byte that comes next.
   void examine();
