@@ -3,6 +3,8 @@
 #include <HabitraBackup/Document/HabitraJSONError.h>
 #include <HabitraBackup/Files/CompressionError.h>
 #include <HabitraBackup/HabitraBackup.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <Support/TemporaryFolder.h>
 #include <algorithm>
 #include <fstream>
@@ -182,6 +184,21 @@ TEST(BackupDocumentTests, UnknownKeysAreNamedAndCounted) {
   ASSERT_EQ(loaded.document.tasks.size(), 2U);
   EXPECT_EQ(loaded.document.tasks[0].log->size(), 2U);
   EXPECT_EQ(loaded.document.tasks[1].title, "B");
+}
+
+TEST(BackupDocumentTests, ATaskThatDoesNotSayHowOftenIsOneOfEveryDay) {
+  const auto loaded = load(R"({"version":1,"tasks":[{"title":"A","pauses":[{"from":20240101}]}]})");
+  const auto& record = loaded.document.tasks.at(0).record.value();
+  EXPECT_EQ(frequencyOf(record.task), TaskFrequency::everyDay());
+  EXPECT_TRUE(isActive(record.task));
+  EXPECT_EQ(record.pauses.size(), 1U);
+}
+
+TEST(BackupDocumentTests, ARunOfBlanksIsNoMoreThanOne) {
+  const std::string blanks(300'000, ' ');
+  const std::string text = "{\"version\":1," + blanks + "\n\t\"tasks\":[" + blanks + "]," + blanks + "\"mood\": 7}";
+  EXPECT_EQ(load(text).remarks.unknownKeys.size(), 1U);
+  EXPECT_EQ(load("{\"version\":1,\"tasks\":[{\"title\":\"a  b\"}]}").document.tasks.at(0).title, "a  b");
 }
 
 TEST(BackupDocumentTests, BothDirectionsAreStreams) {

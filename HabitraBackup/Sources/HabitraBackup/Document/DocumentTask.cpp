@@ -4,6 +4,8 @@
 #include <HabitraBackup/Document/DocumentTask.h>
 #include <HabitraBackup/Document/HabitraJSONError.h>
 #include <HabitraBackup/Document/JSONValues.h>
+#include <HabitraModel/Mapping/FrequencyMapping.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
 
 #include <algorithm>
 #include <array>
@@ -96,6 +98,7 @@ bool DocumentTask::set(std::string_view key, const nlohmann::json& json, const J
     hasSettings_ = true;
   } else if (document_row::read(TaskEntity::description(), &record_.task, key, json, place)) {
     hasSettings_ = true;
+    hasFrequency_ = hasFrequency_ || key == keys::daysMode;
   } else {
     return false;
   }
@@ -106,6 +109,11 @@ HabitraJSONBackupTask DocumentTask::finished() && {
   if (const auto& imageName = record_.task.imageName) {
     task_.visualRepresentation = HabitraJSONBackupVisualRepresentation::fromText(*imageName);
     if (!task_.visualRepresentation) hasSettings_ = true;  // nothing else can hold the name
+  }
+  if (hasSettings_ && !hasFrequency_) {
+    // Written by hand: what says nothing of how often is a habit of every day, like a newly made one.
+    setFrequency(record_.task, TaskFrequency::everyDay());
+    if (!record_.task.status) record_.task.status = task_status::active;
   }
   if (hasSettings_) task_.record = std::move(record_);
   return std::move(task_);

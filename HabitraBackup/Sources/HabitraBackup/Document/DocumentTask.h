@@ -38,6 +38,7 @@ class DocumentTask {
   HabitraJSONBackupTask task_;
   HabitraJSONBackupTaskRecord record_;
   bool hasSettings_ = false;
+  bool hasFrequency_ = false;
   std::shared_ptr<const HabitraJSONBackupTaskEntryDetails> details_;  // of the newest entry that has some
 };
 
