@@ -24,7 +24,10 @@ class ImportHome {
   ImportReport import(const HabitraJSONBackup& document, ImportStrategy strategy = ImportStrategy::merge,
                       const ImportRemarks& remarks = {}) {
     const TaskCalendars calendars(qz::TimeZone::fromIdentifier("Europe/Berlin").value(), qz::HHMMSS::midnight);
-    TaskDataImporter importer(context, {calendars, qz::DayOfWeek::monday, now});
+    TaskDataImporter importer(context, {.calendars = calendars,
+                                        .firstDayOfWeek = qz::DayOfWeek::monday,
+                                        .now = now,
+                                        .entriesAfterToday = entriesAfterToday});
     return importer.importBackup(document, strategy, {}, remarks);
   }
 
@@ -76,6 +79,7 @@ class ImportHome {
 
   void save() { context.save({}); }
 
+  EntriesAfterToday entriesAfterToday = EntriesAfterToday::leftOut;
   qz::Moment now = qz::momentFromISO8601("2024-06-01T10:00:00Z").value();
   StoreContext context{Store::inMemory(std::make_shared<qz::FixedClock>(now))};
 };

@@ -26,7 +26,11 @@ std::vector<std::string> logOf(const HabitraJSONBackupTask& task) {
     EXPECT_FALSE(entry.uniqueId);
     log.push_back(fmt::format("{} {}", entry.entryDate.intValue(), caseName(entry.entryType)));
     if (entry.progressTotal) log.back() += fmt::format(" {}", *entry.progressTotal);
-    if (entry.progress) log.back() += fmt::format(" ({})", *entry.progress);
+    if (entry.entryType == Type::completedManuallyFull) {
+      EXPECT_EQ(entry.progress, 1.0) << "a day that is done is done whole";
+    } else if (entry.progress) {
+      log.back() += fmt::format(" ({})", *entry.progress);
+    }
     if (entry.createdTimestamp) log.back() += " " + qz::iso8601(*entry.createdTimestamp);
   }
   return log;

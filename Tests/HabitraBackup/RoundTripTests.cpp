@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <rapidcheck.h>
 
 #include <string>
@@ -40,6 +41,40 @@ TEST(RoundTripTests, WhatComesOutOfAStoreGoesIntoAnotherAndComesOutTheSame) {
     RC_ASSERT(documentOf(second).jsonString() == document.jsonString());
   });
   EXPECT_TRUE(holds);
+}
+
+/// A habit that stands on no page's profile and has an entry of before it was made, beside settings in no order.
+void fillByHand(ImportHome& home) {
+  TaskEntity values = newlyMadeTask("Read", qz::DayOfWeek::monday, home.now, "Europe/Berlin");
+  values.uniqueId = "0A1B2C3D-0000-7000-8000-00000000ABCD";
+  const ObjectID task = home.context.insert(values).objectID;
+  TaskLogEntryEntity entry;
+  entry.task = task;
+  entry.entryType = rawValue(TaskLogEntryType::completedManuallyFull);
+  entry.entryDate = entry.entryPeriodFrom = entry.entryPeriodTo = 20240501;
+  entry.entryPeriodType = "d";
+  entry.createdTimestamp = home.now;
+  entry.createdTimeZone = "Europe/Berlin";
+  home.context.insertLogEntry(entry);
+  home.context.insert<SettingEntity>({.settingKey = "startOfDay", .dateCreated = home.now, .intValue = 7200});
+  home.context.insert<SettingEntity>({.settingKey = "cloudSync", .dateCreated = home.now, .booleanValue = true});
+  home.context.insert<SettingEntity>({.settingKey = "startOfDay", .dateCreated = home.now, .intValue = 3600});
+  home.save();
+}
+
+TEST(RoundTripTests, AStoreThatWasNotImportedComesOutTheSameToo) {
+  ImportHome first;
+  fillByHand(first);
+  const HabitraJSONBackup document = documentOf(first);
+  EXPECT_TRUE(document.pages->empty());
+  for (const auto strategy : {ImportStrategy::merge, ImportStrategy::overwrite}) {
+    ImportHome second;
+    second.import(document, strategy);
+    EXPECT_EQ(documentOf(second).jsonString(), document.jsonString());
+    EXPECT_EQ(documentOf(second).csvString(), document.csvString());
+    EXPECT_TRUE(changesNothing(second.import(document, strategy)));
+    EXPECT_TRUE(changesNothing(first.import(document, strategy)));
+  }
 }
 
 }  // namespace

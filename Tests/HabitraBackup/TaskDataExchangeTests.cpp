@@ -149,7 +149,8 @@ TEST(TaskDataImporterTests, EntriesMeetOneToOne) {
               idX + ",A,,completed_manually_partial,20240530,2024-05-30T08:00:01Z,,,\n" +  // another second
               idX + ",A,,completed_manually_partial,20240531,2024-05-30T08:00:00Z,,,\n" +  // another day
               idX + ",A,,skipped_manually,20240530,2024-05-30T08:00:00Z,,,\n");            // another type
-  EXPECT_EQ(home.log("A"), (Log{"20240530 6", "20240530 6", "20240530 6", "20240530 3", "20240531 6"}));
+  EXPECT_EQ(home.log("A"), (Log{"20240530 6", "20240530 6", "20240530 3", "20240530 6", "20240531 6"}))
+      << "in order of making";
   const auto report = home.import(idX + ",A,,completed_manually_partial,20240531,,,,\n");
   EXPECT_EQ(report.entries().left, 1U) << "without a moment, day and type are enough";
 }

@@ -24,6 +24,11 @@ StoredPages::StoredPages(StoreContext& context) : context_(context) {
   }
 }
 
+ObjectID StoredPages::find(TaskPageNumber page) const {
+  const auto found = profiles_.find(page);
+  return found == profiles_.end() ? ObjectID::none : found->second;
+}
+
 ObjectID StoredPages::profile(TaskPageNumber page) {
   const auto [place, isMissing] = profiles_.try_emplace(page, ObjectID::none);
   if (isMissing) {

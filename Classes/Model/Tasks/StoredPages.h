@@ -20,6 +20,8 @@ class StoredPages {
   /// Reads the profiles and the places of all tasks. REQUIRES: a unit is open, and `context` outlives this object.
   explicit StoredPages(StoreContext& context);
 
+  /// The profile of the page; none where it has none.
+  [[nodiscard]] ObjectID find(TaskPageNumber page) const;
   /// The profile of the page, made when there is none ("Page 2").
   [[nodiscard]] ObjectID profile(TaskPageNumber page);
   /// The place after the last task of the page, which counts as taken from now on.

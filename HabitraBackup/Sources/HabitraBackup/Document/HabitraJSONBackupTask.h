@@ -80,6 +80,9 @@ using HabitraJSONBackupTaskNote = TaskNoteEntity;
 /// what of the task's row stands in HabitraJSONBackupTask, say nothing here; what is derived from the log, what is
 /// shared with whom and what still waits to be sent is not part of it.
 struct HabitraJSONBackupTaskRecord {
+  /// False for a habit of another tracker, which says neither its picture nor its place on a page. Not part of the
+  /// document's text: whatever is written as a document of ours counts as whole.
+  bool isWhole = true;
   /// Its frequency, automatic type, zone, moment of creation, status and so on, and `imageName`, which can name
   /// pictures that `visualRepresentation` has no case for.
   TaskEntity task;

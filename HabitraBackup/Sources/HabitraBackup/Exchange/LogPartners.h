@@ -21,6 +21,7 @@ struct LogCandidate {
   std::int32_t periodFrom = 0;  ///< 0: no period is stored
   std::int32_t periodTo = 0;
   std::int16_t entryType = 0;
+  double progress = 0.0;
 };
 
 /// Finds for each entry of a document the stored entry that it is: the one with its identifier; else one of the same

@@ -42,9 +42,6 @@ bool replaceCategory(TaskCategoryEntity& stored, TaskCategoryEntity values) {
 
 using SettingRows = std::vector<SettingEntity>;
 
-/// The rows of one key, the one that counts first.
-void sortByChange(SettingRows& rows) { std::ranges::stable_sort(rows, std::greater(), &SettingEntity::dateCreated); }
-
 bool haveSameValues(SettingRows a, SettingRows b) {
   for (SettingRows* rows : {&a, &b}) {
     for (SettingEntity& row : *rows) {
@@ -55,22 +52,26 @@ bool haveSameValues(SettingRows a, SettingRows b) {
   return a == b;
 }
 
-std::map<std::string, SettingRows> byKey(std::span<const SettingEntity> settings) {
+/// The places of the rows of each key.
+std::map<std::string, std::vector<std::size_t>> byKey(std::span<const SettingEntity> settings) {
   const std::string pauses = settings::pausesOf("");
-  std::map<std::string, SettingRows> result;
-  for (const SettingEntity& setting : settings)
-    if (setting.settingKey && !setting.settingKey->starts_with(pauses)) result[*setting.settingKey].push_back(setting);
+  std::map<std::string, std::vector<std::size_t>> result;
+  for (std::size_t index = 0; index < settings.size(); ++index) {
+    const auto& key = settings[index].settingKey;
+    if (key && !key->starts_with(pauses)) result[*key].push_back(index);
+  }
   return result;
 }
 
-/// The stored rows give way. Their place is taken now, so that no other device has a newer value.
-void replaceSettings(StoreContext& context, const std::vector<SettingEntity*>& stored, SettingRows& wanted) {
+/// The stored rows give way. Their place is taken now, so that no other device has a newer value: gives when the one
+/// that counts was changed.
+std::optional<qz::Moment> removeSettings(StoreContext& context, const std::vector<SettingEntity*>& stored) {
   std::optional<qz::Moment> changed = context.store().clock().now();
   for (SettingEntity* row : stored) {
     changed = std::max(changed, row->dateCreated);
     context.remove(*row);
   }
-  wanted.front().dateCreated = std::max(changed, wanted.front().dateCreated);
+  return changed;
 }
 
 }  // namespace
@@ -102,22 +103,38 @@ ImportReport::Rows importPages(StoreContext& context, std::span<const UserProfil
 ImportReport::Rows importSettings(StoreContext& context, std::span<const SettingEntity> settings,
                                   SharedRowsPolicy policy) {
   ImportReport::Rows counts;
-  for (auto& [key, wanted] : byKey(settings)) {
+  std::map<std::size_t, SettingEntity> wanted;  // by place in the document
+  for (auto& [key, places] : byKey(settings)) {
     const std::vector<SettingEntity*> stored = context.fetch<SettingEntity>("settingKey", key);
     SettingRows storedRows;
     for (const SettingEntity* row : stored) storedRows.push_back(*row);
-    SettingRows rows = wanted;
-    sortByChange(rows);
-    sortByChange(storedRows);
+    // The one that counts first.
+    std::ranges::stable_sort(places, std::greater(), [&](std::size_t index) { return settings[index].dateCreated; });
+    std::ranges::stable_sort(storedRows, std::greater(), &SettingEntity::dateCreated);
+    SettingRows rows;
+    for (const std::size_t index : places) rows.push_back(settings[index]);
     if (!stored.empty() && (policy == SharedRowsPolicy::keepStored || haveSameValues(rows, storedRows))) {
       ++counts.left;
       continue;
     }
-    if (!stored.empty()) replaceSettings(context, stored, rows);
-    for (const SettingEntity& row : rows) context.insert(row);
+    if (!stored.empty()) rows.front().dateCreated = std::max(removeSettings(context, stored), rows.front().dateCreated);
+    for (std::size_t i = 0; i < rows.size(); ++i) wanted.emplace(places[i], std::move(rows[i]));
     ++(stored.empty() ? counts.added : counts.changed);
   }
+  for (const auto& [index, row] : wanted) context.insert(row);
   return counts;
+}
+
+SettingsThere settingsThere(StoreContext& context, std::span<const SettingEntity> settings) {
+  SettingsThere there;
+  for (const auto& [key, places] : byKey(settings)) {
+    if (context.fetch<SettingEntity>("settingKey", key).empty()) {
+      there.missing.push_back(key);
+    } else {
+      ++there.stored;
+    }
+  }
+  return there;
 }
 
 CategoriesImport::CategoriesImport(StoreContext& context, std::span<const TaskCategoryEntity> categories,

@@ -2,7 +2,12 @@
 #include <HabitraBackup/Exchange/TaskImport.h>
 #include <HabitraModel/Settings/Settings.h>
 #include <HabitraModel/Store/StoreContext.h>
+#include <HabitraModel/Tasks/TaskEntityRules.h>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace habitra {
@@ -30,6 +35,20 @@ std::span<const Row> rowsOf(const std::optional<std::vector<Row>>& rows) {
 
 std::size_t entriesOf(const HabitraJSONBackupTask& task) { return task.log ? task.log->size() : 0; }
 
+bool hasHabits(StoreContext& context) {
+  return std::ranges::any_of(context.fetchAll<TaskEntity>(),
+                             [](const TaskEntity* task) { return task->status != task_status::deleted; });
+}
+
+/// App-wide settings decide over habits that are here, too: none comes in beside them.
+void leaveSettings(StoreContext& context, std::span<const SettingEntity> settings, ImportReport& report) {
+  const SettingsThere there = settingsThere(context, settings);
+  report.settings.left = there.stored;
+  if (there.missing.empty()) return;
+  report.remarks.push_back(fmt::format("What counts for all habits was left out, since there are habits here: {}",
+                                       fmt::join(there.missing, ", ")));
+}
+
 void addRemarks(ImportReport& report, const ImportRemarks& remarks) {
   report.remarks.insert(report.remarks.begin(), remarks.ofAll.begin(), remarks.ofAll.end());
   for (const auto& [index, ofTask] : remarks.ofTask) {
@@ -53,7 +72,12 @@ ImportReport TaskDataImporter::importBackup(const HabitraJSONBackup& document, I
   const SharedRowsPolicy policy =
       strategy == ImportStrategy::overwrite ? SharedRowsPolicy::replaceStored : SharedRowsPolicy::keepStored;
   ImportReport report;
-  report.settings = importSettings(context_, rowsOf(document.settings), policy);
+  const std::span<const SettingEntity> settings = rowsOf(document.settings);
+  if (strategy == ImportStrategy::overwrite || !hasHabits(context_)) {
+    report.settings = importSettings(context_, settings, policy);
+  } else {
+    leaveSettings(context_, settings, report);
+  }
   report.pages = importPages(context_, rowsOf(document.pages), policy);
   const CategoriesImport categories(context_, rowsOf(document.categories), policy);
   report.categories = categories.counts();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/EntriesAfterToday.h>
 #include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/Exchange/ImportReport.h>
@@ -23,25 +24,32 @@ struct SaveRequest;
 /// of the store that bears the identifier of a new task goes, and one of the document is left out. Stored tasks that
 /// the document does not name are not touched. A task that the document has twice is merged with itself.
 ///
-/// *A new task* has what the document's record of it says, and without one the settings of a newly made task and the
-/// last place on its page. It keeps its identifier; it is to be processed from its beginning. Where the document does
-/// not say when it was made, that is now; in any case not later than the day of its earliest entry.
+/// *A new task* has what the document's record of it says, and without one the settings of a newly made task. Without a
+/// whole record it has the last place on its page. It keeps its identifier; it is to be processed from its beginning.
+/// Where the record does not say when it was made, that is now, but not later than the day of its earliest entry.
 ///
-/// *Entries*: see LogPartners for which are there already. Those dated after the task's today are left out, since the
-/// next pass would delete them; the report counts them. An entry without moment of making is taken as made when its
-/// day began, one without period gets that of the task's frequency. A full entry that is added takes the place of the
-/// automatic ones that the store has for its period, unless the document has them, too; nothing else gives way. A task
-/// that was created after the earliest added entry counts as created when that entry's day began. A changed task is to
-/// be processed from its beginning.
+/// *Entries*: see LogPartners for which are there already, and LogImport for their order. Those dated after the task's
+/// today are left out, unless the settings say otherwise, since the next pass would delete them; the report counts
+/// them. An entry without moment of making is taken as made when its day began, one without period gets that of the
+/// task's frequency. A full entry that is added, but for one that a pass filled in, takes the place of what a pass had
+/// filled in for its period in the store, unless the document has that, too; nothing else gives way. What a pass had
+/// filled in for the document does not come into a period for which the store has a full entry. A stored task that was
+/// created after the earliest entry that is added to it counts as created when that entry's day began. A changed task
+/// is to be processed from its beginning.
 ///
 /// *Notes and other parts*: see TaskParts. Overwriting takes those away that the document does not have; of a task
-/// without record it says nothing of parts, which then stay, but makes its settings those of a newly made one.
+/// without record it says nothing of parts, which then stay, but makes its settings those of a newly made one. Picture
+/// and page stay where the document says neither.
 ///
 /// *Identifiers* stay unique: one that another row has already is that one's, and the new row gets another. With
 /// `importWithNewID` all rows of tasks get new ones. Timers follow their entries.
 ///
-/// *Pages, categories and app-wide settings* are added where they are missing; those of the store stay as they are, but
-/// for `overwrite`. The start of day and the first day of the week that come in count for the tasks that come along.
+/// *Pages and categories* are added where they are missing; those of the store stay as they are, but for `overwrite`. A
+/// task of the first page makes no profile for it.
+///
+/// *App-wide settings* decide over tasks that are in the store already. So they come in only where there are none, or
+/// with `overwrite`; otherwise a remark names those that the store does not have. The start of day and the first day of
+/// the week that count for the tasks of the document are those of the store afterwards.
 ///
 /// Belongs to the context's queue.
 class TaskDataImporter {
@@ -53,6 +61,7 @@ class TaskDataImporter {
     qz::DayOfWeek firstDayOfWeek;
     qz::Moment now;
     ExchangeProgress progress{};
+    EntriesAfterToday entriesAfterToday = EntriesAfterToday::leftOut;
   };
 
   /// REQUIRES: `context` outlives the importer.

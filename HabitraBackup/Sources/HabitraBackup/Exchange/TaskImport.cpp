@@ -53,6 +53,11 @@ std::optional<qz::YYYYMMDD> earliestDay(Entries entries) {
   return earliest ? std::optional<qz::YYYYMMDD>(*earliest) : std::nullopt;
 }
 
+/// Whether the document says all of the task that a store can hold, so that what is absent is none.
+bool isWhole(const HabitraJSONBackupTask& task) { return task.record && task.record->isWhole; }
+
+bool saysCreation(const HabitraJSONBackupTask& task) { return task.record && task.record->task.created; }
+
 /// Whether two rows of one task differ in more than what any document says of a task.
 bool haveOtherSettings(const TaskEntity& values, const TaskEntity& stored) {
   TaskEntity same = values;
@@ -100,7 +105,7 @@ ImportReport::Task TaskImport::add(const HabitraJSONBackupTask& task) {
   report.outcome = ImportReport::Outcome::added;
   report.entries = log.merge(entriesOf(task));
   partsOf(stored, log).overwrite(task, report);
-  moveCreation(stored, log.earliestAdded());
+  if (!saysCreation(task)) moveCreation(stored, log.earliestAdded());
   if (wasDeleted) report.remarks.emplace_back("it had been deleted here and is back");
   remarkOnEntriesAfterToday(report);
   return report;
@@ -153,8 +158,11 @@ TaskEntity TaskImport::newValues(const HabitraJSONBackupTask& task) {
       newTaskValues(task, {.firstDayOfWeek = settings_.firstDayOfWeek,
                            .now = settings_.now,
                            .timeZone = std::string(settings_.calendars.ofDevice().timeZone.identifier())});
-  if (task.pageNumber) values.userProfile = pages_.profile(*task.pageNumber);
-  if (!task.record) values.displayOrder = pages_.nextDisplayOrder(task.pageNumber.value_or(TaskPageNumber::first()));
+  // The first page needs no profile.
+  if (task.pageNumber)
+    values.userProfile =
+        *task.pageNumber == TaskPageNumber::first() ? pages_.find(*task.pageNumber) : pages_.profile(*task.pageNumber);
+  if (!isWhole(task)) values.displayOrder = pages_.nextDisplayOrder(task.pageNumber.value_or(TaskPageNumber::first()));
   return values;
 }
 
@@ -163,8 +171,11 @@ TaskEntity TaskImport::valuesOver(const TaskEntity& stored, const HabitraJSONBac
   values.objectID = stored.objectID;
   values.uniqueId = stored.uniqueId;
   takeDerivedValues(values, stored);
+  if (!task.visualRepresentation && !isWhole(task)) values.imageName = stored.imageName;
+  if (!task.pageNumber) values.userProfile = stored.userProfile;
+  if (values.userProfile == stored.userProfile && !isWhole(task)) values.displayOrder = stored.displayOrder;
   const auto earliest = earliestDay(entriesOf(task));
-  moveCreation(values, earliest);
+  if (!saysCreation(task)) moveCreation(values, earliest);
   if (task.record) return values;
   // What was set at another moment of the same day, or before, says the same: a second time changes nothing.
   const TaskCalendar calendar = settings_.calendars.of(values);
@@ -173,7 +184,6 @@ TaskEntity TaskImport::valuesOver(const TaskEntity& stored, const HabitraJSONBac
     values.createdTimeZone = stored.createdTimeZone;
   }
   if (values.status == stored.status) values.statusDate = stored.statusDate;
-  if (values.userProfile == stored.userProfile) values.displayOrder = stored.displayOrder;
   return values;
 }
 
@@ -196,7 +206,11 @@ void TaskImport::moveCreation(TaskEntity& task, std::optional<qz::YYYYMMDD> earl
 }
 
 LogImport TaskImport::logOf(const TaskEntity& stored, const HabitraJSONBackupTask& task) const {
-  LogImport log(context_, stored, settings_.calendars.of(stored), settings_.now, document_.identifiers);
+  const LogImport::Manner manner{.now = settings_.now,
+                                 .afterToday = settings_.entriesAfterToday,
+                                 .absentIsNone = task.record.has_value(),
+                                 .isInOrderOfMaking = isWhole(task)};
+  LogImport log(context_, stored, settings_.calendars.of(stored), manner, document_.identifiers);
   if (task.record) log.follow(task.record->timers);
   return log;
 }

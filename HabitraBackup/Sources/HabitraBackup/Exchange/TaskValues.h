@@ -20,8 +20,8 @@ struct NewTaskDefaults {
 [[nodiscard]] bool isDeleted(const HabitraJSONBackupTask& task);
 
 /// The row of a new task: what the document says, else what a newly made task has. Nothing that is derived from a log,
-/// and no state towards a cloud. Identifier, page and, where the document has no record of the task, place are left to
-/// the caller.
+/// and no state towards a cloud. Identifier, page and, where the document has no whole record of the task, place are
+/// left to the caller.
 [[nodiscard]] TaskEntity newTaskValues(const HabitraJSONBackupTask& task, const NewTaskDefaults& defaults);
 
 /// Takes what is derived from a log, and the state towards a cloud, over from another row.

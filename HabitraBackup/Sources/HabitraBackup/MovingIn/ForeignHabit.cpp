@@ -72,6 +72,7 @@ void ForeignHabit::add(TaskLogEntryType type, const qz::YYYYMMDD& day, const std
   HabitraJSONBackupTaskEntry entry;
   entry.entryType = type;
   entry.entryDate = day;
+  if (isCompletedFull(type)) entry.progress = 1.0;
   entry.progressTotal = amount;
   entry.createdTimestamp = made;
   entries_.push_back(std::move(entry));
@@ -170,6 +171,7 @@ std::string ForeignHabit::targetText() const {
 
 HabitraJSONBackupTaskRecord ForeignHabit::record(qz::DayOfWeek firstDayOfWeek) const {
   HabitraJSONBackupTaskRecord record;
+  record.isWhole = false;
   record.task.status = isArchived_ ? task_status::archived : task_status::active;
   record.task.firstDayOfWeekValue = qz::checkedNarrow<std::int16_t>(firstDayOfWeek.rawValue());
   record.task.isNegative = isAvoided_;
