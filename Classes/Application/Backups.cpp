@@ -101,7 +101,8 @@ RestoreOutcome Application::restore(const std::filesystem::path& file) {
     TaskDataImporter importer(*context, {.calendars = rooms_->calendars,
                                          .firstDayOfWeek = rooms_->settings(nullptr).get(settings::firstDayOfWeek),
                                          .now = rooms_->now(),
-                                         .progress = progress_});
+                                         .progress = progress_,
+                                         .entriesAfterToday = EntriesAfterToday::taken});
     const ImportReport report = importer.importBackup(loaded.document, ImportStrategy::overwrite,
                                                       {.author = Author::app, .command = {}}, loaded.remarks);
     outcome.entries = report.entries().added;

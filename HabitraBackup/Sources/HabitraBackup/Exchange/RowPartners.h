@@ -35,7 +35,7 @@ class RowPartners {
   RowPartners(std::span<const Row> wanted, std::vector<Row*> stored, const ContentOf& contentOf)
       : left_(std::move(stored)), partners_(wanted.size()) {
     if constexpr (Identified<Row>) pair(wanted, &usualIdentifier<Row>);
-    pair(wanted, [&contentOf](const Row& row) { return std::optional(contentOf(row)); });
+    pair(wanted, [&contentOf](const Row& row) { return std::make_optional(contentOf(row)); });
     std::erase(left_, nullptr);
   }
 
