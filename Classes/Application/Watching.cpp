@@ -10,12 +10,6 @@
 #include <utility>
 
 namespace habitra {
-namespace {
-
-constexpr std::chrono::minutes timeBetweenAttempts{1};
-
-}  // namespace
-
 /// What wakes an application that stays, from the beginning of the watch to its end. Everything is done on the main
 /// queue; what notices something only hands it over.
 class Application::Watch {
@@ -92,7 +86,7 @@ class Application::Watch {
     const auto context = rooms_.manager.context();
     const auto tasks = TaskProcessor::activeTasks(*context);
     qz::Moment next = nextStartOfDay(rooms_.calendarsSeenBy(*context), tasks, now);
-    if (mustTryAgain_) next = std::min(next, now + timeBetweenAttempts);
+    if (mustTryAgain_) next = std::min(next, now + TaskProcessor::timeBetweenAttempts);
     if (const auto task = rooms_.processor.nextBackgroundTask())
       next = std::min(next, std::max(*task, now + std::chrono::seconds(1)));
     return next;

@@ -14,6 +14,7 @@ namespace {
 
 using qz::QZHKQuantity;
 using qz::QZHKSample;
+using Type = qz::QZHKObjectType;
 using Reach = qz::QZHKChanges::Reach;
 
 /// What is longer lies in an index of its own as well, so that who asks for a day need not look through a month before
@@ -65,7 +66,8 @@ CREATE TABLE IF NOT EXISTS SampleChange (
   PRIMARY KEY (type, change)
 ) STRICT, WITHOUT ROWID;
 )";
-constexpr std::int64_t numSingleChanges = 64;
+/// An import of years, with a sample now and then, is that many at once.
+constexpr std::int64_t numSingleChanges = 2048;
 
 /// Which store it is, made up once, so that numbers of changes are never taken for those of another.
 constexpr const char* identityTable = R"(
@@ -125,6 +127,30 @@ std::optional<std::string_view> wordOf(const qz::QZHKSampleValue& value) {
   return std::nullopt;
 }
 
+/// The rings change with what they are made of.
+void includeRings(qz::QZHKChanges& since) {
+  const auto count = [&](Type part) {
+    if (const auto found = since.numbers.find(part); found != since.numbers.end())
+      since.numbers[Type::activitySummary] += found->second;
+  };
+  const auto includeVaguely = [&](Type part) {
+    if (const auto vague = since.vagueReaches.find(part); vague != since.vagueReaches.end())
+      since.includeVaguely(Type::activitySummary, vague->second);
+  };
+  for (const Type part : qz::ringValueTypes) {
+    count(part);
+    includeVaguely(part);
+    if (const auto found = since.reaches.find(part); found != since.reaches.end())
+      for (const Reach& reach : found->second) since.include(Type::activitySummary, reach);
+  }
+  for (const Type part : qz::ringGoalTypes) {
+    count(part);
+    includeVaguely(part);
+    if (const auto found = since.reaches.find(part); found != since.reaches.end() && !found->second.empty())
+      since.includeVaguely(Type::activitySummary, {found->second.front().earliest, qz::latestSampleMoment});
+  }
+}
+
 }  // namespace
 
 std::string SampleTable::definition() { return std::string(tables) + identityTable; }
@@ -159,10 +185,10 @@ SampleTable::SampleTable(Connection& connection)
       readIdentity_(connection, "SELECT identifier FROM SampleStore"),
       readChanges_(connection, "SELECT name, changed FROM SampleType"),
       writeChange_(connection, "UPDATE SampleType SET changed=? WHERE number=?"),
-      readReaches_(
-          connection,
-          "SELECT name, min(earliest), max(latest), count(*) FROM SampleChange JOIN SampleType ON number=type WHERE "
-          "change>? GROUP BY type"),
+      readReaches_(connection,
+                   "SELECT name, earliest, latest FROM SampleChange JOIN SampleType ON number=type WHERE change>? "
+                   "ORDER BY type, "
+                   "change DESC"),
       writeReach_(connection, "INSERT INTO SampleChange(type, change, earliest, latest) VALUES (?,?,?,?)"),
       findOldReach_(connection, fmt::format("SELECT change FROM SampleChange WHERE type=? ORDER BY change DESC LIMIT 1 "
                                             "OFFSET {}",
@@ -266,31 +292,32 @@ qz::QZHKChanges SampleTable::changesSince(std::int64_t number) {
   if (known.newest < number) number = 0;
   qz::QZHKChanges since{.store = identity(), .newest = known.newest};
   if (keepsReaches()) {
-    auto row = readReaches_.use();
-    row->bind(1, number);
-    while (row->step()) {
-      const auto type = qz::fromRawValue<Type>(row->text(0));
-      if (!type) continue;
-      since.include(*type, {moment(row->integer(1)), moment(row->integer(2))});
-      since.numbers.emplace(*type, row->integer(3));
-    }
+    readReaches(number, since);
   } else {
     for (const auto& [type, changed] : known.types) {
       if (changed <= number) continue;
-      since.include(type, {qz::earliestSampleMoment, qz::latestSampleMoment});
+      since.includeVaguely(type, {qz::earliestSampleMoment, qz::latestSampleMoment});
       since.numbers.emplace(type, 1);
     }
   }
-  const auto includeRing = [&](Type type, bool isGoal) {
-    const auto found = since.reaches.find(type);
-    if (found == since.reaches.end()) return;
-    const Reach reach = found->second;
-    since.include(Type::activitySummary, {reach.earliest, isGoal ? qz::latestSampleMoment : reach.latest});
-    since.numbers[Type::activitySummary] += since.numbers[type];
-  };
-  for (const Type type : qz::ringValueTypes) includeRing(type, false);
-  for (const Type type : qz::ringGoalTypes) includeRing(type, true);
+  includeRings(since);
   return since;
+}
+
+void SampleTable::readReaches(std::int64_t after, qz::QZHKChanges& since) {
+  auto row = readReaches_.use();
+  row->bind(1, after);
+  while (row->step()) {
+    const auto type = qz::fromRawValue<Type>(row->text(0));
+    if (!type) continue;
+    const Reach reach{moment(row->integer(1)), moment(row->integer(2))};
+    // The oldest one may hold many, or all that was before reaches were kept.
+    const bool isVague = ++since.numbers[*type] > numSingleChanges || reach.earliest == qz::earliestSampleMoment;
+    if (isVague)
+      since.includeVaguely(*type, reach);
+    else
+      since.include(*type, reach);
+  }
 }
 
 bool SampleTable::insert(const QZHKSample& sample) {
@@ -327,15 +354,19 @@ void SampleTable::remove(const qz::UniqueID& identifier, qz::QZHKChanges& change
 std::int64_t SampleTable::keepChange(const Reaches& changed) {
   if (!keepsReaches()) makeReaches();
   if (!hasTable("SampleStore")) connection_.execute(identityTable);
-  const std::int64_t number = connection_.integer("SELECT ifnull(max(changed), 0) + 1 FROM SampleType");
-  for (const auto& [type, reach] : changed) {
+  const std::int64_t before = connection_.integer("SELECT ifnull(max(changed), 0) FROM SampleType");
+  std::int64_t newest = before + 1;
+  for (const auto& [type, reaches] : changed) {
+    std::int64_t number = before;
+    for (const Reach& reach : reaches) keepReach(numberOf(type), ++number, reach);
+    foldReaches(numberOf(type));
+    newest = std::max(newest, number);
     auto row = writeChange_.use();
     row->bind(1, number);
     row->bind(2, numberOf(type));
     row->step();
-    keepReach(numberOf(type), number, reach);
   }
-  return number;
+  return newest;
 }
 
 std::optional<qz::UniqueID> SampleTable::identity() {
@@ -371,6 +402,9 @@ void SampleTable::keepReach(std::int64_t type, std::int64_t change, const Reach&
   row->bind(3, stored(reach.earliest));
   row->bind(4, stored(reach.latest));
   row->step();
+}
+
+void SampleTable::foldReaches(std::int64_t type) {
   std::int64_t last = 0;
   {
     auto old = findOldReach_.use();

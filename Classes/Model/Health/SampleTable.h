@@ -13,6 +13,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace habitra {
 
@@ -22,7 +23,7 @@ namespace habitra {
 class SampleTable {
  public:
   using Type = qz::QZHKObjectType;
-  using Reaches = std::map<Type, qz::QZHKChanges::Reach>;
+  using Reaches = std::map<Type, std::vector<qz::QZHKChanges::Reach>>;
   using Reader = std::function<void(const qz::QZHKSample&)>;
 
   /// Which types have changed since some change of the store.
@@ -58,8 +59,8 @@ class SampleTable {
   bool insert(const qz::QZHKSample& sample);
   /// Adds what was removed to `changed`; nothing when there is no such sample.
   void remove(const qz::UniqueID& identifier, qz::QZHKChanges& changed);
-  /// Says that samples of these types have come or gone, and over which time they reach. Gives the number of the
-  /// change.
+  /// Says that samples of these types have come or gone, and over which times they reach: each of them is a change with
+  /// a number of its own. Gives the number of the last.
   std::int64_t keepChange(const Reaches& changed);
   /// After a rollback: lets go of numbers that were given in it.
   void forget();
@@ -76,6 +77,9 @@ class SampleTable {
   [[nodiscard]] bool hasTable(std::string_view name);
   void makeReaches();
   void keepReach(std::int64_t type, std::int64_t change, const qz::QZHKChanges::Reach& reach);
+  /// Puts those together that are too many to be told apart.
+  void foldReaches(std::int64_t type);
+  void readReaches(std::int64_t after, qz::QZHKChanges& since);
   [[nodiscard]] std::optional<std::int64_t> findType(Type type);
   [[nodiscard]] std::int64_t numberOf(Type type);
   [[nodiscard]] std::int64_t numberOf(const Origin& origin);

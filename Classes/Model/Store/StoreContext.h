@@ -287,6 +287,8 @@ class StoreContext {
   [[nodiscard]] std::optional<std::string> healthAnchor(ObjectID task);
   /// Keeps a text for the task in place of an earlier one; written by save(), and gone with the task. Begins a unit.
   void setHealthAnchor(ObjectID task, std::string_view anchor);
+  /// Keeps none any more, likewise; changes nothing where there is none.
+  void removeHealthAnchor(ObjectID task);
 
   // History
 

@@ -241,6 +241,14 @@ void StoreContext::setHealthAnchor(ObjectID task, std::string_view anchor) {
   });
 }
 
+void StoreContext::removeHealthAnchor(ObjectID task) {
+  if (!healthAnchor(task)) return;
+  parts_->writing([&] {
+    parts_->healthAnchors.remove(task);
+    parts_->hasOwnRows = true;
+  });
+}
+
 void StoreContext::readTransactions(std::int64_t afterSequence, RowSink<StoredTransaction> transaction,
                                     std::int64_t limit) {
   parts_->beginView();

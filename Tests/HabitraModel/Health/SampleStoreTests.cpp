@@ -21,6 +21,7 @@ using U = QZHKUnit;
 using O = QZHKStatisticsOption;
 using Reason = QZHealthStoreError::Reason;
 using Samples = std::vector<QZHKSample>;
+using Reaches = std::vector<QZHKChanges::Reach>;
 
 bool comesBefore(const QZHKSample& a, const QZHKSample& b) {
   return std::tie(a.start, a.identifier) < std::tie(b.start, b.identifier);
@@ -77,18 +78,38 @@ TEST_F(SampleStoreTest, TellsOverWhichTimeChangesReach) {
   save(store, {steps(1, 100, 105), steps(2, -5000, -4990),
                sample(3, T::activeEnergyGoal, 7, 7, QZHKQuantity{400, U::kilocalorie})});
   const QZHKChanges first = store.changesSince(0);
-  EXPECT_EQ(first.reaches.at(T::stepCount), reach(-5000, 105));
-  EXPECT_EQ(first.reaches.at(T::activitySummary), (QZHKChanges::Reach{minute(7), latestSampleMoment}));
+  EXPECT_EQ(first.reaches.at(T::stepCount), (Reaches{reach(-5000, -4990), reach(100, 105)})) << "days lie between";
+  EXPECT_EQ(first.vagueReaches,
+            (std::map<T, QZHKChanges::Reach>{{T::activitySummary, {minute(7), latestSampleMoment}}}));
   save(store, {steps(1, 100, 105)});
   EXPECT_EQ(store.changesSince(0), first) << "nothing new";
 
   store.remove(std::vector{identifier(2)});
   const QZHKChanges second = open().changesSince(first.newest);
-  EXPECT_EQ(second.reaches, (std::map<T, QZHKChanges::Reach>{{T::stepCount, reach(-5000, -4990)}}));
-  for (std::uint32_t number = 0; number < 200; ++number) save(store, {steps(1000 + number, 200, 201 + number)});
-  EXPECT_EQ(store.changesSince(second.newest + 195).reaches.at(T::stepCount), reach(200, 400));
-  EXPECT_EQ(store.changesSince(second.newest).reaches.at(T::stepCount), reach(-5000, 400)) << "more than it was";
-  EXPECT_EQ(store.changesSince(999'999).reaches.at(T::stepCount), reach(-5000, 400)) << "of another store";
+  EXPECT_EQ(second.reaches, (std::map<T, Reaches>{{T::stepCount, {reach(-5000, -4990)}}}));
+  EXPECT_EQ(second.vagueReaches, (std::map<T, QZHKChanges::Reach>{}));
+  save(store, {steps(4, 110, 120)});
+  EXPECT_EQ(store.changesSince(second.newest).reaches.at(T::stepCount), Reaches{reach(110, 120)});
+  EXPECT_EQ(store.changesSince(0).reaches.at(T::stepCount), (Reaches{reach(-5000, -4990), reach(100, 120)}));
+}
+
+TEST_F(SampleStoreTest, TellsOnlySoManyChangesApart) {
+  constexpr std::int64_t twoDays = 2880;
+  constexpr std::int64_t apart = 2048;
+  SampleStore store = open();
+  save(store, {steps(1, 0, 5)});
+  const std::int64_t first = store.changesSince(0).newest;
+  Samples years;
+  for (std::int64_t number = 1; number <= apart + 10; ++number)
+    years.push_back(steps(static_cast<std::uint32_t>(number + 1), number * twoDays, number * twoDays + 5));
+  save(store, years);
+  const QZHKChanges all = store.changesSince(first);
+  EXPECT_EQ(all.reaches.at(T::stepCount).size(), std::size_t{apart});
+  EXPECT_EQ(all.reaches.at(T::stepCount).front().earliest, minute(11 * twoDays));
+  EXPECT_EQ(all.vagueReaches.at(T::stepCount), (QZHKChanges::Reach{minute(0), minute(10 * twoDays + 5)}))
+      << "more than it was";
+  EXPECT_EQ(store.changesSince(999'999), all) << "of another store";
+  EXPECT_EQ(store.changesSince(all.newest).numbers, (std::map<T, std::int64_t>{}));
 }
 
 TEST_F(SampleStoreTest, NumbersOfChangesAreThoseOfOneStore) {

@@ -1,4 +1,5 @@
 #include <HabitraModel/Tasks/Processing/HealthNews.h>
+#include <HabitraModel/Tasks/TaskPauses.h>
 
 #include "AutomaticTask.h"
 
@@ -37,9 +38,12 @@ class HealthNewsTest : public AutomaticTask {
 
 TEST_F(HealthNewsTest, AnAnchorIsReadAsItWasWrittenOrNotAtAll) {
   const auto store = qz::UniqueID::generate(clock_->now());
-  for (const HealthAnchor& anchor : {HealthAnchor{store, 17, {O::stepCount, O::workout}}, HealthAnchor{}})
+  for (const HealthAnchor& anchor :
+       {HealthAnchor{store, 17, {O::stepCount, O::workout}, "runOrWalk/km//all", YYYYMMDD(2024, 2, 20)},
+        HealthAnchor{}})
     EXPECT_EQ(HealthAnchor::fromText(anchor.text()), anchor);
-  for (const char* text : {"", "17", "- x stepCount", "- -1 ", "- 1 steps", "store 1 stepCount"})
+  for (const char* text :
+       {"", "17", "- x stepCount", "- -1 ", "- 1 steps", "store 1 stepCount", "- 1 stepCount a 20240230"})
     EXPECT_EQ(HealthAnchor::fromText(text), std::nullopt) << text;
 }
 
@@ -95,8 +99,7 @@ TEST_F(HealthNewsTest, ATaskThatIsNewHereBeginsWithWhatIsThere) {
 }
 
 TEST_F(HealthNewsTest, AnotherStoreIsLookedThroughAndDecidesWhatItCan) {
-  walk("2024-02-05", 12'000);
-  walk("2024-02-06", 12'000);
+  for (const char* day : {"2024-02-05", "2024-02-06", "2024-02-07"}) walk(day, 12'000);
   pass(steps_);
   health_ = SampleStore::inMemory();
   pass(steps_);
@@ -105,9 +108,47 @@ TEST_F(HealthNewsTest, AnotherStoreIsLookedThroughAndDecidesWhatItCan) {
   walk("2024-02-08", 12'000);
   pass(steps_);
   EXPECT_EQ(day(5), reached_) << "of this day it knows nothing";
+  EXPECT_EQ(day(7), reached_) << "nor of one between others";
   EXPECT_EQ(day(6), (Log{"completedAutomaticallyPartial", "missedAutomaticallyFull"}));
   EXPECT_EQ(day(8), reached_);
   EXPECT_EQ(anchor()->store, health_->changesSince(0).store);
+}
+
+TEST_F(HealthNewsTest, DaysBetweenThoseThatSamplesCameForStayAsTheyAre) {
+  TaskEntity& brought = addSteps();
+  brought.created = at("2024-01-31T12:00:00Z");
+  context_->save({});
+  const auto bring = [&](int number, TaskLogEntryType type, double steps) {
+    auto entry = this->entry(brought, type, YYYYMMDD(2024, 2, number));
+    entry.progressPct = steps / 10'000;
+    entry.progressValue = steps;
+    record(brought, {entry});
+  };
+  bring(6, TaskLogEntryType::completedAutomaticallyFull, 10'000);
+  bring(8, TaskLogEntryType::completedAutomaticallyPartial, 4000);
+  bring(9, TaskLogEntryType::completedAutomaticallyFull, 10'000);
+  pass(brought);
+  const Log before = log(brought);
+  const auto late = [this](const char* day) {
+    return qz::QZHKSample{.identifier = qz::UniqueID::generate(clock_->now()),
+                          .objectType = O::stepCount,
+                          .start = at(std::string(day) + "T10:00:00Z"),
+                          .end = at(std::string(day) + "T10:10:00Z"),
+                          .value = qz::QZHKQuantity{12'000, U::count},
+                          .source = "Watch",
+                          .device = std::nullopt,
+                          .task = std::nullopt};
+  };
+  const std::vector both{late("2024-02-07"), late("2024-02-12")};
+  health_->save(both);
+  pass(brought);
+  EXPECT_EQ(day(7, &brought), reached_);
+  EXPECT_EQ(day(9, &brought), reached_);
+  EXPECT_EQ(day(12, &brought), reached_);
+  const std::vector<qz::UniqueID> gone{both[0].identifier, both[1].identifier};
+  health_->remove(gone);
+  pass(brought);
+  EXPECT_EQ(log(brought), before) << "an import that is undone leaves no trace";
 }
 
 TEST_F(HealthNewsTest, AnOlderStateOfTheStoreIsLookedThrough) {
@@ -144,6 +185,37 @@ TEST_F(HealthNewsTest, OtherKindsOfDataJudgeNoPast) {
   pass(steps_);
   EXPECT_EQ(day(6), missed_);
   EXPECT_EQ(day(7), reached_);
+}
+
+/// What was reached in one measure is no amount of another.
+TEST_F(HealthNewsTest, ANewMeasureTakesNothingBack) {
+  TaskEntity& water = addTask(HealthType::dietaryDrinkWater, 2000, TypeUnit::millilitres);
+  pass(water);
+  measure(O::dietaryWater, "2024-02-20T09:00:00Z", 0, qz::QZHKQuantity{2.5, U::litre});
+  pass(water);
+  liveUntil("2024-02-21T12:00:00Z");
+  pass(water);
+  EXPECT_EQ(day(20, &water), reached_);
+  const auto measureBy = [&](HealthType::Case type, double quantity, TypeUnit unit) {
+    setAutomaticType(
+        water,
+        AutomaticTaskType{.type = AutomaticTaskType::TaskType::healthKit(type), .quantity = quantity, .unit = unit});
+    context_->save({});
+  };
+  measureBy(HealthType::dietaryDrinkWater, 3, TypeUnit::litres);
+  for (int passes = 0; passes < 2; ++passes) {
+    pass(water);
+    EXPECT_EQ(day(20, &water), reached_);
+  }
+  measure(O::dietaryWater, "2024-02-20T10:00:00Z", 0, qz::QZHKQuantity{0.1, U::litre});
+  pass(water);
+  EXPECT_EQ(day(20, &water), reached_) << "late data count towards another target";
+  measure(O::distanceCycling, "2024-02-20T18:00:00Z", 30, qz::QZHKQuantity{4, U::kilometre});
+  measureBy(HealthType::cycle, 5, TypeUnit::distanceKm);
+  for (int passes = 0; passes < 2; ++passes) {
+    pass(water);
+    EXPECT_EQ(day(20, &water), reached_);
+  }
 }
 
 TEST_F(HealthNewsTest, WhatSaysNothingNewIsWrittenDownSeldom) {
@@ -185,6 +257,53 @@ TEST_F(HealthNewsTest, ADayWhoseEntryIsGoneIsJudgedWhenOnlyLateDataLookAtIt) {
   pass(steps_);
   EXPECT_EQ(day(5), missed_) << "no sample is left, and none was enough";
   EXPECT_FALSE(pass(steps_).taskWasUpdated);
+}
+
+TEST_F(HealthNewsTest, WhatCameWhileATaskWasDoneByHandIsNotLate) {
+  walk("2024-02-05", 12'000);
+  pass(steps_);
+  const auto type = automaticTypeOf(steps_).value();
+  const auto measureBy = [&](const std::optional<AutomaticTaskType>& by) {
+    setAutomaticType(steps_, by);
+    context_->save({});
+  };
+  measureBy(std::nullopt);
+  clock_->advance(std::chrono::hours(24));
+  pass(steps_);
+  EXPECT_EQ(anchor(), std::nullopt);
+  walk("2024-02-06", 12'000);
+  measureBy(type);
+  pass(steps_);
+  EXPECT_EQ(day(6), missed_) << "it was judged by hand";
+  walk("2024-02-07", 12'000);
+  pass(steps_);
+  EXPECT_EQ(day(7), reached_);
+}
+
+/// To avoid, some days a week, with a pause on Thursday.
+TEST_F(HealthNewsTest, ALateFailureLeavesNoHoleInTheDaysThatFollow) {
+  const auto add = [this] {
+    TaskEntity& task = addSteps(1000, true);
+    task.created = at("2024-01-31T12:00:00Z");
+    setFrequency(task, {.dayMode = TaskFrequency::DayMode::numberOfDaysInWeek, .numCompletions = 5});
+    setPauses(*context_, task, {{.from = YYYYMMDD(2024, 2, 8), .to = YYYYMMDD(2024, 2, 8)}});
+    context_->save({});
+    return &task;
+  };
+  TaskEntity& late = *add();
+  pass(late);
+  const Log paused = day(8, &late);
+  ASSERT_EQ(paused, Log{"skippedAutomaticallyFull"});
+  walk("2024-02-05", 2000);
+  pass(late);
+  EXPECT_EQ(day(5, &late).size(), 1u);
+  EXPECT_EQ(day(8, &late), paused);
+  const auto sequence = context_->sequence();
+  EXPECT_FALSE(pass(late).taskWasUpdated);
+  EXPECT_EQ(context_->sequence(), sequence);
+  TaskEntity& atOnce = *add();
+  pass(atOnce);
+  EXPECT_EQ(log(late), log(atOnce));
 }
 
 /// What only happens, several times a day.

@@ -22,16 +22,19 @@ class TroubledHealthStore final : public qz::QZHealthStore {
  public:
   std::function<void()> beforeReading = [] {};
   bool isReachable = true;
+  bool answersWhetherThereAreData = true;
+  mutable int figuresAsked = 0;
   int refusals = 0;                 ///< of observations to come
   std::vector<qz::UniqueID> asked;  ///< to be observed
 
   [[nodiscard]] bool isHealthDataAvailable() const noexcept override {
-    return isReachable && store_->isHealthDataAvailable();
+    return isReachable && answersWhetherThereAreData && store_->isHealthDataAvailable();
   }
   [[nodiscard]] std::vector<qz::QZHKSample> samples(const qz::QZHKSampleQuery& query) const override {
     return store_->samples(query);
   }
   [[nodiscard]] qz::QZHKStatistics statistics(const qz::QZHKStatisticsQuery& query) const override {
+    ++figuresAsked;
     beforeReading();
     return store_->statistics(query);
   }
@@ -115,6 +118,11 @@ TEST_F(HealthTrouble, LeavesATaskAsItIsUntilItsDataCanBeRead) {
         EXPECT_TRUE(fails());
       },
       [&] {
+        health_.answersWhetherThereAreData = false;
+        health_.beforeReading = [] { TroubledHealthStore::fail(); };
+        EXPECT_TRUE(fails()) << "it told of changes, and could be read no more then";
+      },
+      [&] {
         health_.isReachable = false;
         EXPECT_TRUE(fails()) << "it has no data by its own word";
         context_->beginUnit();
@@ -144,6 +152,7 @@ TEST_F(HealthTrouble, LeavesATaskAsItIsUntilItsDataCanBeRead) {
     EXPECT_EQ(plain.lastProcessedDate, clock_->now()) << "others go on";
     health_.beforeReading = [] {};
     health_.isReachable = true;
+    health_.answersWhetherThereAreData = true;
     EXPECT_FALSE(fails());
     EXPECT_EQ(dayOf(task, std::to_string(storedDay(late))), "completedAutomaticallyFull");
     late = late.nextDay();
@@ -151,6 +160,35 @@ TEST_F(HealthTrouble, LeavesATaskAsItIsUntilItsDataCanBeRead) {
   const auto sequence = context_->sequence();
   EXPECT_EQ(pass().changed, 0u);
   EXPECT_EQ(context_->sequence(), sequence);
+}
+
+TEST_F(HealthTrouble, YearsThatChangeNothingAreMeasuredOnce) {
+  AutomaticTaskType type{.type = AutomaticTaskType::TaskType::healthKit(HealthType::workout),
+                         .quantity = 30,
+                         .unit = TypeUnit::durationMinutes};
+  type.extra.emplace().workoutTypes = {WorkoutType::cycling};
+  addAutomatic(type);
+  clock_->set(at("2024-06-20T12:00:00Z"));
+  const auto run = [this](YYYYMMDD day) {
+    const qz::Moment start = at(day.debugDescription() + "T10:00:00Z");
+    return qz::QZHKSample{.identifier = qz::UniqueID::generate(clock_->now()),
+                          .objectType = O::workout,
+                          .start = start,
+                          .end = start + std::chrono::minutes(30),
+                          .value = qz::QZHKWorkout{WorkoutType::running, {}, {}},
+                          .source = "Watch",
+                          .device = std::nullopt,
+                          .task = std::nullopt};
+  };
+  health_.save(std::vector{run(YYYYMMDD(2024, 2, 1))});
+  pass();
+  std::vector<qz::QZHKSample> runs;
+  for (int day = 0; day < 20; ++day) runs.push_back(run(YYYYMMDD(2024, 2, 5).add(day)));
+  health_.save(runs);
+  EXPECT_EQ(pass().changed, 0u);
+  health_.figuresAsked = 0;
+  EXPECT_EQ(pass().changed, 0u);
+  EXPECT_LE(health_.figuresAsked, 3) << "of the last days alone";
 }
 
 TEST_F(HealthTrouble, WhatCouldNotBeObservedIsTriedAgainWithEachPassUntilItCan) {

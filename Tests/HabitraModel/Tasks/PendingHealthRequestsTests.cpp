@@ -214,6 +214,28 @@ TEST_F(PendingHealthRequestsTest, OnePassFollowsOnceTheHealthStoreHasChanged) {
   EXPECT_EQ(context_->sequence(), sequence);
 }
 
+TEST_F(PendingHealthRequestsTest, WhatFollowsInTheTasksWaitsWhilePassesAreHeld) {
+  const auto processor = processorWithHealth();
+  processor->applicationDidFinishLaunching(TaskProcessor::Lifetime::command);
+  mainQueue_.drain();
+  {
+    const TaskProcessor::BulkDataUpdate update(*processor);
+    drink(0.5);
+    const auto sequence = context_->sequence();
+    const auto before = log(water_);
+    processor->processPendingHealthKitRequests(*context_);
+    EXPECT_EQ(litres(), std::vector{0.5});
+    EXPECT_EQ(log(water_), before);
+    processor->waitForPasses();
+    context_->refresh();
+    EXPECT_EQ(log(water_), before);
+    EXPECT_LE(context_->sequence(), sequence + 1) << "of the request alone";
+  }
+  processor->waitForPasses();
+  context_->refresh();
+  EXPECT_EQ(log(water_).back(), "20240131 completedAutomaticallyPartial");
+}
+
 TEST_F(PendingHealthRequestsTest, WhatAHealthStoreHasIsAskedOfIt) {
   setAutomaticType(water_,
                    AutomaticTaskType{.type = AutomaticTaskType::TaskType::healthKit(HealthType::handwashingEvent)});

@@ -194,14 +194,36 @@ TEST_F(Passes, OfTimersRunWhenTheyAreDueInWhateverProcessAsksThen) {
   EXPECT_EQ(log(other).size(), 1u);
 }
 
-TEST(PassesOfAHome, GoOnWhereWhatIsDueCannotBeRead) {
-  const TemporaryFolder folder;
+/// A program whose defaults lie in a file.
+class PassesOfAHome : public testing::Test {
+ protected:
   struct Program : TestProgram {
     explicit Program(const std::filesystem::path& home)
         : TestProgram(at("2024-01-31T12:00:00Z"), DataManager::storeLocation(home)) {}
     TaskProcessor& processor() { return processor_; }
   };
-  Program program(folder / "home");
+  const TemporaryFolder folder;
+  Program program{folder / "home"};
+};
+
+TEST_F(PassesOfAHome, TryAgainLaterToTakeWhatIsDueButCannotBeTaken) {
+  TaskProcessor& processor = program.processor();
+  const qz::Moment due = at("2024-01-31T12:00:00Z");
+  processor.scheduleTimerFinished(qz::UniqueID::generate(due), due);
+  const std::filesystem::path inTheWay = folder / "home" / (std::string(KeyValueDefaults::standardFileName) + ".new");
+  std::filesystem::create_directory(inTheWay);
+  for (const qz::Moment now : {due + std::chrono::seconds(5), due + std::chrono::seconds(70)}) {
+    processor.runDueBackgroundTasks(now);
+    EXPECT_EQ(processor.nextBackgroundTask(), now + std::chrono::minutes(1));
+  }
+  std::filesystem::remove(inTheWay);
+  processor.runDueBackgroundTasks(due + std::chrono::seconds(130));
+  EXPECT_EQ(processor.nextBackgroundTask(), std::nullopt);
+  processor.scheduleTimerFinished(qz::UniqueID::generate(due), due);
+  EXPECT_EQ(processor.nextBackgroundTask(), due);
+}
+
+TEST_F(PassesOfAHome, GoOnWhereWhatIsDueCannotBeRead) {
   program.processor().scheduleTimerFinished(qz::UniqueID::generate(at("2024-01-31T12:00:00Z")),
                                             at("2024-01-31T12:00:00Z"));
   EXPECT_TRUE(program.processor().nextBackgroundTask());

@@ -16,10 +16,12 @@ class HealthAnchorTable {
 
   [[nodiscard]] std::optional<std::string> read(ObjectID task);
   void write(ObjectID task, std::string_view anchor);
+  void remove(ObjectID task);
 
  private:
   Query read_;
   Query write_;
+  Query remove_;
 };
 
 }  // namespace habitra

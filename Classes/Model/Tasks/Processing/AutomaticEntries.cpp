@@ -1,4 +1,3 @@
-#include <HabitraCore/FollowingEntries.h>
 #include <HabitraCore/ReportedAmount.h>
 #include <HabitraCore/TaskLogEntryChoice.h>
 #include <HabitraModel/Mapping/LogEntryMapping.h>
@@ -19,13 +18,6 @@ using Type = TaskLogEntryType;
 
 /// Of entries that are not in the log yet, which come after all that are.
 constexpr std::int64_t newOrder = std::numeric_limits<std::int64_t>::max() - 1;
-
-/// Whether a person decided the period, or a past that was judged was sealed with it.
-bool stands(const LoggedEntry& entry, bool isNegative) {
-  if (!isFull(entry.entryType)) return false;
-  if (!isAutomatic(entry.entryType)) return true;
-  return entry.entryType == Type::completedAutomaticallyFull && (isNegative || !(entry.progress > 0));
-}
 
 }  // namespace
 
@@ -57,7 +49,7 @@ struct AutomaticEntries::Said {
 struct AutomaticEntries::Finding {
   bool hasData = false;
   bool isReached = false;
-  bool addsUp = false;  ///< its amount only grows with the data
+  bool moreIsNearer = false;  ///< to the target
   double measured = 0.0;
   double measuredAlone = 0.0;  ///< without what entries by hand stand for already
   double amount = 0.0;         ///< with what people said
@@ -74,7 +66,7 @@ AutomaticEntries::AutomaticEntries(StoreContext& context, const TaskEntity& task
       now_(now),
       filledIn_(context, task, assessment.rules) {}
 
-void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
+void AutomaticEntries::add(const PeriodOfLog& period, const PeriodNews& news) {
   const auto health = type_.type.healthType();
   if (period.isOpen && health && health->isFluctuating()) return;
   if (task_.isNegative && period.isPaused) return;
@@ -84,8 +76,9 @@ void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
                    period.period.startDate.debugDescription());
     return;
   }
-  if (mayHaveChanged && !period.isOpen && !standing.hasFull) touch(period.period.startDate);
   const Finding finding = find(period);
+  const bool hasNews = news.hasChanged || (news.mayHaveChanged && finding.hasData);
+  if (hasNews && !period.isOpen && !standing.hasFull) touch(period.period.startDate);
   const bool isJudged = !period.isOpen && standing.hasFull;
   // Of an amount of 0 only an entry tells whether it was measured.
   const bool isKnown = finding.amount != 0 || finding.hasData == standing.hasOwn();
@@ -94,9 +87,10 @@ void AutomaticEntries::add(const PeriodOfLog& period, bool mayHaveChanged) {
     decide(period, standing, finding);
     return;
   }
-  // A completion of the past was given for the target of its time; more of the same does not speak against it.
-  if (isJudged && finding.addsUp && !standing.fulls.empty() && finding.amount > standing.amount()) return;
-  if (!finding.hasData && !mayHaveChanged) return;
+  // What was reached in the past was so for the target of its time; more of the same does not speak against it.
+  const bool isMore = finding.moreIsNearer && finding.amount > standing.amount();
+  if (isJudged && !standing.fulls.empty() && (isMore || news.isOfOtherMeasure)) return;
+  if (!finding.hasData && !news.hasChanged) return;
   for (const LoggedEntry& full : standing.fulls) takeBack(period, full);
   carry(period, standing, finding);
 }
@@ -125,16 +119,19 @@ void AutomaticEntries::allowFailures() {
 }
 
 bool AutomaticEntries::isOwnFull(const LoggedEntry& entry) const {
-  if (!(entry.progress > 0)) return false;  // filled in
-  if (!task_.isNegative) return entry.entryType == Type::completedAutomaticallyFull;
-  return entry.entryType == Type::missedAutomaticallyFull || entry.entryType == Type::allowableMissAutomaticallyFull;
+  return isMeasured(entry) && (entry.entryType == Type::completedAutomaticallyFull) != task_.isNegative;
+}
+
+bool AutomaticEntries::isDecidedOtherwise(const LoggedEntry& entry) const {
+  const bool isSeal = entry.entryType == Type::completedAutomaticallyFull && !isOwnFull(entry);
+  return isFull(entry.entryType) && (isSeal || !isAutomatic(entry.entryType));
 }
 
 AutomaticEntries::Standing AutomaticEntries::standing(const PeriodOfLog& period) const {
   const Type partial = task_.isNegative ? Type::missedAutomaticallyPartial : Type::completedAutomaticallyPartial;
   Standing standing;
   for (const LoggedEntry& entry : period.entries) {
-    standing.isDecidedOtherwise = standing.isDecidedOtherwise || stands(entry, task_.isNegative);
+    standing.isDecidedOtherwise = standing.isDecidedOtherwise || isDecidedOtherwise(entry);
     standing.hasFull = standing.hasFull || isFull(entry.entryType);
     if (isOwnFull(entry)) standing.fulls.push_back(entry);
     if (entry.entryType == partial) standing.partials.push_back(entry);
@@ -153,9 +150,12 @@ AutomaticEntries::Finding AutomaticEntries::find(const PeriodOfLog& period) cons
                   .measured = measured.amount,
                   .measuredAlone = measured.amount,
                   .amount = measured.amount};
-  finding.addsUp = family == MeasurementFamily::amount || family == MeasurementFamily::samples ||
-                   family == MeasurementFamily::screenTime;
-  if (finding.addsUp && measured.hasData) {
+  const bool addsUp = family == MeasurementFamily::amount || family == MeasurementFamily::samples ||
+                      family == MeasurementFamily::screenTime;
+  // Of several nights it is counted how many were as they should be.
+  finding.moreIsNearer =
+      addsUp || family == MeasurementFamily::rings || (family == MeasurementFamily::bedtime && !isSingleDay);
+  if (addsUp && measured.hasData) {
     const Said said = saidByHand(period, needed);
     finding.amount = said.with(measured.amount);
     finding.measuredAlone -= said.inHealthStore;
@@ -263,19 +263,18 @@ void AutomaticEntries::record(const PeriodOfLog& period, Type type, const Findin
   plan_.revision.added.push_back(loggedEntry(row));
   for (const LoggedEntry& entry : period.entries)
     if (entry.order != rawValue(row.objectID) && supersedes(type, entry.entryType)) remove(entry);
-  refute(period, type, day);
+  refute(period, day);
   touch(period.period.startDate);
 }
 
 void AutomaticEntries::takeBack(const PeriodOfLog& period, const LoggedEntry& entry) {
-  if (const auto day = existingDayFromStored(entry.entryDate)) refute(period, entry.entryType, *day);
+  if (const auto day = existingDayFromStored(entry.entryDate)) refute(period, *day);
   remove(entry);
   if (task_.isNegative && isFull(entry.entryType)) plan_.failures.insert(period.period.finishDate);
   touch(period.period.startDate);
 }
 
-void AutomaticEntries::refute(const PeriodOfLog& period, Type type, qz::YYYYMMDD day) {
-  if (followsFromEarlierDays(type)) return;
+void AutomaticEntries::refute(const PeriodOfLog& period, qz::YYYYMMDD day) {
   for (const LoggedEntry& entry : period.entries)
     if (isFilledIn(entry)) remove(entry);
   decided_.insert(day);

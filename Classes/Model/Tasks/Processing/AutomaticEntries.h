@@ -3,6 +3,7 @@
 #include <HabitraCore/AutomaticTaskType/AutomaticTaskType.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
+#include <HabitraModel/Tasks/Processing/HealthNews.h>
 #include <HabitraModel/Tasks/Processing/TaskAssessment.h>
 #include <HabitraModel/Tasks/Recording/FilledInEntries.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
@@ -38,10 +39,11 @@ struct AutomaticPlan {
 /// - An amount that falls again (a balance of energies) decides a period only when it is over.
 /// - What data no longer say is deleted, since it was derived from them: where samples came or went, or where there are
 ///   samples that say less. Where there are none, and never were as far as is known here, a log that was brought along
-///   from elsewhere stands. A judged period of the past is looked at again only when its amount is another one, so that
-///   a new target leaves it as it was.
-/// - A period that is over, has no full entry and may have changed is judged again by what is in it, with or without
-///   data: a skip or miss that it lacks is filled in.
+///   from elsewhere stands. A judged period of the past is looked at again only when its amount is another one, and
+///   what was reached stays where it is more, so that a new target leaves it as it was. It stays as well where the
+///   period was over before the task was measured as it is: amounts of another unit say nothing against it.
+/// - A period that is over, has no full entry and has data or has changed is judged again by what is in it: a skip or
+///   miss that it lacks is filled in.
 ///
 /// Reads the store and the health store, and writes nothing. Belongs to the queue of its context.
 class AutomaticEntries {
@@ -50,8 +52,8 @@ class AutomaticEntries {
   AutomaticEntries(StoreContext& context, const TaskEntity& task, const TaskAssessment& assessment,
                    const AutomaticTaskType& type, const HealthMeasuring& measuring, qz::Moment now);
 
-  /// Plans a period. `mayHaveChanged`: samples of it came or went.
-  void add(const PeriodOfLog& period, bool mayHaveChanged);
+  /// Plans a period.
+  void add(const PeriodOfLog& period, const PeriodNews& news);
 
   /// Lets go what followed from the days that are decided anew, lets each failure say whether it lies within the
   /// allowance, and gives the plan.
@@ -62,7 +64,10 @@ class AutomaticEntries {
   struct Said;
   struct Finding;
 
+  /// Whether data said that the period is done, or failed.
   [[nodiscard]] bool isOwnFull(const LoggedEntry& entry) const;
+  /// Whether a person decided the period, or a past that was judged was sealed with it.
+  [[nodiscard]] bool isDecidedOtherwise(const LoggedEntry& entry) const;
   [[nodiscard]] Standing standing(const PeriodOfLog& period) const;
   [[nodiscard]] Finding find(const PeriodOfLog& period) const;
   [[nodiscard]] Said saidByHand(const PeriodOfLog& period, double needed) const;
@@ -75,9 +80,9 @@ class AutomaticEntries {
   void record(const PeriodOfLog& period, TaskLogEntryType type, const Finding& finding, const LoggedEntry* inPlace,
               std::optional<qz::UniqueID> uniqueId);
   void takeBack(const PeriodOfLog& period, const LoggedEntry& entry);
-  /// What passes filled in for the period goes where an entry of this type is made or taken back, and what follows from
-  /// the day is looked at in the end.
-  void refute(const PeriodOfLog& period, TaskLogEntryType type, qz::YYYYMMDD day);
+  /// What passes filled in for the period goes where data make an entry or take one back, and what follows from the day
+  /// is looked at in the end.
+  void refute(const PeriodOfLog& period, qz::YYYYMMDD day);
   void remove(const LoggedEntry& entry);
   void touch(qz::YYYYMMDD day);
 

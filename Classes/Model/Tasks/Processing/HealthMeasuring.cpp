@@ -1,5 +1,8 @@
 #include <HabitraCore/AutomaticTaskType/ScreenTimeUse.h>
+#include <HabitraCore/RawValue.h>
 #include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <span>
@@ -59,6 +62,16 @@ std::vector<Type> HealthMeasuring::readTypes(const AutomaticTaskType& type) {
   return {};
 }
 
+std::string HealthMeasuring::yardstick() const {
+  const DataSource source = type_.dataSource.value_or(defaultDataSource(type_.type));
+  std::string word =
+      fmt::format("{}/{}/{}/{}", type_.type.rawValue(), type_.unit ? rawValue(*type_.unit) : std::string_view(),
+                  type_.speeds.storedText(), rawValue(source));
+  if (type_.extra)
+    for (const auto workout : type_.extra->workoutTypes) word += fmt::format("/{}", qz::rawValue(workout));
+  return word;
+}
+
 bool HealthMeasuring::holds(const qz::QZHKSample& sample) const {
   const std::vector<Type> types = readTypes();
   return std::ranges::find(types, sample.objectType) != types.end() && predicate_.matches(sample) &&
@@ -79,19 +92,9 @@ PeriodMeasurement HealthMeasuring::measure(const TaskFrequencyPeriod& period) co
   return screenTime(time);
 }
 
-std::optional<qz::YYYYMMDD::Range> HealthMeasuring::daysOf(const qz::QZHKChanges& changes) const {
-  std::optional<qz::QZHKChanges::Reach> reach;
-  for (const Type type : readTypes(type_)) {
-    const auto found = changes.reaches.find(type);
-    if (found == changes.reaches.end()) continue;
-    if (reach)
-      reach->include(found->second);
-    else
-      reach = found->second;
-  }
-  if (!reach) return std::nullopt;
+std::pair<qz::YYYYMMDD, qz::YYYYMMDD> HealthMeasuring::daysOf(const qz::QZHKChanges::Reach& reach) const {
   const std::chrono::hours lead = isOfNights() ? nightLead : std::chrono::hours(0);
-  return qz::YYYYMMDD::Range{calendar_.day(reach->earliest + lead), calendar_.day(reach->latest + lead)};
+  return {calendar_.day(reach.earliest + lead), calendar_.day(reach.latest + lead)};
 }
 
 bool HealthMeasuring::isOfNights() const {

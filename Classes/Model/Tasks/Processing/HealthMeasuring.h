@@ -9,6 +9,8 @@
 
 #include <optional>
 #include <set>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace habitra {
@@ -31,14 +33,18 @@ class HealthMeasuring {
 
   [[nodiscard]] std::vector<qz::QZHKObjectType> readTypes() const { return readTypes(type_); }
 
+  /// What amounts are amounts of, as one word: the type, its unit, what narrows it down and whose data count. The
+  /// target is none of it.
+  [[nodiscard]] std::string yardstick() const;
+
   /// Whether the health store has the sample, as one of those that are measured.
   [[nodiscard]] bool holds(const qz::QZHKSample& sample) const;
 
   /// REQUIRES: the type has a measurementFamily().
   [[nodiscard]] PeriodMeasurement measure(const TaskFrequencyPeriod& period) const;
 
-  /// The days of which changes of the store can alter a measurement; none where they cannot.
-  [[nodiscard]] std::optional<qz::YYYYMMDD::Range> daysOf(const qz::QZHKChanges& changes) const;
+  /// The first and the last day of which changes within this time can alter a measurement.
+  [[nodiscard]] std::pair<qz::YYYYMMDD, qz::YYYYMMDD> daysOf(const qz::QZHKChanges::Reach& reach) const;
 
  private:
   [[nodiscard]] bool isOfNights() const;

@@ -1,4 +1,5 @@
 #include <HabitraCore/RawValue.h>
+#include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/Processing/HealthNews.h>
 
 #include <fmt/format.h>
@@ -13,7 +14,7 @@ namespace {
 
 using Type = qz::QZHKObjectType;
 
-constexpr std::string_view noStore = "-";
+constexpr std::string_view nothing = "-";
 
 /// Takes what is before the next separator off the text; all of it when there is none.
 std::string_view takeWord(std::string_view& text, char separator) {
@@ -45,52 +46,91 @@ std::string HealthAnchor::text() const {
   std::vector<std::string_view> names;
   names.reserve(kinds.size());
   for (const Type kind : kinds) names.push_back(qz::rawValue(kind));
-  return fmt::format("{} {} {}", store ? store->text() : std::string(noStore), change, fmt::join(names, ","));
+  return fmt::format("{} {} {} {} {}", store ? store->text() : std::string(nothing), change, fmt::join(names, ","),
+                     yardstick, since ? std::to_string(storedDay(since)) : std::string(nothing));
 }
 
 std::optional<HealthAnchor> HealthAnchor::fromText(std::string_view text) {
   HealthAnchor anchor;
   const std::string_view store = takeWord(text, ' ');
-  if (store != noStore) {
+  if (store != nothing) {
     anchor.store = qz::UniqueID::fromText(store);
     if (!anchor.store) return std::nullopt;
   }
   const auto change = numberFrom(takeWord(text, ' '));
   if (!change) return std::nullopt;
   anchor.change = *change;
-  while (!text.empty()) {
-    const auto kind = qz::fromRawValue<Type>(takeWord(text, ','));
+  std::string_view kinds = takeWord(text, ' ');
+  while (!kinds.empty()) {
+    const auto kind = qz::fromRawValue<Type>(takeWord(kinds, ','));
     if (!kind) return std::nullopt;
     anchor.kinds.insert(*kind);
+  }
+  anchor.yardstick = takeWord(text, ' ');
+  if (!text.empty() && text != nothing) {
+    const auto day = numberFrom(text);
+    anchor.since = day ? existingDayFromStored(*day) : std::nullopt;
+    if (!anchor.since) return std::nullopt;
   }
   return anchor;
 }
 
 HealthNews::HealthNews(const qz::QZHealthStore& health, const HealthMeasuring& measuring,
-                       const std::optional<std::string>& kept) {
+                       const std::optional<std::string>& kept, qz::YYYYMMDD today) {
   const auto before = kept ? HealthAnchor::fromText(*kept) : std::nullopt;
+  if (before) since_ = before->since;
   qz::QZHKChanges changes = health.changesSince(before ? before->change : 0);
+  hasData_ = changes.newest > 0;
   // It may come back; a task waits for it as it is.
-  if (before && before->store && !changes.store && changes.newest == 0) return;
+  if (before && before->store && !changes.store && !hasData_) return;
   const std::vector<Type> types = measuring.readTypes();
-  const HealthAnchor now{.store = changes.store, .change = changes.newest, .kinds = {types.begin(), types.end()}};
+  HealthAnchor now{.store = changes.store,
+                   .change = changes.newest,
+                   .kinds = {types.begin(), types.end()},
+                   .yardstick = measuring.yardstick()};
+  const bool isOtherMeasure = before && (before->kinds != now.kinds || before->yardstick != now.yardstick);
+  if (isOtherMeasure) since_ = today;
+  now.since = since_;
   // A text that cannot be read says that something was taken into account, but not what.
-  begins_ = !kept || (before && before->kinds != now.kinds);
+  begins_ = !kept || isOtherMeasure;
   const bool goesOn = before && before->store == now.store && before->change <= now.change;
   if (!begins_) {
     if (before && !goesOn) changes = health.changesSince(0);
-    days_ = measuring.daysOf(changes);
+    findDays(measuring, changes, goesOn);
   }
   if (std::string text = now.text(); text != kept) anchor_ = std::move(text);
   mustBeKept_ = anchor_ && (begins_ || !goesOn || lookBack(changes, now.kinds) >= longestLookBack);
 }
 
-bool HealthNews::mayHaveChanged(const TaskFrequencyPeriod& period) const {
-  return days_ && *days_->minDate <= period.finishDate && period.startDate <= *days_->maxDate;
+void HealthNews::findDays(const HealthMeasuring& measuring, const qz::QZHKChanges& changes, bool goesOn) {
+  for (const Type type : measuring.readTypes()) {
+    if (const auto found = changes.reaches.find(type); found != changes.reaches.end())
+      for (const auto& reach : found->second) (goesOn ? changed_ : vaguelyChanged_).push_back(measuring.daysOf(reach));
+    if (const auto found = changes.vagueReaches.find(type); found != changes.vagueReaches.end())
+      vaguelyChanged_.push_back(measuring.daysOf(found->second));
+  }
+}
+
+std::optional<qz::YYYYMMDD> HealthNews::earliestDay() const {
+  std::optional<qz::YYYYMMDD> earliest;
+  for (const auto* all : {&changed_, &vaguelyChanged_})
+    for (const Days& days : *all) earliest = std::min(earliest.value_or(days.first), days.first);
+  return earliest;
+}
+
+PeriodNews HealthNews::of(const TaskFrequencyPeriod& period) const {
+  const auto holds = [&](const Days& days) {
+    return days.first <= period.finishDate && period.startDate <= days.second;
+  };
+  const bool hasChanged = std::ranges::any_of(changed_, holds);
+  return {.mayHaveChanged = hasChanged || std::ranges::any_of(vaguelyChanged_, holds),
+          .hasChanged = hasChanged,
+          .isOfOtherMeasure = since_ && period.finishDate < *since_};
 }
 
 void HealthNews::leave() {
-  days_.reset();
+  changed_.clear();
+  vaguelyChanged_.clear();
   if (begins_) return;
   anchor_.reset();
   mustBeKept_ = false;

@@ -187,7 +187,7 @@ void PendingHealthRequests::Pass::beforeChange() {
 
 void PendingHealthRequests::Pass::noteChanges() {
   if (!changeBefore_) return;
-  for (const auto& [type, reach] : healthStore_.changesSince(*changeBefore_).reaches) report_.changed.insert(type);
+  for (const auto& [type, number] : healthStore_.changesSince(*changeBefore_).numbers) report_.changed.insert(type);
 }
 
 PendingHealthRequests::PendingHealthRequests(qz::QZHealthStore& healthStore, KeyValueDefaults& standardDefaults)

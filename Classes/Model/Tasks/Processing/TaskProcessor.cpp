@@ -1,3 +1,4 @@
+#include <HabitraModel/Tasks/Processing/Attempt.h>
 #include <HabitraModel/Tasks/Processing/LastProcessedDates.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorClock.h>
@@ -77,19 +78,19 @@ void TaskProcessor::processAllTasks(Completion completion) {
 }
 
 TaskProcessorReport TaskProcessor::processTasks(const std::set<qz::UniqueID>& tasks, LayoutDirection layoutDirection) {
-  if (isHeldByMaintenance()) return {};
-  {
-    const std::lock_guard lock(mutex_);
-    if (performingBulkDataUpdate_ > 0) {
-      requestPass();
-      return {};
-    }
-  }
-  return passInOwnContext(tasks, layoutDirection);
+  return isHeld() ? TaskProcessorReport{} : passInOwnContext(tasks, layoutDirection);
 }
 
 TaskProcessorReport TaskProcessor::processAllTasks(StoreContext& context, qz::Moment now) {
   return passIn(context, now, std::nullopt, LayoutDirection::leftToRight);
+}
+
+bool TaskProcessor::isHeld() {
+  if (isHeldByMaintenance()) return true;
+  const std::lock_guard lock(mutex_);
+  if (performingBulkDataUpdate_ == 0) return false;
+  requestPass();
+  return true;
 }
 
 bool TaskProcessor::isHeldByMaintenance() {
@@ -173,7 +174,7 @@ TaskProcessorReport TaskProcessor::passIn(StoreContext& context, qz::Moment now,
     removeStaleTaskProcessorLastProcessedDateEntries(context);
     scheduleRefresh(Tools(environment_, context), context, now);
   }
-  report.follow(followHealthRequests(context, layoutDirection));
+  report.follow(followHealthRequests(context, now, writeHealthRequests(context, now), layoutDirection));
   if (report.changed > 0) environment_.receivers.widgets.reloadAllTimelines();
   return report;
 }
@@ -271,12 +272,21 @@ void TaskProcessor::schedule(const BackgroundTaskRequest& request) {
 std::optional<qz::Moment> TaskProcessor::nextBackgroundTask() const noexcept {
   std::optional<qz::Moment> next;
   attempt("What is to be done later is unknown", [&] { next = scheduler_.nextDue(); });
-  return next;
+  const std::lock_guard lock(mutex_);
+  return next && nextAttempt_ ? std::max(*next, *nextAttempt_) : next;
 }
 
 void TaskProcessor::runDueBackgroundTasks(qz::Moment now) {
   std::vector<BackgroundTaskRequest> due;
-  attempt("What is due is not done", [&] { due = scheduler_.takeDue(now); });
+  std::optional<qz::Moment> nextAttempt = now + timeBetweenAttempts;
+  attempt("What is due is not done", [&] {
+    due = scheduler_.takeDue(now);
+    nextAttempt.reset();
+  });
+  {
+    const std::lock_guard lock(mutex_);
+    nextAttempt_ = nextAttempt;
+  }
   std::set<qz::UniqueID> tasks;
   bool refreshes = false;
   for (const BackgroundTaskRequest& request : due) {

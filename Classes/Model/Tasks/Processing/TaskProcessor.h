@@ -66,6 +66,9 @@ class TaskProcessor {
   /// Activations that follow one another within this time are one: they arrive in bursts.
   static constexpr std::chrono::seconds activationInterval{1};
 
+  /// What could not be done, but may be in a while, is tried again after this time.
+  static constexpr std::chrono::minutes timeBetweenAttempts{1};
+
   /// What a processor works on and with. All must live longer.
   struct Environment {
     DataManager& dataManager;
@@ -124,7 +127,8 @@ class TaskProcessor {
 
   /// Writes to the health store what entries have asked for, and takes out of it what was asked for by entries that are
   /// gone; every full pass does. Where that has changed data, a pass over the tasks follows that are measured by them.
-  /// Writes nothing where there is nothing of that. REQUIRES: no open unit and nothing unsaved.
+  /// While passes are held, that one is left to the pass that runs afterwards. Writes nothing where there is nothing of
+  /// that. REQUIRES: no open unit and nothing unsaved.
   void processPendingHealthKitRequests(StoreContext& context);
 
   // Changes of many days at once
@@ -169,10 +173,11 @@ class TaskProcessor {
 
   /// Lets a pass over the task run when its timer has run out. Throws StoreError.
   void scheduleTimerFinished(const qz::UniqueID& taskID, qz::Moment due);
-  /// When the next background task is due; none, with a line of the log, where that cannot be read.
+  /// When the next background task is due, or to be tried again; none, with a line of the log, where that cannot be
+  /// read.
   [[nodiscard]] std::optional<qz::Moment> nextBackgroundTask() const noexcept;
   /// Does what has become due: for a refresh a full pass, for a timer a pass over its task. Where what is due cannot be
-  /// read or taken, a line of the log says so, and nothing is done.
+  /// read or taken, a line of the log says so, and nothing is done until it is tried again.
   void runDueBackgroundTasks(qz::Moment now);
 
   /// Returns when the passes that were asked for have ended, but those that are held.
@@ -203,8 +208,14 @@ class TaskProcessor {
                              LayoutDirection layoutDirection);
   TaskProcessorReport passOver(StoreContext& context, qz::Moment now, const std::optional<std::set<qz::UniqueID>>& only,
                                LayoutDirection layoutDirection);
-  /// Processes pending health requests. Gives what a pass did that followed on it.
-  TaskProcessorReport followHealthRequests(StoreContext& context, LayoutDirection layoutDirection);
+  /// Whether passes wait; one is asked for then, which runs afterwards.
+  [[nodiscard]] bool isHeld();
+  /// Processes pending health requests. Gives the kinds of data that this has changed in the health store.
+  [[nodiscard]] std::set<qz::QZHKObjectType> writeHealthRequests(StoreContext& context, qz::Moment now);
+  /// A pass over the tasks that are measured by these kinds of data.
+  TaskProcessorReport followHealthRequests(StoreContext& context, qz::Moment now,
+                                           const std::set<qz::QZHKObjectType>& changed,
+                                           LayoutDirection layoutDirection);
   /// Observes the data that the tasks of the front end's context are completed by; what could not be observed before is
   /// tried again. Gives whether any are observed that were not before. On the front end's thread.
   bool observeAutomaticTasks();
@@ -224,7 +235,7 @@ class TaskProcessor {
   KeptBackgroundTasks scheduler_;
   std::optional<PendingHealthRequests> pendingHealthRequests_;  // none without a health store
 
-  std::mutex mutex_;  // never held while something is waited for
+  mutable std::mutex mutex_;  // never held while something is waited for
   int performingBulkDataUpdate_ = 0;
   bool hasDoneInitialSetup_ = false;
   bool hasBecomeActive_ = false;
@@ -235,6 +246,7 @@ class TaskProcessor {
   bool passIsDispatched_ = false;         // it waits on the queue
   std::vector<Completion> completions_;   // of the pass that waits
   std::optional<qz::Moment> scheduledRefresh_;
+  std::optional<qz::Moment> nextAttempt_;  // to take what is due, after one that failed
 
   std::shared_ptr<const bool> lifetime_ = std::make_shared<bool>(true);  // what waits on the main queue looks at it
 

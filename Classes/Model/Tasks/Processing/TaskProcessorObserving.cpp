@@ -1,4 +1,5 @@
 #include <HabitraModel/Mapping/AutomaticTypeMapping.h>
+#include <HabitraModel/Tasks/Processing/Attempt.h>
 #include <HabitraModel/Tasks/Processing/CalendarDayWatcher.h>
 #include <HabitraModel/Tasks/Processing/HealthMeasuring.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessor.h>
@@ -85,18 +86,25 @@ void TaskProcessor::stopObserving() noexcept {
 }
 
 void TaskProcessor::processPendingHealthKitRequests(StoreContext& context) {
-  if (followHealthRequests(context, LayoutDirection::leftToRight).changed > 0)
+  const qz::Moment now = environment_.dataManager.clock().now();
+  const std::set<qz::QZHKObjectType> changed = writeHealthRequests(context, now);
+  if (changed.empty() || isHeld()) return;
+  if (followHealthRequests(context, now, changed, LayoutDirection::leftToRight).changed > 0)
     environment_.receivers.widgets.reloadAllTimelines();
 }
 
-TaskProcessorReport TaskProcessor::followHealthRequests(StoreContext& context, LayoutDirection layoutDirection) {
+std::set<qz::QZHKObjectType> TaskProcessor::writeHealthRequests(StoreContext& context, qz::Moment now) {
+  if (!pendingHealthRequests_) return {};
+  return pendingHealthRequests_->processPendingHealthKitRequests(context, now).changed;
+}
+
+TaskProcessorReport TaskProcessor::followHealthRequests(StoreContext& context, qz::Moment now,
+                                                        const std::set<qz::QZHKObjectType>& changed,
+                                                        LayoutDirection layoutDirection) {
   TaskProcessorReport report;
-  if (!pendingHealthRequests_) return report;
-  const qz::Moment now = environment_.dataManager.clock().now();
-  const auto requests = pendingHealthRequests_->processPendingHealthKitRequests(context, now);
-  if (requests.changed.empty()) return report;
+  if (changed.empty()) return report;
   attempt("What requests have changed in the health store is left to the next pass", [&] {
-    const auto concerned = tasksMeasuredBy(requests.changed, context);
+    const auto concerned = tasksMeasuredBy(changed, context);
     if (!concerned.empty()) report = passOver(context, now, concerned, layoutDirection);
   });
   return report;

@@ -1,3 +1,4 @@
+#include <HabitraModel/Tasks/Processing/Attempt.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorClock.h>
 #include <HabitraModel/Tasks/Processing/TaskProcessorPass.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
@@ -61,7 +62,7 @@ bool TaskProcessorPass::process(const Place& place) {
     });
     return true;
   } catch (const TaskProcessorSingleTaskOperation::ProcessorError& error) {
-    // Whoever processes it does what was to be done here.
+    // Whoever processes it does most of what was to be done here; what it leaves, like late data, the next pass does.
     qz::log::info("Task {} is left out of the pass: {}", place.uniqueId, error.what());
     return true;
   } catch (const std::exception& error) {

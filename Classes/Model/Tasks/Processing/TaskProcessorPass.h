@@ -12,32 +12,20 @@
 #include <QZKit/Clock.h>
 #include <QZKit/SerialQueue.h>
 #include <QZKit/UniqueID.h>
-#include <QZLog/Log.h>
 
-#include <exception>
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace habitra {
-
-/// Does a part of the work without which the rest is still right; what it fails with is logged after `what`.
-template <typename Work>
-void attempt(const char* what, Work&& work) noexcept {
-  try {
-    std::forward<Work>(work)();
-  } catch (const std::exception& error) {
-    qz::log::warning("{}: {}", what, error.what());
-  }
-}
 
 /// One pass over the active tasks of a store, each in a transaction of its own, and the dates up to which this device
 /// has processed them.
 ///
 /// A task that fails is logged and the others go on, but for what no other task could do any better: a full disk, a
-/// store that may not be written, a writer that does not end. A pass that finds nothing to change writes nothing.
+/// store that may not be written, a writer that does not end. A pass that finds nothing to change writes
+/// nothing, but for how far health data have been taken into account.
 ///
 /// Works on the queue of its context.
 class TaskProcessorPass {

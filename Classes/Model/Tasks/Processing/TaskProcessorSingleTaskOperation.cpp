@@ -38,6 +38,15 @@ bool wasProcessedToday(const TaskEntity& task, const TaskAssessment& assessment)
   return task.lastProcessedDate && assessment.calendar.day(*task.lastProcessedDate) == assessment.today;
 }
 
+/// From the days that are looked at in any case it is no further, in days, to those that passes look at again and
+/// again.
+constexpr std::int64_t longestWay = 31;
+
+/// The first day that is looked at in any case.
+qz::YYYYMMDD recentFrom(const TaskAssessment& assessment) {
+  return assessment.processedThrough ? assessment.processedThrough->add(-passOverlap) : assessment.created;
+}
+
 bool hasFullEntry(const PeriodOfLog& period) {
   return std::ranges::any_of(period.entries, [](const LoggedEntry& entry) { return isFull(entry.entryType); });
 }
@@ -176,6 +185,8 @@ auto TaskProcessorSingleTaskOperation::write(const Pass& pass) -> Result {
   if (!hasSomethingToWrite(pass)) return {};
   const Result result = changesTask(pass) ? _main(pass) : Result{};
   if (pass.healthAnchor) managedObjectContext_.setHealthAnchor(task_.objectID, *pass.healthAnchor);
+  // What changes until it is measured again is not late.
+  if (!pass.isMeasured) managedObjectContext_.removeHealthAnchor(task_.objectID);
   return result;
 }
 
@@ -198,15 +209,17 @@ auto TaskProcessorSingleTaskOperation::_main(const Pass& pass) -> Result {
 
 void TaskProcessorSingleTaskOperation::processAutomaticTaskUntilToday(Pass& pass) const {
   const auto type = automaticTypeOf(task_);
-  if (!type || !measurementFamily(*type) || environment_.health == nullptr) return;
+  pass.isMeasured = type && measurementFamily(*type);
+  if (!pass.isMeasured || environment_.health == nullptr) return;
   const auto taskId = task_.uniqueId ? qz::UniqueID::fromText(*task_.uniqueId) : std::nullopt;
   const HealthMeasuring measuring(*environment_.health, *type, taskId, pass.assessment.calendar, samplesToLeaveOut());
-  HealthNews news(*environment_.health, measuring, managedObjectContext_.healthAnchor(task_.objectID));
-  const bool hasData = environment_.health->isHealthDataAvailable();
-  if (!hasData || lateData_ == LateData::wait) news.leave();
-  if (hasData) pass.automatic = automaticEntries(pass.assessment, *type, measuring, news);
+  HealthNews news(*environment_.health, measuring, managedObjectContext_.healthAnchor(task_.objectID),
+                  pass.assessment.today);
+  if (!news.hasData() || lateData_ == LateData::wait) news.leave();
+  if (news.hasData()) pass.automatic = automaticEntries(pass.assessment, *type, measuring, news);
   pass.healthAnchor = news.anchor();
-  pass.anchorMustBeKept = news.mustBeKept();
+  const bool wasFar = news.earliestDay() && *news.earliestDay() < recentFrom(pass.assessment).add(-longestWay);
+  pass.anchorMustBeKept = news.mustBeKept() || (pass.healthAnchor && wasFar);
 }
 
 std::set<qz::UniqueID> TaskProcessorSingleTaskOperation::samplesToLeaveOut() const {
@@ -223,21 +236,21 @@ AutomaticPlan TaskProcessorSingleTaskOperation::automaticEntries(const TaskAsses
                                                                  const AutomaticTaskType& type,
                                                                  const HealthMeasuring& measuring,
                                                                  const HealthNews& news) const {
-  const qz::YYYYMMDD recent =
-      assessment.processedThrough ? assessment.processedThrough->add(-passOverlap) : assessment.created;
-  const qz::YYYYMMDD from = news.days() ? std::min(recent, *news.days()->minDate) : recent;
+  const qz::YYYYMMDD recent = recentFrom(assessment);
+  const qz::YYYYMMDD from = std::min(recent, news.earliestDay().value_or(recent));
   const qz::YYYYMMDD current = assessment.history->figures.period.startDate;
 
   AutomaticEntries entries(managedObjectContext_, task_, assessment, type, measuring, now_);
   const auto add = [&](const PeriodOfLog& walked) {
     const TaskFrequencyPeriod& period = walked.period;
-    const bool mayHaveChanged = news.mayHaveChanged(period);
-    if (!mayHaveChanged && period.finishDate < recent) return;
+    const PeriodNews isNew = news.of(period);
+    if (!isNew.mayHaveChanged && period.finishDate < recent) return;
     const bool isPrevious =
         period.finishDate.nextDay() == current && period.finishDate >= assessment.today.add(-passOverlap);
     if (isPrevious) qz::log::debug("Can reprocess previous period");
-    if (!walked.isOpen && !mayHaveChanged && !isPrevious && hasFullEntry(walked)) return;
-    entries.add(walked, mayHaveChanged);
+    const bool isLookedAtAgain = isNew.mayHaveChanged || (isPrevious && !isNew.isOfOtherMeasure);
+    if (!walked.isOpen && !isLookedAtAgain && hasFullEntry(walked)) return;
+    entries.add(walked, isNew);
   };
   visitPeriods(managedObjectContext_, task_, assessment, from, {}, add);
   return entries.finish();

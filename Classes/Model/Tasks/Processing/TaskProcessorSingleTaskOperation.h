@@ -112,6 +112,7 @@ class TaskProcessorSingleTaskOperation {
     AutomaticPlan automatic;
     std::optional<std::string> healthAnchor;  ///< to be kept with what is written; none: as it is
     bool anchorMustBeKept = false;            ///< also where nothing else is written
+    bool isMeasured = true;                   ///< by health data or screen time; else no anchor is kept
   };
 
   [[nodiscard]] TaskClaim claim() const;

@@ -29,9 +29,14 @@ std::optional<DatedPeriod> counted(std::int32_t entryDate, const std::optional<T
   return rules->frequency.period(*day, rules->firstDayOfWeek, rules->referenceDate);
 }
 
+bool isMeasured(TaskLogEntryType type, double share) {
+  using Type = TaskLogEntryType;
+  return share > 0 && (type == Type::completedAutomaticallyFull || type == Type::missedAutomaticallyFull ||
+                       type == Type::allowableMissAutomaticallyFull);
+}
+
 bool isFilledIn(TaskLogEntryType type, double share) {
-  const bool wasReported = share > 0 && (isMissedFull(type) || isAllowableMissFull(type));
-  return followsFromEarlierDays(type) && !wasReported;
+  return followsFromEarlierDays(type) && !isMeasured(type, share);
 }
 
 }  // namespace
@@ -51,6 +56,8 @@ bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period, const std::
 bool isFilledIn(const TaskLogEntryEntity& row) { return isFilledIn(entryTypeFromStored(row.entryType), row.progress); }
 bool isFilledIn(const LogRow& row) { return isFilledIn(entryTypeFromStored(row.entryType), row.progress); }
 bool isFilledIn(const LoggedEntry& entry) { return isFilledIn(entry.entryType, entry.progress); }
+
+bool isMeasured(const LoggedEntry& entry) { return isMeasured(entry.entryType, entry.progress); }
 
 FilledInEntries::FilledInEntries(StoreContext& context, const TaskEntity& task, std::optional<TaskRules> rules)
     : context_(context), task_(task.objectID), rules_(std::move(rules)) {}

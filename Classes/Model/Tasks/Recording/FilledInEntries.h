@@ -22,8 +22,11 @@ namespace habitra {
 [[nodiscard]] bool countsFor(const LogRow& row, const TaskFrequencyPeriod& period,
                              const std::optional<TaskRules>& rules);
 
-/// Whether a pass filled it in: an automatic skip, or an automatic miss or allowed miss that reports no share. A
-/// failure that data reported has one, and stands for itself.
+/// Whether data decided the period: an automatic completion, miss or allowed miss that reports a share. What a pass
+/// fills in, or seals for a past that was judged, has none.
+[[nodiscard]] bool isMeasured(const LoggedEntry& entry);
+
+/// Whether a pass filled it in: an automatic skip, or an automatic miss or allowed miss that data did not decide.
 [[nodiscard]] bool isFilledIn(const TaskLogEntryEntity& row);
 [[nodiscard]] bool isFilledIn(const LogRow& row);
 [[nodiscard]] bool isFilledIn(const LoggedEntry& entry);
