@@ -2,12 +2,12 @@
 
 #include <HabitraApp/HabitSummary.h>
 #include <HabitraApp/SettingSummary.h>
-#include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/Document/HabitraBackupFormat.h>
 #include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
 #include <HabitraBackup/Exchange/ImportReport.h>
 #include <HabitraBackup/Exchange/ImportStrategy.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <HabitraCore/CompletionStatus.h>
 #include <HabitraCore/TaskLogEntryType.h>
 #include <QZDateTime/TimeZone.h>

@@ -4,6 +4,7 @@
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskTitle.h>
 #include <QZKit/UTF8.h>
 
 #include <fmt/format.h>
@@ -46,7 +47,7 @@ void checkToday(const TaskEntity& task, const TaskCalendar& calendar, qz::YYYYMM
   const auto created = calendar.creationDay(task);
   if (!created || today >= created->previousDay()) return;
   throw qz::Error(fmt::format("the clock says {}, but '{}' was made on {}: set the clock, or say which day is meant",
-                              today.debugDescription(), task.title.value_or(""), created->debugDescription()));
+                              today.debugDescription(), shownTitle(task), created->debugDescription()));
 }
 
 /// Throws qz::Error for a day that lies in the future, and for a today that cannot be.
@@ -56,7 +57,7 @@ ChosenDay chosenDay(const TaskEntity& task, const TaskCalendar& calendar, qz::Mo
   if (!day) checkToday(task, calendar, today);
   const qz::YYYYMMDD chosen = day.value_or(today);
   if (chosen > today)
-    throw qz::Error(fmt::format("{} has not come yet for '{}'", chosen.debugDescription(), task.title.value_or("")));
+    throw qz::Error(fmt::format("{} has not come yet for '{}'", chosen.debugDescription(), shownTitle(task)));
   const DatedPeriod period = periodHolding(task, chosen);
   if (chosen == today) return {chosen, true, period, now, now};
   // When on that day it was nobody knows; at noon it belongs to no other, whatever zone it is looked at from.
@@ -103,7 +104,7 @@ bool canBeTakenBack(const TaskLogEntryEntity& row) {
 
 std::string commandText(std::string_view verb, const std::vector<TaskEntity*>& tasks) {
   std::string text(verb);
-  for (const TaskEntity* task : tasks) text += fmt::format(" '{}'", task->title.value_or(""));
+  for (const TaskEntity* task : tasks) text += fmt::format(" '{}'", shownTitle(*task));
   return text;
 }
 
@@ -114,7 +115,7 @@ HabitSummary Application::add(std::string_view title, std::int64_t streak) {
   checkTitle(text);
   const auto context = rooms_->contextToWrite();
   const auto tasks = TaskProcessor::activeTasks(*context);
-  if (std::any_of(tasks.begin(), tasks.end(), [&](const TaskEntity* task) { return task->title == text; }))
+  if (std::any_of(tasks.begin(), tasks.end(), [&](const TaskEntity* task) { return shownTitle(*task) == text; }))
     throw qz::Error(fmt::format("there is a habit called '{}' already", text));
 
   const qz::Moment now = rooms_->now();
@@ -178,8 +179,8 @@ HabitSummary Application::undo(std::string_view name, std::optional<qz::YYYYMMDD
   const ChosenDay chosen = chosenDay(task, rooms_->calendars.of(task), now, day);
   const auto rows = logOf(*context, task, chosen.period);
   if (std::none_of(rows.begin(), rows.end(), canBeTakenBack))
-    throw qz::Error(fmt::format("nothing to undo: '{}' has no entry on {}", task.title.value_or(""),
-                                chosen.day.debugDescription()));
+    throw qz::Error(
+        fmt::format("nothing to undo: '{}' has no entry on {}", shownTitle(task), chosen.day.debugDescription()));
 
   rooms_->processor.process(*context, task, now);
   rooms_->record(*context, task, TaskLogEntryType::unknown, chosen.period, chosen.start, chosen.end);

@@ -7,6 +7,7 @@
 #include <HabitraModel/Tasks/Processing/TaskProcessorClock.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskTitle.h>
 #include <QZLog/Log.h>
 
 #include <exception>
@@ -76,7 +77,7 @@ TaskCalendars Application::Rooms::calendarsSeenBy(StoreContext& context) const {
 HabitSummary Application::Rooms::summarize(StoreContext& context, const TaskEntity& task) {
   const TaskAssessment assessment = assess(context, task, calendars, now());
   HabitSummary habit{.uniqueId = identifierOf(task),
-                     .title = task.title.value_or(""),
+                     .title = shownTitle(task),
                      .page = pageOf(task, context).rawValue(),
                      .isNegative = task.isNegative,
                      .frequency = frequencyOf(task)};
@@ -106,7 +107,7 @@ TaskEntity& Application::Rooms::lookUp(StoreContext& context, std::string_view n
   const std::vector<TaskEntity*> tasks = TaskProcessor::activeTasks(context);
   std::vector<TaskName> names;
   names.reserve(tasks.size());
-  for (const TaskEntity* task : tasks) names.push_back({identifierOf(*task), task->title.value_or("")});
+  for (const TaskEntity* task : tasks) names.push_back({identifierOf(*task), shownTitle(*task)});
   return *tasks[lookUpTask(names, name)];
 }
 

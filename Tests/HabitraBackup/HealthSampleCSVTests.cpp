@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
 #include <QZDateTime/ISO8601.h>
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
 #include <HabitraBackup/HabitraBackup.h>
+#include <HabitraModel/Mapping/AutomaticTypeMapping.h>
 #include <HabitraModel/Store/Entities/TaskCategoryEntity.h>
 #include <HabitraModel/Store/Entities/TaskCounterEntity.h>
 #include <HabitraModel/Store/Entities/TaskNoteEntity.h>
@@ -13,9 +14,13 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
 #include <QZDateTime/ISO8601.h>
-#include <Support/TemporaryFolder.h>
+
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "ImportHome.h"
 
 namespace habitra {
 namespace {
@@ -123,13 +128,13 @@ TEST(StoreDocumentTests, TaskByTaskGivesTheSameBytesAsTheWholeDocument) {
   Everything store;
   const TaskDataExporter exporter(store.context);
   const auto tasks = exporter.allTasks();
-  const TemporaryFolder folder;
+  std::string text;
   const auto written = exporter.writeJson(tasks, exporter.header(tasks, HabitraJSONBackupType::scheduled, store.now),
-                                          folder / "a.habitra.zst");
+                                          [&text](std::string_view bytes) { text += bytes; });
   EXPECT_EQ(written.tasks, 2U);
   EXPECT_EQ(written.entries, 1U);
   EXPECT_EQ(written.entriesLeftOut, 1U) << "of 30 February";
-  const LoadedBackup loaded = HabitraBackup::loadJson(folder / "a.habitra.zst");
+  const LoadedBackup loaded = HabitraBackup::loadJson(std::as_bytes(std::span(text)));
   EXPECT_EQ(loaded.remarks, HabitraJSONRemarks{});
   HabitraJSONBackup document = store.document();
   EXPECT_EQ(loaded.document.jsonString(), document.jsonString());
@@ -155,6 +160,29 @@ TEST(StoreDocumentTests, RowsHoldTheNotesOfTheirDay) {
   exporter.writeCsv(tasks, [&text](std::string_view bytes) { text += bytes; });
   EXPECT_NE(text.find("2024-06-01T10:00:00Z,1.0,2,\"slept badly\nback hurts\"\n"), std::string::npos) << text;
   EXPECT_EQ(text, exporter.backup(tasks, HabitraJSONBackupType::manual, store.now).csvString());
+}
+
+TEST(StoreDocumentTests, AMeasuredHabitGoesOutUnderTheTitleThatIsReadAndIsFoundByIt) {
+  ImportHome home;
+  TaskEntity values = newlyMadeTask("Have {quantity} of tea", qz::DayOfWeek::monday, home.now, "Europe/Berlin");
+  setAutomaticType(values,
+                   AutomaticTaskType{.type = AutomaticTaskType::TaskType::healthKit(HealthType::dietaryDrinkWater),
+                                     .quantity = 2,
+                                     .unit = TypeUnit::litres});
+  home.context.insert(values);
+  home.save();
+  const TaskDataExporter exporter(home.context);
+  HabitraJSONBackup document = exporter.backup(exporter.allTasks(), HabitraJSONBackupType::manual, home.now);
+  document.tasks.at(0).uniqueId.reset();
+  EXPECT_EQ(document.tasks.at(0).title, "Have {quantity} of tea");
+  EXPECT_EQ(document.tasks.at(0).titleFormatted, "Have 2 litres of tea");
+  const std::string rows = document.csvString();
+  EXPECT_NE(rows.find("\n,Have 2 litres of tea,"), std::string::npos) << rows;
+  for (const ImportStrategy strategy : {ImportStrategy::merge, ImportStrategy::overwrite}) {
+    home.import(HabitraBackup::loadCsv(std::as_bytes(std::span(rows)), home.now), strategy);
+    EXPECT_EQ(home.context.fetchAll<TaskEntity>().size(), 1U);
+    EXPECT_EQ(home.context.fetchAll<TaskEntity>().at(0)->title, "Have {quantity} of tea");
+  }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-#include <HabitraBackup/CSV/CSVSource.h>
 #include <HabitraBackup/CSV/HabitraCSVImport.h>
 #include <HabitraBackup/Files/Compression.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/HabitraBackup.h>
 
 #include <algorithm>
@@ -9,23 +9,6 @@
 namespace habitra {
 
 namespace {
-
-// `read` gets the source's bytes decompressed.
-template <typename Read>
-auto decompressed(const ByteSource& source, Read&& read) {
-  DecompressingSource decompressing(source);
-  return read(ByteSource([&decompressing](std::span<char> chunk) { return decompressing.read(chunk); }));
-}
-
-void decode(const ByteSource& source, HabitraCSVImport& import) {
-  decompressed(source, [&import](const ByteSource& text) {
-    HabitraJSONBackup::csvDecoder().decode(text, [&import](const HabitraCSVBackupRow& row) { import.add(row); });
-  });
-}
-
-LoadedBackup decode(const ByteSource& source) {
-  return decompressed(source, [](const ByteSource& text) { return HabitraJSONDecoder().decode(text); });
-}
 
 ByteSource bytesOf(std::span<const std::byte> data) {
   return [data](std::span<char> chunk) mutable {
@@ -38,35 +21,46 @@ ByteSource bytesOf(std::span<const std::byte> data) {
 
 }  // namespace
 
-HabitraJSONBackup HabitraBackup::loadCsv(const std::filesystem::path& url, qz::Moment now) {
+HabitraJSONBackup HabitraBackup::loadCsv(const ByteSource& source, qz::Moment now) {
+  DecompressingSource text(source);
   HabitraCSVImport import;
-  readFile(url, [&import](const ByteSource& source) { decode(source, import); });
+  HabitraJSONBackup::csvDecoder().decode([&text](std::span<char> chunk) { return text.read(chunk); },
+                                         [&import](const HabitraCSVBackupRow& row) { import.add(row); });
   return std::move(import).backup(now);
+}
+
+HabitraJSONBackup HabitraBackup::loadCsv(const std::filesystem::path& url, qz::Moment now) {
+  HabitraJSONBackup loaded;
+  readFile(url, [&](const ByteSource& source) { loaded = loadCsv(source, now); });
+  return loaded;
 }
 
 HabitraJSONBackup HabitraBackup::loadCsv(std::span<const std::byte> data, qz::Moment now) {
-  HabitraCSVImport import;
-  decode(bytesOf(data), import);
-  return std::move(import).backup(now);
+  return loadCsv(bytesOf(data), now);
 }
 
 HabitraJSONBackup HabitraBackup::loadCsv(std::istream& stream, std::string_view name, qz::Moment now) {
-  HabitraCSVImport import;
-  readStream(stream, name, [&import](const ByteSource& source) { decode(source, import); });
-  return std::move(import).backup(now);
+  HabitraJSONBackup loaded;
+  readStream(stream, name, [&](const ByteSource& source) { loaded = loadCsv(source, now); });
+  return loaded;
+}
+
+LoadedBackup HabitraBackup::loadJson(const ByteSource& source) {
+  DecompressingSource text(source);
+  return HabitraJSONDecoder().decode([&text](std::span<char> chunk) { return text.read(chunk); });
 }
 
 LoadedBackup HabitraBackup::loadJson(const std::filesystem::path& url) {
   LoadedBackup loaded;
-  readFile(url, [&loaded](const ByteSource& source) { loaded = decode(source); });
+  readFile(url, [&loaded](const ByteSource& source) { loaded = loadJson(source); });
   return loaded;
 }
 
-LoadedBackup HabitraBackup::loadJson(std::span<const std::byte> data) { return decode(bytesOf(data)); }
+LoadedBackup HabitraBackup::loadJson(std::span<const std::byte> data) { return loadJson(bytesOf(data)); }
 
 LoadedBackup HabitraBackup::loadJson(std::istream& stream, std::string_view name) {
   LoadedBackup loaded;
-  readStream(stream, name, [&loaded](const ByteSource& source) { loaded = decode(source); });
+  readStream(stream, name, [&loaded](const ByteSource& source) { loaded = loadJson(source); });
   return loaded;
 }
 

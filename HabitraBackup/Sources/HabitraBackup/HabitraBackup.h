@@ -2,6 +2,7 @@
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <HabitraBackup/Document/HabitraJSONDecoder.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <QZKit/Clock.h>
 
 #include <cstddef>
@@ -23,11 +24,13 @@ class HabitraBackup {
   [[nodiscard]] static HabitraJSONBackup loadCsv(std::span<const std::byte> data, qz::Moment now);
   /// Reads an open stream to its end; `name` is what messages call it ("standard input").
   [[nodiscard]] static HabitraJSONBackup loadCsv(std::istream& stream, std::string_view name, qz::Moment now);
+  [[nodiscard]] static HabitraJSONBackup loadCsv(const ByteSource& source, qz::Moment now);
 
   /// The document that a file in the documents' own form holds.
   [[nodiscard]] static LoadedBackup loadJson(const std::filesystem::path& url);
   [[nodiscard]] static LoadedBackup loadJson(std::span<const std::byte> data);
   [[nodiscard]] static LoadedBackup loadJson(std::istream& stream, std::string_view name);
+  [[nodiscard]] static LoadedBackup loadJson(const ByteSource& source);
 };
 
 }  // namespace habitra

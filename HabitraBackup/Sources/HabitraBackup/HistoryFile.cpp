@@ -1,7 +1,6 @@
-#include <HabitraBackup/CSV/CSVSource.h>
-#include <HabitraBackup/CSV/HabitraCSVImport.h>
-#include <HabitraBackup/Document/HabitraJSONDecoder.h>
 #include <HabitraBackup/Files/Compression.h>
+#include <HabitraBackup/Files/FileReading.h>
+#include <HabitraBackup/HabitraBackup.h>
 #include <HabitraBackup/HistoryFile.h>
 #include <QZKit/Error.h>
 
@@ -129,12 +128,10 @@ LoadedHistory ofOwn(const ByteSource& raw, qz::Moment now) {
   LoadedHistory loaded;
   if (!isDocument) {
     loaded.form = LoadedHistory::Form::rows;
-    HabitraCSVImport import;
-    HabitraJSONBackup::csvDecoder().decode(source, [&import](const HabitraCSVBackupRow& row) { import.add(row); });
-    loaded.document = std::move(import).backup(now);
+    loaded.document = HabitraBackup::loadCsv(source, now);
     return loaded;
   }
-  LoadedBackup read = HabitraJSONDecoder().decode(source);
+  LoadedBackup read = HabitraBackup::loadJson(source);
   loaded.document = std::move(read.document);
   for (const auto& [key, count] : read.remarks.unknownKeys)
     loaded.remarks.ofAll.push_back(fmt::format("This version does not know \"{}\", which was left out {}", key,

@@ -1,9 +1,9 @@
 #include <HabitraBackup/AutomaticBackups/AutomaticBackups.h>
 #include <HabitraBackup/AutomaticBackups/BackupRotation.h>
-#include <HabitraBackup/CSV/CSVSource.h>
 #include <HabitraBackup/Document/HabitraJSONDecoder.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
 #include <HabitraBackup/Files/Compression.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/Files/FileWriting.h>
 #include <HabitraBackup/Files/Leftovers.h>
 #include <HabitraModel/PersistentHistoryFetcher.h>

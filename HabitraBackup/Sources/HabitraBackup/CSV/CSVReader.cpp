@@ -22,6 +22,9 @@ constexpr std::size_t sliceLength = std::size_t{1} << 16U;
 
 constexpr std::size_t smallestBuffer = 4096;
 
+// What is asked of a source at once.
+constexpr std::size_t chunkLength = std::size_t{1} << 18U;
+
 int noBlankIsTrimmed(unsigned char /*character*/) { return 0; }
 
 std::string notText(char byte) {
@@ -201,5 +204,12 @@ CSVReader::CSVReader(Handler& handler) : parser_(std::make_unique<Parser>(handle
 CSVReader::~CSVReader() = default;
 void CSVReader::feed(std::string_view piece) { parser_->feed(piece); }
 void CSVReader::finish() { parser_->finish(); }
+
+void readCSV(const ByteSource& source, CSVReader::Handler& handler) {
+  CSVReader reader(handler);
+  std::vector<char> chunk(chunkLength);
+  while (const std::size_t length = source(chunk)) reader.feed({chunk.data(), length});
+  reader.finish();
+}
 
 }  // namespace habitra

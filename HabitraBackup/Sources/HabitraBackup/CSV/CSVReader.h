@@ -1,5 +1,7 @@
 #pragma once
 
+#include <HabitraBackup/Files/ByteStreams.h>
+
 #include <cstddef>
 #include <memory>
 #include <span>
@@ -49,5 +51,8 @@ class CSVReader {
   class Parser;
   std::unique_ptr<Parser> parser_;
 };
+
+/// Reads `source` to its end; what it or the handler throws reaches the caller.
+void readCSV(const ByteSource& source, CSVReader::Handler& handler);
 
 }  // namespace habitra

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
+#include <HabitraBackup/Files/ByteStreams.h>
+
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace habitra {
-
-/// Where written bytes go. What it throws reaches the writer's caller.
-using ByteSink = std::function<void(std::string_view)>;
 
 /// Writes comma-separated text in the form that CSVReader reads: UTF-8 without a byte-order mark, rows that end in a
 /// line feed, and quotes only around fields that hold a comma, a quote, a carriage return or a line feed. What a text

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVSource.h>
-#include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/CSV/HabitraCSVBackupRow.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #include <HabitraBackup/CSV/CSVColumns.h>
 #include <HabitraBackup/CSV/CSVError.h>
 #include <HabitraBackup/CSV/CSVNumber.h>
-#include <HabitraBackup/CSV/CSVSource.h>
+#include <HabitraBackup/CSV/CSVReader.h>
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/UTF8.h>

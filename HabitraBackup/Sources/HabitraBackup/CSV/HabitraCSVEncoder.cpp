@@ -1,3 +1,4 @@
+#include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/Trap.h>

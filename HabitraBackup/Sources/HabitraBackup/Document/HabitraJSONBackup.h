@@ -1,6 +1,5 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/CSV/HabitraCSVBackupRow.h>
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
 #include <HabitraBackup/Document/HabitraBackupFormat.h>

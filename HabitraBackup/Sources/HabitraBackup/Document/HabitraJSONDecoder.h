@@ -1,8 +1,8 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVSource.h>
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <HabitraBackup/Document/HabitraJSONRemarks.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
 #include <cstddef>
 #include <memory>

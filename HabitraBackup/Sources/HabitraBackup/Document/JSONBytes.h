@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVSource.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
 #include <cstddef>
 #include <iterator>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVWriter.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <HabitraModel/Store/StoredValues.h>
 #include <QZDateTime/YYYYMMDD.h>
 #include <QZKit/Clock.h>

@@ -1,11 +1,11 @@
 #include <HabitraBackup/Document/HabitraJSONEncoder.h>
 #include <HabitraBackup/Exchange/StoredTaskParts.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
-#include <HabitraBackup/Files/FileWriting.h>
 #include <HabitraModel/Mapping/StoredDay.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/StoredPages.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskTitle.h>
 
 #include <memory>
 #include <set>
@@ -79,6 +79,8 @@ HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, Detail detail) const {
   HabitraJSONBackupTask task;
   if (stored->uniqueId) task.uniqueId = qz::UniqueID::fromText(*stored->uniqueId);
   task.title = stored->title;
+  if (std::string shown = shownTitle(*stored); stored->title && shown != *stored->title)
+    task.titleFormatted = std::move(shown);
   if (stored->imageName) {
     task.visualRepresentation = HabitraJSONBackupVisualRepresentation::fromText(*stored->imageName);
   }
@@ -136,14 +138,6 @@ TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const Ob
   return written;
 }
 
-TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const ObjectID> tasks,
-                                                              const HabitraJSONBackup& header,
-                                                              const std::filesystem::path& to) const {
-  WrittenDocument written;
-  writeFile(to, [&](const ByteSink& sink) { written = writeJson(tasks, header, sink); });
-  return written;
-}
-
 void TaskDataExporter::tell(std::size_t written, std::size_t tasks) const {
   if (progress_) progress_("writing", static_cast<double>(written) / static_cast<double>(tasks));
 }
@@ -163,12 +157,6 @@ std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const By
         }
       },
       sink);
-  return count;
-}
-
-std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const std::filesystem::path& to) const {
-  std::size_t count = 0;
-  writeFile(to, [&](const ByteSink& sink) { count = writeCsv(tasks, sink); });
   return count;
 }
 

@@ -3,11 +3,11 @@
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/TaskDataExchangeError.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <HabitraModel/Store/ObjectID.h>
 #include <QZKit/Clock.h>
 
 #include <cstddef>
-#include <filesystem>
 #include <span>
 #include <utility>
 #include <vector>
@@ -57,15 +57,10 @@ class TaskDataExporter {
   /// too long for it.
   WrittenDocument writeJson(std::span<const ObjectID> tasks, const HabitraJSONBackup& header,
                             const ByteSink& sink) const;
-  /// The same to a file, which is replaced as a whole or left as it was, compressed when its name ends in ".zst".
-  WrittenDocument writeJson(std::span<const ObjectID> tasks, const HabitraJSONBackup& header,
-                            const std::filesystem::path& to) const;
 
   /// Writes the tasks as CSV: the same bytes as the document gives, while only one task at a time is in memory. Gives
   /// the number of rows below the header.
   std::size_t writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const;
-  /// The same to a file, which is replaced as a whole or left as it was, compressed when its name ends in ".zst".
-  std::size_t writeCsv(std::span<const ObjectID> tasks, const std::filesystem::path& to) const;
 
  private:
   // Rows hold neither settings nor identifiers of entries; reading those takes longer than all else.

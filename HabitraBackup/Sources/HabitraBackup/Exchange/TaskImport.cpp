@@ -4,6 +4,7 @@
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
+#include <HabitraModel/Tasks/TaskTitle.h>
 
 #include <fmt/format.h>
 
@@ -19,7 +20,7 @@ Entries entriesOf(const HabitraJSONBackupTask& task) { return task.log ? Entries
 
 ImportReport::Task reportOn(const TaskEntity& stored) {
   ImportReport::Task report;
-  report.title = stored.title.value_or(std::string());
+  report.title = shownTitle(stored);
   report.uniqueId = stored.uniqueId.value_or(std::string());
   return report;
 }
@@ -171,6 +172,7 @@ TaskEntity TaskImport::valuesOver(const TaskEntity& stored, const HabitraJSONBac
   values.objectID = stored.objectID;
   values.uniqueId = stored.uniqueId;
   takeDerivedValues(values, stored);
+  if (!task.record && values.title == shownTitle(stored)) values.title = stored.title;  // as rows say it
   if (!task.visualRepresentation && !isWhole(task)) values.imageName = stored.imageName;
   if (!task.pageNumber) values.userProfile = stored.userProfile;
   if (values.userProfile == stored.userProfile && !isWhole(task)) values.displayOrder = stored.displayOrder;

@@ -1,6 +1,9 @@
 #include <HabitraBackup/Exchange/TaskMatching.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
+#include <HabitraModel/Tasks/TaskTitle.h>
+
+#include <utility>
 
 namespace habitra {
 
@@ -13,6 +16,9 @@ TaskMatching::TaskMatching(StoreContext& context, const HabitraJSONBackup& docum
     }
     if (id) byId_.try_emplace(*id, task->objectID);
     if (task->title) byTitle_[*task->title].push_back(task->objectID);
+    // Rows say a title as it is shown.
+    if (std::string shown = shownTitle(*task); task->title && shown != *task->title)
+      byTitle_[std::move(shown)].push_back(task->objectID);
   }
   for (const HabitraJSONBackupTask& task : document.tasks) {
     if (task.uniqueId && byId_.contains(*task.uniqueId)) claimed_.insert(byId_.at(*task.uniqueId));

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVSource.h>
-#include <HabitraBackup/CSV/CSVWriter.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
 #include <filesystem>
 #include <memory>

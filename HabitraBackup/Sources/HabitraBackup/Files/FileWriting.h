@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVWriter.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <HabitraBackup/Files/ReplacementFile.h>
 
 #include <filesystem>

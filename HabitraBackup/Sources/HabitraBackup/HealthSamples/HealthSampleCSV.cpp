@@ -1,4 +1,6 @@
 #include <HabitraBackup/CSV/CSVColumns.h>
+#include <HabitraBackup/CSV/CSVReader.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/HealthSamples/HealthSampleCSV.h>
 #include <HabitraBackup/HealthSamples/HealthSampleRow.h>
 #include <HabitraBackup/HealthSamples/RowIdentifiers.h>

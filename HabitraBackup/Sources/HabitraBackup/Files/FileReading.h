@@ -1,21 +1,13 @@
 #pragma once
 
-#include <HabitraBackup/CSV/CSVReader.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 
-#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <istream>
-#include <span>
 #include <string_view>
 
 namespace habitra {
-
-/// Fills the span from its beginning and says with how many bytes; 0 is the end.
-using ByteSource = std::function<std::size_t(std::span<char>)>;
-
-/// Reads `source` to its end; what it or the handler throws reaches the caller.
-void readCSV(const ByteSource& source, CSVReader::Handler& handler);
 
 // Both hand a source of bytes to `read`, and lead its errors about what the bytes say by the name that messages use.
 

@@ -1,8 +1,8 @@
 #include <HabitraBackup/CSV/CSVError.h>
-#include <HabitraBackup/CSV/CSVSource.h>
 #include <HabitraBackup/Document/HabitraJSONError.h>
 #include <HabitraBackup/Exchange/TaskDataExchangeError.h>
 #include <HabitraBackup/Files/CompressionError.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <QZKit/UTF8.h>
 
 #include <fcntl.h>
@@ -12,13 +12,10 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
-#include <vector>
 
 namespace habitra {
 
 namespace {
-
-constexpr std::size_t chunkLength = std::size_t{1} << 18U;
 
 std::string shown(std::string_view name) {
   constexpr std::size_t longestPath = 4096;  // the system's own limit: a name that can be opened is shown whole
@@ -76,13 +73,6 @@ void readNamed(const std::string& name, const ByteSource& source, const std::fun
 }
 
 }  // namespace
-
-void readCSV(const ByteSource& source, CSVReader::Handler& handler) {
-  CSVReader reader(handler);
-  std::vector<char> chunk(chunkLength);
-  while (const std::size_t length = source(chunk)) reader.feed({chunk.data(), length});
-  reader.finish();
-}
 
 void readFile(const std::filesystem::path& file, const std::function<void(const ByteSource&)>& read) {
   const InputFile input(file);
