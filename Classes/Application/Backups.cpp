@@ -1,7 +1,7 @@
 #include <HabitraApp/Rooms.h>
 
 #include <HabitraBackup/AutomaticBackups/AutomaticBackups.h>
-#include <HabitraBackup/Document/SampleHistory.h>
+#include <HabitraBackup/CSV/SampleHistory.h>
 #include <HabitraBackup/Exchange/TaskDataImporter.h>
 #include <HabitraBackup/Files/Leftovers.h>
 #include <HabitraBackup/HistoryFile.h>
@@ -12,7 +12,6 @@
 
 #include <fmt/format.h>
 #include <algorithm>
-#include <set>
 #include <string_view>
 #include <system_error>
 
@@ -23,6 +22,13 @@ namespace {
 class WorkingFolder {
  public:
   static constexpr std::string_view prefix = ".restoring-";
+
+  /// Whether such a folder lies there.
+  [[nodiscard]] static bool isOne(const std::filesystem::directory_entry& entry) {
+    const std::string name = entry.path().filename().string();
+    return name.starts_with(prefix) && qz::UniqueID::fromText(std::string_view(name).substr(prefix.size())) &&
+           entry.symlink_status().type() == std::filesystem::file_type::directory;
+  }
 
   WorkingFolder(const std::filesystem::path& home, qz::Moment now)
       : path_(makeHomeFolder(home) / fmt::format("{}{}", prefix, qz::UniqueID::generate(now).text())) {
@@ -41,17 +47,7 @@ class WorkingFolder {
   const std::filesystem::path path_;
 };
 
-/// The stores that others have taken the place of.
-std::set<std::filesystem::path> keptStores(const std::filesystem::path& home) {
-  std::set<std::filesystem::path> stores;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry(home / AutomaticBackups::folderName, error), end;
-       !error && entry != end; entry.increment(error))
-    if (entry->path().filename().string().find("-replaced-") != std::string::npos) stores.insert(entry->path());
-  return stores;
-}
-
-/// "Read: ..." for what concerns one habit.
+/// Those of one habit begin with its title.
 std::vector<std::string> allRemarks(const ImportReport& report) {
   std::vector<std::string> remarks = report.remarks;
   for (const ImportReport::Task& task : report.tasks)
@@ -91,8 +87,8 @@ RestoreOutcome Application::restore(const std::filesystem::path& file) {
   if (loaded.form != LoadedHistory::Form::document)
     throw TaskDataExchangeError(TaskDataExchangeError::invalidFormat,
                                 fmt::format("{} is no backup document; 'habitra import' brings it in", file.string()));
-  RestoreOutcome outcome{.file = file, .tasks = loaded.document.tasks.size(), .entries = 0, .processed = {}};
-  removeLeftovers(rooms_->manager.home(), WorkingFolder::prefix);
+  RestoreOutcome outcome{.file = file, .processed = {}};
+  removeLeftovers(rooms_->manager.home(), WorkingFolder::isOne);
   const WorkingFolder folder(rooms_->manager.home(), rooms_->now());
   const DataManager::ContainerLocation location = DataManager::storeLocation(folder.path());
   {
@@ -105,14 +101,12 @@ RestoreOutcome Application::restore(const std::filesystem::path& file) {
                                          .entriesAfterToday = EntriesAfterToday::taken});
     const ImportReport report = importer.importBackup(loaded.document, ImportStrategy::overwrite,
                                                       {.author = Author::app, .command = {}}, loaded.remarks);
+    outcome.tasks = report.count(ImportReport::Outcome::added);
     outcome.entries = report.entries().added;
     outcome.remarks = allRemarks(report);
   }
-  const std::set<std::filesystem::path> keptBefore = keptStores(rooms_->manager.home());
   rooms_->closeReadingContext();
-  rooms_->manager.restoreStore(*location.file());
-  for (const std::filesystem::path& kept : keptStores(rooms_->manager.home()))
-    if (!keptBefore.contains(kept)) outcome.kept = kept;
+  outcome.kept = rooms_->manager.restoreStore(*location.file());
   rooms_->widgets.reloadAllTimelines();
   outcome.processed = processAfter("what was restored");
   return outcome;

@@ -29,6 +29,10 @@ void refuseFilesOf(const std::filesystem::path& home, const std::filesystem::pat
     throw qz::Error(fmt::format("{} belongs to Habitra itself; choose another name", target.string()));
 }
 
+void warnOfEntriesLeftOut(std::size_t count) {
+  if (count > 0) qz::log::warning("{} damaged entries, which no export can hold, were left out", count);
+}
+
 }  // namespace
 
 ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name,
@@ -91,12 +95,16 @@ ExportOutcome Application::exportHistory(const ExportRequest& request, const Byt
   const auto page = request.page ? TaskPageNumber::fromRawValue(*request.page) : std::nullopt;
   if (request.page && !page) throw qz::Error(fmt::format("there is no page {}", *request.page));
   const std::vector<ObjectID> tasks = page ? exporter.tasksOfPage(*page) : exporter.allTasks();
-  if (format == HabitraBackupFormat::csv) return {.tasks = tasks.size(), .rows = exporter.writeCsv(tasks, sink)};
+  if (page && !exporter.hasPage(*page)) throw qz::Error(fmt::format("there is no page {}", page->rawValue()));
+  if (format == HabitraBackupFormat::csv) {
+    const auto written = exporter.writeCsv(tasks, sink);
+    warnOfEntriesLeftOut(written.entriesLeftOut);
+    return {.tasks = tasks.size(), .rows = written.rows};
+  }
   HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::manual, rooms_->now());
   header.appVersion = rooms_->version;
   const auto written = exporter.writeJson(tasks, header, sink);
-  if (written.entriesLeftOut > 0)
-    qz::log::warning("{} entries of days that the calendar does not have were left out", written.entriesLeftOut);
+  warnOfEntriesLeftOut(written.entriesLeftOut);
   return {.tasks = written.tasks, .rows = written.entries};
 }
 

@@ -238,12 +238,14 @@ std::shared_ptr<const CoreDataMigrator::Maintenance> CoreDataMigrator::beginMain
   return std::make_shared<const Maintenance>(makeHomeFolder(std::filesystem::absolute(home)), options_.patience);
 }
 
-void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const std::filesystem::path& with) {
-  replaceStore(store, with, *beginMaintenance(std::filesystem::absolute(store).parent_path()));
+std::optional<std::filesystem::path> CoreDataMigrator::replaceStore(const std::filesystem::path& store,
+                                                                    const std::filesystem::path& with) {
+  return replaceStore(store, with, *beginMaintenance(std::filesystem::absolute(store).parent_path()));
 }
 
-void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const std::filesystem::path& with,
-                                    const Maintenance& maintenance) {
+std::optional<std::filesystem::path> CoreDataMigrator::replaceStore(const std::filesystem::path& store,
+                                                                    const std::filesystem::path& with,
+                                                                    const Maintenance& maintenance) {
   const std::filesystem::path source = existingStore(with);
   const std::filesystem::path home = makeHomeFolder(std::filesystem::absolute(store).parent_path());
   const std::filesystem::path file = home / store.filename();
@@ -280,6 +282,7 @@ void CoreDataMigrator::replaceStore(const std::filesystem::path& store, const st
     throw;
   }
   step("replaced");
+  return std::filesystem::exists(backup) ? std::optional(backup) : std::nullopt;
 }
 
 std::filesystem::path CoreDataMigrator::newBackup(const std::filesystem::path& file, std::string_view reason) const {

@@ -73,11 +73,12 @@ class CoreDataMigrator final : public CoreDataMigratorProtocol {
   /// `store`. It must be a whole store: a damaged one is refused, with the number of damaged rows and the first. One of
   /// an earlier version is brought up to date before it gets there. What was at `store`, if anything, is kept as
   /// "<name>-replaced-<UTC time>.sqlite", unless replacing it fails and it stays. The new store gets an identifier of
-  /// its own, so that nobody takes its history for that of the old one.
-  void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with);
+  /// its own, so that nobody takes its history for that of the old one. Gives the file of what was kept.
+  std::optional<std::filesystem::path> replaceStore(const std::filesystem::path& store,
+                                                    const std::filesystem::path& with);
   /// The same as one step of a longer maintenance of the home of `store`.
-  void replaceStore(const std::filesystem::path& store, const std::filesystem::path& with,
-                    const Maintenance& maintenance);
+  std::optional<std::filesystem::path> replaceStore(const std::filesystem::path& store,
+                                                    const std::filesystem::path& with, const Maintenance& maintenance);
 
  private:
   void step(std::string_view name) const;

@@ -136,9 +136,9 @@ class DataManager {
   /// keeps that among the backups.
   void switchStorage(const std::optional<std::string>& cloudContainer);
 
-  /// Puts the store of another file in the place of the active one, which is kept among the backups. The same errors,
-  /// and one when `file` is not a store that can be used.
-  void restoreStore(const std::filesystem::path& file);
+  /// Puts the store of another file in the place of the active one, which is kept among the backups; gives the file
+  /// there, none where there was no store. The same errors, and one when `file` is not a store that can be used.
+  std::optional<std::filesystem::path> restoreStore(const std::filesystem::path& file);
 
   /// Joins tasks that mirroring has doubled and gives new identifiers to those that only bear the same one. Gives the
   /// number of rows that it changed. No person's command: nothing that undo would take back. Throws StoreError.

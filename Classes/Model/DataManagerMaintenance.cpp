@@ -61,13 +61,15 @@ void DataManager::forgetSwitching() noexcept {
   }
 }
 
-void DataManager::restoreStore(const std::filesystem::path& file) {
+std::optional<std::filesystem::path> DataManager::restoreStore(const std::filesystem::path& file) {
   requireFiles();
   if (!isCloudSyncOn()) adoptEarlyStore();
+  std::optional<std::filesystem::path> kept;
   maintenance_->migrate([&](CoreDataMigrator& migrator) {
     const auto maintenance = migrator.beginMaintenance(home_);
-    migrator.replaceStore(*activeContainer()->location().file(), file, *maintenance);
+    kept = migrator.replaceStore(*activeContainer()->location().file(), file, *maintenance);
   });
+  return kept;
 }
 
 std::int64_t DataManager::deduplicate() {

@@ -91,17 +91,22 @@ TEST_F(AutomaticBackupsTest, OneIsMadeOnADayOnWhichSomethingHasChanged) {
 TEST_F(AutomaticBackupsTest, OnlyFilesOfItsOwnGo) {
   addTask("Read");
   std::filesystem::create_directory(home_ / "Backups");
-  for (const char* name : {"2020-01-01.habitra", "mine-2020-01-01.habitra.zst", "2020-02-31.habitra.zst", "notes.txt"})
+  for (const char* name : {"2020-01-01.habitra", "mine-2020-01-01.habitra.zst", "2020-02-31.habitra.zst", "notes.txt",
+                           ".2020-01-01.habitra.zst", ".2020-notes"})
     std::ofstream(home_ / "Backups" / name) << "kept";
+  std::ofstream(home_ / "Backups" / ".2024-01-29.habitra.zst.4711-0") << "unfinished";
+  for (const auto& entry : std::filesystem::directory_iterator(home_ / "Backups"))
+    std::filesystem::last_write_time(entry, std::filesystem::file_time_type::clock::now() - std::chrono::hours(25));
   for (YYYYMMDD day(2020, 3, 1); day < YYYYMMDD(2020, 3, 31); day = day.nextDay())
     std::ofstream(home_ / "Backups" / (day.debugDescription() + ".habitra.zst")) << "old";
   make(today_);
   std::set<std::string> left;
   for (const auto& entry : std::filesystem::directory_iterator(home_ / "Backups"))
     left.insert(entry.path().filename().string());
-  EXPECT_EQ(left.size(), 4U + 12U + 3U) << "twelve days, and the Sundays of three weeks that none of them lies in";
+  EXPECT_EQ(left.size(), 6U + 12U + 3U) << "twelve days, and the Sundays of three weeks that none of them lies in";
   EXPECT_TRUE(left.contains("2024-01-31.habitra.zst"));
   EXPECT_TRUE(left.contains("2020-02-31.habitra.zst"));
+  EXPECT_FALSE(left.contains(".2024-01-29.habitra.zst.4711-0"));
 }
 
 TEST_F(AutomaticBackupsTest, NothingGoesWhenTheNewOneCannotBeWritten) {

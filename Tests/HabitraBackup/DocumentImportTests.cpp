@@ -10,6 +10,8 @@
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/Error.h>
 
+#include <algorithm>
+#include <cctype>
 #include <memory>
 #include <string>
 #include <vector>
@@ -97,6 +99,34 @@ HabitraJSONBackup document() {
   document.settings = {{.settingKey = "startOfDay", .intValue = 10800},
                        {.settingKey = "of.a.newer.program", .doubleValue = 2.5, .stringValue = "both"}};
   return document;
+}
+
+TEST(DocumentImportTests, ATaskWithoutIdentifierIsFoundAgainByTheTitleThatItGot) {
+  Home home;
+  HabitraJSONBackup document;
+  document.tasks.resize(2);  // one has no title at all
+  document.tasks[0].titleFormatted = "20 pages";
+  home.import(document);
+  EXPECT_EQ(home.import(document).count(Outcome::left), 2U);
+  EXPECT_EQ(home.context.fetchAll<TaskEntity>().size(), 2U);
+}
+
+TEST(DocumentImportTests, AnIdentifierIsTakenInWhateverCaseItIsStored) {
+  Home home;
+  HabitraJSONBackup document;
+  document.tasks.resize(2);
+  document.tasks[0].title = "A";
+  document.tasks[1].title = "B";
+  home.import(document);
+  std::string lowerCase = id(1);
+  std::ranges::transform(lowerCase, lowerCase.begin(),
+                         [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  home.context.insertLogEntry(
+      {.entryDate = 20240520, .entryType = 1, .uniqueId = lowerCase, .task = home.task("A").objectID});
+  home.save();
+  document.tasks[1].log = {entry({2024, 5, 21}, uniqueId(id(1)))};
+  home.import(document);
+  EXPECT_NE(home.context.fetchLogEntries(home.task("B").objectID).at(0).uniqueId, id(1));
 }
 
 TEST(DocumentImportTests, ANewTaskHasEverythingThatTheDocumentSays) {

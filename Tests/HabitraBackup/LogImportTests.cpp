@@ -59,14 +59,14 @@ TEST(LogImportTests, AnOlderDocumentTakesNoDecidedDayBack) {
   const Words log{"27 completedManuallyFull", "28 completedAutomaticallyFull", "29 missedAutomaticallyFull",
                   "30 missedAutomaticallyFull"};
   EXPECT_EQ(logOf(home), log);
-  EXPECT_EQ(home.import(older).entries(), Entries{.left = 4});
+  EXPECT_EQ(home.import(older).entries(), (Entries{.left = 1, .passedOver = 3}));
   EXPECT_EQ(logOf(home), log);
 
   home.import(documentOf({entry(Type::completedManuallyPartial, 26, "26T08")}));
   EXPECT_EQ(home.import(documentOf({entry(Type::missedAutomaticallyFull, 26, "31T05"),
                                     entry(Type::skippedAutomaticallyFull, 30, "31T06")}))
                 .entries(),
-            (Entries{.added = 1, .left = 1}))
+            (Entries{.added = 1, .passedOver = 1}))
       << "a part decides nothing, and what is filled in stands once";
 }
 
@@ -79,7 +79,7 @@ TEST(LogImportTests, OnlyWhatWasFilledInGivesWayAndOnlyToADecision) {
   EXPECT_EQ(home.import(documentOf({entry(Type::missedAutomaticallyFull, 27, "31T05"),
                                     entry(Type::skippedAutomaticallyFull, 28, "31T05")}))
                 .entries(),
-            Entries{.left = 2});
+            Entries{.passedOver = 2});
   EXPECT_EQ(logOf(home), before);
   EXPECT_EQ(home.import(documentOf({entry(Type::missedManuallyFull, 27, "31T08"),
                                     entry(Type::completedManuallyFull, 28, "31T08"),

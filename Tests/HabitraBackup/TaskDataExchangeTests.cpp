@@ -218,7 +218,7 @@ TEST(TaskDataImporterTests, OtherStrategies) {
   home.import(before);
   const auto entryId = home.context.fetchLogEntries(home.task("A").objectID).at(0).uniqueId;
 
-  EXPECT_EQ(home.import(after, ImportStrategy::skip).entries(), (ImportReport::Entries{.left = 2}));
+  EXPECT_EQ(home.import(after, ImportStrategy::skip).entries(), (ImportReport::Entries{.passedOver = 2}));
   EXPECT_EQ(home.exported(), header + before);
 
   EXPECT_EQ(home.import(after, ImportStrategy::importWithNewID).count(ImportReport::Outcome::added), 1U);

@@ -144,7 +144,7 @@ TEST(TaskHistoryTests, WhatATaskLooksLikeInRows) {
 
 TEST(TaskHistoryTests, ColumnsInAnyOrderAndSomeMissing) {
   const auto loaded = load(
-      "page,title,quantity,entry_date,entry_type,entry_timestamp,colour\r\n"
+      "page,title,quantity,entry_date,entry_type,entry_timestamp,date\r\n"
       "32768,A,12,20240229,completed_manually,2024-02-29T23:59:59.25+01:30,red\r\n"
       "1,A,-0.50,00010101,completed_manually,2024-01-31t08:15:00z,\r\n");
   ASSERT_EQ(loaded.tasks.size(), 1U);

@@ -281,6 +281,7 @@ TEST_F(VerbTests, everythingGoesOutAndComesBackTheSame) {
   EXPECT_EQ(run({"export", folder_ / "all.json"}).exitCode, 2) << "nine columns would not be all";
   EXPECT_EQ(run({"export", "--page", "2", "-"}).out.find("hello"), std::string::npos);
   EXPECT_NE(run({"export", "--page", "1", "-"}).out.find("hello"), std::string::npos);
+  EXPECT_EQ(run({"export", "--page", "9", "-"}), (Outcome{1, "", "habitra: there is no page 9\n"}));
 
   home_ = folder_ / "second";
   EXPECT_EQ(run({"import", compressed}), says("2 habits: 2 added\n6 entries: 6 added\n1 page: 1 added\n"));
@@ -339,7 +340,12 @@ TEST_F(VerbTests, sample) {
   EXPECT_EQ(imported.out.find("5 habits: 5 added\n"), 0U) << imported;
   EXPECT_EQ(std::count(imported.out.begin(), imported.out.end(), '\n'), 3) << imported;
   EXPECT_EQ(run({"export", "-"}).exitCode, 0);
-  EXPECT_EQ(run({"sample", folder_ / "nowhere"}), (Outcome{1, "", "habitra: Unable to determine storage location\n"}));
+  EXPECT_EQ(run({"sample", folder_ / "nowhere"}),
+            (Outcome{1, "", "habitra: " + (folder_ / "nowhere").string() + " is not a folder\n"}));
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink(write("other.csv", "mine"), file);
+  EXPECT_EQ(run({"sample", folder_.path()}).exitCode, 0);
+  EXPECT_EQ(bytesOf(folder_ / "other.csv"), "mine") << "the name is ours, and not what somebody made of it";
 }
 
 TEST_F(VerbTests, importOfAnotherTrackersHistory) {

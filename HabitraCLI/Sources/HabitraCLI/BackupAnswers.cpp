@@ -3,6 +3,9 @@
 #include <QZDateTime/YYYYMMDD.h>
 
 #include <fmt/format.h>
+#include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -10,6 +13,15 @@ namespace habitra {
 namespace {
 
 using nlohmann::json;
+
+/// As a shell takes it for one word.
+std::string shellWord(const std::string& text) {
+  const auto isPlain = [](unsigned char c) { return std::isalnum(c) != 0 || c > 0x7F || std::strchr("/._-+,", c); };
+  if (std::ranges::all_of(text, isPlain)) return text;
+  std::string word = "'";
+  for (const char c : text) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return word + "'";
+}
 
 /// "312 kB", rounded up: a file of one byte is not empty.
 std::string kilobytes(std::uintmax_t size) { return fmt::format("{} kB", (size + 999) / 1000); }
@@ -37,7 +49,7 @@ std::string asText(const RestoredHistory& answer, const Terminal&) {
 
 std::string asText(const WrittenSample& answer, const Terminal&) {
   return fmt::format("{}: written\nTry it:   habitra --home try-out import {}\n", displayable(answer.file),
-                     displayable(answer.file));
+                     displayable(shellWord(answer.file)));
 }
 
 std::string asJSON(const BackupList& answer) {

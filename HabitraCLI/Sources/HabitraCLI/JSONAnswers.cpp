@@ -16,15 +16,16 @@ json figures(const ProcessReport& report) {
 }
 
 json figures(const ImportReport::Entries& entries) {
-  return {{"added", entries.added},
-          {"changed", entries.changed},
-          {"removed", entries.removed},
-          {"left", entries.left},
-          {"afterToday", entries.afterToday}};
+  return {{"added", entries.added}, {"changed", entries.changed},       {"removed", entries.removed},
+          {"left", entries.left},   {"passedOver", entries.passedOver}, {"afterToday", entries.afterToday}};
 }
 
 json figures(const ImportReport::Rows& rows) {
-  return {{"added", rows.added}, {"changed", rows.changed}, {"removed", rows.removed}, {"left", rows.left}};
+  return {{"added", rows.added},
+          {"changed", rows.changed},
+          {"removed", rows.removed},
+          {"left", rows.left},
+          {"passedOver", rows.passedOver}};
 }
 
 std::string_view name(ImportReport::Outcome outcome) {

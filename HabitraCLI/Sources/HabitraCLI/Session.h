@@ -3,6 +3,7 @@
 #include <HabitraApp/Application.h>
 #include <HabitraCLI/Answers.h>
 #include <HabitraCLI/GlobalOptions.h>
+#include <HabitraCLI/ProgressBar.h>
 #include <HabitraCLI/StandardOutput.h>
 #include <HabitraCLI/Terminal.h>
 #include <QZDateTime/TimeZone.h>
@@ -13,6 +14,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace habitra {
 
@@ -38,6 +41,15 @@ class Session {
   /// Hands out what was answered so far, for a command that stays.
   void flush() { output_.flush(); }
 
+  /// Does something that takes long while a bar on standard error shows how far it has come.
+  template <typename Work>
+  auto withProgress(Work&& work) {
+    ProgressBar bar;
+    const ProgressReset reset(application());
+    application().setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
+    return std::forward<Work>(work)();
+  }
+
   /// For an answer that is a document by itself.
   [[nodiscard]] std::ostream& document() { return output_.stream(); }
 
@@ -50,6 +62,18 @@ class Session {
 
  private:
   static constexpr int descriptor = 1;
+
+  /// Lets the application tell nobody any more how far it has come.
+  class ProgressReset {
+   public:
+    explicit ProgressReset(Application& application) : application_(application) {}
+    ~ProgressReset() { application_.setProgress({}); }
+    ProgressReset(const ProgressReset&) = delete;
+    ProgressReset& operator=(const ProgressReset&) = delete;
+
+   private:
+    Application& application_;
+  };
 
   StandardOutput& output_;
   bool json_;

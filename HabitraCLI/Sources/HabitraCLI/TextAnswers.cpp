@@ -99,32 +99,34 @@ std::string dayLine(const TodayList& today) {
 
 /// "2 notes: 1 added, 1 already there"; nothing where there are none.
 std::string total(const ImportReport::Rows& rows, std::string_view singular) {
-  const std::size_t ofDocument = rows.added + rows.changed + rows.left;
+  const std::size_t ofDocument = rows.added + rows.changed + rows.left + rows.passedOver;
   if (ofDocument + rows.removed == 0) return {};
   const std::string plural = singular == "category" ? "categories" : fmt::format("{}s", singular);
-  return withParts(
-      counted(ofDocument, singular, plural),
-      {{rows.added, "added"}, {rows.changed, "changed"}, {rows.left, "already there"}, {rows.removed, "removed"}});
+  return withParts(counted(ofDocument, singular, plural), {{rows.added, "added"},
+                                                           {rows.changed, "changed"},
+                                                           {rows.left, "already there"},
+                                                           {rows.passedOver, "passed over"},
+                                                           {rows.removed, "removed"}});
 }
 
-/// "3 notes", with those that were added and changed; nothing where there are none.
-void addCameOver(std::vector<std::string>& all, std::size_t count, std::string_view singular,
-                 std::string_view plural = {}) {
-  if (count > 0) all.push_back(counted(count, singular, plural));
+/// "3 notes", and "2 notes removed"; nothing where there are none.
+void addChanges(std::vector<std::string>& all, const ImportReport::Rows& rows, std::string_view singular) {
+  if (const std::size_t cameOver = rows.added + rows.changed; cameOver > 0) all.push_back(counted(cameOver, singular));
+  if (rows.removed > 0) all.push_back(counted(rows.removed, singular) + " removed");
 }
 
 /// "Walk: 12 entries, 3 notes; 1 entry lies after today and was left out" for a habit of which there is more to say
 /// than how many entries it has, otherwise nothing.
 std::string habitLine(const ImportReport::Task& task) {
   if (!task.notes.haveChanged() && !task.parts.haveChanged() && task.remarks.empty()) return {};
-  std::vector<std::string> cameOver;
-  addCameOver(cameOver, task.entries.added + task.entries.changed, "entry", "entries");
-  addCameOver(cameOver, task.notes.added + task.notes.changed, "note");
-  addCameOver(cameOver, task.parts.added + task.parts.changed, "other part");
+  std::vector<std::string> changes;
+  if (const std::size_t cameOver = task.entries.added + task.entries.changed; cameOver > 0)
+    changes.push_back(counted(cameOver, "entry", "entries"));
+  addChanges(changes, task.notes, "note");
+  addChanges(changes, task.parts, "other part");
   std::vector<std::string> said;
-  if (!cameOver.empty()) said.push_back(fmt::format("{}", fmt::join(cameOver, ", ")));
+  if (!changes.empty()) said.push_back(fmt::format("{}", fmt::join(changes, ", ")));
   for (const std::string& remark : task.remarks) said.push_back(displayable(remark));
-  if (said.empty()) said.emplace_back("parts removed");
   return fmt::format("{}: {}\n", displayable(task.title), fmt::join(said, "; "));
 }
 
@@ -211,11 +213,12 @@ std::string asText(const ImportedHistory& answer, const Terminal&) {
                                                         {report.count(ImportReport::Outcome::changed), "changed"},
                                                         {report.count(ImportReport::Outcome::left), "already there"},
                                                         {report.count(ImportReport::Outcome::leftOut), "left out"}});
-  text += withParts(counted(entries.added + entries.changed + entries.left, "entry", "entries"),
+  text += withParts(counted(entries.added + entries.changed + entries.left + entries.passedOver, "entry", "entries"),
                     {{entries.added, "added"},
                      {entries.changed, "changed"},
                      {entries.left, "already there"},
-                     {entries.removed, "replaced"}});
+                     {entries.passedOver, "passed over"},
+                     {entries.removed, "removed"}});
   text += total(report.notes(), "note") + total(report.parts(), "other part") + total(report.categories, "category") +
           total(report.pages, "page") + total(report.settings, "setting");
   for (const ImportReport::Task& task : report.tasks) text += habitLine(task);

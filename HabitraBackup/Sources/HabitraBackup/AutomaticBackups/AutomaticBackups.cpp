@@ -44,6 +44,15 @@ std::optional<qz::YYYYMMDD> dayOfName(std::string_view name) {
   return day && day->exists() ? day : std::nullopt;
 }
 
+/// Whether it is what a program left that was stopped while it wrote a backup: ".2024-01-31.habitra.zst.4711-0".
+bool isUnfinishedBackup(const std::filesystem::directory_entry& entry) {
+  const std::string name = entry.path().filename().string();
+  constexpr std::size_t length = 1 + dayLength + extension.size();
+  return name.size() > length && name[0] == '.' && name[length] == '.' &&
+         dayOfName(std::string_view(name).substr(1, length - 1)) &&
+         entry.symlink_status().type() == std::filesystem::file_type::regular;
+}
+
 /// What was written or read, in short.
 class Fingerprint {
  public:
@@ -115,19 +124,25 @@ void AutomaticBackups::make(StoreContext& context, qz::YYYYMMDD today, qz::Momen
   HabitraJSONBackup header = exporter.header(tasks, HabitraJSONBackupType::scheduled, now);
   header.appVersion = appVersion_;
   Fingerprint written;
+  std::size_t entriesLeftOut = 0;
   const auto write = [&](const ByteSink& sink) {
-    (void)exporter.writeJson(tasks, header, [&](std::string_view bytes) {
-      written.add(bytes);
-      sink(bytes);
-    });
+    entriesLeftOut = exporter
+                         .writeJson(tasks, header,
+                                    [&](std::string_view bytes) {
+                                      written.add(bytes);
+                                      sink(bytes);
+                                    })
+                         .entriesLeftOut;
   };
   writeFile(file, write, [&written, &file](const std::filesystem::path& unfinished) {
     tightenFile(unfinished);
     if (readBack(unfinished) != written) throw qz::Error(file.string() + " does not read back as it was written");
   });
+  if (entriesLeftOut > 0)
+    qz::log::warning("{} damaged entries, which no backup can hold, are not in {}", entriesLeftOut, file.string());
   defaults_.set(newestKey, stored.text());
   removeOutdated(today);
-  removeLeftovers(folder_, ".2");
+  removeLeftovers(folder_, isUnfinishedBackup);
 }
 
 std::filesystem::path AutomaticBackups::fileOf(qz::YYYYMMDD day) const {

@@ -13,13 +13,15 @@ namespace habitra {
 
 namespace {
 
-// An edit distance of so many still is a slip of the pen.
-constexpr std::size_t slip = 2;
 // A message lists at most so many of the names that a header holds.
 constexpr std::size_t mostNamesListed = 9;
 
+// The edit distance that still is a slip of the pen. Of short names it is one letter: a file may have a "date" or a
+// "name" of its own beside "page".
+constexpr std::size_t slip(std::string_view known) { return known.size() < 7 ? 1 : 2; }
+
 bool isSlip(std::string_view name, std::string_view known) {
-  return name.size() <= known.size() + slip && qz::editDistance(name, known) <= slip;
+  return name.size() <= known.size() + slip(known) && qz::editDistance(name, known) <= slip(known);
 }
 
 std::string listed(std::span<const std::string_view> names) {

@@ -1,8 +1,10 @@
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <HabitraBackup/Exchange/EntryIdentifiers.h>
+#include <HabitraModel/Mapping/StoredIdentifier.h>
 #include <HabitraModel/Store/StoreContext.h>
 
 #include <algorithm>
+#include <string>
 
 namespace habitra {
 namespace {
@@ -43,7 +45,8 @@ EntryIdentifiers::EntryIdentifiers(StoreContext& context, const HabitraJSONBacku
 bool EntryIdentifiers::isFree(const qz::UniqueID& id) const {
   if (policy_ == IdentifierPolicy::giveNewOnes) return false;
   if (!storeHasEntries_ && !std::ranges::binary_search(repeated_, id)) return true;
-  return !context_.findLogEntry(id.text());
+  return std::ranges::none_of(storedForms(id),
+                              [&](const std::string& form) { return context_.findLogEntry(form).has_value(); });
 }
 
 }  // namespace habitra

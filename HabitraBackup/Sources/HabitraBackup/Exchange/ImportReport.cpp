@@ -19,6 +19,7 @@ ImportReport::Entries& ImportReport::Entries::operator+=(const Entries& more) {
   changed += more.changed;
   removed += more.removed;
   left += more.left;
+  passedOver += more.passedOver;
   afterToday += more.afterToday;
   return *this;
 }
@@ -28,6 +29,7 @@ ImportReport::Rows& ImportReport::Rows::operator+=(const Rows& more) {
   changed += more.changed;
   removed += more.removed;
   left += more.left;
+  passedOver += more.passedOver;
   return *this;
 }
 

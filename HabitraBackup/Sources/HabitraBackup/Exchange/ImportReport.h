@@ -22,6 +22,7 @@ struct ImportReport {
     std::size_t changed = 0;     ///< were there with other values, and took those of the document
     std::size_t removed = 0;     ///< of the store, gave way to those of the document
     std::size_t left = 0;        ///< of the document, were already there
+    std::size_t passedOver = 0;  ///< of the document, not brought in: their task is left alone, or they were filled in
     std::size_t afterToday = 0;  ///< of the document, lie after the task's today; not brought in
 
     Entries& operator+=(const Entries& more);
@@ -34,6 +35,7 @@ struct ImportReport {
     std::size_t changed = 0;
     std::size_t removed = 0;
     std::size_t left = 0;
+    std::size_t passedOver = 0;
 
     [[nodiscard]] bool haveChanged() const { return added + changed + removed > 0; }
     Rows& operator+=(const Rows& more);

@@ -70,7 +70,7 @@ ImportReport::Entries LogImport::merge(std::span<const HabitraJSONBackupTaskEntr
       ++counts.afterToday;
     } else if (!settled.empty() && wasFilledIn(entries[index]) &&
                std::ranges::binary_search(settled, period(entries[index]).bounds)) {
-      ++counts.left;
+      ++counts.passedOver;
     } else {
       added.push_back(index);
     }

@@ -7,6 +7,7 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskTitle.h>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <utility>
@@ -22,10 +23,15 @@ std::optional<HabitraJSONBackupDay> backupDay(std::int32_t stored) {
   return day ? std::optional<HabitraJSONBackupDay>(*day) : std::nullopt;
 }
 
-HabitraJSONBackupTaskEntry entry(const TaskLogEntryEntity& stored) {
+/// None for a damaged one, of a type that is not known or a day that no calendar has: with another in its place it
+/// would say something else.
+std::optional<HabitraJSONBackupTaskEntry> entryFrom(const TaskLogEntryEntity& stored) {
+  const auto type = fromRawValue<TaskLogEntryType>(stored.entryType);
+  const auto day = backupDay(stored.entryDate);
+  if (!type || !day) return std::nullopt;
   HabitraJSONBackupTaskEntry entry;
-  entry.entryType = fromRawValue<TaskLogEntryType>(stored.entryType).value_or(TaskLogEntryType::unknown);
-  entry.entryDate = backupDay(stored.entryDate).value_or(HabitraJSONBackupDay());
+  entry.entryType = *type;
+  entry.entryDate = *day;
   entry.progress = stored.progress;
   entry.createdTimestamp = stored.createdTimestamp;
   entry.entryPeriodFrom = backupDay(stored.entryPeriodFrom);
@@ -69,14 +75,22 @@ std::vector<ObjectID> TaskDataExporter::tasksOfPage(TaskPageNumber page) const {
   return ids;
 }
 
-HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const { return read(id, Detail::all); }
+bool TaskDataExporter::hasPage(TaskPageNumber page) const {
+  const auto isOne = [page](const UserProfileEntity* profile) {
+    return TaskPageNumber::ofDisplayOrder(profile->displayOrder) == page;
+  };
+  return page == TaskPageNumber::first() || std::ranges::any_of(context_.fetchAll<UserProfileEntity>(), isOne);
+}
 
-HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, Detail detail) const {
+HabitraJSONBackupTask TaskDataExporter::task(ObjectID id) const { return read(id, Detail::all).task; }
+
+TaskDataExporter::ReadTask TaskDataExporter::read(ObjectID id, Detail detail) const {
   const auto* stored = context_.find<TaskEntity>(id);
   if (stored == nullptr || !isExported(*stored)) {
     throw Error(Error::taskDataMissing, "a habit that was to be exported is not there any more");
   }
-  HabitraJSONBackupTask task;
+  ReadTask result;
+  HabitraJSONBackupTask& task = result.task;
   if (stored->uniqueId) task.uniqueId = qz::UniqueID::fromText(*stored->uniqueId);
   task.title = stored->title;
   if (std::string shown = shownTitle(*stored); stored->title && shown != *stored->title)
@@ -91,10 +105,15 @@ HabitraJSONBackupTask TaskDataExporter::read(ObjectID id, Detail detail) const {
   std::shared_ptr<const Details> details;
   context_.readLogEntries(id, StoreContext::firstDay, StoreContext::lastDay,
                           [&](const TaskLogEntryEntity& storedEntry) {
-                            log.push_back(entry(storedEntry));
+                            auto entry = entryFrom(storedEntry);
+                            if (!entry) {
+                              ++result.entriesLeftOut;
+                              return;
+                            }
+                            log.push_back(*std::move(entry));
                             if (detail == Detail::all) addDetails(log.back(), storedEntry, details);
                           });
-  return task;
+  return result;
 }
 
 HabitraJSONBackup TaskDataExporter::header(std::span<const ObjectID> tasks, HabitraJSONBackupType type,
@@ -126,15 +145,14 @@ TaskDataExporter::WrittenDocument TaskDataExporter::writeJson(std::span<const Ob
   HabitraJSONEncoder encoder(sink);
   encoder.begin(header);
   for (const ObjectID id : tasks) {
-    const HabitraJSONBackupTask task = this->task(id);
-    encoder.task(task);
+    const ReadTask read = this->read(id, Detail::all);
+    encoder.task(read.task);
     ++written.tasks;
-    written.entries += task.log->size();
+    written.entries += read.task.log->size();
+    written.entriesLeftOut += read.entriesLeftOut;
     tell(written.tasks, tasks.size());
   }
   encoder.end();
-  written.entriesLeftOut = encoder.entriesLeftOut();
-  written.entries -= written.entriesLeftOut;
   return written;
 }
 
@@ -142,22 +160,24 @@ void TaskDataExporter::tell(std::size_t written, std::size_t tasks) const {
   if (progress_) progress_("writing", static_cast<double>(written) / static_cast<double>(tasks));
 }
 
-std::size_t TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const {
-  std::size_t count = 0;
+TaskDataExporter::WrittenRows TaskDataExporter::writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const {
+  WrittenRows written;
   HabitraJSONBackup::csvEncoder().encode(
       [&](const CSVRowHandler& onRow) {
         const auto counted = [&](const HabitraCSVBackupRow& row) {
-          ++count;
+          ++written.rows;
           onRow(row);
         };
-        std::size_t written = 0;
+        std::size_t told = 0;
         for (const ObjectID id : tasks) {
-          forEachRow(read(id, Detail::ofRows), counted);
-          tell(++written, tasks.size());
+          const ReadTask read = this->read(id, Detail::ofRows);
+          forEachRow(read.task, counted);
+          written.entriesLeftOut += read.entriesLeftOut;
+          tell(++told, tasks.size());
         }
       },
       sink);
-  return count;
+  return written;
 }
 
 }  // namespace habitra

@@ -31,6 +31,8 @@ class TaskDataExporter {
   /// What can be exported.
   [[nodiscard]] std::vector<ObjectID> allTasks() const;
   [[nodiscard]] std::vector<ObjectID> tasksOfPage(TaskPageNumber page) const;
+  /// Whether the store has such a page, be it empty. It always has the first.
+  [[nodiscard]] bool hasPage(TaskPageNumber page) const;
 
   /// One task with everything that a document holds of it. Throws Error (taskDataMissing) when the store does not have
   /// it.
@@ -49,7 +51,7 @@ class TaskDataExporter {
   struct WrittenDocument {
     std::size_t tasks = 0;
     std::size_t entries = 0;
-    std::size_t entriesLeftOut = 0;  ///< since the calendar does not have their day
+    std::size_t entriesLeftOut = 0;  ///< damaged ones: the calendar does not have their day, or nobody knows their type
   };
 
   /// Writes the document in its own form: the same bytes as that of backup() gives, while only one task at a time is in
@@ -58,15 +60,25 @@ class TaskDataExporter {
   WrittenDocument writeJson(std::span<const ObjectID> tasks, const HabitraJSONBackup& header,
                             const ByteSink& sink) const;
 
-  /// Writes the tasks as CSV: the same bytes as the document gives, while only one task at a time is in memory. Gives
-  /// the number of rows below the header.
-  std::size_t writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const;
+  /// What writeCsv has written.
+  struct WrittenRows {
+    std::size_t rows = 0;            ///< below the header
+    std::size_t entriesLeftOut = 0;  ///< likewise
+  };
+
+  /// Writes the tasks as CSV: the same bytes as the document gives, while only one task at a time is in memory.
+  WrittenRows writeCsv(std::span<const ObjectID> tasks, const ByteSink& sink) const;
 
  private:
   // Rows hold neither settings nor identifiers of entries; reading those takes longer than all else.
   enum class Detail : bool { ofRows, all };
 
-  [[nodiscard]] HabitraJSONBackupTask read(ObjectID id, Detail detail) const;
+  struct ReadTask {
+    HabitraJSONBackupTask task;
+    std::size_t entriesLeftOut = 0;
+  };
+
+  [[nodiscard]] ReadTask read(ObjectID id, Detail detail) const;
 
   void tell(std::size_t written, std::size_t tasks) const;
 

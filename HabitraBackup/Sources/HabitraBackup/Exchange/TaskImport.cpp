@@ -27,7 +27,7 @@ ImportReport::Task reportOn(const TaskEntity& stored) {
 
 ImportReport::Task reportOnDeleted(const HabitraJSONBackupTask& task) {
   ImportReport::Task report;
-  report.title = task.title.value_or(task.titleFormatted.value_or(std::string()));
+  report.title = titleOf(task);
   report.outcome = ImportReport::Outcome::leftOut;
   report.remarks.emplace_back("it had been deleted when the document was made");
   return report;
@@ -148,9 +148,9 @@ ImportReport::Task TaskImport::overwrite(const HabitraJSONBackupTask& task, Task
 
 ImportReport::Task TaskImport::skip(const HabitraJSONBackupTask& task, const TaskEntity& stored) {
   ImportReport::Task report = reportOn(stored);
-  report.entries.left = entriesOf(task).size();
-  report.notes.left = task.notes ? task.notes->size() : 0;
-  report.parts.left = task.record ? countParts(*task.record) : 0;
+  report.entries.passedOver = entriesOf(task).size();
+  report.notes.passedOver = task.notes ? task.notes->size() : 0;
+  report.parts.passedOver = task.record ? countParts(*task.record) : 0;
   return report;
 }
 

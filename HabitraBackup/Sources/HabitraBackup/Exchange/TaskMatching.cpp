@@ -1,4 +1,5 @@
 #include <HabitraBackup/Exchange/TaskMatching.h>
+#include <HabitraBackup/Exchange/TaskValues.h>
 #include <HabitraModel/Store/StoreContext.h>
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskTitle.h>
@@ -30,7 +31,7 @@ std::optional<ObjectID> TaskMatching::find(const HabitraJSONBackupTask& task) {
     const auto found = byId_.find(*task.uniqueId);
     return found == byId_.end() ? std::nullopt : std::optional(found->second);
   }
-  const auto candidates = task.title ? byTitle_.find(*task.title) : byTitle_.end();
+  const auto candidates = byTitle_.find(titleOf(task));
   if (candidates == byTitle_.end()) return std::nullopt;
   for (const ObjectID candidate : candidates->second) {
     if (claimed_.insert(candidate).second) return candidate;

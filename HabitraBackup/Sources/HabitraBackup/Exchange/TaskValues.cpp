@@ -7,9 +7,12 @@ bool isDeleted(const HabitraJSONBackupTask& task) {
   return task.record && task.record->task.status == task_status::deleted;
 }
 
+std::string titleOf(const HabitraJSONBackupTask& task) {
+  return task.title.value_or(task.titleFormatted.value_or(std::string()));
+}
+
 TaskEntity newTaskValues(const HabitraJSONBackupTask& task, const NewTaskDefaults& defaults) {
-  const TaskEntity newlyMade = newlyMadeTask(task.title.value_or(task.titleFormatted.value_or(std::string())),
-                                             defaults.firstDayOfWeek, defaults.now, defaults.timeZone);
+  const TaskEntity newlyMade = newlyMadeTask(titleOf(task), defaults.firstDayOfWeek, defaults.now, defaults.timeZone);
   TaskEntity values = task.record ? task.record->task : newlyMade;
   if (task.record) {
     values.title = newlyMade.title;

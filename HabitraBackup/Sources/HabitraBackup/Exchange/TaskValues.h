@@ -19,6 +19,9 @@ struct NewTaskDefaults {
 /// Whether a person had deleted the task that a document carries.
 [[nodiscard]] bool isDeleted(const HabitraJSONBackupTask& task);
 
+/// The title under which a store keeps the task: its own words, else those that were read; empty where there are none.
+[[nodiscard]] std::string titleOf(const HabitraJSONBackupTask& task);
+
 /// The row of a new task: what the document says, else what a newly made task has. Nothing that is derived from a log,
 /// and no state towards a cloud. Identifier, page and, where the document has no whole record of the task, place are
 /// left to the caller.

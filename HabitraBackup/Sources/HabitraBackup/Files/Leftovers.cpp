@@ -6,11 +6,12 @@
 
 namespace habitra {
 
-void removeLeftovers(const std::filesystem::path& folder, std::string_view prefix) noexcept try {
+void removeLeftovers(const std::filesystem::path& folder,
+                     const std::function<bool(const std::filesystem::directory_entry&)>& isLeftover) noexcept try {
   const auto dayAgo = std::filesystem::file_time_type::clock::now() - std::chrono::days(1);
   std::error_code error;
   for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (!entry->path().filename().string().starts_with(prefix)) continue;
+    if (!isLeftover(*entry)) continue;
     std::error_code ignored;
     const auto touched = std::filesystem::last_write_time(entry->path(), ignored);
     if (!ignored && touched < dayAgo) std::filesystem::remove_all(entry->path(), ignored);

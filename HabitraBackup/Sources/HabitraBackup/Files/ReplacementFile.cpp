@@ -24,10 +24,15 @@ std::filesystem::path withLinksFollowed(const std::filesystem::path& path) {
 
 }  // namespace
 
-ReplacementFile::ReplacementFile(const std::filesystem::path& target)
-    : name_(target), target_(withLinksFollowed(target)) {
+ReplacementFile::ReplacementFile(const std::filesystem::path& target, Links links)
+    : name_(target), target_(links == Links::followed ? withLinksFollowed(target) : target) {
   struct stat status {};
-  const bool exists = ::stat(target_.c_str(), &status) == 0;
+  const bool exists =
+      (links == Links::followed ? ::stat(target_.c_str(), &status) : ::lstat(target_.c_str(), &status)) == 0;
+  if (exists && S_ISLNK(status.st_mode)) {
+    openBeside();
+    return;
+  }
   if (exists && S_ISDIR(status.st_mode)) fail("cannot be written", EISDIR);
   if (exists && !S_ISREG(status.st_mode)) {
     descriptor_ = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC);

@@ -9,11 +9,14 @@ namespace habitra {
 
 /// A file that takes another's place as a whole or not at all: it is written beside the target, flushed to the disk
 /// and given the target's name. Until then, and after any failure, the target is as it was and nothing else is left
-/// beside it. A link is followed to the file it names. A target that is no plain file (a terminal, a pipe) is written
-/// to as it comes. Failures throw qz::Error that names the target. One object belongs to one thread.
+/// beside it. A link is followed to the file it names, unless it is to be replaced itself. A target that is no plain
+/// file (a terminal, a pipe) is written to as it comes. Failures throw qz::Error that names the target. One object
+/// belongs to one thread.
 class ReplacementFile {
  public:
-  explicit ReplacementFile(const std::filesystem::path& target);
+  enum class Links : bool { followed, replaced };
+
+  explicit ReplacementFile(const std::filesystem::path& target, Links links = Links::followed);
   ~ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;
   ReplacementFile& operator=(const ReplacementFile&) = delete;

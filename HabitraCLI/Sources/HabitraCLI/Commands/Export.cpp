@@ -1,5 +1,4 @@
 #include <HabitraCLI/Commands/Commands.h>
-#include <HabitraCLI/ProgressBar.h>
 #include <HabitraCLI/Session.h>
 #include <HabitraCLI/UsageError.h>
 
@@ -55,14 +54,9 @@ void run(Session& session, const Arguments& arguments) {
     application.exportHistory(session.document(), request);
     return;
   }
-  ExportedHistory exported{{}, file, request.format};
-  {
-    ProgressBar bar;
-    application.setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
-    exported.outcome = application.exportHistory(std::filesystem::path(file), request);
-    application.setProgress({});
-  }
-  session.answer(exported);
+  const ExportOutcome outcome =
+      session.withProgress([&] { return application.exportHistory(std::filesystem::path(file), request); });
+  session.answer(ExportedHistory{outcome, file, request.format});
 }
 
 }  // namespace

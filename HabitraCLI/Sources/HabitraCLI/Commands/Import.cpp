@@ -1,5 +1,4 @@
 #include <HabitraCLI/Commands/Commands.h>
-#include <HabitraCLI/ProgressBar.h>
 #include <HabitraCLI/Session.h>
 #include <HabitraCLI/UsageError.h>
 
@@ -18,7 +17,7 @@ constexpr std::string_view examples[] = {"habitra import history.csv", "habitra 
 
 ImportStrategy strategyFrom(const std::string& text) {
   if (const auto strategy = fromRawValue<ImportStrategy>(std::string_view(text))) return *strategy;
-  throw UsageError(fmt::format("'{}' is no strategy: write merge, overwrite, skip or new", text));
+  throw UsageError(fmt::format("'{}' is no strategy: write merge, overwrite, skip or new", text), "import");
 }
 
 void run(Session& session, const Arguments& arguments) {
@@ -27,15 +26,10 @@ void run(Session& session, const Arguments& arguments) {
   const ImportStrategy strategy = option ? strategyFrom(*option) : ImportStrategy::merge;
   Application& application = session.application();
   std::ios::sync_with_stdio(false);  // in step with stdio, a failing read would look like the end of the input
-  ImportedHistory imported;
-  {
-    ProgressBar bar;
-    application.setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
-    imported.outcome = file == "-" ? application.importHistory(std::cin, "standard input", strategy)
-                                   : application.importHistory(std::filesystem::path(file), strategy);
-    application.setProgress({});
-  }
-  session.answer(imported);
+  session.answer(ImportedHistory{session.withProgress([&] {
+    return file == "-" ? application.importHistory(std::cin, "standard input", strategy)
+                       : application.importHistory(std::filesystem::path(file), strategy);
+  })});
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include <HabitraCLI/Commands/Commands.h>
-#include <HabitraCLI/ProgressBar.h>
 #include <HabitraCLI/Session.h>
 
 #include <filesystem>
@@ -23,15 +22,10 @@ void run(Session& session, const Arguments& arguments) {
   Application& application = session.application();
   if (arguments.words.empty()) return session.answer(BackupList{application.backups()});
   const std::string& word = arguments.words.front();
-  RestoredHistory restored;
-  {
-    ProgressBar bar;
-    application.setProgress([&bar](std::string_view step, double share) { bar.show(step, share); });
-    restored.outcome = isFile(word) ? application.restore(std::filesystem::path(word))
-                                    : application.restore(session.day(word).value());
-    application.setProgress({});
-  }
-  session.answer(restored);
+  session.answer(RestoredHistory{session.withProgress([&] {
+    return isFile(word) ? application.restore(std::filesystem::path(word))
+                        : application.restore(session.day(word).value());
+  })});
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-#include <HabitraBackup/Document/SampleHistory.h>
+#include <HabitraBackup/CSV/SampleHistory.h>
+#include <HabitraBackup/Files/ReplacementFile.h>
 #include <QZKit/Error.h>
 #include <QZLog/Log.h>
 
@@ -54,7 +55,8 @@ std::optional<SampleEntry> entryOf(char sign) {
 std::filesystem::path storageLocation(const std::filesystem::path& folder) {
   std::error_code error;
   const auto location = folder.empty() ? std::filesystem::temp_directory_path(error) : folder;
-  if (error || !std::filesystem::is_directory(location, error)) throw qz::Error("Unable to determine storage location");
+  if (error || !std::filesystem::is_directory(location, error))
+    throw qz::Error(folder.empty() ? "Unable to determine storage location" : folder.string() + " is not a folder");
   return location;
 }
 
@@ -91,7 +93,10 @@ std::filesystem::path writeSampleCsv(const std::filesystem::path& folder, qz::YY
                                      const qz::TimeZone& timeZone) {
   const std::filesystem::path file = storageLocation(folder) / sampleFileName;
   qz::log::info("Writing CSV sample to {}", file.string());
-  sampleHistory(today, timeZone).write(file, HabitraBackupFormat::csv);
+  // In a folder that all may write to, somebody may have put a link of that name there.
+  ReplacementFile sample(file, ReplacementFile::Links::replaced);
+  sample.write(sampleHistory(today, timeZone).csvString());
+  sample.replace();
   return file;
 }
 
