@@ -1,3 +1,4 @@
+#include <HabitraBackup/DerivedIdentifier.h>
 #include <HabitraBackup/MovingIn/ForeignFrequency.h>
 #include <HabitraBackup/MovingIn/ForeignHabit.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
@@ -8,12 +9,8 @@
 #include <QZKit/UTF8.h>
 
 #include <fmt/core.h>
-#define XXH_INLINE_ALL
-#include <xxhash.h>
-
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <utility>
 
 namespace habitra {
@@ -210,16 +207,6 @@ void ForeignHabit::moveInto(ForeignHistory& history, const ForeignHistorySetting
   task.log = std::move(entries_);
   if (!notes_.empty()) task.notes = std::move(notes_);
   history.document.tasks.push_back(std::move(task));
-}
-
-qz::UniqueID identifierOfText(std::string_view text) {
-  XXH128_canonical_t hash;
-  XXH128_canonicalFromHash(&hash, XXH3_128bits(text.data(), text.size()));
-  qz::UniqueID::Bytes bytes{};
-  std::copy(std::begin(hash.digest), std::end(hash.digest), bytes.begin());
-  bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x80U);  // version 8: made by a rule of one's own
-  bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);
-  return qz::UniqueID(bytes);
 }
 
 qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title, std::string_view key) {

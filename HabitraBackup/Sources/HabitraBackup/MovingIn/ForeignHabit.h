@@ -92,10 +92,6 @@ class ForeignHabit {
   std::vector<std::string> remarks_;
 };
 
-/// An identifier for something that has none where it came from and needs one here, such as a category: the same for
-/// the same text, of version 8.
-[[nodiscard]] qz::UniqueID identifierOfText(std::string_view text);
-
 /// Puts a category into the document unless it is there, and says its identifier, which follows from `key`: what tells
 /// it from others where it came from.
 [[nodiscard]] qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title, std::string_view key);

@@ -2,6 +2,7 @@
 // later than 12 (each was a tick), so did type, target, unit, question, uuid and notes. The moment of a repetition is
 // midnight in UTC of the day that the device showed.
 
+#include <HabitraBackup/DerivedIdentifier.h>
 #include <HabitraBackup/MovingIn/ForeignDatabase.h>
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
