@@ -81,6 +81,8 @@ TEST_F(MovingInRefusal, saysWhatIsWrongWithATextAndWhere) {
             file + "line 2, Notes: byte 0xFF is not text (UTF-8 expected)");
   EXPECT_EQ(ofTexts({{"Habits.csv", "Name,Interval\nRead,0\n"}}),
             "Habits.csv: line 2, Interval: \"0\" found, a whole number from 1 on expected");
+  EXPECT_EQ(ofTexts({{"Habits.csv", "Position,Name\n1,Read\n001,Run\n"}}),
+            "Habits.csv: line 3, Position: \"001\" found, each habit once expected");
 
   EXPECT_EQ(ofTexts({{"habits", "Gym 3/7"}, {"log", ""}}),
             "habits: line 1: \"Gym 3/7\" found, a name, \": \" and a frequency expected");

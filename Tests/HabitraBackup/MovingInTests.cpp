@@ -176,6 +176,52 @@ TEST_F(MovingIn, readsADatabaseOfLoopOfTheFirstAndOfTheLastLayout) {
   EXPECT_EQ(files, 2) << "a file was left beside the databases";
 }
 
+TEST_F(MovingIn, judgesAmountsByTheirDecimalsWhateverTheirSumIsInBinary) {
+  const std::string tables =
+      "PRAGMA user_version = 25; CREATE TABLE Habits (id INTEGER PRIMARY KEY, name TEXT, type INTEGER, freq_num "
+      "INTEGER,"
+      " freq_den INTEGER, target_type INTEGER, target_value REAL); CREATE TABLE Repetitions (id INTEGER PRIMARY KEY,"
+      " habit INTEGER, timestamp INTEGER, value INTEGER);";
+  const std::string habits =
+      "INSERT INTO Habits VALUES (1, 'A', 1, 1, 7, 0, 0.8), (2, 'B', 1, 1, 7, 0, 0.8), (3, 'C', 1, 1, 1, 1, 0.3),"
+      " (4, 'D', 1, 1, 7, 0, 1.0);";
+  // 2024-01-01 is a Monday.
+  const std::string days =
+      "INSERT INTO Repetitions VALUES (1, 1, 1704067200000, 100), (2, 1, 1704153600000, 700),"
+      " (3, 2, 1704067200000, 100), (4, 2, 1704153600000, 699), (5, 3, 1704067200000, 300), (6, 3, 1704153600000, 301),"
+      " (7, 4, 1704067200000, 9223372036854775807), (8, 4, 1704153600000, 9223372036854775807);";
+  const ForeignHistory history = read(makeDatabase(folder / "a.db", tables + habits + days));
+  const auto& tasks = history.document.tasks;
+  EXPECT_EQ(logOf(tasks.at(0)),
+            (Words{"20240101 completedManuallyPartial 0.1 (0.125)", "20240102 completedManuallyFull 0.7"}));
+  EXPECT_EQ(logOf(tasks.at(1)).at(1).find("20240102 completedManuallyPartial 0.699"), 0U);
+  EXPECT_EQ(logOf(tasks.at(2)), (Words{"20240101 completedManuallyFull 0.3", "20240102 missedManuallyFull 0.301"}));
+  EXPECT_EQ(logOf(tasks.at(3)).at(1).find("20240102 completedManuallyPartial"), 0U);
+}
+
+TEST_F(MovingIn, saysWhichRecordOfADayCountsWhereTwoAreNotAlike) {
+  writeText(folder / "b.json", R"({"habits": [{"name": "Walk", "records": [
+    {"day": "2024-01-03", "done": true}, {"day": "2024-01-03", "done": true, "text": "far"},
+    {"day": "2024-01-02", "done": true, "text": "near"}, {"day": "2024-01-02", "done": false, "text": "no"}]}]})");
+  const ForeignHistory beaver = read(folder / "b.json");
+  EXPECT_EQ(logOf(beaver.document.tasks.at(0)), Words{"20240103 completedManuallyFull"});
+  EXPECT_EQ(notesOf(beaver.document.tasks.at(0)), (Words{"20240102 near", "20240102 no", "20240103 far"}));
+  EXPECT_EQ(beaver.habits[0].remarks.at(0),
+            "recorded more than once and not alike, the last record counts: 2024-01-02");
+
+  const ForeignHistory loop = read(makeDatabase(
+      folder / "a.db",
+      "PRAGMA user_version = 25; CREATE TABLE Habits (id INTEGER PRIMARY KEY, name TEXT); CREATE TABLE Repetitions (id"
+      " INTEGER PRIMARY KEY, habit INTEGER, timestamp INTEGER, value INTEGER, notes TEXT); INSERT INTO Habits VALUES"
+      " (1, 'A'); INSERT INTO Repetitions VALUES (1, 1, 1704067200000, 2, 'a'), (2, 1, 1704067200000, 0, 'b'),"
+      " (3, 1, 1704153600000, 3, 'c'), (4, 1, 1704153600000, 3, 'c');"));
+  EXPECT_EQ(logOf(loop.document.tasks.at(0)),
+            (Words{"20240101 completedManuallyFull", "20240102 skippedManuallyFull"}));
+  EXPECT_EQ(notesOf(loop.document.tasks.at(0)), (Words{"20240101 a", "20240101 b", "20240102 c"}));
+  EXPECT_EQ(loop.habits[0].remarks,
+            Words{"recorded more than once and not alike, the first record counts: 2024-01-01"});
+}
+
 TEST_F(MovingIn, readsTickmateWithTicksOfADayAndGroups) {
   const std::string script =
       "PRAGMA user_version = 13; CREATE TABLE tracks (_id INTEGER PRIMARY KEY, name TEXT, description TEXT, icon TEXT,"
@@ -219,7 +265,20 @@ TEST_F(MovingIn, readsHarshWhereTheLastLineOfADayCounts) {
   EXPECT_EQ(logOf(tasks[3]), (Words{"20240102 missedManuallyFull", "20240103 completedManuallyFull"}));
   EXPECT_EQ(tasks[4].title, "Gone");
   EXPECT_TRUE(history.habits[4].isArchived);
+  EXPECT_TRUE(notesOf(tasks[4]).empty());
   EXPECT_EQ(history.document.categories.value().size(), 2U);
+}
+
+TEST_F(MovingIn, readsALogOfHarshOfWhichAnEditorCutTheBlanksAtTheEnds) {
+  const ForeignHistory history =
+      read(makeFolder(folder / "harsh", {{"habits", "Gym: 1"},
+                                         {"log",
+                                          "2024-01-01 : Gym : y :\n2024-01-02 : Gym : n :  :\r\n2024-01-03 : Gym : s : "
+                                          "ill :\n2024-01-04 : Gym : y : at 5 :30 :b : 2"}}));
+  const HabitraJSONBackupTask& gym = history.document.tasks.at(0);
+  EXPECT_EQ(logOf(gym), (Words{"20240101 completedManuallyFull", "20240102 missedManuallyFull",
+                               "20240103 skippedManuallyFull", "20240104 completedManuallyFull 2"}));
+  EXPECT_EQ(notesOf(gym), (Words{"20240103 ill", "20240104 at 5 :30 :b"}));
 }
 
 TEST_F(MovingIn, readsBeaverhabitsWhereADayThatIsNotDoneSaysNothing) {

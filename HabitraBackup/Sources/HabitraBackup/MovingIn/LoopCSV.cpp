@@ -192,10 +192,12 @@ class LoopCSVReading {
     return *count;
   }
 
-  static std::int64_t position(const HabitRow& row, std::int64_t place) {
+  /// The number of the habit's folder.
+  std::int64_t position(const HabitRow& row, std::int64_t place) {
     if (!row.has("Position")) return place;
     const auto number = foreign_text::wholeNumber(row.value("Position"));
     if (!number) row.refuse("Position", "a whole number");
+    if (!positions_.insert(*number).second) row.refuse("Position", "each habit once");
     return *number;
   }
 
@@ -267,7 +269,7 @@ class LoopCSVReading {
       habit.addNote(mark.day, mark.notes);
       if (mark.value == loop::no) continue;
       if (isMeasured && mark.value > loop::no && mark.value != loop::skipped) {
-        const double amount = static_cast<double>(mark.value) / loop::thousandths;
+        const double amount = static_cast<double>(mark.value) / ForeignHabit::thousandthsInOne;
         habit.add(TaskLogEntryType::completedManuallyFull, mark.day, amount);
       } else {
         loop::addDay(habit, loop::HabitKind::ticked, mark.day, mark.value);
@@ -278,6 +280,7 @@ class LoopCSVReading {
   const ForeignFiles& files_;
   const ForeignHistorySettings& settings_;
   std::map<std::int64_t, std::string> marks_;  // those that no habit has taken yet
+  std::set<std::int64_t> positions_;           // of the habits so far
   bool isInMarks_ = false;                     // whether errors bear the name of their file already
   ForeignHistory history_;
 };

@@ -60,7 +60,7 @@ class TickmateReading {
     ForeignHabit habit(row.text(1).value_or(std::string()));
     habit.remarkNoPlace("description", row.text(2).value_or(std::string()));
     if (row.integer(3).value_or(1) == 0) habit.setArchived();
-    places_.emplace(row.wantedInteger(0), tracks_.size());
+    if (!places_.emplace(row.wantedInteger(0), tracks_.size()).second) row.refuse(0, "each track once");
     tracks_.push_back({std::move(habit), row.integer(4).value_or(-1)});
   }
 
