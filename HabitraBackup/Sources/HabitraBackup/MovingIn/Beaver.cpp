@@ -186,18 +186,16 @@ class BeaverReading {
 
 }  // namespace
 
-ForeignHistory readBeaver(const std::filesystem::path& file, const ForeignHistorySettings& settings) {
-  const std::string text = contentOfFile(file, foreign_limits::largestJSON);
+ForeignHistory readBeaver(const std::string& text, const std::string& name, const ForeignHistorySettings& settings) {
   try {
     return BeaverReading(settings).run(json::parse(text));
   } catch (const json::parse_error& error) {
-    throw qz::Error(fmt::format("{}: byte {}: no JSON of beaverhabits ({})", shownPath(file), error.byte,
+    throw qz::Error(fmt::format("{}: byte {}: no JSON of beaverhabits ({})", name, error.byte,
                                 qz::utf8::printable(error.what(), 200)));
   } catch (const json::exception& error) {  // a number that no type holds
-    throw qz::Error(
-        fmt::format("{}: no JSON of beaverhabits ({})", shownPath(file), qz::utf8::printable(error.what(), 200)));
+    throw qz::Error(fmt::format("{}: no JSON of beaverhabits ({})", name, qz::utf8::printable(error.what(), 200)));
   } catch (const qz::Error& error) {
-    throw qz::Error(shownPath(file) + ": " + error.what());
+    throw qz::Error(name + ": " + error.what());
   }
 }
 

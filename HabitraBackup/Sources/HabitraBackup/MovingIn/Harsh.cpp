@@ -73,8 +73,8 @@ LogLine said(TaskLogEntryType type, const std::vector<std::string_view>& fields)
 
 class HarshReading {
  public:
-  HarshReading(const ForeignFiles& files, const ForeignHistorySettings& settings)
-      : files_(files), settings_(settings) {}
+  HarshReading(const ForeignFiles& files, const ForeignHistorySettings& settings, const ExchangeProgress& progress)
+      : files_(files), settings_(settings), progress_(progress) {}
 
   ForeignHistory run() {
     history_.format = "harsh";
@@ -82,7 +82,7 @@ class HarshReading {
                 [this](std::size_t line, std::string_view text) { readHabit(line, text); });
     const std::string* const log = files_.find("log");
     if (log == nullptr) throw qz::Error(files_.shown("log") + ": there is no such file, the log of harsh was expected");
-    forEachLine(*log, files_.shown("log"), [this](std::size_t line, std::string_view text) { readEntry(line, text); });
+    readLog(*log);
     for (Read& read : habits_) move(read);
     return std::move(history_);
   }
@@ -96,6 +96,14 @@ class HarshReading {
   [[noreturn]] void refuse(std::string_view file, std::size_t line, std::string_view text,
                            std::string_view wanted) const {
     throw qz::Error(fmt::format("{}: line {}: {}", files_.shown(file), line, foreign_text::found(text, wanted)));
+  }
+
+  void readLog(const std::string& log) {
+    forEachLine(log, files_.shown("log"), [&](std::size_t line, std::string_view text) {
+      readEntry(line, text);
+      const auto read = static_cast<double>(text.data() + text.size() - log.data());
+      if (progress_) progress_("reading", read / static_cast<double>(log.size()));
+    });
   }
 
   Read& add(const std::string& name) {
@@ -172,6 +180,7 @@ class HarshReading {
 
   const ForeignFiles& files_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   std::string heading_;
   std::vector<Read> habits_;
   std::unordered_map<std::string, std::size_t> places_;  // in habits_, by name
@@ -180,8 +189,9 @@ class HarshReading {
 
 }  // namespace
 
-ForeignHistory readHarsh(const ForeignFiles& files, const ForeignHistorySettings& settings) {
-  return HarshReading(files, settings).run();
+ForeignHistory readHarsh(const ForeignFiles& files, const ForeignHistorySettings& settings,
+                         const ExchangeProgress& progress) {
+  return HarshReading(files, settings, progress).run();
 }
 
 }  // namespace habitra

@@ -45,9 +45,11 @@ qz::DaysOfWeek weekdays(std::int64_t bits) {
 
 class LoopDatabaseReading {
  public:
-  LoopDatabaseReading(const ForeignDatabase& database, const ForeignHistorySettings& settings)
+  LoopDatabaseReading(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                      const ExchangeProgress& progress)
       : database_(database),
         settings_(settings),
+        progress_(progress),
         hasQuestions_(database.hasColumn("Habits", "question")),
         hasValues_(database.hasColumn("Repetitions", "value")) {}
 
@@ -59,8 +61,9 @@ class LoopDatabaseReading {
         {"id", "name", "position", "archived", "type", "freq_num", "freq_den", "target_type", "target_value", "unit",
          "question", "description", "uuid", "reminder_hour", "reminder_min", "reminder_days"},
         [this](const Row& row) { readHabit(row); });
-    database_.forEachRow("Repetitions", {"id", "habit", "timestamp", "value", "notes"},
-                         [this](const Row& row) { readRepetition(row); });
+    database_.forEachRow(
+        "Repetitions", {"id", "habit", "timestamp", "value", "notes"}, [this](const Row& row) { readRepetition(row); },
+        progress_);
     std::stable_sort(habits_.begin(), habits_.end(),
                      [](const Read& a, const Read& b) { return a.position < b.position; });
     for (Read& read : habits_) {
@@ -171,6 +174,7 @@ class LoopDatabaseReading {
 
   const ForeignDatabase& database_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   bool hasQuestions_;
   bool hasValues_;
   std::vector<Read> habits_;
@@ -182,8 +186,9 @@ class LoopDatabaseReading {
 
 }  // namespace
 
-ForeignHistory readLoopDatabase(const ForeignDatabase& database, const ForeignHistorySettings& settings) {
-  return LoopDatabaseReading(database, settings).run();
+ForeignHistory readLoopDatabase(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                                const ExchangeProgress& progress) {
+  return LoopDatabaseReading(database, settings, progress).run();
 }
 
 }  // namespace habitra
