@@ -172,8 +172,8 @@ class Application {
   void stopWatching();
 
   /// Reads a history (a backup document, nine columns, or what another tracker has written: which, it finds out),
-  /// brings it into the store and the habits up to date. `name` is what errors call the stream, which holds nothing of
-  /// other trackers; `strategy` says what happens to habits that are here already. All or nothing.
+  /// brings it into the store and the habits up to date. `name` is what errors call the stream, which can be
+  /// neither archive nor database; `strategy` says what happens to habits that are here already. All or nothing.
   ImportOutcome importHistory(std::istream& stream, std::string_view name,
                               ImportStrategy strategy = ImportStrategy::merge);
   ImportOutcome importHistory(const std::filesystem::path& file, ImportStrategy strategy = ImportStrategy::merge);

@@ -33,6 +33,11 @@ void warnOfEntriesLeftOut(std::size_t count) {
   if (count > 0) qz::log::warning("{} damaged entries, which no export can hold, were left out", count);
 }
 
+ForeignHistorySettings foreignSettings(qz::Moment now, const TaskCalendars& calendars, const Settings& settings) {
+  return {
+      .now = now, .timeZone = calendars.ofDevice().timeZone, .firstDayOfWeek = settings.get(settings::firstDayOfWeek)};
+}
+
 }  // namespace
 
 ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std::string_view name,
@@ -54,16 +59,14 @@ ImportOutcome Application::importDocument(const HabitraJSONBackup& document, std
 }
 
 ImportOutcome Application::importHistory(std::istream& stream, std::string_view name, ImportStrategy strategy) {
-  const LoadedHistory loaded = loadHistory(stream, name, rooms_->now());
+  const LoadedHistory loaded = loadHistory(
+      stream, name, foreignSettings(rooms_->now(), rooms_->calendars, rooms_->settings(rooms_->readingContext())));
   return importDocument(loaded.document, name, strategy, loaded.remarks);
 }
 
 ImportOutcome Application::importHistory(const std::filesystem::path& file, ImportStrategy strategy) {
-  StoreContext* context = rooms_->readingContext();
-  const ForeignHistorySettings settings{.now = rooms_->now(),
-                                        .timeZone = rooms_->calendars.ofDevice().timeZone,
-                                        .firstDayOfWeek = rooms_->settings(context).get(settings::firstDayOfWeek)};
-  const LoadedHistory loaded = loadHistory(file, settings, progress_);
+  const LoadedHistory loaded = loadHistory(
+      file, foreignSettings(rooms_->now(), rooms_->calendars, rooms_->settings(rooms_->readingContext())), progress_);
   return importDocument(loaded.document, file.filename().string(), strategy, loaded.remarks);
 }
 

@@ -1,4 +1,5 @@
-#include <HabitraBackup/MovingIn/ForeignHistory.h>
+#include <HabitraBackup/Files/FileWriting.h>
+#include <HabitraBackup/HistoryFile.h>
 #include <QZKit/Error.h>
 
 #include "ForeignFilesMade.h"
@@ -9,10 +10,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+const ForeignHistorySettings settings{qz::Moment(), qz::TimeZone::utc(), qz::DayOfWeek::monday};
+
 /// What the reading of a path is refused with, without the folder that the test made.
 std::string refusal(const fs::path& path, const fs::path& folder) {
   try {
-    (void)readForeignHistory(path, {qz::Moment(), qz::TimeZone::utc(), qz::DayOfWeek::monday});
+    (void)loadHistory(path, settings);
   } catch (const qz::Error& error) {
     std::string text = error.what();
     for (std::size_t at = text.find(folder.string()); at != std::string::npos; at = text.find(folder.string())) {
@@ -81,6 +84,8 @@ TEST_F(MovingInRefusal, saysWhatIsWrongWithATextAndWhere) {
             file + "line 2, Notes: byte 0xFF is not text (UTF-8 expected)");
   EXPECT_EQ(ofTexts({{"Habits.csv", "Name,Interval\nRead,0\n"}}),
             "Habits.csv: line 2, Interval: \"0\" found, a whole number from 1 on expected");
+  EXPECT_EQ(ofTexts({{"Habits.csv", "Position,Name\n1,Read\n001,Run\n"}}),
+            "Habits.csv: line 3, Position: \"001\" found, each habit once expected");
 
   EXPECT_EQ(ofTexts({{"habits", "Gym 3/7"}, {"log", ""}}),
             "habits: line 1: \"Gym 3/7\" found, a name, \": \" and a frequency expected");
@@ -148,12 +153,40 @@ TEST_F(MovingInRefusal, refusesArchivesThatAreDamagedOrWouldOverflow) {
 }
 
 TEST_F(MovingInRefusal, saysWhatWasExpectedOfAPathThatLeadsElsewhere) {
-  EXPECT_EQ(refusal(folder / "none", folder.path()), "none: there is no such file or folder");
   EXPECT_EQ(refusal(makeFolder(next(), {{"a", ""}}), folder.path())
-                .find("1: the folder holds neither Habits.csv nor habits; the export of Loop"),
+                .find("1: the folder holds neither Habits.csv nor habits; the CSV export of Loop"),
             0U);
-  EXPECT_EQ(ofText("Dear diary").find("2: the file begins with \"Dear diary\", which is of no known format"), 0U);
-  EXPECT_EQ(ofText("").find("3: the file is empty"), 0U);
-  EXPECT_EQ(ofText("{\"habits\": [").find("4: byte 13: no JSON of beaverhabits ("), 0U);
-  EXPECT_EQ(ofText("{}"), "5: no member \"habits\" found");
+  EXPECT_EQ(ofText("{\"habits\": [").find("2: byte 13: no JSON of beaverhabits ("), 0U);
+  EXPECT_EQ(ofText("{\"habits\": [{\"name\": 1}]}"), "3: habits, 1, name: 1 found, a text expected");
+  EXPECT_EQ(ofText("{}"), "4: version: missing; every backup document has it");
+}
+
+TEST_F(MovingInRefusal, saysHowToGiveWhatWasGivenInPartOrAsAStream) {
+  const std::string advice =
+      ": this is one of the tables that the CSV export of Loop Habit Tracker consists of; give the folder or the "
+      "archive that it lies in";
+  EXPECT_EQ(ofText(habitsCSV), "1" + advice);
+  EXPECT_EQ(ofText("Position,Name,Question,Description,NumRepetitions,Interval,Color\r\n"), "2" + advice);
+  EXPECT_EQ(ofText("Date,Value,Notes\n2024-01-01,YES_MANUAL,\n"), "3" + advice);
+  std::string ofAll = "Date,";
+  while (ofAll.size() < 10'000) ofAll += "Read,";
+  EXPECT_EQ(ofText(ofAll + "\n"), "4" + advice);
+  // Columns of another history that only look alike.
+  EXPECT_EQ(ofText("Name,title,page,FrequencyNumerator\n,A,,\n"), "nothing was refused");
+
+  const std::string byName =
+      ": an archive or a database of another tracker can only be read from a file that is named and not compressed";
+  const fs::path database = makeDatabase(next(), loopTables);
+  std::ifstream stream(database, std::ios::binary);
+  try {
+    (void)loadHistory(stream, "standard input", settings);
+    ADD_FAILURE() << "nothing was refused";
+  } catch (const qz::Error& error) {
+    EXPECT_EQ(error.what(), "standard input" + byName);
+  }
+  writeFile(folder / "7.zst", [&](const ByteSink& sink) {
+    std::ifstream plain(database, std::ios::binary);
+    sink(std::string((std::istreambuf_iterator<char>(plain)), std::istreambuf_iterator<char>()));
+  });
+  EXPECT_EQ(refusal(folder / "7.zst", folder.path()), "7.zst" + byName);
 }

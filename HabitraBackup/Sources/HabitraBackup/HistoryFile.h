@@ -26,13 +26,14 @@ struct LoadedHistory {
 };
 
 /// Reads a history of any form that is known, which is found out from its first bytes: a backup document, the nine
-/// columns of a task history (either compressed or not), or a file or folder of another tracker. Throws what
-/// HabitraBackup and readForeignHistory() throw. Safe from any thread; `progress`, where there is one, is told on the
-/// thread of the call.
+/// columns of a task history, or JSON of another tracker (each of these compressed or not), or another file or a folder
+/// of another tracker. Throws what HabitraBackup and the readers of ForeignHistory.h throw. Safe from any thread;
+/// `progress`, where there is one, is told on the thread of the call.
 [[nodiscard]] LoadedHistory loadHistory(const std::filesystem::path& path, const ForeignHistorySettings& settings,
                                         const ExchangeProgress& progress = {});
 
-/// The same from an open stream, which can hold no history of another tracker. `name` is what messages call it.
-[[nodiscard]] LoadedHistory loadHistory(std::istream& stream, std::string_view name, qz::Moment now);
+/// The same from an open stream, which can hold neither an archive nor a database. `name` is what messages call it.
+[[nodiscard]] LoadedHistory loadHistory(std::istream& stream, std::string_view name,
+                                        const ForeignHistorySettings& settings);
 
 }  // namespace habitra

@@ -61,6 +61,10 @@ struct RestoredHistory {
   RestoreOutcome outcome;
 };
 
+/// What a person is told when what was stored could not be followed by a pass.
+inline constexpr std::string_view broughtUpToDateLater =
+    "The habits could not be brought up to date now (habitra.log says why); the next command tries again.\n";
+
 struct WrittenSample {
   std::string file;
 };

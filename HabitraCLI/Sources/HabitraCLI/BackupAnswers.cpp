@@ -43,6 +43,7 @@ std::string asText(const RestoredHistory& answer, const Terminal&) {
   std::string text = fmt::format("{}: {} with {} restored\n", displayable(outcome.file.filename().string()),
                                  counted(outcome.tasks, "habit"), counted(outcome.entries, "entry", "entries"));
   for (const std::string& remark : outcome.remarks) text += displayable(remark) + "\n";
+  if (!outcome.processed) text += broughtUpToDateLater;
   if (outcome.kept) text += fmt::format("What was stored before is kept as {}\n", displayable(outcome.kept->string()));
   return text;
 }

@@ -223,8 +223,9 @@ std::string asText(const ImportedHistory& answer, const Terminal&) {
           total(report.pages, "page") + total(report.settings, "setting");
   for (const ImportReport::Task& task : report.tasks) text += habitLine(task);
   for (const std::string& remark : report.remarks) text += displayable(remark) + "\n";
-  if (const auto& processed = answer.outcome.processed; processed && processed->filledIn > 0)
-    text += counted(processed->filledIn, "day") + " filled in\n";
+  const auto& processed = answer.outcome.processed;
+  if (!processed) return text + std::string(broughtUpToDateLater);
+  if (processed->filledIn > 0) text += counted(processed->filledIn, "day") + " filled in\n";
   return text;
 }
 

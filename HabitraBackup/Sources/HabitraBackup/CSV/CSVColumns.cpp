@@ -13,6 +13,7 @@ namespace habitra {
 
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 // A message lists at most so many of the names that a header holds.
 constexpr std::size_t mostNamesListed = 9;
 
@@ -39,6 +40,9 @@ CSVColumns::CSVColumns(const CSVColumnNames& format, std::size_t line, std::span
     : positions_(format.known.size()) {
   std::vector<std::string_view> unknown;
   for (std::size_t position = 0; position < names.size(); ++position) {
+    if (names[position].starts_with(byteOrderMark))
+      throw CSVError(line, {},
+                     "the name of a column begins with a byte-order mark; it may stand only once, at the very start");
     const auto known = std::ranges::find(format.known, names[position]);
     if (known == format.known.end()) {
       unknown.push_back(names[position]);

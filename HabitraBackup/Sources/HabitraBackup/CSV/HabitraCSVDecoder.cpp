@@ -3,6 +3,7 @@
 #include <HabitraBackup/CSV/CSVNumber.h>
 #include <HabitraBackup/CSV/CSVReader.h>
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
+#include <HabitraBackup/Document/DocumentValues.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/UTF8.h>
 
@@ -92,6 +93,7 @@ class RowDecoder final : public CSVReader::Handler {
     if (field(column).empty()) return std::nullopt;
     const auto moment = qz::momentFromISO8601(field(column));
     if (!moment) refuse(column, " is not a moment such as 2024-01-31T08:15:00Z");
+    if (!document_values::isWritable(*moment)) refuse(column, " lies outside the years 0 to 9999 of UTC");
     return moment;
   }
 

@@ -1,5 +1,6 @@
 #include <HabitraBackup/CSV/CSVWriter.h>
 #include <HabitraBackup/CSV/HabitraCSVCoder.h>
+#include <HabitraBackup/Document/DocumentValues.h>
 #include <QZDateTime/ISO8601.h>
 #include <QZKit/Trap.h>
 
@@ -37,9 +38,7 @@ std::string dayText(qz::YYYYMMDD day) {
 
 // Only years of four digits can be read back.
 std::string momentText(qz::Moment moment) {
-  constexpr std::size_t readableLength = std::string_view("2024-01-31T08:15:00Z").size();
-  std::string text = qz::iso8601WholeSeconds(moment);
-  return text.size() == readableLength ? text : std::string();
+  return document_values::isWritable(moment) ? qz::iso8601WholeSeconds(moment) : std::string();
 }
 
 void writeText(CSVWriter& writer, const std::optional<std::string>& text) {

@@ -34,6 +34,8 @@ TaskPause pause(const nlohmann::json& json, const JSONPlace& place, HabitraJSONR
   }
   if (!json.contains(keys::pauseFrom))
     throw HabitraJSONError(place.text(keys::pauseFrom), "missing; every pause has it");
+  if (pause.to && *pause.to < pause.from)
+    throw HabitraJSONError(place.text(keys::pauseTo), "the pause ends before it begins");
   return pause;
 }
 

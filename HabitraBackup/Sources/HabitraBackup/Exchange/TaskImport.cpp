@@ -5,6 +5,7 @@
 #include <HabitraModel/Tasks/TaskEntityRules.h>
 #include <HabitraModel/Tasks/TaskPauses.h>
 #include <HabitraModel/Tasks/TaskTitle.h>
+#include <QZDateTime/TimeZone.h>
 
 #include <fmt/format.h>
 
@@ -13,6 +14,9 @@
 
 namespace habitra {
 namespace {
+
+/// Whoever keeps a diary of a habit today cannot have begun before; an earlier day mostly is a slip of the pen.
+const qz::YYYYMMDD earliestLikelyDay(1900, 1, 1);
 
 using Entries = std::span<const HabitraJSONBackupTaskEntry>;
 
@@ -44,6 +48,22 @@ void remarkOnEntriesAfterToday(ImportReport::Task& report) {
   if (count == 0) return;
   report.remarks.push_back(count == 1 ? "1 entry lies after today and was left out"
                                       : fmt::format("{} entries lie after today and were left out", count));
+}
+
+/// What a person would want to know of a habit that has come in, since its days depend on it.
+void remarkOnWhatIsOdd(const TaskEntity& stored, const LogImport& log, ImportReport::Task& report) {
+  if (report.title.find_first_not_of(' ') == std::string::npos) report.remarks.emplace_back("it has no title");
+  if (!rulesWithoutPauses(stored))
+    report.remarks.emplace_back(
+        "how often it is to be done cannot be read; until that is changed no day of it is judged");
+  const auto& zone = stored.currentTimeZoneOverride;
+  if (zone && !qz::TimeZone::fromIdentifier(*zone))
+    report.remarks.push_back(
+        fmt::format("\"{}\" is no time zone that is known here; its days are those of this device", *zone));
+  const auto earliest = log.earliestAdded();
+  if (earliest && *earliest < earliestLikelyDay)
+    report.remarks.push_back(
+        fmt::format("its first entry is of {}, and all days since then count", earliest->debugDescription()));
 }
 
 /// The first day of an entry that says that the task was being kept.
@@ -108,6 +128,7 @@ ImportReport::Task TaskImport::add(const HabitraJSONBackupTask& task) {
   partsOf(stored, log).overwrite(task, report);
   if (!saysCreation(task)) moveCreation(stored, log.earliestAdded());
   if (wasDeleted) report.remarks.emplace_back("it had been deleted here and is back");
+  remarkOnWhatIsOdd(stored, log, report);
   remarkOnEntriesAfterToday(report);
   return report;
 }
@@ -122,6 +143,7 @@ ImportReport::Task TaskImport::merge(const HabitraJSONBackupTask& task, TaskEnti
     moveCreation(stored, log.earliestAdded());
     stored.lastProcessedDate.reset();
   }
+  if (haveChanged(report)) remarkOnWhatIsOdd(stored, log, report);
   remarkOnEntriesAfterToday(report);
   return report;
 }
@@ -142,6 +164,7 @@ ImportReport::Task TaskImport::overwrite(const HabitraJSONBackupTask& task, Task
   }
   if (!task.record && haveOtherSettings(values, before))
     report.remarks.emplace_back("the document says nothing of its settings, which are those of a new habit now");
+  remarkOnWhatIsOdd(stored, log, report);
   remarkOnEntriesAfterToday(report);
   return report;
 }

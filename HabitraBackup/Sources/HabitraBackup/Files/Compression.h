@@ -49,6 +49,7 @@ class DecompressingSource {
   DecompressingSource& operator=(const DecompressingSource&) = delete;
 
   std::size_t read(std::span<char> chunk);
+  [[nodiscard]] bool isCompressed() const { return context_ != nullptr; }
 
  private:
   /// Puts more of the other source behind what has not been taken yet; gives false at its end.

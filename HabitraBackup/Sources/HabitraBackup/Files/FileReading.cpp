@@ -12,19 +12,15 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace habitra {
 
 namespace {
 
-std::string shown(std::string_view name) {
-  constexpr std::size_t longestPath = 4096;  // the system's own limit: a name that can be opened is shown whole
-  return qz::utf8::printable(name, longestPath);
-}
-
 class InputFile {
  public:
-  explicit InputFile(const std::filesystem::path& path) : name_(shown(path.string())) {
+  explicit InputFile(const std::filesystem::path& path) : name_(shownPath(path)) {
     if (path.empty()) throw TaskDataExchangeError(TaskDataExchangeError::noUrl, "no file was named");
     descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor_ >= 0) return;
@@ -81,13 +77,35 @@ void readFile(const std::filesystem::path& file, const std::function<void(const 
 }
 
 void readStream(std::istream& stream, std::string_view name, const std::function<void(const ByteSource&)>& read) {
-  const std::string label = shown(name);
+  const std::string label = shownPath(name);
   const ByteSource source = [&](std::span<char> chunk) {
     stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
     if (stream.bad()) throw qz::Error(label + " cannot be read");
     return static_cast<std::size_t>(stream.gcount());
   };
   readNamed(label, source, read);
+}
+
+std::string contentOf(const ByteSource& source, std::string_view name, std::uint64_t mostBytes) {
+  std::string text;
+  std::vector<char> chunk(std::size_t{1} << 18U);
+  while (const std::size_t count = source(chunk)) {
+    text.append(chunk.data(), count);
+    if (text.size() > mostBytes)
+      throw qz::Error(fmt::format("{}: more than {} MiB found, less was expected", name, mostBytes >> 20U));
+  }
+  return text;
+}
+
+std::string contentOfFile(const std::filesystem::path& file, std::uint64_t mostBytes) {
+  std::string text;
+  readFile(file, [&](const ByteSource& source) { text = contentOf(source, shownPath(file), mostBytes); });
+  return text;
+}
+
+std::string shownPath(const std::filesystem::path& path) {
+  constexpr std::size_t longestPath = 4096;  // the system's own limit: a name that can be opened is shown whole
+  return qz::utf8::printable(path.string(), longestPath);
 }
 
 }  // namespace habitra

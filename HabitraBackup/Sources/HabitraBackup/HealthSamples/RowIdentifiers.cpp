@@ -1,10 +1,8 @@
+#include <HabitraBackup/DerivedIdentifier.h>
 #include <HabitraBackup/HealthSamples/RowIdentifiers.h>
 
 #include <fmt/format.h>
-#define XXH_INLINE_ALL
-#include <xxhash.h>
 
-#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <iterator>
@@ -38,16 +36,12 @@ std::string content(const qz::QZHKSample& sample) {
   return text;
 }
 
+/// The hash with the start in its leading 48 bits.
 qz::UniqueID identifierOf(const std::string& content, qz::Moment start, std::uint32_t number) {
-  XXH128_canonical_t hash;
-  XXH128_canonicalFromHash(&hash, XXH3_128bits_withSeed(content.data(), content.size(), number));
-  qz::UniqueID::Bytes bytes{};
-  std::copy(std::begin(hash.digest), std::end(hash.digest), bytes.begin());
+  qz::UniqueID::Bytes bytes = identifierOfText(content, number).bytes();
   const auto milliseconds =
       static_cast<std::uint64_t>(std::chrono::floor<std::chrono::milliseconds>(start).time_since_epoch().count());
   for (std::size_t at = 0; at < 6; ++at) bytes[at] = static_cast<std::uint8_t>(milliseconds >> (40 - 8 * at) & 0xFFU);
-  bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x80U);  // version 8: made by a rule of one's own
-  bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);
   return qz::UniqueID(bytes);
 }
 

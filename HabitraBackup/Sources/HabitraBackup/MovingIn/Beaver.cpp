@@ -5,6 +5,7 @@
 //   period   period_type ("D", "W", "M", "Y"), period_count of them, target_count of days wanted in those
 //
 // A record that is not done may be one that was ticked and unticked, or one that only holds a text: it says nothing.
+// Of several records of a day the last one tells whether it is done. Habits may share a name.
 
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignHabit.h>
@@ -14,9 +15,12 @@
 #include <QZKit/UTF8.h>
 
 #include <fmt/core.h>
+#include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <utility>
+#include <vector>
 
 namespace habitra {
 
@@ -137,12 +141,22 @@ class BeaverReading {
 
   struct Day {
     bool isDone = false;
-    std::string text;
+    std::vector<std::string> texts;
   };
+
+  /// Adds a record; false where one before it says otherwise.
+  static bool addTo(Day& said, bool isFirst, bool isDone, std::string text) {
+    const bool agrees = isFirst || said.isDone == isDone;
+    said.isDone = isDone;
+    if (std::find(said.texts.begin(), said.texts.end(), text) == said.texts.end())
+      said.texts.push_back(std::move(text));
+    return agrees;
+  }
 
   static void readRecords(const Node& records, ForeignHabit& habit) {
     if (records.count() > foreign_limits::mostRows) records.refuse(fmt::format("at most {}", foreign_limits::mostRows));
-    std::map<qz::YYYYMMDD, Day> days;  // the last record of a day is the one that counts
+    std::map<qz::YYYYMMDD, Day> days;
+    std::set<qz::YYYYMMDD> contradicted;
     for (std::size_t index = 0; index < records.count(); ++index) {
       const Node record = records.at(index);
       const Node date = record.wanted("day");
@@ -150,13 +164,16 @@ class BeaverReading {
       if (!day) date.refuse("a day of the calendar as 2024-01-31");
       const auto done = record.member("done");
       const auto text = record.member("text");
-      days.insert_or_assign(*day, Day{done && done->flag(), text ? text->text() : std::string()});
+      const auto [said, isFirst] = days.try_emplace(*day);
+      if (!addTo(said->second, isFirst, done && done->flag(), text ? text->text() : std::string()))
+        contradicted.insert(*day);
     }
+    habit.remarkContradictions(contradicted, "last");
     std::size_t numUndone = 0;
     for (const auto& [day, said] : days) {
       if (said.isDone) habit.add(TaskLogEntryType::completedManuallyFull, day);
       if (!said.isDone) ++numUndone;
-      habit.addNote(day, said.text);
+      for (const std::string& text : said.texts) habit.addNote(day, text);
     }
     if (numUndone == 0) return;
     habit.remark(foreign_text::counted(numUndone, "day is", "days are") +
@@ -169,18 +186,16 @@ class BeaverReading {
 
 }  // namespace
 
-ForeignHistory readBeaver(const std::filesystem::path& file, const ForeignHistorySettings& settings) {
-  const std::string text = contentOfFile(file, foreign_limits::largestJSON);
+ForeignHistory readBeaver(const std::string& text, const std::string& name, const ForeignHistorySettings& settings) {
   try {
     return BeaverReading(settings).run(json::parse(text));
   } catch (const json::parse_error& error) {
-    throw qz::Error(fmt::format("{}: byte {}: no JSON of beaverhabits ({})", shownPath(file), error.byte,
+    throw qz::Error(fmt::format("{}: byte {}: no JSON of beaverhabits ({})", name, error.byte,
                                 qz::utf8::printable(error.what(), 200)));
   } catch (const json::exception& error) {  // a number that no type holds
-    throw qz::Error(
-        fmt::format("{}: no JSON of beaverhabits ({})", shownPath(file), qz::utf8::printable(error.what(), 200)));
+    throw qz::Error(fmt::format("{}: no JSON of beaverhabits ({})", name, qz::utf8::printable(error.what(), 200)));
   } catch (const qz::Error& error) {
-    throw qz::Error(shownPath(file) + ": " + error.what());
+    throw qz::Error(name + ": " + error.what());
   }
 }
 

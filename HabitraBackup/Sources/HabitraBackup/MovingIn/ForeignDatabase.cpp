@@ -1,8 +1,6 @@
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/MovingIn/ForeignDatabase.h>
-#include <HabitraBackup/MovingIn/ForeignFiles.h>
-#include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
-#include <HabitraBackup/MovingIn/ForeignText.h>
 #include <QZKit/Error.h>
 #include <QZKit/UTF8.h>
 
@@ -185,22 +183,26 @@ bool ForeignDatabase::hasColumn(std::string_view table, std::string_view column)
   return holds("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2 COLLATE NOCASE", table, column);
 }
 
+std::int64_t ForeignDatabase::numRows(std::string_view table) const {
+  std::int64_t count = 0;
+  run("SELECT count(*) FROM " + quotedName(table), table, [&count](const Row& row) { count = row.wantedInteger(0); });
+  return count;
+}
+
 void ForeignDatabase::forEachRow(std::string_view table, std::initializer_list<std::string_view> columns,
-                                 const std::function<void(const Row&)>& onRow) const {
+                                 const std::function<void(const Row&)>& onRow, const ExchangeProgress& progress) const {
   std::string list;
   for (const std::string_view column : columns) {
     if (!list.empty()) list += ", ";
     list += (hasColumn(table, column) ? quotedName(column) : std::string("NULL")) + " AS " + quotedName(column);
   }
-  run("SELECT " + list + " FROM " + quotedName(table) + " ORDER BY 1", table, onRow);
-}
-
-ForeignHistory readForeignDatabase(const std::filesystem::path& file, const ForeignHistorySettings& settings) {
-  const ForeignDatabase database(file);
-  if (database.hasTable("Habits") && database.hasTable("Repetitions")) return readLoopDatabase(database, settings);
-  if (database.hasTable("tracks") && database.hasTable("ticks")) return readTickmate(database, settings);
-  database.fail(
-      "neither the tables Habits and Repetitions of Loop Habit Tracker nor tracks and ticks of Tickmate are in it");
+  const std::string query = "SELECT " + list + " FROM " + quotedName(table) + " ORDER BY 1";
+  if (!progress) return run(query, table, onRow);
+  const auto all = static_cast<double>(numRows(table));
+  run(query, table, [&, read = 0.0](const Row& row) mutable {
+    onRow(row);
+    progress("reading", ++read / all);
+  });
 }
 
 }  // namespace habitra

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -56,14 +58,16 @@ class ForeignDatabase {
   [[nodiscard]] bool hasTable(std::string_view table) const;
   [[nodiscard]] bool hasColumn(std::string_view table, std::string_view column) const;
   /// Hands on these columns of every row, in ascending order of the table's key; a column that the table lacks is NULL.
+  /// `progress`, where there is one, is told how many of the rows have been handed on.
   void forEachRow(std::string_view table, std::initializer_list<std::string_view> columns,
-                  const std::function<void(const Row&)>& onRow) const;
+                  const std::function<void(const Row&)>& onRow, const ExchangeProgress& progress = {}) const;
 
   [[noreturn]] void fail(std::string_view problem) const;
 
  private:
   void harden() const;
   void check() const;
+  [[nodiscard]] std::int64_t numRows(std::string_view table) const;
   void run(const std::string& query, std::string_view table, const std::function<void(const Row&)>& onRow) const;
   [[nodiscard]] bool holds(const std::string& query, std::string_view first, std::string_view second) const;
 

@@ -1,3 +1,4 @@
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/MovingIn/ForeignFiles.h>
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
 #include <HabitraBackup/MovingIn/Zip/ZipArchive.h>
@@ -6,9 +7,6 @@
 
 #include <fmt/core.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <optional>
 #include <vector>
 
@@ -26,12 +24,6 @@ std::string_view baseName(std::string_view name) { return name.substr(name.rfind
 bool isAskedFor(std::string_view name) {
   const std::string_view base = baseName(name);
   return base == loopHabits || base == loopMarks || base == "habits" || base == "log";
-}
-
-std::ifstream opened(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw qz::Error(shownPath(file) + ": " + std::strerror(errno));
-  return stream;
 }
 
 /// What may still be read of a folder.
@@ -125,34 +117,6 @@ void forEachLine(const std::string& text, const std::string& name, const Foreign
     }
     onLine(line, found);
   }
-}
-
-std::string contentOfFile(const fs::path& file, std::uint64_t mostBytes) {
-  std::ifstream stream = opened(file);
-  std::string text;
-  std::vector<char> chunk(std::size_t{1} << 18U);
-  while (stream) {
-    stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    text.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
-    if (text.size() > mostBytes) {
-      throw qz::Error(fmt::format("{}: more than {} MiB found, less was expected", shownPath(file), mostBytes >> 20U));
-    }
-  }
-  if (stream.bad()) throw qz::Error(shownPath(file) + ": cannot be read");
-  return text;
-}
-
-std::string beginningOfFile(const fs::path& file) {
-  std::ifstream stream = opened(file);
-  std::string start(64, '\0');
-  stream.read(start.data(), static_cast<std::streamsize>(start.size()));
-  start.resize(static_cast<std::size_t>(stream.gcount()));
-  return start;
-}
-
-std::string shownPath(const fs::path& path) {
-  constexpr std::size_t longestPath = 4096;  // the system's own limit: a name that can be opened is shown whole
-  return qz::utf8::printable(path.string(), longestPath);
 }
 
 }  // namespace habitra

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -37,12 +36,5 @@ using ForeignLineHandler = std::function<void(std::size_t line, std::string_view
 /// Hands on the lines of a text, without a byte-order mark. Throws qz::Error, led by `name`, for a line that is no
 /// UTF-8 or holds a NUL, and for too many lines.
 void forEachLine(const std::string& text, const std::string& name, const ForeignLineHandler& onLine);
-
-/// The whole of a regular file. Throws qz::Error when it cannot be read or has more bytes than that.
-[[nodiscard]] std::string contentOfFile(const std::filesystem::path& file, std::uint64_t mostBytes);
-/// Its first bytes, 64 at most.
-[[nodiscard]] std::string beginningOfFile(const std::filesystem::path& file);
-/// As messages of one line show it.
-[[nodiscard]] std::string shownPath(const std::filesystem::path& path);
 
 }  // namespace habitra

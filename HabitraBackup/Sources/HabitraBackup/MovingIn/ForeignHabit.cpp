@@ -1,3 +1,4 @@
+#include <HabitraBackup/DerivedIdentifier.h>
 #include <HabitraBackup/MovingIn/ForeignFrequency.h>
 #include <HabitraBackup/MovingIn/ForeignHabit.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
@@ -8,19 +9,20 @@
 #include <QZKit/UTF8.h>
 
 #include <fmt/core.h>
-#define XXH_INLINE_ALL
-#include <xxhash.h>
-
 #include <algorithm>
 #include <cmath>
-#include <iterator>
+#include <limits>
 #include <utility>
 
 namespace habitra {
 
 namespace {
 
+constexpr std::size_t mostDaysNamed = 10;       // by one remark
 constexpr std::size_t longestQuotedText = 500;  // a remark shows what is not taken over whole, within reason
+
+/// Of whole thousandths this is the very number that their decimals read as, so comparing it with another is exact.
+double amountOf(std::int64_t thousandths) { return static_cast<double>(thousandths) / ForeignHabit::thousandthsInOne; }
 
 bool isForDay(const ForeignTarget& target) { return target.days == 1; }
 
@@ -92,6 +94,20 @@ void ForeignHabit::remarkNoPlace(std::string_view what, std::string_view text) {
   remark(fmt::format("the {} {} has no place here", what, qz::utf8::quoted(said, longestQuotedText)));
 }
 
+void ForeignHabit::remarkContradictions(const std::set<qz::YYYYMMDD>& days, std::string_view counting) {
+  if (days.empty()) return;
+  std::string named;
+  std::size_t numNamed = 0;
+  for (const qz::YYYYMMDD& day : days) {
+    if (++numNamed > mostDaysNamed) {
+      named += fmt::format(" and {}", foreign_text::counted(days.size() - mostDaysNamed, "other", "others"));
+      break;
+    }
+    named += (named.empty() ? "" : ", ") + day.debugDescription();
+  }
+  remark(fmt::format("recorded more than once and not alike, the {} record counts: {}", counting, named));
+}
+
 void ForeignHabit::judgeAmounts(qz::DayOfWeek firstDayOfWeek) {
   std::stable_sort(measured_.begin(), measured_.end(),
                    [](const Measured& a, const Measured& b) { return a.day < b.day; });
@@ -107,9 +123,9 @@ void ForeignHabit::judgeLimit() {
   remark(targetText() + " became a habit to avoid" +
          (isForDay(*target_) ? std::string() : std::string(", and each day is judged by the limit alone")));
   for (const Measured& measured : measured_) {
-    const bool isAbove = measured.amount > target_->amount;
-    add(isAbove ? TaskLogEntryType::missedManuallyFull : TaskLogEntryType::completedManuallyFull, measured.day,
-        measured.amount);
+    const double amount = amountOf(measured.thousandths);
+    const bool isAbove = amount > target_->amount;
+    add(isAbove ? TaskLogEntryType::missedManuallyFull : TaskLogEntryType::completedManuallyFull, measured.day, amount);
   }
 }
 
@@ -119,12 +135,13 @@ void ForeignHabit::judgeDays() {
   remark(fmt::format("{} became {} parts a day, done by hand; the amounts stay with their entries", targetText(),
                      frequency_.numPartialCompletions));
   for (const Measured& measured : measured_) {
-    if (measured.amount >= target_->amount) {
-      add(TaskLogEntryType::completedManuallyFull, measured.day, measured.amount);
-    } else if (measured.amount > 0) {
+    const double amount = amountOf(measured.thousandths);
+    if (amount >= target_->amount) {
+      add(TaskLogEntryType::completedManuallyFull, measured.day, amount);
+    } else if (amount > 0) {
       addPart(measured);
     } else {
-      add(TaskLogEntryType::missedManuallyFull, measured.day, measured.amount);
+      add(TaskLogEntryType::missedManuallyFull, measured.day, amount);
     }
   }
 }
@@ -137,15 +154,16 @@ void ForeignHabit::judgePeriods(TaskFrequencyPeriodType type, qz::DayOfWeek firs
   remark(fmt::format("{} became {} parts a {}, done by hand; the amounts stay with their entries", targetText(),
                      frequency_.numPartialCompletions, qz::caseName(type)));
   qz::YYYYMMDD begin;
-  double sum = 0;
+  std::int64_t sum = 0;
   std::size_t numEmpty = 0;
   for (const Measured& measured : measured_) {
     const qz::YYYYMMDD itsBegin = firstDate(type, measured.day, firstDayOfWeek);
     if (std::exchange(begin, itsBegin) != itsBegin) sum = 0;
-    const double before = std::exchange(sum, sum + measured.amount);
-    if (before < target_->amount && sum >= target_->amount) {
-      add(TaskLogEntryType::completedManuallyFull, measured.day, measured.amount);
-    } else if (measured.amount > 0) {
+    const bool wasReached = amountOf(sum) >= target_->amount;
+    sum += std::min(measured.thousandths, std::numeric_limits<std::int64_t>::max() - sum);
+    if (!wasReached && amountOf(sum) >= target_->amount) {
+      add(TaskLogEntryType::completedManuallyFull, measured.day, amountOf(measured.thousandths));
+    } else if (measured.thousandths > 0) {
       addPart(measured);
     } else {
       ++numEmpty;
@@ -157,8 +175,9 @@ void ForeignHabit::judgePeriods(TaskFrequencyPeriodType type, qz::DayOfWeek firs
 }
 
 void ForeignHabit::addPart(const Measured& measured) {
-  add(TaskLogEntryType::completedManuallyPartial, measured.day, measured.amount);
-  if (target_->amount > 0) entries_.back().progress = measured.amount / target_->amount;
+  const double amount = amountOf(measured.thousandths);
+  add(TaskLogEntryType::completedManuallyPartial, measured.day, amount);
+  if (target_->amount > 0) entries_.back().progress = amount / target_->amount;
 }
 
 std::string ForeignHabit::targetText() const {
@@ -210,16 +229,6 @@ void ForeignHabit::moveInto(ForeignHistory& history, const ForeignHistorySetting
   task.log = std::move(entries_);
   if (!notes_.empty()) task.notes = std::move(notes_);
   history.document.tasks.push_back(std::move(task));
-}
-
-qz::UniqueID identifierOfText(std::string_view text) {
-  XXH128_canonical_t hash;
-  XXH128_canonicalFromHash(&hash, XXH3_128bits(text.data(), text.size()));
-  qz::UniqueID::Bytes bytes{};
-  std::copy(std::begin(hash.digest), std::end(hash.digest), bytes.begin());
-  bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x80U);  // version 8: made by a rule of one's own
-  bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);
-  return qz::UniqueID(bytes);
 }
 
 qz::UniqueID categoryOf(HabitraJSONBackup& document, const std::string& title, std::string_view key) {

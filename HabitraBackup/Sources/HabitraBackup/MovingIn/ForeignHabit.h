@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,8 @@ struct ForeignTarget {
 class ForeignHabit {
  public:
   static constexpr std::int64_t mostParts = 100;
+  /// So many are a whole: amounts are counted in thousandths, as sums of decimals have to be exact.
+  static constexpr double thousandthsInOne = 1000.0;
 
   explicit ForeignHabit(std::string title) : title_(std::move(title)) {}
 
@@ -51,14 +54,16 @@ class ForeignHabit {
 
   void add(TaskLogEntryType type, const qz::YYYYMMDD& day, const std::optional<double>& amount = std::nullopt,
            const std::optional<qz::Moment>& made = std::nullopt);
-  /// An amount of a habit with a target. REQUIRES: finite.
-  void addAmount(const qz::YYYYMMDD& day, double amount) { measured_.push_back({day, amount}); }
+  /// An amount of a habit with a target, in thousandths. REQUIRES: not negative.
+  void addAmount(const qz::YYYYMMDD& day, std::int64_t thousandths) { measured_.push_back({day, thousandths}); }
   /// An empty one is none.
   void addNote(const qz::YYYYMMDD& day, std::string_view text);
 
   void remark(std::string text) { remarks_.push_back(std::move(text)); }
   /// `the question "Did you read?" has no place here`; nothing for an empty text.
   void remarkNoPlace(std::string_view what, std::string_view text);
+  /// The file says these days more than once and not alike; `counting` record of each is the one that was taken.
+  void remarkContradictions(const std::set<qz::YYYYMMDD>& days, std::string_view counting);
 
   /// Puts the habit at the end of the history: its task into the document, its report beside it.
   void moveInto(ForeignHistory& history, const ForeignHistorySettings& settings) &&;
@@ -66,7 +71,7 @@ class ForeignHabit {
  private:
   struct Measured {
     qz::YYYYMMDD day;
-    double amount;
+    std::int64_t thousandths;
   };
 
   void judgeAmounts(qz::DayOfWeek firstDayOfWeek);
@@ -91,10 +96,6 @@ class ForeignHabit {
   std::vector<HabitraJSONBackupTaskNote> notes_;
   std::vector<std::string> remarks_;
 };
-
-/// An identifier for something that has none where it came from and needs one here, such as a category: the same for
-/// the same text, of version 8.
-[[nodiscard]] qz::UniqueID identifierOfText(std::string_view text);
 
 /// Puts a category into the document unless it is there, and says its identifier, which follows from `key`: what tells
 /// it from others where it came from.

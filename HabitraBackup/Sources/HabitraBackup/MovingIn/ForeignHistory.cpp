@@ -1,10 +1,12 @@
-#include <HabitraBackup/MovingIn/ForeignFiles.h>
+#include <HabitraBackup/Files/FileReading.h>
+#include <HabitraBackup/MovingIn/ForeignDatabase.h>
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignHistory.h>
+#include <HabitraBackup/MovingIn/ForeignLimits.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
 #include <QZKit/Error.h>
-#include <QZKit/UTF8.h>
 
+#include <functional>
 #include <string_view>
 #include <utility>
 
@@ -14,31 +16,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view wanted =
-    "the export of Loop Habit Tracker (zip, folder or database), the database of Tickmate, the folder of harsh, or the "
-    "JSON file of beaverhabits was expected";
-
-[[noreturn]] void refuse(const fs::path& path, std::string_view what) {
-  throw qz::Error(shownPath(path) + ": " + std::string(what) + "; " + std::string(wanted));
-}
-
-ForeignHistory readFolder(const fs::path& folder, const ForeignHistorySettings& settings) {
-  if (fs::is_regular_file(folder / "Habits.csv")) return readLoopCSV(ForeignFiles::ofFolder(folder), settings);
-  if (fs::is_regular_file(folder / "habits")) return readHarsh(ForeignFiles::ofFolder(folder), settings);
-  refuse(folder, "the folder holds neither Habits.csv nor habits");
-}
-
-ForeignHistory readFile(const fs::path& file, const ForeignHistorySettings& settings) {
-  const std::string start = beginningOfFile(file);
-  if (start.empty()) refuse(file, "the file is empty");
-  if (start.starts_with(std::string_view("SQLite format 3\0", 16))) return readForeignDatabase(file, settings);
-  if (start.starts_with("PK\x03\x04") || start.starts_with("PK\x05\x06")) {
-    return readLoopCSV(ForeignFiles::ofArchive(file), settings);
-  }
-  const std::size_t first =
-      start.find_first_not_of(start.starts_with("\xEF\xBB\xBF") ? "\xEF\xBB\xBF \t\r\n" : " \t\r\n");
-  if (first != std::string::npos && start[first] == '{') return readBeaver(file, settings);
-  refuse(file, "the file begins with " + qz::utf8::quoted(start, 20) + ", which is of no known format");
+/// What was read, as a document that is made now. What the file system refuses bears the name of the file.
+ForeignHistory converted(const ForeignHistorySettings& settings, const std::function<ForeignHistory()>& read) try {
+  ForeignHistory history = read();
+  history.document.timestamp = settings.now;
+  history.document.backupType = HabitraJSONBackupType::automated;
+  history.document.backupDescription = "Converted from " + history.format;
+  return history;
+} catch (const fs::filesystem_error& error) {
+  throw qz::Error(shownPath(error.path1()) + ": " + error.code().message());
 }
 
 /// "among them 2 skips, 1 miss, 3 with an amount"; empty where there are none.
@@ -69,17 +55,41 @@ ImportRemarks ForeignHistory::importRemarks() const {
   return result;
 }
 
-ForeignHistory readForeignHistory(const fs::path& path, const ForeignHistorySettings& settings) try {
-  const fs::file_status status = fs::status(path);
-  if (status.type() == fs::file_type::not_found) throw qz::Error(shownPath(path) + ": there is no such file or folder");
-  if (!fs::is_directory(status) && !fs::is_regular_file(status)) refuse(path, "this is neither a file nor a folder");
-  ForeignHistory history = fs::is_directory(status) ? readFolder(path, settings) : readFile(path, settings);
-  history.document.timestamp = settings.now;
-  history.document.backupType = HabitraJSONBackupType::automated;
-  history.document.backupDescription = "Converted from " + history.format;
-  return history;
-} catch (const fs::filesystem_error& error) {
-  throw qz::Error(shownPath(error.path1()) + ": " + error.code().message());
+ForeignHistory readForeignFolder(const fs::path& folder, const ForeignHistorySettings& settings,
+                                 const ExchangeProgress& progress) {
+  return converted(settings, [&] {
+    if (fs::is_regular_file(folder / "Habits.csv"))
+      return readLoopCSV(ForeignFiles::ofFolder(folder), settings, progress);
+    if (fs::is_regular_file(folder / "habits")) return readHarsh(ForeignFiles::ofFolder(folder), settings, progress);
+    throw qz::Error(shownPath(folder) +
+                    ": the folder holds neither Habits.csv nor habits; the CSV export of Loop Habit Tracker or the "
+                    "folder of harsh was expected");
+  });
+}
+
+ForeignHistory readForeignArchive(const fs::path& archive, const ForeignHistorySettings& settings,
+                                  const ExchangeProgress& progress) {
+  return converted(settings, [&] { return readLoopCSV(ForeignFiles::ofArchive(archive), settings, progress); });
+}
+
+ForeignHistory readForeignDatabase(const fs::path& file, const ForeignHistorySettings& settings,
+                                   const ExchangeProgress& progress) {
+  return converted(settings, [&] {
+    const ForeignDatabase database(file);
+    if (database.hasTable("Habits") && database.hasTable("Repetitions"))
+      return readLoopDatabase(database, settings, progress);
+    if (database.hasTable("tracks") && database.hasTable("ticks")) return readTickmate(database, settings, progress);
+    if (database.hasTable("TaskLogEntryEntity"))
+      database.fail("this is a store of Habitra itself; export from it (--home with its folder) and import that");
+    database.fail(
+        "neither the tables Habits and Repetitions of Loop Habit Tracker nor tracks and ticks of Tickmate are in it");
+  });
+}
+
+ForeignHistory readForeignJSON(const ByteSource& source, const std::string& name,
+                               const ForeignHistorySettings& settings) {
+  return converted(settings,
+                   [&] { return readBeaver(contentOf(source, name, foreign_limits::largestJSON), name, settings); });
 }
 
 }  // namespace habitra

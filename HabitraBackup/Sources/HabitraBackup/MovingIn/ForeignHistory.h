@@ -1,7 +1,9 @@
 #pragma once
 
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
+#include <HabitraBackup/Exchange/ExchangeProgress.h>
 #include <HabitraBackup/Exchange/ImportRemarks.h>
+#include <HabitraBackup/Files/ByteStreams.h>
 #include <QZDateTime/DayOfWeek.h>
 #include <QZDateTime/TimeZone.h>
 #include <QZKit/Clock.h>
@@ -48,14 +50,28 @@ struct ForeignHistorySettings {
   qz::DayOfWeek firstDayOfWeek;  ///< of the habits, and for amounts that are wanted over a week
 };
 
-/// Reads a file or folder of another tracker; which one is found out from the content. Nothing is ever written, neither
-/// to it nor beside it. The document holds what the file says and nothing else: no entry has an identifier, one has a
-/// moment of making only where the file says it, a habit has neither where the file does not. Habits and their entries
-/// are in order, entries by day.
-///
-/// Throws qz::Error when the path leads to nothing that is known, or to something damaged: which file, where in it,
-/// what was found and what was expected. May be called from any thread.
-[[nodiscard]] ForeignHistory readForeignHistory(const std::filesystem::path& path,
-                                                const ForeignHistorySettings& settings);
+// The readers, one for each way in which another tracker's history is given. Nothing is ever written, neither to it nor
+// beside it. The document holds what the file says and nothing else: no entry has an identifier, one has a moment of
+// making only where the file says it, a habit has neither where the file does not. Habits and their entries are in
+// order, entries by day.
+//
+// All throw qz::Error for what is nothing that is known, or damaged: which file, where in it, what was found and what
+// was expected. They may be called from any thread; `progress`, where there is one, is told on it.
+
+/// A folder with the CSV export of Loop Habit Tracker, or with the two files of harsh.
+[[nodiscard]] ForeignHistory readForeignFolder(const std::filesystem::path& folder,
+                                               const ForeignHistorySettings& settings,
+                                               const ExchangeProgress& progress = {});
+/// A zip archive of the CSV export of Loop Habit Tracker.
+[[nodiscard]] ForeignHistory readForeignArchive(const std::filesystem::path& archive,
+                                                const ForeignHistorySettings& settings,
+                                                const ExchangeProgress& progress = {});
+/// A SQLite database: that of Loop Habit Tracker or of Tickmate, by its tables.
+[[nodiscard]] ForeignHistory readForeignDatabase(const std::filesystem::path& file,
+                                                 const ForeignHistorySettings& settings,
+                                                 const ExchangeProgress& progress = {});
+/// The JSON of beaverhabits; `name` is what messages call it.
+[[nodiscard]] ForeignHistory readForeignJSON(const ByteSource& source, const std::string& name,
+                                             const ForeignHistorySettings& settings);
 
 }  // namespace habitra

@@ -6,6 +6,7 @@
 //   remark    = "#" text
 //   log       = *(entry / remark / empty)
 //   entry     = YYYY-MM-DD " : " name " : " ("y" / "n" / "s") [" : " comment [" : " amount]]
+//                                          ; at the end of a line " :" is enough
 //
 // The last entry of a habit for a day is the one that counts. An amount of 0 is none.
 
@@ -29,15 +30,20 @@ struct LogLine {
   std::optional<double> amount;
 };
 
+constexpr std::string_view separator = " :";  // and a blank, or the end of a line of which an editor cut the blanks
+
+/// The fields with the blanks around them: two separators may share one.
 std::vector<std::string_view> fieldsOf(std::string_view line) {
-  constexpr std::string_view separator = " : ";
   std::vector<std::string_view> fields;
-  while (true) {
-    const std::size_t end = line.find(separator);
-    fields.push_back(line.substr(0, end));
-    if (end == std::string_view::npos) return fields;
-    line.remove_prefix(end + separator.size());
+  std::size_t begin = 0;
+  for (std::size_t end = line.find(separator); end != std::string_view::npos; end = line.find(separator, end + 1)) {
+    const std::size_t next = end + separator.size();
+    if (next < line.size() && line[next] != ' ') continue;
+    fields.push_back(line.substr(begin, end - begin));
+    begin = next;
   }
+  fields.push_back(line.substr(begin));
+  return fields;
 }
 
 std::optional<TaskLogEntryType> typeOf(std::string_view result) {
@@ -58,7 +64,7 @@ LogLine said(TaskLogEntryType type, const std::vector<std::string_view>& fields)
     if (line.amount == 0.0) line.amount.reset();
   }
   for (std::size_t at = 3; at < end; ++at) {
-    if (at > 3) line.comment += " : ";
+    if (at > 3) line.comment += separator;
     line.comment += fields[at];
   }
   line.comment = std::string(foreign_text::trimmed(line.comment));
@@ -67,8 +73,8 @@ LogLine said(TaskLogEntryType type, const std::vector<std::string_view>& fields)
 
 class HarshReading {
  public:
-  HarshReading(const ForeignFiles& files, const ForeignHistorySettings& settings)
-      : files_(files), settings_(settings) {}
+  HarshReading(const ForeignFiles& files, const ForeignHistorySettings& settings, const ExchangeProgress& progress)
+      : files_(files), settings_(settings), progress_(progress) {}
 
   ForeignHistory run() {
     history_.format = "harsh";
@@ -76,7 +82,7 @@ class HarshReading {
                 [this](std::size_t line, std::string_view text) { readHabit(line, text); });
     const std::string* const log = files_.find("log");
     if (log == nullptr) throw qz::Error(files_.shown("log") + ": there is no such file, the log of harsh was expected");
-    forEachLine(*log, files_.shown("log"), [this](std::size_t line, std::string_view text) { readEntry(line, text); });
+    readLog(*log);
     for (Read& read : habits_) move(read);
     return std::move(history_);
   }
@@ -90,6 +96,14 @@ class HarshReading {
   [[noreturn]] void refuse(std::string_view file, std::size_t line, std::string_view text,
                            std::string_view wanted) const {
     throw qz::Error(fmt::format("{}: line {}: {}", files_.shown(file), line, foreign_text::found(text, wanted)));
+  }
+
+  void readLog(const std::string& log) {
+    forEachLine(log, files_.shown("log"), [&](std::size_t line, std::string_view text) {
+      readEntry(line, text);
+      const auto read = static_cast<double>(text.data() + text.size() - log.data());
+      if (progress_) progress_("reading", read / static_cast<double>(log.size()));
+    });
   }
 
   Read& add(const std::string& name) {
@@ -133,15 +147,17 @@ class HarshReading {
   }
 
   void readEntry(std::size_t line, std::string_view text) {
-    if (foreign_text::trimmed(text).empty() || text.front() == '#') return;
+    text = foreign_text::trimmed(text);
+    if (text.empty() || text.front() == '#') return;
     const std::vector<std::string_view> fields = fieldsOf(text);
     if (fields.size() < 3) refuse("log", line, text, "date : habit : y, n or s : comment : amount");
     const auto day = foreign_text::day(foreign_text::trimmed(fields[0]));
-    if (!day) refuse("log", line, fields[0], "a day of the calendar as 2024-01-31");
+    if (!day) refuse("log", line, foreign_text::trimmed(fields[0]), "a day of the calendar as 2024-01-31");
     const std::string name(foreign_text::trimmed(fields[1]));
     if (name.empty()) refuse("log", line, text, "the name of a habit");
-    const auto type = typeOf(foreign_text::trimmed(fields[2]));
-    if (!type) refuse("log", line, fields[2], "y, n or s");
+    const std::string_view result = foreign_text::trimmed(fields[2]);
+    const auto type = typeOf(result);
+    if (!type) refuse("log", line, result, "y, n or s");
     habitOf(name).days.insert_or_assign(*day, said(*type, fields));
   }
 
@@ -164,6 +180,7 @@ class HarshReading {
 
   const ForeignFiles& files_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   std::string heading_;
   std::vector<Read> habits_;
   std::unordered_map<std::string, std::size_t> places_;  // in habits_, by name
@@ -172,8 +189,9 @@ class HarshReading {
 
 }  // namespace
 
-ForeignHistory readHarsh(const ForeignFiles& files, const ForeignHistorySettings& settings) {
-  return HarshReading(files, settings).run();
+ForeignHistory readHarsh(const ForeignFiles& files, const ForeignHistorySettings& settings,
+                         const ExchangeProgress& progress) {
+  return HarshReading(files, settings, progress).run();
 }
 
 }  // namespace habitra

@@ -157,8 +157,8 @@ std::map<std::int64_t, std::string> filesWithMarks(const ForeignFiles& files) {
 
 class LoopCSVReading {
  public:
-  LoopCSVReading(const ForeignFiles& files, const ForeignHistorySettings& settings)
-      : files_(files), settings_(settings), marks_(filesWithMarks(files)) {}
+  LoopCSVReading(const ForeignFiles& files, const ForeignHistorySettings& settings, const ExchangeProgress& progress)
+      : files_(files), settings_(settings), progress_(progress), marks_(filesWithMarks(files)) {}
 
   ForeignHistory run() {
     const std::string name = files_.shown("Habits.csv");
@@ -171,6 +171,7 @@ class LoopCSVReading {
       } catch (const CSVError& error) {
         throw isInMarks_ ? error : error.in(name);
       }
+      if (progress_) progress_("reading", static_cast<double>(index + 1) / static_cast<double>(habits.rows.size()));
     }
     for (const auto& [number, file] : marks_) {
       history_.remarks.push_back(files_.shown(file) + ": no habit of this number stands in Habits.csv; left out");
@@ -192,10 +193,12 @@ class LoopCSVReading {
     return *count;
   }
 
-  static std::int64_t position(const HabitRow& row, std::int64_t place) {
+  /// The number of the habit's folder.
+  std::int64_t position(const HabitRow& row, std::int64_t place) {
     if (!row.has("Position")) return place;
     const auto number = foreign_text::wholeNumber(row.value("Position"));
     if (!number) row.refuse("Position", "a whole number");
+    if (!positions_.insert(*number).second) row.refuse("Position", "each habit once");
     return *number;
   }
 
@@ -267,7 +270,7 @@ class LoopCSVReading {
       habit.addNote(mark.day, mark.notes);
       if (mark.value == loop::no) continue;
       if (isMeasured && mark.value > loop::no && mark.value != loop::skipped) {
-        const double amount = static_cast<double>(mark.value) / loop::thousandths;
+        const double amount = static_cast<double>(mark.value) / ForeignHabit::thousandthsInOne;
         habit.add(TaskLogEntryType::completedManuallyFull, mark.day, amount);
       } else {
         loop::addDay(habit, loop::HabitKind::ticked, mark.day, mark.value);
@@ -277,15 +280,29 @@ class LoopCSVReading {
 
   const ForeignFiles& files_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   std::map<std::int64_t, std::string> marks_;  // those that no habit has taken yet
+  std::set<std::int64_t> positions_;           // of the habits so far
   bool isInMarks_ = false;                     // whether errors bear the name of their file already
   ForeignHistory history_;
 };
 
 }  // namespace
 
-ForeignHistory readLoopCSV(const ForeignFiles& files, const ForeignHistorySettings& settings) {
-  return LoopCSVReading(files, settings).run();
+ForeignHistory readLoopCSV(const ForeignFiles& files, const ForeignHistorySettings& settings,
+                           const ExchangeProgress& progress) {
+  return LoopCSVReading(files, settings, progress).run();
+}
+
+bool isTableOfLoop(std::string_view header) {
+  const auto names = [&header](std::string_view column) {
+    return fmt::format(",{},", header).find(fmt::format(",{},", column)) != std::string::npos;
+  };
+  if (names("title")) return false;  // a task history of our own
+  if (names("Name") && (names("FrequencyNumerator") || names("NumRepetitions"))) return true;
+  // Those of all habits together end each row with a comma.
+  return header.starts_with("Date,Value") || header == "Date,Score" ||
+         (header.starts_with("Date,") && header.ends_with(','));
 }
 
 }  // namespace habitra

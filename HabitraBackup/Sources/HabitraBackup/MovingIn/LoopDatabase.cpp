@@ -2,6 +2,7 @@
 // later than 12 (each was a tick), so did type, target, unit, question, uuid and notes. The moment of a repetition is
 // midnight in UTC of the day that the device showed.
 
+#include <HabitraBackup/DerivedIdentifier.h>
 #include <HabitraBackup/MovingIn/ForeignDatabase.h>
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignText.h>
@@ -9,8 +10,10 @@
 
 #include <fmt/core.h>
 #include <algorithm>
+#include <map>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace habitra {
@@ -42,9 +45,11 @@ qz::DaysOfWeek weekdays(std::int64_t bits) {
 
 class LoopDatabaseReading {
  public:
-  LoopDatabaseReading(const ForeignDatabase& database, const ForeignHistorySettings& settings)
+  LoopDatabaseReading(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                      const ExchangeProgress& progress)
       : database_(database),
         settings_(settings),
+        progress_(progress),
         hasQuestions_(database.hasColumn("Habits", "question")),
         hasValues_(database.hasColumn("Repetitions", "value")) {}
 
@@ -56,11 +61,15 @@ class LoopDatabaseReading {
         {"id", "name", "position", "archived", "type", "freq_num", "freq_den", "target_type", "target_value", "unit",
          "question", "description", "uuid", "reminder_hour", "reminder_min", "reminder_days"},
         [this](const Row& row) { readHabit(row); });
-    database_.forEachRow("Repetitions", {"id", "habit", "timestamp", "value", "notes"},
-                         [this](const Row& row) { readRepetition(row); });
+    database_.forEachRow(
+        "Repetitions", {"id", "habit", "timestamp", "value", "notes"}, [this](const Row& row) { readRepetition(row); },
+        progress_);
     std::stable_sort(habits_.begin(), habits_.end(),
                      [](const Read& a, const Read& b) { return a.position < b.position; });
-    for (Read& read : habits_) std::move(read.habit).moveInto(history_, settings_);
+    for (Read& read : habits_) {
+      read.habit.remarkContradictions(read.contradicted, "first");
+      std::move(read.habit).moveInto(history_, settings_);
+    }
     if (numHomeless_ > 0) {
       history_.remarks.push_back(foreign_text::counted(numHomeless_, "entry belongs", "entries belong") +
                                  " to no habit or no day; left out");
@@ -70,11 +79,16 @@ class LoopDatabaseReading {
   }
 
  private:
+  struct Day {
+    std::int64_t value;
+    std::string note;
+  };
   struct Read {
     ForeignHabit habit;
     loop::HabitKind kind;
     std::int64_t position;
-    std::set<std::int64_t> days = {};  // by their numbers, of which something is known
+    std::map<qz::YYYYMMDD, Day> days = {};  // of which something is known
+    std::set<qz::YYYYMMDD> contradicted = {};
   };
 
   static bool is(const Row& row, int column, std::string_view wanted) {
@@ -106,11 +120,14 @@ class LoopDatabaseReading {
     settings.description = hasQuestions_ ? description : std::string_view();
 
     ForeignHabit habit(row.text(1).value_or(std::string()));
-    if (const auto uuid = row.text(12)) habit.setIdentifier(identifier(*uuid));
+    const auto uuid = row.text(12);
+    const auto uniqueId = uuid ? identifier(*uuid) : std::nullopt;
+    if (uniqueId && !identifiers_.insert(*uniqueId).second) row.refuse(12, "each identifier once");
+    habit.setIdentifier(uniqueId);
     loop::apply(settings, habit);
     readReminder(row, habit);
     const std::int64_t id = row.wantedInteger(0);
-    places_.emplace(id, habits_.size());
+    if (!places_.emplace(id, habits_.size()).second) row.refuse(0, "each habit once");
     habits_.push_back({std::move(habit), settings.kind, row.integer(2).value_or(id)});
   }
 
@@ -142,29 +159,36 @@ class LoopDatabaseReading {
       row.refuse(2, "midnight of a day in milliseconds since 1970");
     }
     Read& read = habits_[place->second];
-    // Of two repetitions of a day the program itself keeps the first.
-    if (!read.days.insert(number).second) return;
     const std::int64_t value = hasValues_ ? row.integer(3).value_or(loop::yes) : loop::yes;
     if (!loop::isPossible(read.kind, value)) row.refuse(3, loop::wantedMarks);
-    const qz::YYYYMMDD day = qz::YYYYMMDD::fromDayNumber(number);
-    loop::addDay(read.habit, read.kind, day, value);
-    read.habit.addNote(day, row.text(4).value_or(std::string()));
+    addDay(read, qz::YYYYMMDD::fromDayNumber(number), {value, row.text(4).value_or(std::string())});
+  }
+
+  /// Of two repetitions of a day the program itself keeps the first; the note of the other is kept as well.
+  static void addDay(Read& read, const qz::YYYYMMDD& day, const Day& said) {
+    const auto [first, isFirst] = read.days.try_emplace(day, said);
+    if (isFirst) loop::addDay(read.habit, read.kind, day, said.value);
+    if (isFirst || first->second.note != said.note) read.habit.addNote(day, said.note);
+    if (first->second.value != said.value) read.contradicted.insert(day);
   }
 
   const ForeignDatabase& database_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   bool hasQuestions_;
   bool hasValues_;
   std::vector<Read> habits_;
   std::unordered_map<std::int64_t, std::size_t> places_;  // in habits_, by the key of the row
+  std::unordered_set<qz::UniqueID> identifiers_;
   std::size_t numHomeless_ = 0;
   ForeignHistory history_;
 };
 
 }  // namespace
 
-ForeignHistory readLoopDatabase(const ForeignDatabase& database, const ForeignHistorySettings& settings) {
-  return LoopDatabaseReading(database, settings).run();
+ForeignHistory readLoopDatabase(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                                const ExchangeProgress& progress) {
+  return LoopDatabaseReading(database, settings, progress).run();
 }
 
 }  // namespace habitra

@@ -32,7 +32,7 @@ bool isPossible(HabitKind kind, std::int64_t value) {
 void addDay(ForeignHabit& habit, HabitKind kind, const qz::YYYYMMDD& day, std::int64_t value) {
   if (value == skipped) return habit.add(TaskLogEntryType::skippedManuallyFull, day);
   if (value == unknown) return;
-  if (kind == HabitKind::measured) return habit.addAmount(day, static_cast<double>(value) / thousandths);
+  if (kind == HabitKind::measured) return habit.addAmount(day, value);
   if (value == yes) habit.add(TaskLogEntryType::completedManuallyFull, day);
   if (value == no) habit.add(TaskLogEntryType::missedManuallyFull, day);
 }

@@ -16,9 +16,6 @@ inline constexpr std::int64_t yesAutomatic = 1;  ///< derived: the frequency ask
 inline constexpr std::int64_t yes = 2;
 inline constexpr std::int64_t skipped = 3;
 
-/// What a day of a measured habit is multiplied by.
-inline constexpr double thousandths = 1000.0;
-
 enum class HabitKind { ticked, measured };
 
 /// The mark of a name ("YES_MANUAL") or number ("2"); none for anything else.

@@ -23,8 +23,9 @@ constexpr std::int64_t newestLayout = 14;
 
 class TickmateReading {
  public:
-  TickmateReading(const ForeignDatabase& database, const ForeignHistorySettings& settings)
-      : database_(database), settings_(settings) {}
+  TickmateReading(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                  const ExchangeProgress& progress)
+      : database_(database), settings_(settings), progress_(progress) {}
 
   ForeignHistory run() {
     history_.format = "Tickmate, database";
@@ -32,9 +33,9 @@ class TickmateReading {
     database_.forEachRow("tracks", {"_id", "name", "description", "enabled", "order"},
                          [this](const Row& row) { readTrack(row); });
     if (database_.hasTable("groups") && database_.hasTable("track2groups")) readGroups();
-    database_.forEachRow("ticks",
-                         {"_id", "_track_id", "year", "month", "day", "hour", "minute", "second", "has_time_info"},
-                         [this](const Row& row) { readTick(row); });
+    database_.forEachRow(
+        "ticks", {"_id", "_track_id", "year", "month", "day", "hour", "minute", "second", "has_time_info"},
+        [this](const Row& row) { readTick(row); }, progress_);
     std::stable_sort(tracks_.begin(), tracks_.end(), [](const Track& a, const Track& b) { return a.order < b.order; });
     for (Track& track : tracks_) std::move(track.habit).moveInto(history_, settings_);
     addRemarks();
@@ -60,7 +61,7 @@ class TickmateReading {
     ForeignHabit habit(row.text(1).value_or(std::string()));
     habit.remarkNoPlace("description", row.text(2).value_or(std::string()));
     if (row.integer(3).value_or(1) == 0) habit.setArchived();
-    places_.emplace(row.wantedInteger(0), tracks_.size());
+    if (!places_.emplace(row.wantedInteger(0), tracks_.size()).second) row.refuse(0, "each track once");
     tracks_.push_back({std::move(habit), row.integer(4).value_or(-1)});
   }
 
@@ -111,6 +112,7 @@ class TickmateReading {
 
   const ForeignDatabase& database_;
   const ForeignHistorySettings& settings_;
+  const ExchangeProgress& progress_;
   std::vector<Track> tracks_;
   std::unordered_map<std::int64_t, std::size_t> places_;  // in tracks_, by the key of the row
   std::size_t numHomeless_ = 0;
@@ -119,8 +121,9 @@ class TickmateReading {
 
 }  // namespace
 
-ForeignHistory readTickmate(const ForeignDatabase& database, const ForeignHistorySettings& settings) {
-  return TickmateReading(database, settings).run();
+ForeignHistory readTickmate(const ForeignDatabase& database, const ForeignHistorySettings& settings,
+                            const ExchangeProgress& progress) {
+  return TickmateReading(database, settings, progress).run();
 }
 
 }  // namespace habitra

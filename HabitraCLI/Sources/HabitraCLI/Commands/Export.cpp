@@ -3,6 +3,8 @@
 #include <HabitraCLI/UsageError.h>
 
 #include <fmt/format.h>
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <filesystem>
 #include <system_error>
@@ -29,7 +31,9 @@ HabitraBackupFormat formatOf(const std::string& name) {
   if (name == "-" || isSpecial) return HabitraBackupFormat::csv;
   std::filesystem::path file = name;
   if (file.extension() == ".zst") file.replace_extension();
-  const std::string extension = file.extension().string();
+  std::string extension = file.extension().string();
+  std::ranges::transform(extension, extension.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   if (const auto format = formatOfFileExtension(extension.empty() ? extension : extension.substr(1))) return *format;
   throw UsageError(
       fmt::format("'{}' does not say in which form: let it end in .csv or .habitra, or give --format", name), "export");

@@ -1,4 +1,4 @@
-#include <HabitraBackup/MovingIn/ForeignFiles.h>
+#include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
 #include <HabitraBackup/MovingIn/Zip/ZipArchive.h>
 #include <QZKit/Error.h>
