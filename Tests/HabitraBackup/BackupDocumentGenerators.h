@@ -81,7 +81,11 @@ inline HabitraJSONBackupTaskRecord anyRecord() {
   record.counters = anyFew(anyWritableRow<TaskCounterEntity>);
   record.timers = anyFew(anyWritableRow<TaskTimerEntity>);
   record.categories = anyFew(anyID);
-  record.pauses = anyFew([] { return TaskPause{anyCommonDay(), anyOrNone(anyCommonDay)}; });
+  record.pauses = anyFew([] {
+    TaskPause pause{anyCommonDay(), anyOrNone(anyCommonDay)};
+    if (pause.to) pause.to = std::max(pause.from, *pause.to);
+    return pause;
+  });
   return record;
 }
 

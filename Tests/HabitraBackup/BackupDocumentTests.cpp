@@ -165,6 +165,8 @@ TEST(BackupDocumentTests, WhatIsRefused) {
        "tasks[0].taskEntry[0]: a period has entryPeriodFrom, entryPeriodTo and entryPeriodType, or none"},
       {withEntry(entry + R"(,"entryPeriodFrom":20240131,"entryPeriodTo":20240130,"entryPeriodType":"d")"),
        "tasks[0].taskEntry[0].entryPeriodTo: the period ends before it begins"},
+      {R"({"version":1,"tasks":[{"pauses":[{"from":20240131,"to":20240101}]}]})",
+       "tasks[0].pauses[0].to: the pause ends before it begins"},
       {withEntry(entry + R"(,"progress":"all of it, and a good deal more than anybody asked for")"),
        "tasks[0].taskEntry[0].progress: \"all of it, and a good deal more than any...\" is not a number"},
   };

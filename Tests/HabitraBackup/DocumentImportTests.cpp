@@ -111,6 +111,23 @@ TEST(DocumentImportTests, ATaskWithoutIdentifierIsFoundAgainByTheTitleThatItGot)
   EXPECT_EQ(home.context.fetchAll<TaskEntity>().size(), 2U);
 }
 
+TEST(DocumentImportTests, WhatIsOddInAHabitIsSaid) {
+  Home home;
+  HabitraJSONBackup document;
+  document.tasks.emplace_back().log = {entry({204, 6, 1})};
+  TaskEntity& row = document.tasks[0].record.emplace().task;
+  row.daysMode = 99;
+  row.currentTimeZoneOverride = "Nowhere/City";
+  const auto report = home.import(document);
+  EXPECT_EQ(
+      report.tasks.at(0).remarks,
+      (std::vector<std::string>{
+          "it has no title", "how often it is to be done cannot be read; until that is changed no day of it is judged",
+          "\"Nowhere/City\" is no time zone that is known here; its days are those of this device",
+          "its first entry is of 0204-06-01, and all days since then count"}));
+  EXPECT_TRUE(home.import(document).tasks.at(0).remarks.empty()) << "nothing has changed";
+}
+
 TEST(DocumentImportTests, AnIdentifierIsTakenInWhateverCaseItIsStored) {
   Home home;
   HabitraJSONBackup document;

@@ -206,6 +206,7 @@ TEST(TaskHistoryTests, RefusedValues) {
       {"entry_timestamp", "2024-01-31", noMoment},
       {"entry_timestamp", "2024-02-30T08:15:00Z", noMoment},
       {"entry_timestamp", "2024-01-31T08:15:00", noMoment},
+      {"entry_timestamp", "9999-12-31T23:59:59-12:00", " lies outside the years 0 to 9999 of UTC"},
       {"quantity", "many", noNumber},
       {"quantity", "1e3", noNumber},
       {"quantity", "nan", noNumber},

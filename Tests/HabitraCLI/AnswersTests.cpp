@@ -61,7 +61,7 @@ TEST(AnswersTests, saysWhatHoldsNow) {
   EXPECT_EQ(
       asText(habitra::ImportedHistory{{.report = report, .processed = habitra::ProcessReport{.filledIn = 12}}}, {}),
       "1 habit: 1 already there\n1 entry: 1 already there\n12 days filled in\n");
-  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = {}}}, {}),
+  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = report, .processed = habitra::ProcessReport{}}}, {}),
             "1 habit: 1 already there\n1 entry: 1 already there\n");
   const habitra::ImportReport more{
       .tasks =
@@ -76,7 +76,7 @@ TEST(AnswersTests, saysWhatHoldsNow) {
       .categories = {.added = 2},
       .settings = {.left = 1},
       .remarks = {"2 journals were left out"}};
-  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = more, .processed = {}}}, {}),
+  EXPECT_EQ(asText(habitra::ImportedHistory{{.report = more, .processed = habitra::ProcessReport{}}}, {}),
             "3 habits: 1 added, 1 already there, 1 left out\n"
             "2 entries: 2 added\n"
             "1 note: 1 added\n"

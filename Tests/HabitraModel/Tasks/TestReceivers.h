@@ -4,13 +4,15 @@
 #include <HabitraModel/Links/WidgetCenter.h>
 #include <HabitraModel/Tasks/Recording/TaskLogRecorder.h>
 
+#include <atomic>
+
 namespace habitra {
 
 /// Counts what it was asked for.
 class CountingWidgetCenter : public WidgetCenter {
  public:
   void reloadAllTimelines() noexcept override { ++reloads; }
-  int reloads = 0;
+  std::atomic<int> reloads = 0;  // passes run on a queue of their own
 };
 
 /// Whom a recorder tells: outboxes, and widgets that are counted.

@@ -73,7 +73,8 @@ void writeCategories(JSONWriter& writer, const std::vector<qz::UniqueID>& catego
 }
 
 bool isWritable(const TaskPause& pause) {
-  return document_values::day(pause.from.intValue()) && (!pause.to || document_values::day(pause.to->intValue()));
+  if (!document_values::day(pause.from.intValue())) return false;
+  return !pause.to || (document_values::day(pause.to->intValue()) && pause.from <= *pause.to);
 }
 
 void writePauses(JSONWriter& writer, std::vector<TaskPause> pauses) {

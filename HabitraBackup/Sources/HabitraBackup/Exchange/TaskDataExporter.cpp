@@ -1,3 +1,4 @@
+#include <HabitraBackup/Document/DocumentValues.h>
 #include <HabitraBackup/Document/HabitraJSONEncoder.h>
 #include <HabitraBackup/Exchange/StoredTaskParts.h>
 #include <HabitraBackup/Exchange/TaskDataExporter.h>
@@ -27,7 +28,7 @@ std::optional<HabitraJSONBackupDay> backupDay(std::int32_t stored) {
 /// would say something else.
 std::optional<HabitraJSONBackupTaskEntry> entryFrom(const TaskLogEntryEntity& stored) {
   const auto type = fromRawValue<TaskLogEntryType>(stored.entryType);
-  const auto day = backupDay(stored.entryDate);
+  const auto day = document_values::day(stored.entryDate);
   if (!type || !day) return std::nullopt;
   HabitraJSONBackupTaskEntry entry;
   entry.entryType = *type;
