@@ -184,7 +184,8 @@ class Application {
   HealthImportOutcome importHealthSamples(const std::filesystem::path& file);
 
   /// Writes the history of every habit, or of those on a page, as nine columns, or as a backup document that holds
-  /// everything. A file is replaced in one step, or left as it was, and compressed when its name ends in ".zst".
+  /// everything. A file is replaced in one step, or left as it was, and compressed when its name ends in ".zst". The
+  /// habits are brought up to date before, where that is due.
   ExportOutcome exportHistory(std::ostream& stream, const ExportRequest& request);
   ExportOutcome exportHistory(const std::filesystem::path& file, const ExportRequest& request);
 

@@ -88,6 +88,8 @@ HealthImportOutcome Application::healthImportOutcome(std::size_t added, std::siz
 
 ExportOutcome Application::exportHistory(const ExportRequest& request, const ByteSink& sink) {
   const HabitraBackupFormat format = request.format;
+  // Days that are over and not filled in yet would make whatever takes the file in differ from what is here.
+  if (!rooms_->timeIsGiven()) processIfDue();
   StoreContext* context = rooms_->readingContext();
   if (context == nullptr) {
     const HabitraJSONBackup empty{.timestamp = rooms_->now()};

@@ -49,6 +49,19 @@ TEST(ImportTests, succeedsExactlyWhenItIsStored) {
   EXPECT_TRUE(passFailed) << "no reading of the clock belonged to the pass alone";
 }
 
+TEST(ImportTests, whatIsExportedIsUpToDate) {
+  const TemporaryFolder folder;
+  const auto applicationOn = [&](int day) {
+    const qz::Moment noon = std::chrono::sys_days(std::chrono::January / day / 2024) + std::chrono::hours(12);
+    return habitra::Application(
+        {.home = folder / "home", .clock = std::make_shared<qz::FixedClock>(noon), .timeZone = qz::TimeZone::utc()});
+  };
+  std::istringstream history("title,entry_type,entry_date\nRead,completed_manually,20240120\n");
+  applicationOn(20).importHistory(history, "history.csv");
+  std::ostringstream rows;
+  EXPECT_EQ(applicationOn(23).exportHistory(rows, {}).rows, 3U) << rows.str();
+}
+
 TEST(ImportTests, killedAtAnyPointLeavesWhatWasThereOrAllOfIt) {
   std::string text = "title,entry_type,entry_date\n";
   for (int habit = 0; habit < 6; ++habit)
