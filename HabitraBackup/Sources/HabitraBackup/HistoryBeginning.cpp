@@ -1,3 +1,4 @@
+#include <HabitraBackup/Files/ByteOrderMark.h>
 #include <HabitraBackup/HistoryBeginning.h>
 #include <HabitraBackup/MovingIn/ForeignFormats.h>
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
@@ -12,7 +13,6 @@ namespace habitra {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t\r\n";
 
 /// Looks at the keys of a JSON object, up to one that tells whose it is.

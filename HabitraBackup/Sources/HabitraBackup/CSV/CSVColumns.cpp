@@ -1,5 +1,6 @@
 #include <HabitraBackup/CSV/CSVColumns.h>
 #include <HabitraBackup/CSV/CSVError.h>
+#include <HabitraBackup/Files/ByteOrderMark.h>
 #include <QZKit/EditDistance.h>
 #include <QZKit/UTF8.h>
 
@@ -13,7 +14,6 @@ namespace habitra {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 // A message lists at most so many of the names that a header holds.
 constexpr std::size_t mostNamesListed = 9;
 

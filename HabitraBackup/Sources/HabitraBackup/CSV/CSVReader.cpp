@@ -1,5 +1,6 @@
 #include <HabitraBackup/CSV/CSVError.h>
 #include <HabitraBackup/CSV/CSVReader.h>
+#include <HabitraBackup/Files/ByteOrderMark.h>
 #include <QZKit/UTF8.h>
 
 #include <csv.h>
@@ -14,8 +15,6 @@
 namespace habitra {
 
 namespace {
-
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // Long texts are handed to the parser in slices, so that an error is noticed soon after it was made.
 constexpr std::size_t sliceLength = std::size_t{1} << 16U;

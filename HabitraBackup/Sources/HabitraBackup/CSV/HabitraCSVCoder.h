@@ -31,7 +31,7 @@ class HabitraCSVEncoder {
 ///
 ///     entry_type       one of the sixteen texts
 ///     entry_date       eight digits that name a day of the calendar, years 1 to 9999
-///     entry_timestamp  a date-time of RFC 3339, with any offset and fraction
+///     entry_timestamp  a date-time of RFC 3339, with any offset and fraction, in the years 0 to 9999 of UTC
 ///     quantity         digits with or without a point and more digits, after a minus sign or none
 ///     page             1 to 32768
 ///

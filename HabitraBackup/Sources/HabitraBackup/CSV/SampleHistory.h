@@ -17,8 +17,8 @@ inline constexpr std::string_view sampleFileName = "habitra-sample.csv";
 [[nodiscard]] HabitraJSONBackup sampleHistory(qz::YYYYMMDD today, const qz::TimeZone& timeZone);
 
 /// Writes it as CSV to "habitra-sample.csv" in the folder, or in that for temporary files where none is named, and
-/// gives the file's path. Throws qz::Error: "Unable to determine storage location" where there is no such folder, or
-/// what the file system refuses.
+/// gives the file's path; a link of that name is replaced. Throws qz::Error where the folder is none ("Unable to
+/// determine storage location" for that of temporary files), or for what the file system refuses.
 std::filesystem::path writeSampleCsv(const std::filesystem::path& folder, qz::YYYYMMDD today,
                                      const qz::TimeZone& timeZone);
 

@@ -138,20 +138,12 @@ void writeEntry(JSONWriter& writer, const HabitraJSONBackupTaskEntry& entry) {
   writer.endObject();
 }
 
-// Gives how many entries were left out.
-std::size_t writeLog(JSONWriter& writer, const std::vector<HabitraJSONBackupTaskEntry>& log) {
-  std::size_t leftOut = 0;
+void writeLog(JSONWriter& writer, const std::vector<HabitraJSONBackupTaskEntry>& log) {
   writer.key(keys::taskEntry);
   writer.beginList(Spread::lines);
-  for (const HabitraJSONBackupTaskEntry& entry : log) {
-    if (document_values::day(entry.entryDate.intValue())) {
-      writeEntry(writer, entry);
-    } else {
-      ++leftOut;
-    }
-  }
+  for (const HabitraJSONBackupTaskEntry& entry : log)
+    if (document_values::day(entry.entryDate.intValue())) writeEntry(writer, entry);
   writer.endList();
-  return leftOut;
 }
 
 std::optional<std::string> imageName(const HabitraJSONBackupTask& task) {
@@ -190,7 +182,7 @@ void HabitraJSONEncoder::task(const HabitraJSONBackupTask& task) {
   if (task.pageNumber) writer.member(keys::pageNumber, task.pageNumber->rawValue());
   if (task.record) writeRecord(writer, *task.record);
   if (task.notes) writeRows(writer, keys::taskNote, *task.notes);
-  if (task.log) entriesLeftOut_ += writeLog(writer, *task.log);
+  if (task.log) writeLog(writer, *task.log);
   writer.endObject();
 }
 

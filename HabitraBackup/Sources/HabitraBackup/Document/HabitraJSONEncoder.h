@@ -3,7 +3,6 @@
 #include <HabitraBackup/Document/HabitraJSONBackup.h>
 #include <HabitraBackup/Files/ByteStreams.h>
 
-#include <cstddef>
 #include <memory>
 
 namespace habitra {
@@ -29,12 +28,8 @@ class HabitraJSONEncoder {
   /// Hands on what has been written so far.
   void end();
 
-  /// The entries that were left out, since the calendar does not have their day.
-  [[nodiscard]] std::size_t entriesLeftOut() const { return entriesLeftOut_; }
-
  private:
   std::unique_ptr<JSONWriter> writer_;
-  std::size_t entriesLeftOut_ = 0;
 };
 
 /// Writes a whole document.

@@ -38,8 +38,8 @@ struct SaveRequest;
 /// is to be processed from its beginning.
 ///
 /// *Notes and other parts*: see TaskParts. Overwriting takes those away that the document does not have; of a task
-/// without record it says nothing of parts, which then stay, but makes its settings those of a newly made one. Picture
-/// and page stay where the document says neither.
+/// without record it says nothing of parts, which then stay, but makes its settings those of a newly made one. The page
+/// stays where the document does not say it, and so does the picture where its record is not whole or absent.
 ///
 /// *Identifiers* stay unique: one that another row has already is that one's, and the new row gets another. With
 /// `importWithNewID` all rows of tasks get new ones. Timers follow their entries.

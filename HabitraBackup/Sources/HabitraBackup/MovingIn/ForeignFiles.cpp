@@ -1,3 +1,4 @@
+#include <HabitraBackup/Files/ByteOrderMark.h>
 #include <HabitraBackup/Files/FileReading.h>
 #include <HabitraBackup/MovingIn/ForeignFiles.h>
 #include <HabitraBackup/MovingIn/ForeignLimits.h>
@@ -103,7 +104,7 @@ std::string ForeignFiles::shown(std::string_view name) const { return root_ + "/
 
 void forEachLine(const std::string& text, const std::string& name, const ForeignLineHandler& onLine) {
   std::string_view rest = text;
-  if (rest.starts_with("\xEF\xBB\xBF")) rest.remove_prefix(3);
+  if (rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
   for (std::size_t line = 1; !rest.empty(); ++line) {
     if (line > foreign_limits::mostRows) {
       throw qz::Error(fmt::format("{}: more than {} lines found, fewer were expected", name, foreign_limits::mostRows));
